@@ -1,0 +1,60 @@
+// What the logic asks of the desktop: boxes, pointer, pump, clipboard, files,
+// printing. Realised by the Qt desktop, by the console and, for tests, by a
+// recorder. The running program has one, installed at start.
+#pragma once
+
+#include <QString>
+
+#include <functional>
+
+namespace zov {
+
+enum class BoxIcon { None, Information, Exclamation, Critical, Question };
+enum class BoxAnswer { Ok, Yes, No, Cancel };
+
+class Screen;
+
+class Shell {
+ public:
+    virtual ~Shell() = default;
+
+    /// Shows a screen modally: returns when the screen has closed itself or its user has left it.
+    virtual void showModal(Screen& screen) = 0;
+
+    /// A box with an OK button. An empty title is the program's name.
+    virtual void messageBox(const QString& text, const QString& title = {},
+                            BoxIcon icon = BoxIcon::Information) = 0;
+    /// A question with Yes and No.
+    virtual bool askYesNo(const QString& text, const QString& title = {}) = 0;
+    /// A question with Yes, No and Cancel.
+    virtual BoxAnswer askYesNoCancel(const QString& text, const QString& title = {}) = 0;
+
+    /// Serves waiting events; cheap enough to be called once per record or object.
+    virtual void pumpEvents() = 0;
+
+    virtual void setClipboardText(const QString& text) = 0;
+    /// Opens a file or an address with the desktop's own program for it.
+    virtual void openWithDesktop(const QString& fileOrUrl) = 0;
+    /// A save dialog that asks before it overwrites; empty when cancelled.
+    virtual QString askSavePath(const QString& title, const QString& filter,
+                                const QString& initialPath) = 0;
+
+    /// The wait pointer nests: each true is undone by one false.
+    virtual void setWaitPointer(bool on) = 0;
+};
+
+/// The program's shell. Never null: until one is installed, a silent one that answers No.
+Shell& shell();
+/// Installs a shell for the program's life; null puts the silent one back. Not owned.
+void installShell(Shell* shell);
+
+/// The wait pointer for the length of a scope.
+class WaitPointer {
+ public:
+    WaitPointer() { shell().setWaitPointer(true); }
+    ~WaitPointer() { shell().setWaitPointer(false); }
+    WaitPointer(const WaitPointer&) = delete;
+    WaitPointer& operator=(const WaitPointer&) = delete;
+};
+
+}  // namespace zov

@@ -1,0 +1,99 @@
+#include "util/atomic_file.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QLockFile>
+#include <QSaveFile>
+
+namespace zov {
+namespace {
+
+constexpr int LockPatienceMs = 10'000;
+
+QString cannotWrite(const QString& path, const QString& reason) {
+    return QStringLiteral("Cannot write %1: %2.").arg(QDir::toNativeSeparators(path), reason);
+}
+
+/// Empty when the file's folder is there (made if need be), else the sentence.
+QString ensureFolder(const QString& path) {
+    if (path.isEmpty()) return QStringLiteral("Cannot write a file without a name.");
+    const QString folder = QFileInfo(path).absolutePath();
+    if (QFileInfo(folder).isDir() || QDir().mkpath(folder)) return {};
+    return cannotWrite(
+        path, QStringLiteral("the folder %1 cannot be made").arg(QDir::toNativeSeparators(folder)));
+}
+
+}  // namespace
+
+QString writeFileAtomically(const QString& path, const QByteArray& bytes, FileAccess access) {
+    if (const QString trouble = ensureFolder(path); !trouble.isEmpty()) return trouble;
+    QSaveFile file(path);
+    // Unbuffered: with a buffer a disk that fills is noticed when the file is closed for renaming,
+    // and the cut file takes the place of the old one all the same (Qt 6.4).
+    if (!file.open(QIODevice::WriteOnly | QIODevice::Unbuffered)) {
+        return cannotWrite(path, file.errorString());
+    }
+    if (access == FileAccess::OwnerOnly) {
+        file.setPermissions(QFileDevice::ReadOwner | QFileDevice::WriteOwner);
+    }
+    for (qsizetype done = 0; done < bytes.size();) {
+        const qint64 written = file.write(bytes.constData() + done, bytes.size() - done);
+        if (written <= 0) {
+            const QString reason = file.errorString();
+            file.cancelWriting();
+            file.commit();
+            return cannotWrite(path, reason);
+        }
+        done += qsizetype(written);
+    }
+    if (!file.commit()) return cannotWrite(path, file.errorString());
+    return {};
+}
+
+QString readWholeFile(const QString& path, QByteArray& bytes, bool* exists) {
+    bytes.clear();
+    const QFileInfo info(path);
+    if (exists) *exists = info.exists();
+    if (!info.exists()) return {};
+    const auto cannotRead = [&](const QString& reason) {
+        return QStringLiteral("Cannot read %1: %2.").arg(QDir::toNativeSeparators(path), reason);
+    };
+    if (info.isDir()) return cannotRead(QStringLiteral("it is a folder"));
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly)) return cannotRead(file.errorString());
+    bytes = file.readAll();
+    if (file.error() != QFileDevice::NoError) {
+        bytes.clear();
+        return cannotRead(file.errorString());
+    }
+    return {};
+}
+
+QString updateTextFile(const QString& path, FileAccess access,
+                       const std::function<void(QString& text)>& change) {
+    if (const QString trouble = ensureFolder(path); !trouble.isEmpty()) return trouble;
+    QLockFile lock(path + QStringLiteral(".lock"));
+    if (!lock.tryLock(LockPatienceMs)) {
+        switch (lock.error()) {
+            case QLockFile::LockFailedError:
+                return cannotWrite(path, QStringLiteral("another program holds its lock file"));
+            case QLockFile::PermissionError:
+                return cannotWrite(path, QStringLiteral("its folder is not writable"));
+            default:
+                return cannotWrite(path, QStringLiteral("its lock file cannot be made"));
+        }
+    }
+    QByteArray bytes;
+    bool exists = false;
+    if (const QString trouble = readWholeFile(path, bytes, &exists); !trouble.isEmpty()) {
+        return trouble;
+    }
+    const DecodedText decoded = decodeText(bytes);
+    QString text = decoded.text;
+    change(text);
+    if (text == decoded.text) return {};
+    return writeFileAtomically(path, encodeText(text, decoded.encoding), access);
+}
+
+}  // namespace zov

@@ -1,0 +1,36 @@
+// Files that are replaced whole or not at all: temporary file in the same
+// folder, flushed to the disk, renamed over the old one. And the read-change-
+// write of a small file that another process may be changing too.
+#pragma once
+
+#include "util/text_decode.h"
+
+#include <QByteArray>
+#include <QString>
+
+#include <functional>
+
+namespace zov {
+
+enum class FileAccess {
+    Default,    ///< an existing file keeps its permissions
+    OwnerOnly,  ///< nobody else may read or write it, from its first byte on
+};
+
+/// Replaces (or makes) the file; its folder is made when missing. A symbolic link stays one and its
+/// target is replaced. On failure the old file stands as it was, and the result is one sentence
+/// that names the path and the reason; empty on success.
+QString writeFileAtomically(const QString& path, const QByteArray& bytes,
+                            FileAccess access = FileAccess::Default);
+
+/// Reads a whole file. A missing file is empty and no failure; `exists` tells. The result is a
+/// sentence as above, empty on success.
+QString readWholeFile(const QString& path, QByteArray& bytes, bool* exists = nullptr);
+
+/// Reads the file anew under a lock (`path` & ".lock"), lets `change` edit its text, and writes it
+/// back in the encoding it had, unless nothing was changed. A new file is UTF-8. The result is a
+/// sentence as above, empty on success.
+QString updateTextFile(const QString& path, FileAccess access,
+                       const std::function<void(QString& text)>& change);
+
+}  // namespace zov
