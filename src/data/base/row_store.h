@@ -1,0 +1,164 @@
+// Rows in memory, column by column: fixed types packed at their own width, texts
+// and binaries one behind the other in an arena per column, nulls in a bitmap.
+// Providers append blocks of rows; recordsets read cells without copying them.
+#pragma once
+
+#include "data/base/block_memory.h"
+#include "data/base/sql_type.h"
+
+#include <QByteArrayView>
+#include <QStringView>
+
+#include <cstring>
+#include <vector>
+
+namespace zov {
+
+/// Plain growable memory. Grows by a quarter, so that a full buffer wastes little;
+/// large blocks are moved by the system's page tables, not copied (block_memory.h).
+template <typename T>
+class PackedBuffer {
+ public:
+    PackedBuffer() = default;
+    PackedBuffer(const PackedBuffer&) = delete;
+    PackedBuffer& operator=(const PackedBuffer&) = delete;
+    PackedBuffer(PackedBuffer&& other) noexcept { swap(other); }
+    PackedBuffer& operator=(PackedBuffer&& other) noexcept { swap(other); return *this; }
+    ~PackedBuffer() { freeBlock(data_, size_t(capacity_) * sizeof(T)); }
+
+    const T* data() const { return data_; }
+    T* data() { return data_; }
+    qsizetype size() const { return size_; }
+    qsizetype capacity() const { return capacity_; }
+    const T& operator[](qsizetype i) const { return data_[i]; }
+    T& operator[](qsizetype i) { return data_[i]; }
+
+    void append(T value) {
+        if (size_ == capacity_) grow(size_ + 1);
+        data_[size_++] = value;
+    }
+    /// Room for `count` more elements, uninitialised; they count as present.
+    T* extend(qsizetype count) {
+        if (size_ + count > capacity_) grow(size_ + count);
+        T* at = data_ + size_;
+        size_ += count;
+        return at;
+    }
+    /// Cuts back to `size`; the memory stays for the next block.
+    void truncate(qsizetype size) { size_ = size; }
+    void shrinkToFit();
+
+ private:
+    void grow(qsizetype needed);
+    void swap(PackedBuffer& other) noexcept {
+        std::swap(data_, other.data_);
+        std::swap(size_, other.size_);
+        std::swap(capacity_, other.capacity_);
+    }
+    T* data_ = nullptr;
+    qsizetype size_ = 0;
+    qsizetype capacity_ = 0;
+};
+
+/// One cell, seen in place. Valid until its store is changed.
+struct CellView {
+    const ColumnInfo* column = nullptr;
+    Storage storage = Storage::Text;
+    bool isNull = true;
+    qint64 integer = 0;      ///< Int8 to Int64, Scaled64, Ticks, TicksOffset
+    double real = 0;         ///< Float32, Float64
+    qint16 offsetMinutes = 0;
+    QStringView text;        ///< Text
+    QByteArrayView bytes;    ///< Bytes, Guid (16 bytes)
+};
+
+/// The cells of one column.
+class ColumnCells {
+ public:
+    explicit ColumnCells(ColumnInfo info);
+
+    const ColumnInfo& info() const { return info_; }
+    Storage storage() const { return storage_; }
+    qsizetype count() const { return count_; }
+
+    // Appending. The call must fit the column's storage.
+    void appendNull();
+    void appendInteger(qint64 value);      ///< Int8 to Int64, Scaled64, Ticks
+    void appendReal(double value);
+    void appendTicksOffset(qint64 ticks, qint16 offsetMinutes);
+    void appendText(QStringView text);
+    void appendUtf8(const char* utf8, qsizetype length);
+    void appendBytes(const void* bytes, qsizetype length);  ///< Bytes, or Guid with 16
+    /// A whole block of fixed-width cells at once: `values` holds `rows` values of the storage's
+    /// own width, `isNull` (may be null) one byte a row.
+    void appendFixedBlock(const void* values, const quint8* isNull, qsizetype rows);
+
+    bool isNull(qsizetype row) const {
+        return row < nulls_.size() * 8 && ((nulls_[row >> 3] >> (row & 7)) & 1);
+    }
+    /// Int8 to Int64, Scaled64, Ticks, TicksOffset (its ticks).
+    qint64 integer(qsizetype row) const {
+        switch (storage_) {
+            case Storage::Int8: return reinterpret_cast<const quint8*>(fixed_.data())[row];
+            case Storage::Int16: return load<qint16>(row);
+            case Storage::Int32: return load<qint32>(row);
+            default: return load<qint64>(row);
+        }
+    }
+    double real(qsizetype row) const {
+        return storage_ == Storage::Float32 ? double(load<float>(row)) : load<double>(row);
+    }
+    QStringView text(qsizetype row) const {
+        const quint32 begin = row ? ends_[row - 1] : 0;
+        return QStringView(chars_.data() + begin, qsizetype(ends_[row] - begin));
+    }
+    QByteArrayView bytes(qsizetype row) const;
+    CellView cell(qsizetype row) const;
+
+    /// Forgets the rows and keeps the memory.
+    void clear();
+    void shrinkToFit();
+    /// Bytes reserved, for the memory figures.
+    qsizetype reservedBytes() const;
+
+ private:
+    template <typename T>
+    T load(qsizetype row) const {
+        T value;
+        std::memcpy(&value, fixed_.data() + row * qsizetype(sizeof(T)), sizeof(T));
+        return value;
+    }
+    void markNull();
+    void endVariable(qsizetype end);
+
+    ColumnInfo info_;
+    Storage storage_;
+    int width_;
+    qsizetype count_ = 0;
+    PackedBuffer<char> fixed_;
+    PackedBuffer<char16_t> chars_;
+    PackedBuffer<char> raw_;
+    PackedBuffer<quint32> ends_;     // end of each row's stretch of chars_ or raw_
+    PackedBuffer<qint16> offsets_;   // TicksOffset
+    PackedBuffer<quint8> nulls_;     // grows only as far as the last null
+};
+
+class RowStore {
+ public:
+    RowStore() = default;
+    explicit RowStore(const std::vector<ColumnInfo>& columns);
+
+    qsizetype rowCount() const { return columns_.empty() ? 0 : columns_.front().count(); }
+    int columnCount() const { return int(columns_.size()); }
+    ColumnCells& column(int index) { return columns_[size_t(index)]; }
+    const ColumnCells& column(int index) const { return columns_[size_t(index)]; }
+    CellView cell(qsizetype row, int column) const { return columns_[size_t(column)].cell(row); }
+    void clear();
+    void shrinkToFit();
+    qsizetype reservedBytes() const;
+
+ private:
+    std::vector<ColumnCells> columns_;
+};
+
+}  // namespace zov

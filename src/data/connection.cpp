@@ -1,0 +1,43 @@
+#include "data/connection.h"
+
+#include "data/providers.h"
+#include "data/row_source.h"
+
+namespace zov {
+
+void Connection::Open() {
+    const ConnectionSpec spec = ConnectionSpec::parse(ConnectionString);
+    session_ = providerFor(spec.dataSource).open(spec, createDatabase);
+}
+
+void Connection::Close() {
+    running_.reset();
+    session_.reset();
+}
+
+std::shared_ptr<ProviderConnection> Connection::sessionForNewCommand() {
+    if (!session_)
+        throw DbError(3709, QStringLiteral("The connection cannot be used to perform this operation. "
+                                           "It is either closed or invalid in this context."));
+    if (const std::shared_ptr<RowSource> running = running_.lock()) running->spool();
+    running_.reset();
+    return session_;
+}
+
+CommandResult ExecuteCommand(Command& command) {
+    CommandSpec spec{command.CommandText, command.CommandType == adCmdStoredProc,
+                     command.CommandTimeout, command.Parameters};
+    const std::unique_ptr<ResultStream> stream =
+        command.ActiveConnection->sessionForNewCommand()->execute(spec);
+    do {
+        RowStore dropped(stream->columns());
+        while (!stream->columns().empty() && stream->fetch(dropped, 1024) > 0) dropped.clear();
+    } while (stream->nextResult());
+    CommandResult result;
+    result.returnValue = stream->returnValue();
+    for (size_t i = 0; i < spec.parameters.size(); ++i)
+        result.outputs.push_back(stream->outputValue(int(i)));
+    return result;
+}
+
+}  // namespace zov

@@ -1,0 +1,80 @@
+// ADO's Connection, Command and Parameter over a provider.
+#pragma once
+
+#include "data/base/provider.h"
+
+#include <QString>
+
+#include <memory>
+
+namespace zov {
+
+class Recordset;
+class RowSource;
+
+/// One session with a database. Closed when the last owner lets go: a server-side recordset keeps
+/// the connection that it streams from alive.
+class Connection {
+ public:
+    Connection() = default;
+    /// A connection over a session that is open already.
+    explicit Connection(std::shared_ptr<ProviderConnection> session) : session_(std::move(session)) {}
+
+    QString ConnectionString;
+    int CursorLocation = 2;      ///< 2 server-side, 3 client-side
+    bool createDatabase = false; ///< make a missing database (scripts that fill a new one)
+
+    /// Connects; throws DbError.
+    void Open();
+    /// Lets the session go. A recordset that still streams keeps what it needs until it is closed.
+    void Close();
+    bool isOpen() const { return session_ != nullptr; }
+
+    /// The session, for commands. The stream of an earlier command that still runs on it is read to
+    /// its end into its recordset first, so that nobody sees "connection is busy".
+    std::shared_ptr<ProviderConnection> sessionForNewCommand();
+    void noteStream(const std::shared_ptr<RowSource>& stream) { running_ = stream; }
+    ProviderConnection* session() const { return session_.get(); }
+
+    /// Version of ADO whose meanings this layer gives; 0 would mean that no provider is there.
+    static double Version() { return 6.1; }
+
+ private:
+    std::shared_ptr<ProviderConnection> session_;
+    std::weak_ptr<RowSource> running_;
+};
+
+struct Parameter {
+    QString Name;
+    QVariant Value;
+};
+
+inline constexpr int adCmdText = 1;
+inline constexpr int adCmdStoredProc = 4;
+inline constexpr int adInteger = 3;
+inline constexpr int adDouble = 5;
+inline constexpr int adDate = 7;
+inline constexpr int adBoolean = 11;
+inline constexpr int adVarWChar = 202;
+inline constexpr int adParamInput = 1;
+inline constexpr int adParamInputOutput = 3;
+inline constexpr int adParamReturnValue = 4;
+
+struct Command {
+    std::shared_ptr<Connection> ActiveConnection;
+    QString CommandText;
+    int CommandType = adCmdText;
+    qint32 CommandTimeout = 30;  ///< seconds, 0 without limit
+    std::vector<CommandParameter> Parameters;
+};
+
+/// What a finished command hands back beside its rows.
+struct CommandResult {
+    qint32 returnValue = 0;
+    std::vector<QVariant> outputs;  ///< one per parameter, invalid for input ones
+};
+
+/// Runs a command that gives no rows (rows are read and dropped); throws DbError.
+CommandResult ExecuteCommand(Command& command);
+
+}  // namespace zov

@@ -1,0 +1,248 @@
+#include "data/mdlData.h"
+
+#include "core/error_report.h"
+#include "core/globals.h"
+#include "shell/shell.h"
+
+#include <QMetaType>
+#include <QRandomGenerator>
+
+#include <cstdlib>
+
+namespace zov {
+namespace {
+
+constexpr const char* Module = "mdlData";
+
+// A value that holds what would end it is quoted, as OLE DB reads it; all others stand bare.
+QString connectionValue(const QString& value) {
+    const bool bare = !value.contains(u';') && !value.startsWith(u'"') && !value.startsWith(u'\'') &&
+                      value.trimmed() == value;
+    if (bare) return value;
+    QString doubled = value;
+    doubled.replace(u'"', QLatin1StringView("\"\""));
+    return u'"' + doubled + u'"';
+}
+
+QString connectionString(const ServerInfo& server, const QString& database, bool nameDatabase) {
+    QString text = QStringLiteral("Provider=SQLOLEDB.1;Persist Security Info=False;Data Source=") +
+                   connectionValue(server.Name) + u';';
+    if (nameDatabase) text += QStringLiteral("Initial Catalog=") + connectionValue(database) + u';';
+    if (server.SQLAuth)
+        text += QStringLiteral("User ID=") + connectionValue(server.LoginName) +
+                QStringLiteral(";Password=") + connectionValue(server.Password);
+    else
+        text += QStringLiteral("Integrated Security=SSPI");
+    return text;
+}
+
+std::shared_ptr<Connection> openConnection(const QString& connectionString) {
+    auto connection = std::make_shared<Connection>();
+    connection->ConnectionString = connectionString;
+    connection->CursorLocation = globals().glngCursorLocation;
+    connection->Open();
+    return connection;
+}
+
+Command commandOn(const std::shared_ptr<Connection>& connection, int type, const QString& text) {
+    Command command;
+    command.ActiveConnection = connection;
+    command.CommandText = text;
+    command.CommandType = type;
+    command.CommandTimeout = globals().glngTimeout;
+    return command;
+}
+
+// Input parameters first, then those that come back; gives the generated names of the latter.
+std::vector<QString> addParameters(Command& command, const std::vector<QVariant>& inputs,
+                                   const OutParams* outputs) {
+    for (const QVariant& value : inputs) AddAdoParameter(command, value, adParamInput);
+    std::vector<QString> names;
+    if (outputs)
+        for (const Parameter& parameter : *outputs)
+            names.push_back(AddAdoParameter(command, parameter.Value, adParamInputOutput));
+    return names;
+}
+
+void takeOutputs(const Command& command, const CommandResult& result,
+                 const std::vector<QString>& names, OutParams* outputs) {
+    for (size_t i = 0; i < names.size(); ++i) {
+        if (names[i].isEmpty()) continue;
+        for (size_t p = 0; p < command.Parameters.size() && p < result.outputs.size(); ++p)
+            if (command.Parameters[p].name == names[i]) (*outputs)[i] = {names[i], result.outputs[p]};
+    }
+}
+
+std::unique_ptr<Recordset> openRecordset(Command& command) {
+    auto rs = std::make_unique<Recordset>();
+    rs->CursorLocation = globals().glngCursorLocation;
+    if (rs->CursorLocation == adUseServer) rs->CacheSize = globals().glngCacheSize;
+    rs->Open(command);
+    if (rs->isOpen() && rs->CursorLocation == adUseClient) rs->disconnect();
+    return rs;
+}
+
+}  // namespace
+
+QString BuildConnectionString(const ServerInfo& Server, const QString& Database) {
+    return connectionString(Server, Database, !Database.isEmpty());
+}
+
+qint32 GetAdoRS(const ServerInfo& Server, int CommandType, const QString& CommandText,
+                std::unique_ptr<Recordset>& Rs, const QString& Database, AdoFailure* Failure,
+                const std::vector<QVariant>& InParams, OutParams* Outputs) {
+    const WaitPointer wait;
+    Rs.reset();
+    try {
+        const auto connection = openConnection(BuildConnectionString(Server, Database));
+        if (CommandText.isEmpty()) return 0;
+        Command command = commandOn(connection, CommandType, CommandText);
+        const std::vector<QString> names = addParameters(command, InParams, Outputs);
+        Rs = openRecordset(command);
+        takeOutputs(command, Rs->result(), names, Outputs);
+        return Rs->result().returnValue;
+    } catch (...) {
+        const CaughtError error = caughtError();
+        if (Failure) *Failure = {error.number, error.description};
+        if (!globals().gblnSuppressConnErrors) {
+            reportCaughtError(Module, "GetAdoRS",
+                              QStringLiteral("Server connection failed; cursor location = %1")
+                                  .arg(globals().glngCursorLocation));
+            shell().pumpEvents();
+        }
+        return -1;
+    }
+}
+
+qint32 GetAdoRS_OnConnection(const std::shared_ptr<Connection>& Connection, int CommandType,
+                             const QString& CommandText, std::unique_ptr<Recordset>& Rs) {
+    Rs.reset();
+    try {
+        Command command = commandOn(Connection, CommandType, CommandText);
+        Rs = openRecordset(command);
+        return Rs->result().returnValue;
+    } catch (...) {
+        if (!globals().gblnSuppressConnErrors) {
+            const CaughtError error = caughtError();
+            shell().messageBox(QStringLiteral("Server connection failed.\r\n\r\nRun time error: %1\r\n")
+                                       .arg(error.number) +
+                                   error.description +
+                                   QStringLiteral("\r\n\r\nCommand failed: \r\n\r\n") + CommandText,
+                               {}, BoxIcon::Exclamation);
+        }
+        return -1;
+    }
+}
+
+bool ADO_Connection_Open(std::shared_ptr<Connection>& Connection, const ServerInfo& Server,
+                         const QString& Database) {
+    return guarded(Module, "ADO_Connection_Open", false, [&] {
+        Connection = openConnection(connectionString(Server, Database, true));
+        return true;
+    });
+}
+
+qint32 ExecAdoCmd(const ServerInfo& Server, int CommandType, const QString& CommandText,
+                  const QString& Database, const std::vector<QVariant>& InParams,
+                  OutParams* Outputs) {
+    return guarded(Module, "ExecAdoCmd", qint32(-1), [&] {
+        Command command = commandOn(openConnection(connectionString(Server, Database, true)),
+                                    CommandType, CommandText);
+        const std::vector<QString> names = addParameters(command, InParams, Outputs);
+        const CommandResult result = ExecuteCommand(command);
+        takeOutputs(command, result, names, Outputs);
+        return result.returnValue;
+    });
+}
+
+QString AddAdoParameter(Command& Command, const QVariant& Value, int Direction) {
+    if (!Value.isValid()) return {};
+    CommandParameter parameter;
+    parameter.direction = Direction;
+    parameter.value = Value;
+    const char* prefix = nullptr;
+    switch (Value.typeId()) {
+        case QMetaType::QString:
+            prefix = "str";
+            parameter.type = adVarWChar;
+            parameter.size = std::max(255, int(Value.toString().size()));
+            break;
+        case QMetaType::Int:
+            prefix = "lng";
+            parameter.type = adInteger;
+            break;
+        case QMetaType::Double:
+            prefix = "dbl";
+            parameter.type = adDouble;
+            // The marker for "no value" of the callers; it goes out as 1.
+            if (Value.toDouble() == -1) parameter.value = 1.0;
+            break;
+        case QMetaType::Bool:
+            prefix = "bln";
+            parameter.type = adBoolean;
+            break;
+        case QMetaType::QDate:
+        case QMetaType::QDateTime:
+        case QMetaType::Nullptr:
+            prefix = "dtm";
+            parameter.type = adDate;
+            break;
+        default:
+            shell().messageBox(QStringLiteral("Data Type ") + QLatin1String(Value.typeName()) +
+                                   QStringLiteral(" not currently handled"),
+                               {}, BoxIcon::Critical);
+            std::exit(EXIT_FAILURE);
+    }
+    parameter.name = QLatin1String(prefix) +
+                     QString::number(QRandomGenerator::global()->generateDouble(), 'f', 7);
+    Command.Parameters.push_back(parameter);
+    return parameter.name;
+}
+
+bool NullExistsInColumn(const ServerInfo& Server, const QString& Database, const QString& Table,
+                        const QString& Column) {
+    return guarded(Module, "NullExistsInColumn", false, [&] {
+        const QString text = QStringLiteral("IF EXISTS (SELECT TOP (1) [") + Column +
+                             QStringLiteral("] FROM [") + Table + QStringLiteral("] WHERE [") +
+                             Column + QStringLiteral("]  IS NULL) SELECT 1 ELSE SELECT 0");
+        std::unique_ptr<Recordset> rs;
+        if (GetAdoRS(Server, adCmdText, text, rs, Database) == -1 || !rs || rs->isEof()) return false;
+        const bool exists = rs->field(0).toInt64() == 1;
+        rs->Close();
+        return exists;
+    });
+}
+
+namespace {
+
+QString commentsQuery(const QString& objectName) {
+    return QStringLiteral("SELECT text FROM syscomments sc INNER JOIN sysobjects so ON sc.id = so.id "
+                          "WHERE so.name = '") +
+           objectName + QStringLiteral("' ORDER BY sc.colid");
+}
+
+QString joinedText(std::unique_ptr<Recordset>& rs) {
+    QString text;
+    if (!rs) return text;
+    for (; !rs->isEof(); rs->MoveNext()) text += rs->field(QStringLiteral("text")).text();
+    rs->Close();
+    return text;
+}
+
+}  // namespace
+
+QString GetObjectTextFromComments(const ServerInfo& Server, const QString& Database,
+                                  const QString& ObjectName) {
+    std::unique_ptr<Recordset> rs;
+    GetAdoRS(Server, adCmdText, commentsQuery(ObjectName), rs, Database);
+    return joinedText(rs);
+}
+
+QString GetObjectTextFromComments_OnConnection(const std::shared_ptr<Connection>& Connection,
+                                               const QString& ObjectName) {
+    std::unique_ptr<Recordset> rs;
+    GetAdoRS_OnConnection(Connection, adCmdText, commentsQuery(ObjectName), rs);
+    return joinedText(rs);
+}
+
+}  // namespace zov

@@ -1,0 +1,12 @@
+#include "data/providers.h"
+
+#include "data/local/local_provider.h"
+#include "data/odbc/odbc_provider.h"
+
+namespace zov {
+
+Provider& providerFor(const QString& dataSource) {
+    return local::isLocalDataSource(dataSource) ? local::localProvider() : odbc::odbcProvider();
+}
+
+}  // namespace zov

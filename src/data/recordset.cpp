@@ -1,0 +1,229 @@
+#include "data/recordset.h"
+
+#include "core/globals.h"
+
+#include "data/base/field_text.h"
+#include "data/criteria.h"
+#include "data/row_source.h"
+#include "util/text.h"
+
+namespace zov {
+
+struct Recordset::Cursor {
+    std::shared_ptr<RowSource> rows;
+    qsizetype row = 0;               // within the store; -1 before the first, rowCount() behind the last
+    qsizetype windowRows = 1;        // asked for at a time while streaming
+    std::vector<Criterion> filter;
+
+    qsizetype count() const { return rows->store().rowCount(); }
+
+    bool isVisible(qsizetype at) const {
+        if (rows->isDeleted(at)) return false;
+        for (const Criterion& criterion : filter)
+            if (!meetsCriterion(rows->store(), at, criterion)) return false;
+        return true;
+    }
+
+    // To the first visible row at or behind the current one, through further windows of a stream.
+    void settleForward() {
+        for (;;) {
+            while (row < count() && !isVisible(row)) ++row;
+            if (row < count() || !rows->nextWindow(windowRows)) return;
+            row = 0;
+        }
+    }
+};
+
+const QString& Field::Name() const { return info().name; }
+int Field::Type() const { return adoTypeOf(info().type); }
+
+const ColumnInfo& Field::info() const {
+    return owner_->cursor_->rows->columns()[size_t(index_)];
+}
+
+CellView Field::cell() const {
+    const qsizetype row = owner_->currentRow();
+    if (row >= 0) return owner_->rowStore().cell(row, index_);
+    CellView nothing;
+    nothing.column = &info();
+    nothing.storage = storageOf(info());
+    return nothing;
+}
+
+QString Field::text() const { return cellText(cell()); }
+
+qint64 Field::toInt64() const {
+    const CellView view = cell();
+    if (view.isNull) return 0;
+    switch (view.storage) {
+        case Storage::Int8:
+        case Storage::Int16:
+        case Storage::Int32:
+        case Storage::Int64: return view.integer;
+        default: return qRound64(Val(cellText(view)));
+    }
+}
+
+Recordset::Recordset() = default;
+Recordset::~Recordset() = default;
+Recordset::Recordset(Recordset&&) noexcept = default;
+Recordset& Recordset::operator=(Recordset&&) noexcept = default;
+
+void Recordset::Open(Command& command) {
+    CommandSpec spec{command.CommandText, command.CommandType == adCmdStoredProc,
+                     command.CommandTimeout, command.Parameters};
+    auto rows = std::make_shared<RowSource>(command.ActiveConnection->sessionForNewCommand(),
+                                            std::move(spec));
+    cursor_ = std::make_unique<Cursor>();
+    cursor_->rows = rows;
+    cursor_->windowRows = CacheSize;
+    if (!rows->hasColumns()) return;
+    if (CursorLocation == adUseClient) {
+        rows->spool();
+    } else {
+        command.ActiveConnection->noteStream(rows);
+        rows->nextWindow(cursor_->windowRows);
+    }
+}
+
+int Recordset::State() const { return cursor_ && cursor_->rows && cursor_->rows->hasColumns() ? 1 : 0; }
+
+void Recordset::disconnect() {
+    if (isOpen()) cursor_->rows->spool();
+}
+
+void Recordset::Close() {
+    if (cursor_ && cursor_->rows) cursor_->rows->close();
+    cursor_.reset();
+}
+
+bool Recordset::isBof() const {
+    if (!isOpen()) return true;
+    if (cursor_->row < 0) return true;
+    // ADO: an empty recordset is at both ends.
+    return cursor_->count() == 0 && cursor_->rows->droppedRows() == 0;
+}
+
+bool Recordset::isEof() const { return !isOpen() || cursor_->row >= cursor_->count(); }
+
+void Recordset::MoveFirst() {
+    if (!isOpen()) return;
+    cursor_->rows->spoolFromStart();
+    cursor_->row = 0;
+    cursor_->settleForward();
+}
+
+void Recordset::MoveNext() {
+    if (isEof()) return;
+    ++cursor_->row;
+    cursor_->settleForward();
+}
+
+void Recordset::MoveLast() {
+    if (!isOpen()) return;
+    cursor_->rows->spool();
+    cursor_->row = cursor_->count() - 1;
+    while (cursor_->row >= 0 && !cursor_->isVisible(cursor_->row)) --cursor_->row;
+}
+
+qint64 Recordset::RecordCount() {
+    if (!isOpen()) return 0;
+    RowSource& rows = *cursor_->rows;
+    rows.spool();
+    if (cursor_->filter.empty())
+        return rows.droppedRows() + cursor_->count() - rows.deletedCount();
+    qint64 visible = 0;
+    for (qsizetype row = 0; row < cursor_->count(); ++row) visible += cursor_->isVisible(row);
+    return visible;
+}
+
+int Recordset::fieldCount() const { return isOpen() ? int(cursor_->rows->columns().size()) : 0; }
+
+Field Recordset::field(const QString& name) const {
+    const int index = fieldIndex(name);
+    if (index < 0)
+        throw DbError(3265, QStringLiteral("Item cannot be found in the collection corresponding to "
+                                           "the requested name or ordinal (\"%1\").").arg(name));
+    return Field(this, index);
+}
+
+int Recordset::fieldIndex(const QString& name) const {
+    return isOpen() ? cursor_->rows->columnIndex(name) : -1;
+}
+
+qsizetype Recordset::currentRow() const {
+    if (!isOpen() || cursor_->row < 0 || cursor_->row >= cursor_->count()) return -1;
+    return cursor_->row;
+}
+
+const RowStore& Recordset::rowStore() const { return cursor_->rows->store(); }
+
+const CommandResult& Recordset::result() const {
+    static const CommandResult none;
+    return cursor_ && cursor_->rows ? cursor_->rows->result() : none;
+}
+
+void Recordset::Find(const QString& criterion) {
+    if (!isOpen()) return;
+    const std::vector<Criterion> criteria = parseCriteria(*cursor_->rows, criterion);
+    if (criteria.size() == 1 && criteria[0].op == CriterionOperator::Equal && criteria[0].value &&
+        !cursor_->rows->isStreaming()) {
+        const CellView wanted = criteria[0].value->cell(0, 0);
+        qsizetype found = std::max<qsizetype>(cursor_->row, 0);
+        while ((found = cursor_->rows->findEqual(criteria[0].column, wanted, found)) >= 0 &&
+               !cursor_->isVisible(found))
+            ++found;
+        cursor_->row = found < 0 ? cursor_->count() : found;
+        return;
+    }
+    for (cursor_->settleForward(); !isEof(); MoveNext()) {
+        bool met = true;
+        for (const Criterion& one : criteria) met = met && meetsCriterion(rowStore(), cursor_->row, one);
+        if (met) return;
+    }
+}
+
+void Recordset::FindEqual(int fieldIndex, QStringView text) {
+    if (!isOpen()) return;
+    cursor_->rows->spool();
+    const std::optional<RowStore> wanted = readAs(cursor_->rows->columns()[size_t(fieldIndex)], text);
+    qsizetype found = wanted ? std::max<qsizetype>(cursor_->row, 0) : -1;
+    while (found >= 0 && (found = cursor_->rows->findEqual(fieldIndex, wanted->cell(0, 0), found)) >= 0 &&
+           !cursor_->isVisible(found))
+        ++found;
+    cursor_->row = found < 0 ? cursor_->count() : found;
+}
+
+void Recordset::Filter(const QString& criteria) {
+    if (!isOpen()) return;
+    cursor_->rows->spoolFromStart();
+    cursor_->filter.clear();
+    if (!criteria.trimmed().isEmpty()) cursor_->filter = parseCriteria(*cursor_->rows, criteria);
+    cursor_->row = 0;
+    cursor_->settleForward();
+}
+
+Recordset Recordset::Clone() {
+    Recordset other;
+    if (!isOpen()) return other;
+    cursor_->rows->spool();
+    other.CursorLocation = CursorLocation;
+    other.CacheSize = CacheSize;
+    other.cursor_ = std::make_unique<Cursor>();
+    other.cursor_->rows = cursor_->rows;
+    other.cursor_->settleForward();
+    return other;
+}
+
+void Recordset::setBookmark(qsizetype row) {
+    if (isOpen()) cursor_->row = row;
+}
+
+void Recordset::Delete() {
+    if (currentRow() < 0)
+        throw DbError(3021, QStringLiteral("Either BOF or EOF is True, or the current record has been "
+                                           "deleted. Requested operation requires a current record."));
+    cursor_->rows->markDeleted(cursor_->row);
+}
+
+}  // namespace zov

@@ -1,0 +1,79 @@
+// The rows behind a recordset and its clones: all of them in memory, or a window
+// of the stream that a server-side cursor reads forward.
+#pragma once
+
+#include "data/connection.h"
+
+#include <memory>
+#include <unordered_map>
+#include <vector>
+
+namespace zov {
+
+class RowSource {
+ public:
+    /// Takes the first result of the stream that has columns; a command without rows stays closed.
+    RowSource(std::shared_ptr<ProviderConnection> session, CommandSpec command);
+    RowSource(const RowSource&) = delete;
+    RowSource& operator=(const RowSource&) = delete;
+
+    bool hasColumns() const { return !columns_.empty(); }
+    const std::vector<ColumnInfo>& columns() const { return columns_; }
+    /// -1 when there is no such column; names in any case, the first of several.
+    int columnIndex(const QString& name) const;
+
+    const RowStore& store() const { return store_; }
+    bool isStreaming() const { return stream_ != nullptr; }
+
+    /// Drops the current window and reads the next; false at the end of the rows.
+    bool nextWindow(qsizetype atLeast);
+    /// Reads the rest of the stream behind the current window.
+    void spool();
+    /// Makes all rows, those of dropped windows too, available from row 0: spools, and where windows
+    /// were dropped asks the server once more.
+    void spoolFromStart();
+    /// Rows of the windows that were dropped before the current one.
+    qsizetype droppedRows() const { return dropped_; }
+    /// Ends the stream without reading the rest, and lets the session go.
+    void close();
+
+    bool isDeleted(qsizetype row) const {
+        return row < qsizetype(deleted_.size()) && deleted_[size_t(row)];
+    }
+    void markDeleted(qsizetype row);
+    qsizetype deletedCount() const { return deletedCount_; }
+
+    /// The first row at or behind `from`, not deleted, whose cell equals `wanted` (texts ignoring
+    /// case); -1 when there is none. Needs all rows in memory; the first call for a column builds a
+    /// hash over it.
+    qsizetype findEqual(int column, const CellView& wanted, qsizetype from);
+
+    const CommandResult& result() const { return result_; }
+
+ private:
+    void start();
+    void finishStream();
+    qsizetype fetchBlock(qsizetype atLeast);
+
+    /// For each row the next one of the same hash, ascending.
+    struct HashIndex {
+        std::unordered_map<size_t, qint32> first;
+        std::vector<qint32> next;
+    };
+
+    std::shared_ptr<ProviderConnection> session_;
+    CommandSpec command_;
+    std::unique_ptr<ResultStream> stream_;
+    std::vector<ColumnInfo> columns_;
+    RowStore store_;
+    qsizetype dropped_ = 0;
+    std::vector<bool> deleted_;
+    qsizetype deletedCount_ = 0;
+    std::unordered_map<int, HashIndex> indexes_;
+    CommandResult result_;
+};
+
+/// A hash under which cells that compareCells() calls equal (texts ignoring case) are the same.
+size_t hashCell(const CellView& cell);
+
+}  // namespace zov
