@@ -1,0 +1,14 @@
+// The embedded server as a provider: "local:NAME" or "local:/a/path".
+#pragma once
+
+#include "data/base/provider.h"
+
+namespace zov::local {
+
+/// Connections to embedded servers. Open handles are kept by the process, so that opening a database
+/// again costs little.
+Provider& localProvider();
+/// Whether a data source names an embedded server.
+bool isLocalDataSource(const QString& dataSource);
+
+}  // namespace zov::local

@@ -1,0 +1,147 @@
+// What the query side keeps with an open database: facts of its tables, prepared
+// statements by their shape, and the small look-ups of the catalogue functions.
+#pragma once
+
+#include "data/local/query_engine.h"
+#include "data/local/query_types.h"
+
+#include <QHash>
+
+#include <memory>
+#include <unordered_map>
+#include <vector>
+
+namespace zov::local {
+
+struct QueryColumn {
+    QString name;
+    int colid = 0;
+    ColumnInfo info;          ///< with its name
+    QString defaultText;      ///< null without a default
+    bool isIdentity = false;
+    qint64 seed = 1, increment = 1;
+    QString computed;         ///< null for a plain column
+    QString typeName;         ///< as the catalogue calls it
+};
+
+/// A table, a view or a synonym as queries need it.
+struct QueryTable {
+    int id = 0;
+    QString schema;
+    QString name;
+    QString xtype;            ///< U, V, SN ...
+    QString sqlName;          ///< of a table, quoted for SQLite
+    QString rowid;            ///< a name for SQLite's row number that no column has taken
+    QString text;             ///< of a view, its source; of a synonym, what it stands for
+    std::vector<QueryColumn> columns;
+
+    int columnIndex(const QString& column) const;
+};
+
+/// Where a parameter of a prepared statement gets its value from.
+struct ParameterSource {
+    enum class Kind { Literal, Variable, Global };
+    Kind kind = Kind::Literal;
+    int literal = -1;         ///< index of the token within the statement
+    QString name;             ///< of the variable or the global
+    bool convert = false;     ///< to `target`
+    ColumnInfo target;
+};
+
+/// A SELECT that was translated and prepared.
+struct PreparedSelect {
+    sqlite3_stmt* statement = nullptr;
+    std::vector<ColumnInfo> columns;
+    std::vector<ParameterSource> parameters;
+    std::vector<QString> assignments;                    ///< variable per column of SELECT @v = ...
+    std::vector<std::pair<int, QString>> fixedLiterals;  ///< tokens whose text is part of the statement
+    Database* database = nullptr;
+    QStringList attached;     ///< schema names to detach when the statement goes
+    bool usesTables = false;  ///< of the user: void when the catalogue changes
+    bool busy = false;
+
+    PreparedSelect() = default;
+    PreparedSelect(const PreparedSelect&) = delete;
+    PreparedSelect& operator=(const PreparedSelect&) = delete;
+    ~PreparedSelect();
+};
+
+struct PreparedInsert {
+    sqlite3_stmt* statement = nullptr;
+    std::shared_ptr<const QueryTable> table;
+    ~PreparedInsert();
+};
+
+struct QueryCache {
+    explicit QueryCache(Database& database) : database(database), handle(database.handle) {}
+    ~QueryCache();
+
+    static QueryCache& of(Database& database);
+
+    /// Drops what another connection's changes made stale. Cheap; once a statement.
+    void refresh();
+    /// Null when there is none. `schema` in any case; empty means dbo.
+    std::shared_ptr<const QueryTable> table(const QString& schema, const QString& name);
+    std::shared_ptr<const QueryTable> tableById(int id);
+    void forgetCatalogue();
+    void finalizeAll();
+
+    /// A catalogue look-up, prepared once; reset by LookUp's end.
+    sqlite3_stmt* lookUp(const char* sql);
+
+    Database& database;
+    sqlite3* handle;
+    QHash<QString, std::vector<std::shared_ptr<PreparedSelect>>> selects;   // by shape
+    qsizetype selectCount = 0;
+    QHash<QString, std::shared_ptr<PreparedInsert>> inserts;                // by table and columns
+    QHash<QString, std::shared_ptr<const QueryTable>> tables;               // null pointers remembered too
+
+ private:
+    std::unordered_map<const char*, sqlite3_stmt*> lookUps_;
+    qint64 dataVersion_ = -1;
+};
+
+/// One use of a catalogue look-up.
+class LookUp {
+ public:
+    LookUp(QueryCache& cache, const char* sql) : statement_(cache.lookUp(sql)) {}
+    ~LookUp() {
+        sqlite3_reset(statement_);
+        sqlite3_clear_bindings(statement_);
+    }
+    LookUp(const LookUp&) = delete;
+    LookUp& operator=(const LookUp&) = delete;
+
+    LookUp& bind(qint64 value) {
+        sqlite3_bind_int64(statement_, ++bound_, value);
+        return *this;
+    }
+    LookUp& bind(const QString& text) {
+        const QByteArray utf8 = text.toUtf8();
+        sqlite3_bind_text(statement_, ++bound_, utf8.constData(), int(utf8.size()), SQLITE_TRANSIENT);
+        return *this;
+    }
+    bool next() { return sqlite3_step(statement_) == SQLITE_ROW; }
+    bool isNull(int column) const { return sqlite3_column_type(statement_, column) == SQLITE_NULL; }
+    qint64 integer(int column) const { return sqlite3_column_int64(statement_, column); }
+    QString text(int column) const {
+        return QString::fromUtf8(reinterpret_cast<const char*>(sqlite3_column_text(statement_, column)),
+                                 sqlite3_column_bytes(statement_, column));
+    }
+
+ private:
+    sqlite3_stmt* statement_;
+    int bound_ = 0;
+};
+
+/// Prepares or throws DbError with what SQLite said.
+sqlite3_stmt* prepareStatement(sqlite3* handle, const QByteArray& sql, bool keep);
+/// Throws the DbError that stands for SQLite's last failure on the handle: time-out, cancelled,
+/// an error raised by one of our functions, a constraint, a locked file.
+[[noreturn]] void throwQueryError(sqlite3* handle, int code, const ExecutionControl* control);
+/// An identifier in double quotes.
+QString quotedName(const QString& name);
+/// A T-SQL name split at its dots: "dbo.[a b]" gives two parts. Empty list when it isn't a name.
+QStringList splitName(const QString& name);
+
+}  // namespace zov::local

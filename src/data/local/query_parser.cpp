@@ -1,0 +1,1003 @@
+#include "data/local/query_parser.h"
+
+#include "data/local/query_values.h"
+
+#include <algorithm>
+
+namespace zov::local {
+namespace {
+
+const Token endToken;
+constexpr int MaxDepth = 200;
+
+}  // namespace
+
+bool isReservedWord(QStringView word) {
+    // Sorted; the words of the language that can't stand as a bare name.
+    static const QLatin1String words[] = {
+        QLatin1String("add"), QLatin1String("all"), QLatin1String("alter"), QLatin1String("and"),
+        QLatin1String("any"), QLatin1String("as"), QLatin1String("asc"), QLatin1String("backup"),
+        QLatin1String("begin"), QLatin1String("between"), QLatin1String("break"), QLatin1String("bulk"),
+        QLatin1String("by"), QLatin1String("case"), QLatin1String("check"), QLatin1String("checkpoint"),
+        QLatin1String("close"), QLatin1String("clustered"), QLatin1String("collate"), QLatin1String("column"),
+        QLatin1String("commit"), QLatin1String("compute"), QLatin1String("constraint"), QLatin1String("continue"),
+        QLatin1String("create"), QLatin1String("cross"), QLatin1String("cursor"), QLatin1String("database"),
+        QLatin1String("dbcc"), QLatin1String("deallocate"), QLatin1String("declare"), QLatin1String("default"),
+        QLatin1String("delete"), QLatin1String("deny"), QLatin1String("desc"), QLatin1String("distinct"),
+        QLatin1String("drop"), QLatin1String("else"), QLatin1String("end"), QLatin1String("escape"),
+        QLatin1String("except"), QLatin1String("exec"), QLatin1String("execute"), QLatin1String("exists"),
+        QLatin1String("fetch"), QLatin1String("for"), QLatin1String("foreign"), QLatin1String("from"),
+        QLatin1String("full"), QLatin1String("function"), QLatin1String("go"), QLatin1String("goto"),
+        QLatin1String("grant"), QLatin1String("group"), QLatin1String("having"), QLatin1String("holdlock"),
+        QLatin1String("identity_insert"), QLatin1String("if"), QLatin1String("in"), QLatin1String("index"),
+        QLatin1String("inner"), QLatin1String("insert"), QLatin1String("intersect"), QLatin1String("into"),
+        QLatin1String("is"), QLatin1String("join"), QLatin1String("key"), QLatin1String("kill"),
+        QLatin1String("left"), QLatin1String("like"), QLatin1String("merge"), QLatin1String("nocheck"),
+        QLatin1String("nonclustered"), QLatin1String("not"), QLatin1String("null"), QLatin1String("of"),
+        QLatin1String("off"), QLatin1String("on"), QLatin1String("open"), QLatin1String("option"),
+        QLatin1String("or"), QLatin1String("order"), QLatin1String("outer"), QLatin1String("over"),
+        QLatin1String("percent"), QLatin1String("primary"), QLatin1String("print"), QLatin1String("proc"),
+        QLatin1String("procedure"), QLatin1String("raiserror"), QLatin1String("references"), QLatin1String("restore"),
+        QLatin1String("return"), QLatin1String("revoke"), QLatin1String("right"), QLatin1String("rollback"),
+        QLatin1String("rowguidcol"), QLatin1String("rule"), QLatin1String("save"), QLatin1String("schema"),
+        QLatin1String("select"), QLatin1String("set"), QLatin1String("shutdown"), QLatin1String("some"),
+        QLatin1String("statistics"), QLatin1String("table"), QLatin1String("then"), QLatin1String("to"),
+        QLatin1String("top"), QLatin1String("tran"), QLatin1String("transaction"), QLatin1String("trigger"),
+        QLatin1String("truncate"), QLatin1String("union"), QLatin1String("unique"), QLatin1String("update"),
+        QLatin1String("use"), QLatin1String("values"), QLatin1String("view"), QLatin1String("waitfor"),
+        QLatin1String("when"), QLatin1String("where"), QLatin1String("while"), QLatin1String("with")};
+    const auto less = [](QLatin1String a, QStringView b) { return b.compare(a, Qt::CaseInsensitive) > 0; };
+    const auto it = std::lower_bound(std::begin(words), std::end(words), word, less);
+    return it != std::end(words) && word.compare(*it, Qt::CaseInsensitive) == 0;
+}
+
+void failNear(const Token& token) {
+    QString text;
+    if (token.kind == TokenKind::End)
+        text = QStringLiteral("Incorrect syntax near the end of the statement.");
+    else if (token.kind == TokenKind::Word && isReservedWord(token.source))
+        text = QStringLiteral("Incorrect syntax near the keyword '%1'.").arg(token.source);
+    else
+        text = QStringLiteral("Incorrect syntax near '%1'.")
+                   .arg(token.kind == TokenKind::Quoted || token.kind == TokenKind::String
+                            ? token.value : token.source.toString());
+    DbError error(ado_error::SyntaxError, text, QStringLiteral("42000"),
+                  token.kind == TokenKind::Word && isReservedWord(token.source) ? 156 : 102);
+    error.line = token.line;
+    throw error;
+}
+
+struct QueryParser::DepthGuard {
+    explicit DepthGuard(QueryParser& parser) : parser(parser) {
+        if (++parser.depth_ > MaxDepth) {
+            --parser.depth_;
+            failWith(191, QStringLiteral("Some part of your SQL statement is nested too deeply. "
+                                         "Rewrite the query or break it up into smaller queries."));
+        }
+    }
+    ~DepthGuard() { --parser.depth_; }
+    QueryParser& parser;
+};
+
+const Token& QueryParser::peek(qsizetype ahead) const {
+    const qsizetype at = at_ + ahead;
+    return at < qsizetype(tokens_.size()) ? tokens_[size_t(at)] : endToken;
+}
+
+bool QueryParser::accept(const char* word) {
+    if (!is(word)) return false;
+    ++at_;
+    return true;
+}
+
+void QueryParser::expect(const char* word) {
+    if (!accept(word)) failHere();
+}
+
+void QueryParser::failHere() const {
+    const Token& token = peek();
+    if (token.kind != TokenKind::End) failNear(token);
+    // At the end it is the last word that is to blame.
+    qsizetype last = std::min(at_, qsizetype(tokens_.size())) - 1;
+    while (last >= 0 && tokens_[size_t(last)].kind == TokenKind::End) --last;
+    failNear(last >= 0 ? tokens_[size_t(last)] : token);
+}
+
+void QueryParser::expectEnd() {
+    if (!atEnd() && peek().kind != TokenKind::End) failHere();
+}
+
+QString QueryParser::expectName() {
+    const Token& token = peek();
+    if (!token.isName() || (token.kind == TokenKind::Word && isReservedWord(token.source))) failHere();
+    ++at_;
+    return token.name();
+}
+
+ExprPtr QueryParser::make(Expr::Kind kind) {
+    auto expr = std::make_unique<Expr>();
+    expr->kind = kind;
+    expr->token = &peek();
+    return expr;
+}
+
+bool QueryParser::parsePath(QStringList& path) {
+    const Token& first = peek();
+    if (!first.isName() || (first.kind == TokenKind::Word && (isReservedWord(first.source) || first.source.startsWith(u'@'))))
+        return false;
+    path.append(first.name());
+    ++at_;
+    while (is(".")) {
+        ++at_;
+        if (is(".")) {   // "db..table": the default schema
+            path.append(QString());
+            continue;
+        }
+        if (!peek().isName()) failHere();
+        path.append(peek().name());
+        ++at_;
+    }
+    if (path.size() > 4) failHere();
+    return true;
+}
+
+// --- SELECT -------------------------------------------------------------------------------------
+
+std::vector<CommonTable> QueryParser::parseWith() {
+    std::vector<CommonTable> tables;
+    if (!accept("with")) return tables;
+    do {
+        CommonTable table;
+        table.name = expectName();
+        if (accept("(")) {
+            do table.columns.append(expectName());
+            while (accept(","));
+            expect(")");
+        }
+        expect("as");
+        expect("(");
+        table.select = parseSelect();
+        expect(")");
+        tables.push_back(std::move(table));
+    } while (accept(","));
+    return tables;
+}
+
+SelectPtr QueryParser::parseSelect() {
+    DepthGuard guard(*this);
+    auto select = std::make_unique<Select>();
+    select->with = parseWith();
+    select->body = parseQueryExpr();
+    if (is("order") && is("by", 1)) {
+        at_ += 2;
+        select->orderBy = parseOrderItems();
+        if (accept("offset")) {
+            select->offset = parseExpression();
+            if (!accept("rows")) expect("row");
+            if (accept("fetch")) {
+                if (!accept("next")) expect("first");
+                select->fetch = parseExpression();
+                if (!accept("rows")) expect("row");
+                expect("only");
+            }
+        }
+    }
+    if (is("for") && is("browse", 1)) at_ += 2;
+    skipOption();
+    return select;
+}
+
+void QueryParser::skipOption() {
+    if (!(is("option") && is("(", 1))) return;
+    ++at_;
+    int depth = 0;
+    do {
+        if (atEnd()) failHere();
+        if (is("(")) ++depth;
+        if (is(")")) --depth;
+        ++at_;
+    } while (depth > 0);
+}
+
+std::unique_ptr<QueryExpr> QueryParser::parseQueryExpr() {
+    DepthGuard guard(*this);
+    auto left = parseQueryTerm();
+    while (is("union") || is("except")) {
+        auto joined = std::make_unique<QueryExpr>();
+        joined->operation = is("union") ? QStringLiteral("UNION") : QStringLiteral("EXCEPT");
+        ++at_;
+        if (joined->operation == u"UNION" && accept("all")) joined->operation = QStringLiteral("UNION ALL");
+        joined->left = std::move(left);
+        joined->right = parseQueryTerm();
+        left = std::move(joined);
+    }
+    return left;
+}
+
+std::unique_ptr<QueryExpr> QueryParser::parseQueryTerm() {
+    auto left = parseQueryFactor();
+    while (accept("intersect")) {
+        auto joined = std::make_unique<QueryExpr>();
+        joined->operation = QStringLiteral("INTERSECT");
+        joined->left = std::move(left);
+        joined->right = parseQueryFactor();
+        left = std::move(joined);
+    }
+    return left;
+}
+
+std::unique_ptr<QueryExpr> QueryParser::parseQueryFactor() {
+    if (accept("(")) {
+        auto inner = parseQueryExpr();
+        expect(")");
+        return inner;
+    }
+    auto expr = std::make_unique<QueryExpr>();
+    expr->spec = parseSpec();
+    return expr;
+}
+
+ExprPtr QueryParser::parseTop() {
+    if (!accept("top")) return nullptr;
+    ExprPtr top;
+    if (accept("(")) {
+        top = parseExpression();
+        expect(")");
+    } else {
+        top = parsePrimary();
+    }
+    if (is("percent") || (is("with") && is("ties", 1)))
+        failWith(0, QStringLiteral("TOP with %1 is not supported by the embedded server.")
+                        .arg(is("percent") ? QStringLiteral("PERCENT") : QStringLiteral("WITH TIES")));
+    return top;
+}
+
+std::unique_ptr<QuerySpec> QueryParser::parseSpec() {
+    expect("select");
+    auto spec = std::make_unique<QuerySpec>();
+    if (accept("distinct")) spec->distinct = true;
+    else accept("all");
+    spec->top = parseTop();
+    do spec->items.push_back(parseItem());
+    while (accept(","));
+    if (accept("into")) {
+        if (!parsePath(spec->into)) failHere();
+    }
+    if (accept("from")) spec->from = parseFrom();
+    if (accept("where")) spec->where = parseCondition();
+    if (is("group") && is("by", 1)) {
+        at_ += 2;
+        accept("all");
+        do spec->groupBy.push_back(parseExpression());
+        while (accept(","));
+    }
+    if (accept("having")) spec->having = parseCondition();
+    return spec;
+}
+
+SelectItem QueryParser::parseItem() {
+    SelectItem item;
+    const Token& first = peek();
+    if (is("*")) {
+        item.expr = make(Expr::Kind::Star);
+        ++at_;
+        return item;
+    }
+    if (first.kind == TokenKind::Word && first.source.startsWith(u'@') && !first.source.startsWith(QLatin1String("@@")) && is("=", 1)) {
+        item.variable = first.source.toString();
+        at_ += 2;
+        item.expr = parseExpression();
+        return item;
+    }
+    // alias = expression
+    const bool nameHere = (first.isName() && !(first.kind == TokenKind::Word && isReservedWord(first.source))) ||
+                          first.kind == TokenKind::String;
+    if (nameHere && is("=", 1)) {
+        item.alias = first.kind == TokenKind::String ? first.value : first.name();
+        at_ += 2;
+        item.expr = parseExpression();
+        return item;
+    }
+    item.expr = parseExpression();
+    if (item.expr->kind == Expr::Kind::Star) return item;
+    if (accept("as")) {
+        const Token& token = peek();
+        if (token.kind == TokenKind::String) {
+            item.alias = token.value;
+        } else if (token.isName()) {
+            item.alias = token.name();
+        } else {
+            failHere();
+        }
+        ++at_;
+    } else {
+        const Token& token = peek();
+        if (token.kind == TokenKind::String || token.kind == TokenKind::Quoted) {
+            item.alias = token.value;
+            ++at_;
+        } else if (token.kind == TokenKind::Word && !isReservedWord(token.source) && !token.source.startsWith(u'@')) {
+            item.alias = token.name();
+            ++at_;
+        }
+    }
+    return item;
+}
+
+std::vector<OrderItem> QueryParser::parseOrderItems() {
+    std::vector<OrderItem> items;
+    do {
+        OrderItem item;
+        item.expr = parseExpression();
+        if (accept("desc")) item.descending = true;
+        else accept("asc");
+        items.push_back(std::move(item));
+    } while (accept(","));
+    return items;
+}
+
+std::vector<std::unique_ptr<TableSource>> QueryParser::parseFrom() {
+    std::vector<std::unique_ptr<TableSource>> sources;
+    do sources.push_back(parseJoined());
+    while (accept(","));
+    return sources;
+}
+
+std::unique_ptr<TableSource> QueryParser::parseJoined() {
+    DepthGuard guard(*this);
+    auto left = parseTableFactor();
+    for (;;) {
+        TableSource::Join join = TableSource::Join::Inner;
+        const qsizetype start = at_;
+        if (accept("cross")) {
+            if (is("apply")) failHere();
+            join = TableSource::Join::Cross;
+        } else if (accept("inner")) {
+        } else if (is("left") && !is("(", 1)) {
+            ++at_;
+            accept("outer");
+            join = TableSource::Join::Left;
+        } else if (is("right") && !is("(", 1)) {
+            ++at_;
+            accept("outer");
+            join = TableSource::Join::Right;
+        } else if (accept("full")) {
+            accept("outer");
+            join = TableSource::Join::Full;
+        } else if (!is("join")) {
+            return left;
+        }
+        if (is("loop") || is("hash") || is("merge") || is("remote")) ++at_;
+        if (!accept("join")) {
+            at_ = start;
+            failHere();
+        }
+        auto joined = std::make_unique<TableSource>();
+        joined->kind = TableSource::Kind::Join;
+        joined->join = join;
+        joined->token = &peek();
+        joined->left = std::move(left);
+        // "a JOIN b JOIN c ON .. ON ..": what follows belongs to the right side until its ON is there.
+        joined->right = parseTableFactor();
+        while (join != TableSource::Join::Cross && !is("on") &&
+               (is("join") || is("inner") || is("left") || is("right") || is("full") || is("cross"))) {
+            auto inner = std::make_unique<TableSource>();
+            inner->kind = TableSource::Kind::Join;
+            inner->token = &peek();
+            if (accept("cross")) inner->join = TableSource::Join::Cross;
+            else if (accept("left")) inner->join = TableSource::Join::Left;
+            else if (accept("right")) inner->join = TableSource::Join::Right;
+            else if (accept("full")) inner->join = TableSource::Join::Full;
+            else accept("inner");
+            accept("outer");
+            expect("join");
+            inner->left = std::move(joined->right);
+            inner->right = parseTableFactor();
+            if (inner->join != TableSource::Join::Cross) {
+                expect("on");
+                inner->on = parseCondition();
+            }
+            joined->right = std::move(inner);
+        }
+        if (join != TableSource::Join::Cross) {
+            expect("on");
+            joined->on = parseCondition();
+        }
+        left = std::move(joined);
+    }
+}
+
+bool QueryParser::selectAhead() const {
+    qsizetype ahead = 0;
+    while (is("(", ahead)) ++ahead;
+    return is("select", ahead) || (is("with", ahead) && peek(ahead + 1).isName() && (is("as", ahead + 2) || is("(", ahead + 2)));
+}
+
+std::unique_ptr<TableSource> QueryParser::parseTableFactor() {
+    DepthGuard guard(*this);
+    auto source = std::make_unique<TableSource>();
+    source->token = &peek();
+    if (is("(")) {
+        if (is("values", 1)) {
+            ++at_;
+            source->kind = TableSource::Kind::Values;
+            ++at_;
+            source->rows = parseValueRows(false);
+            expect(")");
+            parseSourceAlias(*source);
+            if (source->alias.isEmpty()) failHere();
+            return source;
+        }
+        // "((select ...) union ...) as x" is a query, "((a join b on ..) join c on ..)" is not.
+        qsizetype ahead = 0;
+        while (is("(", ahead)) ++ahead;
+        if (is("select", ahead)) {
+            const qsizetype start = at_;
+            ++at_;
+            if (ahead == 1) {
+                source->kind = TableSource::Kind::Derived;
+                source->select = parseSelect();
+                expect(")");
+                parseSourceAlias(*source);
+                if (source->alias.isEmpty()) failHere();
+                return source;
+            }
+            try {
+                source->select = parseSelect();
+                expect(")");
+                source->kind = TableSource::Kind::Derived;
+                parseSourceAlias(*source);
+                if (!source->alias.isEmpty()) return source;
+            } catch (const DbError&) {
+            }
+            source = std::make_unique<TableSource>();
+            at_ = start;
+        }
+        expect("(");
+        auto inner = parseJoined();
+        expect(")");
+        return inner;
+    }
+    if (!parsePath(source->path)) {
+        if (peek().kind == TokenKind::Word && peek().source.startsWith(u'@'))
+            failWith(1087, QStringLiteral("Must declare the table variable \"%1\".").arg(peek().source));
+        failHere();
+    }
+    if (is("(")) {
+        // Either hints of old, "T (NOLOCK)", or a function's call.
+        const Token& word = peek(1);
+        static const char* const hints[] = {"nolock", "readuncommitted", "holdlock", "updlock", "tablock", "tablockx",
+                                            "paglock", "rowlock", "readpast", "index", "serializable", "xlock"};
+        for (const char* hint : hints) {
+            if (word.is(hint)) {
+                skipHints();
+                parseSourceAlias(*source);
+                return source;
+            }
+        }
+        failWith(0, QStringLiteral("The function '%1' can't be read: the embedded server keeps functions as text "
+                                   "and does not run them.").arg(source->path.join(u'.')));
+    }
+    parseSourceAlias(*source);
+    skipHints();
+    return source;
+}
+
+void QueryParser::skipHints() {
+    const bool with = is("with") && is("(", 1);
+    if (!with && !is("(")) return;
+    if (with) ++at_;
+    int depth = 0;
+    do {
+        if (atEnd()) failHere();
+        if (is("(")) ++depth;
+        if (is(")")) --depth;
+        ++at_;
+    } while (depth > 0);
+}
+
+void QueryParser::parseSourceAlias(TableSource& source) {
+    if (accept("as")) {
+        if (!peek().isName()) failHere();
+        source.alias = peek().name();
+        ++at_;
+    } else {
+        const Token& token = peek();
+        if (token.kind == TokenKind::Quoted ||
+            (token.kind == TokenKind::Word && !isReservedWord(token.source) && !token.source.startsWith(u'@') &&
+             !token.is("go") && !(token.is("offset") || token.is("throw")))) {
+            source.alias = token.name();
+            ++at_;
+        }
+    }
+    if (source.kind != TableSource::Kind::Named && !source.alias.isEmpty() && is("(")) {
+        ++at_;
+        do source.columnAliases.append(expectName());
+        while (accept(","));
+        expect(")");
+    }
+    if (source.kind == TableSource::Kind::Named && is("(") && !source.alias.isEmpty()) skipHints();
+}
+
+std::vector<std::vector<ExprPtr>> QueryParser::parseValueRows(bool allowDefault) {
+    std::vector<std::vector<ExprPtr>> rows;
+    do {
+        expect("(");
+        std::vector<ExprPtr> row;
+        do {
+            if (allowDefault && is("default")) {
+                row.push_back(make(Expr::Kind::Default));
+                ++at_;
+            } else {
+                row.push_back(parseExpression());
+            }
+        } while (accept(","));
+        expect(")");
+        rows.push_back(std::move(row));
+    } while (accept(","));
+    return rows;
+}
+
+// --- INSERT, UPDATE, DELETE ---------------------------------------------------------------------
+
+std::unique_ptr<InsertStatement> QueryParser::parseInsert() {
+    auto insert = std::make_unique<InsertStatement>();
+    insert->with = parseWith();
+    insert->withEnd = at_;
+    expect("insert");
+    parseTop();
+    accept("into");
+    insert->tableToken = &peek();
+    if (!parsePath(insert->table)) failHere();
+    if (is("with") && is("(", 1)) skipHints();
+    if (is("(") && !selectAhead()) {
+        ++at_;
+        insert->hasColumns = true;
+        do {
+            QStringList path;
+            if (!parsePath(path)) failHere();
+            insert->columns.append(path.last());
+        } while (accept(","));
+        expect(")");
+    }
+    if (accept("default")) {
+        expect("values");
+        insert->defaultValues = true;
+    } else if (accept("values")) {
+        insert->rows = parseValueRows(true);
+    } else if (is("exec") || is("execute")) {
+        failWith(0, QStringLiteral("INSERT ... EXEC is not supported by the embedded server."));
+    } else {
+        insert->selectBegin = at_;
+        insert->select = parseSelect();
+        insert->selectEnd = at_;
+    }
+    return insert;
+}
+
+std::unique_ptr<UpdateStatement> QueryParser::parseUpdate() {
+    auto update = std::make_unique<UpdateStatement>();
+    update->with = parseWith();
+    expect("update");
+    update->top = parseTop();
+    update->tableToken = &peek();
+    if (!parsePath(update->table)) failHere();
+    skipHints();
+    expect("set");
+    do {
+        Assignment assignment;
+        const Token& token = peek();
+        if (token.kind == TokenKind::Word && token.source.startsWith(u'@')) {
+            assignment.variable = token.source.toString();
+            ++at_;
+            if (is("=") && peek(1).isName() && is("=", 2)) {
+                ++at_;
+                assignment.column = expectName();
+            }
+        } else {
+            QStringList path;
+            if (!parsePath(path)) failHere();
+            assignment.column = path.last();
+        }
+        if (!accept("=")) {
+            static const char* const compound[] = {"+=", "-=", "*=", "/=", "%=", "&=", "|=", "^="};
+            bool found = false;
+            for (const char* op : compound) {
+                if (accept(op)) {
+                    assignment.op = QString(QLatin1Char(op[0]));
+                    found = true;
+                    break;
+                }
+            }
+            if (!found) failHere();
+        }
+        if (is("default")) {
+            assignment.value = make(Expr::Kind::Default);
+            ++at_;
+        } else {
+            assignment.value = parseExpression();
+        }
+        update->assignments.push_back(std::move(assignment));
+    } while (accept(","));
+    if (accept("from")) update->from = parseFrom();
+    if (accept("where")) update->where = parseCondition();
+    skipOption();
+    return update;
+}
+
+std::unique_ptr<DeleteStatement> QueryParser::parseDelete() {
+    auto statement = std::make_unique<DeleteStatement>();
+    statement->with = parseWith();
+    expect("delete");
+    statement->top = parseTop();
+    accept("from");
+    statement->tableToken = &peek();
+    if (!parsePath(statement->table)) failHere();
+    skipHints();
+    if (accept("from")) statement->from = parseFrom();
+    if (accept("where")) statement->where = parseCondition();
+    skipOption();
+    return statement;
+}
+
+// --- expressions --------------------------------------------------------------------------------
+
+ExprPtr QueryParser::parseExpression() { return parseAdditive(); }
+ExprPtr QueryParser::parseCondition() { return parseOr(); }
+
+ExprPtr QueryParser::parseOr() {
+    DepthGuard guard(*this);
+    ExprPtr left = parseAnd();
+    while (is("or")) {
+        ExprPtr node = make(Expr::Kind::Or);
+        ++at_;
+        node->args.push_back(std::move(left));
+        node->args.push_back(parseAnd());
+        left = std::move(node);
+    }
+    return left;
+}
+
+ExprPtr QueryParser::parseAnd() {
+    ExprPtr left = parseNot();
+    while (is("and")) {
+        ExprPtr node = make(Expr::Kind::And);
+        ++at_;
+        node->args.push_back(std::move(left));
+        node->args.push_back(parseNot());
+        left = std::move(node);
+    }
+    return left;
+}
+
+ExprPtr QueryParser::parseNot() {
+    DepthGuard guard(*this);
+    if (is("not")) {
+        ExprPtr node = make(Expr::Kind::Not);
+        ++at_;
+        node->args.push_back(parseNot());
+        return node;
+    }
+    return parsePredicate();
+}
+
+ExprPtr QueryParser::parsePredicate() {
+    if (is("exists")) {
+        ExprPtr node = make(Expr::Kind::Exists);
+        ++at_;
+        expect("(");
+        node->select = parseSelect();
+        expect(")");
+        return node;
+    }
+    ExprPtr left = parseAdditive();
+    for (;;) {
+        static const char* const operators[] = {"=", "<>", "!=", "<=", ">=", "<", ">", "!<", "!>"};
+        const char* found = nullptr;
+        for (const char* op : operators)
+            if (is(op)) found = op;
+        if (found) {
+            ExprPtr node = make(Expr::Kind::Compare);
+            ++at_;
+            const QLatin1String op(found);
+            node->name = op == QLatin1String("!=") ? QStringLiteral("<>")
+                         : op == QLatin1String("!<") ? QStringLiteral(">=")
+                         : op == QLatin1String("!>") ? QStringLiteral("<=") : QString(op);
+            node->args.push_back(std::move(left));
+            if (is("all") || is("any") || is("some")) {
+                node->kind = Expr::Kind::Quantified;
+                node->tolerant = is("all");
+                ++at_;
+                expect("(");
+                node->select = parseSelect();
+                expect(")");
+            } else {
+                node->args.push_back(parseAdditive());
+            }
+            left = std::move(node);
+            continue;
+        }
+        if (is("is")) {
+            ExprPtr node = make(Expr::Kind::IsNull);
+            ++at_;
+            node->negated = accept("not");
+            expect("null");
+            node->args.push_back(std::move(left));
+            left = std::move(node);
+            continue;
+        }
+        const bool negated = is("not") && (is("in", 1) || is("like", 1) || is("between", 1));
+        if (negated) ++at_;
+        if (is("in")) {
+            ExprPtr node = make(Expr::Kind::In);
+            ++at_;
+            node->negated = negated;
+            node->args.push_back(std::move(left));
+            expect("(");
+            if (selectAhead()) {
+                node->select = parseSelect();
+            } else {
+                do node->args.push_back(parseAdditive());
+                while (accept(","));
+            }
+            expect(")");
+            left = std::move(node);
+        } else if (is("like")) {
+            ExprPtr node = make(Expr::Kind::Like);
+            ++at_;
+            node->negated = negated;
+            node->args.push_back(std::move(left));
+            node->args.push_back(parseAdditive());
+            if (accept("escape")) node->args.push_back(parseAdditive());
+            left = std::move(node);
+        } else if (is("between")) {
+            ExprPtr node = make(Expr::Kind::Between);
+            ++at_;
+            node->negated = negated;
+            node->args.push_back(std::move(left));
+            node->args.push_back(parseAdditive());
+            expect("and");
+            node->args.push_back(parseAdditive());
+            left = std::move(node);
+        } else {
+            return left;
+        }
+    }
+}
+
+ExprPtr QueryParser::parseAdditive() {
+    DepthGuard guard(*this);
+    ExprPtr left = parseMultiplicative();
+    while (is("+") || is("-") || is("&") || is("|") || is("^")) {
+        ExprPtr node = make(Expr::Kind::Arithmetic);
+        node->name = peek().source.toString();
+        ++at_;
+        node->args.push_back(std::move(left));
+        node->args.push_back(parseMultiplicative());
+        left = std::move(node);
+    }
+    return left;
+}
+
+ExprPtr QueryParser::parseMultiplicative() {
+    ExprPtr left = parseUnary();
+    while (is("*") || is("/") || is("%")) {
+        ExprPtr node = make(Expr::Kind::Arithmetic);
+        node->name = peek().source.toString();
+        ++at_;
+        node->args.push_back(std::move(left));
+        node->args.push_back(parseUnary());
+        left = std::move(node);
+    }
+    return left;
+}
+
+ExprPtr QueryParser::parseUnary() {
+    DepthGuard guard(*this);
+    if (is("-") || is("+") || is("~")) {
+        ExprPtr node = make(Expr::Kind::Unary);
+        node->name = peek().source.toString();
+        ++at_;
+        node->args.push_back(parseUnary());
+        return node;
+    }
+    return parsePostfix();
+}
+
+ExprPtr QueryParser::parsePostfix() {
+    ExprPtr value = parsePrimary();
+    while (is("collate")) {
+        ExprPtr node = make(Expr::Kind::Collate);
+        ++at_;
+        node->name = peek().name();
+        if (!peek().isName()) failHere();
+        ++at_;
+        node->args.push_back(std::move(value));
+        value = std::move(node);
+    }
+    return value;
+}
+
+ExprPtr QueryParser::parsePrimary() {
+    const Token& token = peek();
+    switch (token.kind) {
+        case TokenKind::Number:
+        case TokenKind::String:
+        case TokenKind::Binary: {
+            ExprPtr node = make(Expr::Kind::Literal);
+            node->literalIndex = own_ ? int(at_) : -1;
+            ++at_;
+            return node;
+        }
+        case TokenKind::Operator:
+            if (token.is("(")) {
+                if (selectAhead()) {
+                    ExprPtr node = make(Expr::Kind::Subquery);
+                    ++at_;
+                    node->select = parseSelect();
+                    expect(")");
+                    return node;
+                }
+                ++at_;
+                ExprPtr inner = parseOr();
+                expect(")");
+                return inner;
+            }
+            if (token.is("*")) {
+                ExprPtr node = make(Expr::Kind::Star);
+                ++at_;
+                return node;
+            }
+            failHere();
+        case TokenKind::Word:
+            if (token.source.startsWith(u'@')) {
+                ExprPtr node = make(Expr::Kind::Variable);
+                node->name = token.source.toString();
+                ++at_;
+                return node;
+            }
+            if (token.is("null")) {
+                ExprPtr node = make(Expr::Kind::Null);
+                ++at_;
+                return node;
+            }
+            if (token.is("case")) return parseCase();
+            if ((token.is("left") || token.is("right")) && is("(", 1)) {
+                ++at_;
+                return parseFunction(token);
+            }
+            if (token.is("current_timestamp") || token.is("current_user") || token.is("session_user") ||
+                token.is("system_user") || token.is("user")) {
+                if (!is(".", 1) && !is("(", 1)) {
+                    ExprPtr node = make(Expr::Kind::Function);
+                    node->name = token.source.toString().toLower();
+                    ++at_;
+                    return node;
+                }
+            }
+            if (isReservedWord(token.source)) failHere();
+            return parseNameOrCall();
+        case TokenKind::Quoted: return parseNameOrCall();
+        case TokenKind::End: failHere();
+    }
+    failHere();
+}
+
+ExprPtr QueryParser::parseNameOrCall() {
+    const Token& first = peek();
+    if (first.kind == TokenKind::Word && is("(", 1)) {
+        ++at_;
+        return parseFunction(first);
+    }
+    ExprPtr node = make(Expr::Kind::Column);
+    QStringList path;
+    path.append(first.name());
+    ++at_;
+    while (is(".")) {
+        ++at_;
+        if (is(".")) {
+            path.append(QString());
+        } else if (is("*")) {
+            ++at_;
+            node->kind = Expr::Kind::Star;
+            node->path = path;
+            return node;
+        } else if (peek().isName()) {
+            path.append(peek().name());
+            ++at_;
+        } else {
+            failHere();
+        }
+    }
+    if (is("(") && path.size() > 1)
+        failWith(0, QStringLiteral("The function '%1' can't be called: the embedded server keeps functions as text "
+                                   "and does not run them.").arg(path.join(u'.')));
+    node->name = path.takeLast();
+    node->path = path;
+    return node;
+}
+
+ExprPtr QueryParser::parseFunction(const Token& nameToken) {
+    ExprPtr node = make(Expr::Kind::Function);
+    node->token = &nameToken;
+    node->name = nameToken.source.toString().toLower();
+    expect("(");
+    if (node->name == u"cast" || node->name == u"try_cast") {
+        node->kind = Expr::Kind::Cast;
+        node->tolerant = node->name.startsWith(u't');
+        node->args.push_back(parseExpression());
+        expect("as");
+        node->castType = typeReader_(tokens_, at_, at_);
+        expect(")");
+        return node;
+    }
+    if (node->name == u"convert" || node->name == u"try_convert") {
+        node->kind = Expr::Kind::Cast;
+        node->tolerant = node->name.startsWith(u't');
+        node->castType = typeReader_(tokens_, at_, at_);
+        expect(",");
+        node->args.push_back(parseExpression());
+        if (accept(",")) node->args.push_back(parseExpression());
+        expect(")");
+        return node;
+    }
+    if (!accept(")")) {
+        if (accept("distinct")) node->distinct = true;
+        else if (is("all") && !is("(", 1)) accept("all");
+        // IIF's first argument is a condition.
+        do node->args.push_back(node->name == u"iif" && node->args.empty() ? parseCondition() : parseExpression());
+        while (accept(","));
+        expect(")");
+    }
+    if (accept("over")) node->window = parseWindow();
+    return node;
+}
+
+std::unique_ptr<WindowSpec> QueryParser::parseWindow() {
+    auto window = std::make_unique<WindowSpec>();
+    expect("(");
+    if (is("partition") && is("by", 1)) {
+        at_ += 2;
+        do window->partition.push_back(parseExpression());
+        while (accept(","));
+    }
+    if (is("order") && is("by", 1)) {
+        at_ += 2;
+        window->order = parseOrderItems();
+    }
+    if (is("rows") || is("range")) {
+        while (!is(")")) {
+            static const char* const allowed[] = {"rows", "range", "between", "and", "unbounded", "preceding", "following", "current", "row"};
+            const bool word = std::any_of(std::begin(allowed), std::end(allowed), [&](const char* w) { return is(w); });
+            if (!word && peek().kind != TokenKind::Number) failHere();
+            window->frame += u' ';
+            window->frame += peek().source;
+            ++at_;
+        }
+    }
+    expect(")");
+    return window;
+}
+
+ExprPtr QueryParser::parseCase() {
+    DepthGuard guard(*this);
+    ExprPtr node = make(Expr::Kind::Case);
+    expect("case");
+    if (!is("when")) {
+        node->hasOperand = true;
+        node->args.push_back(parseExpression());
+    }
+    if (!is("when")) failHere();
+    while (accept("when")) {
+        node->args.push_back(node->hasOperand ? parseExpression() : parseCondition());
+        expect("then");
+        node->args.push_back(parseExpression());
+    }
+    if (accept("else")) {
+        node->hasElse = true;
+        node->args.push_back(parseExpression());
+    }
+    expect("end");
+    return node;
+}
+
+}  // namespace zov::local

@@ -1,0 +1,664 @@
+#include "data/local/query_translator.h"
+
+#include "data/local/query_parser.h"
+#include "data/local/query_values.h"
+#include "data/local/server_store.h"
+
+namespace zov::local {
+namespace {
+
+constexpr int MaxViewDepth = 32;
+
+[[noreturn]] void noSuchObject(const QStringList& path, const Token* token) {
+    DbError error(ado_error::NoSuchTable, QStringLiteral("Invalid object name '%1'.").arg(path.join(u'.')),
+                  QStringLiteral("42S02"), 208);
+    if (token) error.line = token->line;
+    throw error;
+}
+
+bool hasOuterJoin(const TableSource& source) {
+    if (source.kind != TableSource::Kind::Join) return false;
+    return (source.join != TableSource::Join::Inner && source.join != TableSource::Join::Cross) ||
+           hasOuterJoin(*source.left) || hasOuterJoin(*source.right);
+}
+
+}  // namespace
+
+Translator::Translator(SessionState& session, const Variables* variables)
+    : session_(session), variables_(variables), root_(std::make_unique<Scope>()) {
+    majorVersion_ = session.productVersion.section(u'.', 0, 0).toInt();
+    if (majorVersion_ <= 0) majorVersion_ = 16;
+    context_.database = session.current;
+}
+
+Translator::~Translator() = default;
+
+Database& Translator::database() { return main_ ? *main_ : *session_.current; }
+
+std::set<int> Translator::boundLiterals() const {
+    std::set<int> result;
+    for (const int index : bound_)
+        if (!rendered_.count(index)) result.insert(index);
+    return result;
+}
+
+TranslatedSelect Translator::select(const Select& select) {
+    TranslatedSelect result = selectIn(select, root_.get());
+    return result;
+}
+
+Sql Translator::expression(const Expr& expr) { return translate(expr, *root_); }
+QString Translator::condition(const Expr& expr) { return predicate(expr, *root_); }
+
+void Translator::addCommonTables(const std::vector<CommonTable>& with) {
+    if (with.empty()) return;
+    commonTables(with, *root_);
+}
+
+QString Translator::withClause() const { return rootWith_; }
+
+// --- where names come from ----------------------------------------------------------------------
+
+QString Translator::prefixFor(Database* database) {
+    if (!main_) main_ = database;
+    if (main_ == database) return {};
+    const QString key = database->name.toLower();
+    const auto known = attachedNames_.constFind(key);
+    if (known != attachedNames_.constEnd()) return known.value();
+    for (const DatabaseFacts& facts : session_.store->databases()) {
+        if (facts.name.compare(database->name, Qt::CaseInsensitive) != 0) continue;
+        const QString alias = QStringLiteral("zdb%1").arg(attachments_.size() + 1);
+        attachments_.emplace_back(alias, facts.file);
+        attachedNames_.insert(key, alias + u'.');
+        return alias + u'.';
+    }
+    return {};
+}
+
+const Translator::CommonSource* Translator::findCommon(const QString& name, Scope* scope) {
+    const QString key = name.toLower();
+    for (; scope; scope = scope->outer) {
+        const auto it = scope->common.constFind(key);
+        if (it != scope->common.constEnd()) return &it.value();
+    }
+    return nullptr;
+}
+
+std::shared_ptr<const QueryTable> Translator::requireTable(const QStringList& path, const Token* token, Database** where) {
+    if (path.size() > 3)
+        failWith(7202, QStringLiteral("Could not find server '%1' in sys.servers. Verify that the correct server name was specified.")
+                           .arg(path.first()));
+    Database* database = context_.database;
+    if (path.size() == 3 && !path[0].isEmpty() && path[0].compare(database->name, Qt::CaseInsensitive) != 0) {
+        if (!session_.store || !session_.store->hasDatabase(path[0])) noSuchObject(path, token);
+        database = &session_.store->database(path[0]);
+    }
+    if (where) *where = database;
+    QueryCache& cache = QueryCache::of(*database);
+    if (!usesTables_) cache.refresh();
+    usesTables_ = true;
+    QString schema = path.size() > 1 ? path[path.size() - 2] : QString();
+    std::shared_ptr<const QueryTable> table;
+    if (schema.isEmpty() && !session_.defaultSchema.isEmpty()) table = cache.table(session_.defaultSchema, path.last());
+    if (!table) table = cache.table(schema, path.last());
+    if (table && table->xtype == u"SN") {
+        const QStringList base = splitName(table->text);
+        if (base.isEmpty() || ++viewDepth_ > MaxViewDepth) noSuchObject(path, token);
+        std::shared_ptr<const QueryTable> target = requireTable(base, token, where);
+        --viewDepth_;
+        return target;
+    }
+    if (!table || (table->xtype != u"U" && table->xtype != u"V")) noSuchObject(path, token);
+    return table;
+}
+
+void Translator::addSources(const TableSource& source, Scope& scope) {
+    switch (source.kind) {
+        case TableSource::Kind::Join:
+            addSources(*source.left, scope);
+            addSources(*source.right, scope);
+            return;
+        case TableSource::Kind::Named: addNamed(source, scope); break;
+        case TableSource::Kind::Derived: {
+            TranslatedSelect inner = selectIn(*source.select, scope.outer ? scope.outer : root_.get());
+            Source added;
+            added.sqlAlias = QStringLiteral("t%1").arg(++nextAlias_);
+            added.alias = source.alias;
+            added.body = u'(' + inner.sql + u')';
+            if (!source.columnAliases.isEmpty() && source.columnAliases.size() != qsizetype(inner.columns.size()))
+                failWith(8158, QStringLiteral("'%1' has more columns than were specified in the column list.").arg(source.alias));
+            for (size_t i = 0; i < inner.columns.size(); ++i) {
+                SourceColumn column;
+                column.name = source.columnAliases.isEmpty() ? inner.columns[i].name : source.columnAliases[qsizetype(i)];
+                column.type = inner.columns[i].type;
+                column.collated = inner.columns[i].collated;
+                column.sql = QStringLiteral("c%1").arg(i + 1);
+                added.columns.push_back(std::move(column));
+            }
+            scope.sources.push_back(std::move(added));
+            break;
+        }
+        case TableSource::Kind::Values: {
+            Source added;
+            added.sqlAlias = QStringLiteral("t%1").arg(++nextAlias_);
+            added.alias = source.alias;
+            QString body;
+            std::vector<ValueType> types;
+            for (const auto& row : source.rows) {
+                QString values;
+                for (size_t i = 0; i < row.size(); ++i) {
+                    const Sql value = translate(*row[i], *root_);
+                    if (types.size() <= i) types.push_back(value.type);
+                    else types[i] = commonType(types[i], value.type);
+                    values += (i ? QStringLiteral(", ") : QString()) + use(value) + QStringLiteral(" AS c%1").arg(i + 1);
+                }
+                body += (body.isEmpty() ? QString() : QStringLiteral(" UNION ALL ")) + QStringLiteral("SELECT ") + values;
+            }
+            added.body = u'(' + body + u')';
+            for (size_t i = 0; i < types.size(); ++i) {
+                SourceColumn column;
+                column.name = qsizetype(i) < source.columnAliases.size() ? source.columnAliases[qsizetype(i)] : QString();
+                column.type = types[i];
+                column.sql = QStringLiteral("c%1").arg(i + 1);
+                added.columns.push_back(std::move(column));
+            }
+            scope.sources.push_back(std::move(added));
+            break;
+        }
+    }
+    // Two sources of one name can't be told apart.
+    const Source& last = scope.sources.back();
+    for (size_t i = 0; i + 1 < scope.sources.size(); ++i) {
+        const Source& other = scope.sources[i];
+        if (other.alias.compare(last.alias, Qt::CaseInsensitive) == 0 && other.ownName == last.ownName &&
+            (!last.ownName || other.schema.compare(last.schema, Qt::CaseInsensitive) == 0))
+            failWith(1012, QStringLiteral("The objects \"%1\" and \"%1\" in the FROM clause have the same exposed names. "
+                                          "Use correlation names to distinguish them.").arg(last.alias));
+    }
+}
+
+void Translator::addNamed(const TableSource& source, Scope& scope) {
+    Source added;
+    added.sqlAlias = QStringLiteral("t%1").arg(++nextAlias_);
+    added.ownName = source.alias.isEmpty();
+    added.alias = added.ownName ? source.path.last() : source.alias;
+    added.schema = source.path.size() > 1 ? source.path[source.path.size() - 2] : QString();
+
+    if (source.path.size() == 1) {
+        if (const CommonSource* common = findCommon(source.path[0], &scope)) {
+            added.body = common->sqlName;
+            for (size_t i = 0; i < common->columns.size(); ++i) {
+                SourceColumn column;
+                column.name = common->columns[i].name;
+                column.type = common->columns[i].type;
+                column.collated = common->columns[i].collated;
+                column.sql = QStringLiteral("c%1").arg(i + 1);
+                added.columns.push_back(std::move(column));
+            }
+            scope.sources.push_back(std::move(added));
+            return;
+        }
+    }
+    if (const CatalogView* view = source.path.size() <= 3 ? findCatalogView(added.schema, source.path.last(), majorVersion_) : nullptr) {
+        Database* database = context_.database;
+        if (source.path.size() == 3 && !source.path[0].isEmpty() &&
+            source.path[0].compare(database->name, Qt::CaseInsensitive) != 0) {
+            if (!session_.store || !session_.store->hasDatabase(source.path[0])) noSuchObject(source.path, source.token);
+            // What is the same for the whole server needs no second database.
+            if (!view->from.contains(QLatin1String("zov_databases"))) database = &session_.store->database(source.path[0]);
+        }
+        added.view = view;
+        added.prefix = prefixFor(database);
+        for (const CatalogColumn& column : view->columns) {
+            SourceColumn entry;
+            entry.name = column.info.name;
+            entry.type.info = column.info;
+            entry.type.known = true;
+            entry.collated = column.collated;
+            entry.sql = quotedName(column.info.name);
+            added.columns.push_back(std::move(entry));
+        }
+        scope.sources.push_back(std::move(added));
+        return;
+    }
+    Database* database = nullptr;
+    std::shared_ptr<const QueryTable> table = requireTable(source.path, source.token, &database);
+    const QString prefix = prefixFor(database);
+    if (added.ownName && added.schema.isEmpty()) added.schema = QStringLiteral("dbo");
+    if (table->xtype == u"V") {
+        addView(*table, database, added);
+    } else {
+        added.body = prefix + table->sqlName;
+        for (const QueryColumn& column : table->columns) {
+            SourceColumn entry;
+            entry.name = column.name;
+            entry.type.info = column.info;
+            entry.type.known = true;
+            entry.collated = entry.type.isText();
+            entry.sql = quotedName(column.name);
+            added.columns.push_back(std::move(entry));
+        }
+    }
+    scope.sources.push_back(std::move(added));
+}
+
+void Translator::addView(const QueryTable& view, Database* database, Source& source) {
+    if (++viewDepth_ > MaxViewDepth)
+        failWith(217, QStringLiteral("Maximum stored procedure, function, trigger, or view nesting level exceeded (limit 32)."));
+    const auto unreadable = [&](const QString& why) {
+        failWith(4413, QStringLiteral("Could not use view or function '%1' because of binding errors.").arg(view.name) + u' ' + why);
+    };
+    if (view.text.isEmpty()) unreadable(QStringLiteral("Its text is encrypted."));
+    ViewSource& kept = views_.emplace_back();
+    kept.text = view.text;
+    kept.tokens = tokenize(kept.text);
+    const std::span<const Token> tokens(kept.tokens.data(), kept.tokens.size() - 1);
+    QStringList columnNames;
+    // CREATE VIEW name [(columns)] [WITH attributes] AS select [WITH CHECK OPTION]
+    size_t at = 0;
+    while (at < tokens.size() && !tokens[at].is("view")) ++at;
+    ++at;
+    while (at < tokens.size() && !tokens[at].is("as") && !tokens[at].is("(")) ++at;
+    if (at < tokens.size() && tokens[at].is("(")) {
+        for (++at; at < tokens.size() && !tokens[at].is(")"); ++at)
+            if (tokens[at].isName()) columnNames.append(tokens[at].name());
+    }
+    while (at < tokens.size() && !tokens[at].is("as")) ++at;
+    if (at >= tokens.size()) unreadable(QStringLiteral("Its text can't be read."));
+    const Context saved = context_;
+    context_.database = database;
+    TranslatedSelect inner;
+    try {
+        QueryParser parser(tokens, false,
+                           [this](std::span<const Token> list, qsizetype begin, qsizetype& end) {
+                               return parseDataType(session_, list, begin, end);
+                           },
+                           qsizetype(at + 1));
+        kept.select = parser.parseSelect();
+        Scope wall;   // names around the view are not seen within
+        inner = selectIn(*kept.select, &wall);
+    } catch (DbError& error) {
+        context_ = saved;
+        if (error.native == 208 || error.native == 207 || error.native == 4104) {
+            // The server names what is missing, and then the view that wanted it.
+            error.description += QStringLiteral(" Could not use view or function '%1' because of binding errors.").arg(view.name);
+        }
+        throw;
+    }
+    context_ = saved;
+    --viewDepth_;
+    source.body = u'(' + inner.sql + u')';
+    for (size_t i = 0; i < inner.columns.size(); ++i) {
+        SourceColumn column;
+        column.name = qsizetype(i) < columnNames.size() ? columnNames[qsizetype(i)] : inner.columns[i].name;
+        column.type = inner.columns[i].type;
+        column.collated = inner.columns[i].collated;
+        column.sql = QStringLiteral("c%1").arg(i + 1);
+        source.columns.push_back(std::move(column));
+    }
+}
+
+void Translator::addTable(const std::shared_ptr<const QueryTable>& table, const QString& alias, bool bareColumns) {
+    Source added;
+    added.alias = alias.isEmpty() ? table->name : alias;
+    added.ownName = alias.isEmpty();
+    added.schema = table->schema;
+    added.sqlAlias = QStringLiteral("t%1").arg(++nextAlias_);
+    added.bare = bareColumns;
+    added.body = table->sqlName;
+    for (const QueryColumn& column : table->columns) {
+        SourceColumn entry;
+        entry.name = column.name;
+        entry.type.info = column.info;
+        entry.type.known = true;
+        entry.collated = entry.type.isText();
+        entry.sql = quotedName(column.name);
+        added.columns.push_back(std::move(entry));
+    }
+    root_->sources.push_back(std::move(added));
+}
+
+QString Translator::sourceText(Source& source) {
+    if (!source.view) return source.body + QStringLiteral(" AS ") + source.sqlAlias;
+    QString list;
+    for (size_t i = 0; i < source.columns.size(); ++i) {
+        if (!source.columns[i].used) continue;
+        if (!list.isEmpty()) list += QStringLiteral(", ");
+        list += source.view->columns[i].expression + QStringLiteral(" AS ") + source.columns[i].sql;
+    }
+    if (list.isEmpty()) list = QStringLiteral("1");
+    QString text = QStringLiteral("(SELECT ") + list + u' ' + source.view->from + u')';
+    if (!source.prefix.isEmpty()) text.replace(QLatin1String("\"zov$"), source.prefix + QStringLiteral("\"zov$"));
+    return text + QStringLiteral(" AS ") + source.sqlAlias;
+}
+
+QString Translator::fromText(const TableSource& source, Scope& scope, size_t& index, std::vector<QString>& conditions,
+                             bool innerOnly) {
+    if (source.kind != TableSource::Kind::Join) return sourceText(scope.sources[index++]);
+    const QString left = fromText(*source.left, scope, index, conditions, innerOnly);
+    QString right = fromText(*source.right, scope, index, conditions, innerOnly);
+    if (innerOnly) {
+        if (source.on) conditions.push_back(predicate(*source.on, scope));
+        return left + QStringLiteral(", ") + right;
+    }
+    if (source.right->kind == TableSource::Kind::Join) right = u'(' + right + u')';
+    const char* word = " JOIN ";
+    switch (source.join) {
+        case TableSource::Join::Left: word = " LEFT JOIN "; break;
+        case TableSource::Join::Right: word = " RIGHT JOIN "; break;
+        case TableSource::Join::Full: word = " FULL JOIN "; break;
+        case TableSource::Join::Inner:
+        case TableSource::Join::Cross: break;
+    }
+    QString text = left + QLatin1String(word) + right;
+    if (source.on) text += QStringLiteral(" ON ") + predicate(*source.on, scope);
+    return text;
+}
+
+QString Translator::fromClause(const std::vector<std::unique_ptr<TableSource>>& from, Scope& scope,
+                               std::vector<QString>& conditions) {
+    if (from.empty()) return {};
+    // ON conditions may use columns of catalogue views, which are written with the columns that have
+    // been used by then: one pass notes them, the second writes.
+    const auto write = [&](std::vector<QString>& into) {
+        QString text;
+        size_t index = 0;
+        for (const auto& source : from) {
+            const bool inner = !hasOuterJoin(*source);
+            QString part = fromText(*source, scope, index, into, inner);
+            if (!inner && from.size() > 1) part = u'(' + part + u')';
+            text += (text.isEmpty() ? QString() : QStringLiteral(", ")) + part;
+        }
+        return text;
+    };
+    std::vector<QString> noted;
+    write(noted);
+    return QStringLiteral(" FROM ") + write(conditions);
+}
+
+// --- SELECT -------------------------------------------------------------------------------------
+
+void Translator::commonTables(const std::vector<CommonTable>& with, Scope& scope) {
+    for (const CommonTable& table : with) {
+        CommonSource common;
+        common.sqlName = QStringLiteral("w%1").arg(++nextAlias_);
+        const auto takeColumns = [&](const TranslatedSelect& select) {
+            common.columns = select.columns;
+            for (qsizetype i = 0; i < table.columns.size() && i < qsizetype(common.columns.size()); ++i)
+                common.columns[size_t(i)].name = table.columns[i];
+        };
+        // A table that reads itself takes its columns from its first part.
+        if (table.select->body->left) {
+            const QueryExpr* first = table.select->body.get();
+            while (first->left) first = first->left.get();
+            takeColumns(queryExpr(*first, &scope, nullptr, false));
+            scope.common.insert(table.name.toLower(), common);
+        }
+        const TranslatedSelect inner = selectIn(*table.select, &scope);
+        takeColumns(inner);
+        scope.common.insert(table.name.toLower(), common);
+        QString names;
+        for (size_t i = 0; i < inner.columns.size(); ++i)
+            names += (i ? QStringLiteral(", ") : QString()) + QStringLiteral("c%1").arg(i + 1);
+        const QString text = common.sqlName + u'(' + names + QStringLiteral(") AS (") + inner.sql + u')';
+        rootWith_ += (rootWith_.isEmpty() ? QStringLiteral("WITH RECURSIVE ") : QStringLiteral(", ")) + text;
+    }
+}
+
+TranslatedSelect Translator::selectIn(const Select& select, Scope* outer, bool existsOnly) {
+    if (select.with.empty()) return queryExpr(*select.body, outer, &select, existsOnly);
+    Scope scope;
+    scope.outer = outer;
+    const QString saved = rootWith_;
+    rootWith_.clear();
+    commonTables(select.with, scope);
+    TranslatedSelect result = queryExpr(*select.body, &scope, &select, existsOnly);
+    result.sql = rootWith_ + u' ' + result.sql;
+    rootWith_ = saved;
+    return result;
+}
+
+TranslatedSelect Translator::queryExpr(const QueryExpr& expr, Scope* outer, const Select* orders, bool existsOnly) {
+    if (expr.spec) return spec(*expr.spec, outer, orders, existsOnly, false);
+    const auto part = [&](const QueryExpr& side) {
+        TranslatedSelect text = side.spec ? spec(*side.spec, outer, nullptr, false, true) : queryExpr(side, outer, nullptr, false);
+        return text;
+    };
+    TranslatedSelect left = part(*expr.left);
+    TranslatedSelect right = part(*expr.right);
+    if (left.columns.size() != right.columns.size())
+        failWith(205, QStringLiteral("All queries combined using a UNION, INTERSECT or EXCEPT operator must have an equal "
+                                     "number of expressions in their target lists."));
+    if (!expr.right->spec) right.sql = QStringLiteral("SELECT * FROM (") + right.sql + u')';
+    TranslatedSelect result;
+    result.sql = left.sql + u' ' + expr.operation + u' ' + right.sql;
+    for (size_t i = 0; i < left.columns.size(); ++i) {
+        OutputColumn column = left.columns[i];
+        column.type = commonType(left.columns[i].type, right.columns[i].type);
+        column.sql.clear();
+        result.columns.push_back(std::move(column));
+    }
+    if (orders && (!orders->orderBy.empty() || orders->offset)) {
+        Scope none;
+        none.outer = outer;
+        result.sql += orderClause(orders->orderBy, none, result.columns, true);
+        result.sql += limitClause(nullptr, orders, none);
+    }
+    return result;
+}
+
+QString Translator::limitClause(const Expr* top, const Select* select, Scope& scope) {
+    const auto number = [&](const Expr& expr) { return bound(translate(expr, scope)); };
+    if (top) {
+        const QString count = number(*top);
+        return QStringLiteral(" LIMIT ") + count;
+    }
+    if (!select || !select->offset) return {};
+    return QStringLiteral(" LIMIT ") + (select->fetch ? number(*select->fetch) : QStringLiteral("-1")) +
+           QStringLiteral(" OFFSET ") + number(*select->offset);
+}
+
+QString Translator::orderKey(const Sql& sql) {
+    const QString text = use(sql);
+    if (sql.type.isWide()) return QStringLiteral("zov_dkey(") + text + u')';
+    if ((sql.type.isText() || !sql.type.known) && !sql.collated) return text + QStringLiteral(" COLLATE NOCASE");
+    return text;
+}
+
+QString Translator::orderClause(const std::vector<OrderItem>& items, Scope& scope,
+                                const std::vector<OutputColumn>& columns, bool compound) {
+    QString text;
+    for (const OrderItem& item : items) {
+        qsizetype ordinal = -1;
+        const Expr& expr = *item.expr;
+        if (expr.kind == Expr::Kind::Literal && expr.token->kind == TokenKind::Number) {
+            bool good = false;
+            ordinal = expr.token->source.toLongLong(&good) - 1;
+            if (!good || ordinal < 0 || ordinal >= qsizetype(columns.size()))
+                failWith(108, QStringLiteral("The ORDER BY position number %1 is out of range of the number of items in the "
+                                             "select list.").arg(expr.token->source));
+            rendered_.insert(expr.literalIndex);
+        } else if (expr.kind == Expr::Kind::Column && expr.path.isEmpty()) {
+            // Names of the select list go first, those given there before those that came with a column.
+            for (const bool aliased : {true, false}) {
+                for (size_t i = 0; i < columns.size() && ordinal < 0; ++i)
+                    if (columns[i].aliased == aliased && columns[i].name.compare(expr.name, Qt::CaseInsensitive) == 0)
+                        ordinal = qsizetype(i);
+                if (ordinal >= 0) break;
+            }
+        }
+        QString key;
+        if (ordinal >= 0) {
+            const OutputColumn& column = columns[size_t(ordinal)];
+            if (column.type.isWide() && !compound) {
+                key = QStringLiteral("zov_dkey(") + column.sql + u')';
+            } else {
+                key = QString::number(ordinal + 1);
+                if ((column.type.isText() || !column.type.known) && !column.collated) key += QStringLiteral(" COLLATE NOCASE");
+            }
+        } else if (compound) {
+            failWith(104, QStringLiteral("ORDER BY items must appear in the select list if the statement contains a UNION, "
+                                         "INTERSECT or EXCEPT operator."));
+        } else {
+            key = orderKey(translate(expr, scope));
+        }
+        text += (text.isEmpty() ? QStringLiteral(" ORDER BY ") : QStringLiteral(", ")) + key;
+        if (item.descending) text += QStringLiteral(" DESC");
+    }
+    return text;
+}
+
+TranslatedSelect Translator::spec(const QuerySpec& spec, Scope* outer, const Select* orders, bool existsOnly, bool inCompound) {
+    Scope scope;
+    scope.outer = outer;
+    for (const auto& source : spec.from) addSources(*source, scope);
+
+    TranslatedSelect result;
+    const auto addColumn = [&](const QString& name, const Sql& value, bool aliased) {
+        OutputColumn column;
+        column.name = name;
+        column.aliased = aliased;
+        column.type = value.type;
+        column.collated = value.collated;
+        column.sql = use(value);
+        result.columns.push_back(std::move(column));
+    };
+    const auto addStar = [&](const Expr& star) {
+        bool any = false;
+        for (Source& source : scope.sources) {
+            if (!star.path.isEmpty()) {
+                const bool named = source.alias.compare(star.path.last(), Qt::CaseInsensitive) == 0 &&
+                                   (star.path.size() == 1 || source.schema.compare(star.path[star.path.size() - 2], Qt::CaseInsensitive) == 0);
+                if (!named) continue;
+            }
+            any = true;
+            for (SourceColumn& column : source.columns) {
+                column.used = true;
+                Sql value;
+                value.text = source.sqlAlias + u'.' + column.sql;
+                value.type = column.type;
+                value.collated = column.collated;
+                addColumn(column.name, value, false);
+            }
+        }
+        if (!any) {
+            if (star.path.isEmpty()) failWith(263, QStringLiteral("Must specify table to select from."));
+            failWith(107, QStringLiteral("The column prefix '%1' does not match with a table name or alias name used in the query.")
+                              .arg(star.path.join(u'.')));
+        }
+    };
+    if (!existsOnly || !spec.groupBy.empty() || spec.having) {
+        for (const SelectItem& item : spec.items) {
+            if (item.expr->kind == Expr::Kind::Star) {
+                if (existsOnly) continue;
+                addStar(*item.expr);
+                continue;
+            }
+            Sql value = translate(*item.expr, scope);
+            QString name = item.alias.value_or(QString());
+            if (!item.alias && item.expr->kind == Expr::Kind::Column) name = item.expr->name;
+            if (!item.variable.isEmpty()) result.assignments.push_back(item.variable);
+            addColumn(name, value, item.alias.has_value());
+        }
+        if (!result.assignments.empty() && result.assignments.size() != result.columns.size())
+            failWith(141, QStringLiteral("A SELECT statement that assigns a value to a variable must not be combined with "
+                                         "data-retrieval operations."));
+    }
+
+    std::vector<QString> conditions;
+    QString where = spec.where ? predicate(*spec.where, scope) : QString();
+    QString group;
+    for (const ExprPtr& expr : spec.groupBy) {
+        const Sql key = translate(*expr, scope);
+        QString text = use(key);
+        if (key.type.isText() && !key.collated) text += QStringLiteral(" COLLATE NOCASE");
+        group += (group.isEmpty() ? QStringLiteral(" GROUP BY ") : QStringLiteral(", ")) + text;
+    }
+    const QString having = spec.having ? QStringLiteral(" HAVING ") + predicate(*spec.having, scope) : QString();
+    QString order = orders ? orderClause(orders->orderBy, scope, result.columns, false) : QString();
+    const QString limit = limitClause(spec.top.get(), orders, scope);
+    // The sources are written last: by now it is known which columns of the catalogue are used.
+    const QString from = fromClause(spec.from, scope, conditions);
+
+    QString list;
+    for (size_t i = 0; i < result.columns.size(); ++i) {
+        OutputColumn& column = result.columns[i];
+        if (i) list += QStringLiteral(", ");
+        list += column.sql;
+        if ((inCompound || spec.distinct) && column.type.isText() && !column.collated) {
+            list += QStringLiteral(" COLLATE NOCASE");
+            column.collated = true;
+        }
+        list += QStringLiteral(" AS c%1").arg(i + 1);
+    }
+    if (list.isEmpty()) list = QStringLiteral("1");
+    result.sql = (spec.distinct ? QStringLiteral("SELECT DISTINCT ") : QStringLiteral("SELECT ")) + list + from;
+    for (const QString& condition : conditions)
+        where = where.isEmpty() ? condition : where + QStringLiteral(" AND ") + condition;
+    if (!where.isEmpty()) result.sql += QStringLiteral(" WHERE ") + where;
+    result.sql += group + having + order + limit;
+    if (inCompound && !limit.isEmpty()) result.sql = QStringLiteral("SELECT * FROM (") + result.sql + u')';
+    return result;
+}
+
+QString Translator::updateSources(const QStringList& target, const Token* token,
+                                  const std::vector<std::unique_ptr<TableSource>>& from, const Expr* where,
+                                  std::shared_ptr<const QueryTable>& table, QString& targetAlias,
+                                  const std::function<void()>& translateValues) {
+    Scope& scope = *root_;
+    // UPDATE a SET ... FROM t AS a: the target may be one of the sources' aliases.
+    const std::function<const TableSource*(const TableSource&)> find = [&](const TableSource& source) -> const TableSource* {
+        if (source.kind == TableSource::Kind::Join) {
+            const TableSource* left = find(*source.left);
+            return left ? left : find(*source.right);
+        }
+        if (source.kind != TableSource::Kind::Named) return nullptr;
+        const bool byAlias = target.size() == 1 && source.alias.compare(target[0], Qt::CaseInsensitive) == 0;
+        const bool byName = source.path.last().compare(target.last(), Qt::CaseInsensitive) == 0 &&
+                            (source.alias.isEmpty() || target.size() > 1 || byAlias);
+        return byAlias || byName ? &source : nullptr;
+    };
+    const TableSource* named = nullptr;
+    for (const auto& source : from)
+        if (!named) named = find(*source);
+    Database* database = nullptr;
+    if (named) {
+        table = requireTable(named->path, named->token, &database);
+    } else {
+        table = requireTable(target, token, &database);
+    }
+    if (table->xtype != u"U")
+        failWith(4406, QStringLiteral("Update or insert of view or function '%1' failed: the embedded server changes tables only.")
+                           .arg(table->name));
+    prefixFor(database);
+    QString text;
+    std::vector<QString> conditions;
+    if (!named) {
+        addTable(table, QString(), false);
+        targetAlias = scope.sources.back().sqlAlias;
+    }
+    for (const auto& source : from) addSources(*source, scope);
+    if (named) {
+        const QString wanted = named->alias.isEmpty() ? named->path.last() : named->alias;
+        for (const Source& source : scope.sources)
+            if (source.alias.compare(wanted, Qt::CaseInsensitive) == 0) targetAlias = source.sqlAlias;
+    }
+    translateValues();
+    const QString filter = where ? predicate(*where, scope) : QString();
+    if (!named) {
+        // The sources of FROM begin behind the target's own place in the scope.
+        Source own = scope.sources.front();
+        scope.sources.pop_front();
+        scope.sources.push_back(own);
+        text = fromClause(from, scope, conditions);
+        text = (text.isEmpty() ? QStringLiteral(" FROM ") : text + QStringLiteral(", ")) + table->sqlName + QStringLiteral(" AS ") + targetAlias;
+    } else {
+        text = fromClause(from, scope, conditions);
+    }
+    QString all = filter;
+    for (const QString& condition : conditions) all = all.isEmpty() ? condition : all + QStringLiteral(" AND ") + condition;
+    if (!all.isEmpty()) text += QStringLiteral(" WHERE ") + all;
+    return text;
+}
+
+}  // namespace zov::local

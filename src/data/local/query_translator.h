@@ -1,0 +1,183 @@
+// T-SQL to SQLite: resolves names against the catalogue, infers types, and writes
+// the statement. One Translator serves one statement. Literals that are only
+// compared with something become parameters, so that statements of one shape
+// share one prepared statement.
+#pragma once
+
+#include "data/local/catalog_views.h"
+#include "data/local/query_ast.h"
+#include "data/local/query_cache.h"
+
+#include <deque>
+#include <functional>
+#include <set>
+
+namespace zov::local {
+
+/// A translated expression.
+struct Sql {
+    QString text;                   ///< empty for a literal or a variable until it is used
+    ValueType type;
+    bool collated = false;          ///< compares as T-SQL text by itself (a column, COLLATE)
+    const Expr* literal = nullptr;  ///< a bare literal
+    QString variable;               ///< a bare @variable
+    const Expr* source = nullptr;
+};
+
+struct OutputColumn {
+    QString name;
+    ValueType type;
+    bool collated = false;
+    bool aliased = false;           ///< named in the select list
+    QString sql;
+};
+
+/// A SELECT in SQLite's dialect. Its columns are named c1, c2 ...
+struct TranslatedSelect {
+    QString sql;
+    std::vector<OutputColumn> columns;
+    std::vector<QString> assignments;
+};
+
+class Translator {
+ public:
+    Translator(SessionState& session, const Variables* variables);
+    ~Translator();
+
+    TranslatedSelect select(const Select& select);
+    Sql expression(const Expr& expr);
+    QString condition(const Expr& expr);
+
+    /// Brings a table into the scope of expression() and condition() (UPDATE, DELETE, computed
+    /// columns). `bareColumns`: columns are written without the table's alias.
+    void addTable(const std::shared_ptr<const QueryTable>& table, const QString& alias, bool bareColumns);
+    /// FROM of an UPDATE or DELETE: the sources, and which of them is the target. Returns the text of
+    /// FROM and WHERE; `targetAlias` gets the SQLite alias of the target.
+    /// `translateValues` is called when the sources are known and before their text is written.
+    QString updateSources(const QStringList& target, const Token* token,
+                          const std::vector<std::unique_ptr<TableSource>>& from, const Expr* where,
+                          std::shared_ptr<const QueryTable>& table, QString& targetAlias,
+                          const std::function<void()>& translateValues);
+    void addCommonTables(const std::vector<CommonTable>& with);
+    QString withClause() const;
+    /// The expression as a value of `type`, converted when it isn't one.
+    QString converted(Sql value, const ColumnInfo& type, int style = 0, bool tolerant = false);
+    /// The text of an expression; a literal is written out.
+    QString use(const Sql& sql);
+
+    /// The user's table or view of that name; throws 208.
+    std::shared_ptr<const QueryTable> requireTable(const QStringList& path, const Token* token, Database** database = nullptr);
+
+    const std::vector<ParameterSource>& parameters() const { return parameters_; }
+    /// The tokens that became parameters and whose own text matters no more.
+    std::set<int> boundLiterals() const;
+    Database& database();
+    const std::vector<std::pair<QString, QString>>& attachments() const { return attachments_; }
+    bool usesTables() const { return usesTables_; }
+    int majorVersion() const { return majorVersion_; }
+    SessionState& session() { return session_; }
+
+    // For the functions' rules.
+    QString bound(const Sql& sql, const ColumnInfo* target = nullptr);
+    QString asText(const Sql& sql);
+    QString global(const QString& name);
+    QString dateFormatNumber() const;
+    QString orderKey(const Sql& sql);
+
+ private:
+    struct SourceColumn {
+        QString name;
+        ValueType type;
+        bool collated = false;
+        bool used = false;
+        QString sql;             ///< the column behind the source's alias
+    };
+    struct Source {
+        QString alias;           ///< what references call it
+        QString schema;          ///< when it has no alias of its own
+        bool ownName = false;    ///< no alias was given: schema.name finds it as well
+        QString sqlAlias;
+        std::deque<SourceColumn> columns;
+        const CatalogView* view = nullptr;
+        QString prefix;          ///< of an attached database
+        QString body;            ///< what stands in FROM, for all but catalogue views
+        bool bare = false;
+    };
+    struct CommonSource {
+        QString sqlName;
+        std::vector<OutputColumn> columns;
+    };
+    struct Scope {
+        Scope* outer = nullptr;
+        std::deque<Source> sources;
+        QHash<QString, CommonSource> common;
+    };
+    struct Context {             // the database that bare names belong to
+        Database* database = nullptr;
+    };
+
+    TranslatedSelect selectIn(const Select& select, Scope* outer, bool existsOnly = false);
+    TranslatedSelect queryExpr(const QueryExpr& expr, Scope* outer, const Select* orders, bool existsOnly);
+    TranslatedSelect spec(const QuerySpec& spec, Scope* outer, const Select* orders, bool existsOnly, bool inCompound);
+    QString limitClause(const Expr* top, const Select* select, Scope& scope);
+    QString orderClause(const std::vector<OrderItem>& items, Scope& scope, const std::vector<OutputColumn>& columns, bool compound);
+    void commonTables(const std::vector<CommonTable>& with, Scope& scope);
+
+    void addSources(const TableSource& source, Scope& scope);
+    void addNamed(const TableSource& source, Scope& scope);
+    void addView(const QueryTable& view, Database* database, Source& source);
+    QString fromText(const TableSource& source, Scope& scope, size_t& index, std::vector<QString>& conditions, bool innerOnly);
+    QString fromClause(const std::vector<std::unique_ptr<TableSource>>& from, Scope& scope, std::vector<QString>& conditions);
+    QString sourceText(Source& source);
+    QString prefixFor(Database* database);
+    const CommonSource* findCommon(const QString& name, Scope* scope);
+
+    Sql translate(const Expr& expr, Scope& scope);
+    Sql column(const Expr& expr, Scope& scope);
+    Sql arithmetic(const Expr& expr, Scope& scope);
+    Sql plus(Sql a, Sql b);
+    Sql caseExpr(const Expr& expr, Scope& scope);
+    Sql cast(const Expr& expr, Scope& scope);
+    Sql function(const Expr& expr, Scope& scope);
+    Sql aggregate(const Expr& expr, Scope& scope, bool& found);
+    Sql windowed(Sql call, const Expr& expr, Scope& scope);
+    Sql literal(const Expr& expr);
+    Sql variable(const Expr& expr);
+    Sql scalarSubquery(const Expr& expr, Scope& scope);
+    QString predicate(const Expr& expr, Scope& scope);
+    QString compare(const QString& op, const Sql& a, const Sql& b);
+    void coerce(const Sql& a, const Sql& b, QString& left, QString& right);
+    QString inList(const Expr& expr, Scope& scope);
+    QString numberOf(const Sql& sql);
+
+    friend struct FunctionRules;
+
+    SessionState& session_;
+    const Variables* variables_;
+    int majorVersion_;
+    Context context_;
+    Database* main_ = nullptr;
+    std::vector<std::pair<QString, QString>> attachments_;   // alias, file
+    QHash<QString, QString> attachedNames_;
+    std::vector<ParameterSource> parameters_;
+    std::set<int> bound_, rendered_;
+    int nextAlias_ = 0;
+    int viewDepth_ = 0;
+    bool usesTables_ = false;
+    std::unique_ptr<Scope> root_;
+    QString rootWith_;
+    // Views' texts, tokens and trees live as long as the statement is in work.
+    struct ViewSource {
+        QString text;
+        std::vector<Token> tokens;
+        SelectPtr select;
+    };
+    std::deque<ViewSource> views_;
+};
+
+/// A value as a literal of SQLite.
+QString renderValue(const StoredValue& value);
+/// Single quotes around, doubled inside.
+QString quotedText(const QString& text);
+
+}  // namespace zov::local

@@ -1,0 +1,130 @@
+// The folder of an embedded server: one SQLite file per database. A store is one session's view of
+// the folder: it opens databases, makes and drops them, and keeps the session's transactions. Open
+// handles go back to a pool of the process when the store dies, so that the next session starts at
+// once. Enter at ServerStore::open. Nothing is known here of T-SQL.
+//
+// Writing: whoever changes a database calls willWrite() first, between beginStatement() and
+// endStatement(), which the statement runner calls around every statement.
+#pragma once
+
+#include "data/local/local_session.h"
+
+#include <QDateTime>
+
+#include <map>
+#include <memory>
+#include <set>
+#include <vector>
+
+namespace zov::local {
+
+/// What the server-wide catalogue tells of a database.
+struct DatabaseFacts {
+    int dbid = 0;              ///< master 1, tempdb 2, model 3, msdb 4, users' from 5
+    QString name;
+    QString file;              ///< full path; empty for a system database that has no file yet
+    QString created;           ///< "yyyy-MM-dd HH:mm:ss.fff"
+    int compatibility = 160;   ///< 80 on a version 8 server
+    QString collation;
+    bool isSystem = false;
+};
+
+class ServerStore {
+ public:
+    /// `dataSource` is "local:NAME" or "local:/a/path", with "?version=8.00.2039" behind it for a
+    /// server of another version than the default one; the version counts when the folder is made. A
+    /// folder that doesn't exist is made when `createServer` is set, else throws DbError 0x80004005.
+    static std::unique_ptr<ServerStore> open(const QString& dataSource, bool createServer);
+    ~ServerStore();
+    ServerStore(const ServerStore&) = delete;
+    ServerStore& operator=(const ServerStore&) = delete;
+
+    /// The folder that a data source stands for, whether or not it exists.
+    static QString folderOf(const QString& dataSource);
+    static bool isLocalDataSource(const QString& dataSource);
+
+    const QString& folder() const { return folder_; }
+    /// @@SERVERNAME: the last part of the folder's name.
+    const QString& serverName() const { return serverName_; }
+    /// "16.0.4085.2" unless the folder was made as another version.
+    const QString& productVersion() const { return productVersion_; }
+    int majorVersion() const;
+
+    /// All databases as this session sees them (staged ones included, dropped ones not), by dbid.
+    std::vector<DatabaseFacts> databases();
+    bool hasDatabase(const QString& name);
+
+    /// The open database of this session; opened at first use, in any case of letters. Throws
+    /// DbError 911 for an unknown name. The reference stays good until the database is dropped, the
+    /// load that made it is rolled back (its handle is null then), or the store dies.
+    Database& database(const QString& name);
+    /// The same, made first when it isn't there: when the load that follows is rolled back, it goes
+    /// again, and so does a folder that was made for it.
+    Database& openOrCreate(const QString& name);
+
+    /// CREATE DATABASE and DROP DATABASE; within a load they take effect at commitLoad. Throw
+    /// DbError 1801 (name taken), 3701 (no such database), 3702 (in use), 3708 (system database).
+    void createDatabase(const QString& name);
+    void dropDatabase(const QString& name);
+
+    // A load: all or nothing over every database that it touches.
+    void beginLoad();
+    void commitLoad();
+    void rollbackLoad();
+    bool inLoad() const { return inLoad_; }
+
+    // Transactions of the session (BEGIN TRAN ...). Within a load they nest into it.
+    void beginTransaction();
+    void commitTransaction();      ///< throws 3902 without a transaction
+    void rollbackTransaction();    ///< throws 3903 without a transaction
+    int transactionCount() const { return transactionCount_; }   ///< @@TRANCOUNT
+
+    // One statement: what it changed is undone when it fails.
+    void beginStatement();
+    void endStatement(bool succeeded);
+    /// To be called before `database` is changed, within a statement.
+    void willWrite(Database& database);
+
+    /// To be called before a batch: a change that another session made to a database makes the query
+    /// side forget what it knew of it.
+    void noticeForeignChanges();
+
+ private:
+    struct Entry;
+    struct Pool;
+    ServerStore(QString folder, QString version);
+
+    static Pool& pool();
+    Entry* entryOf(const Database& database);
+    /// The true name and file of a database in any case of letters; false when there is none.
+    bool find(const QString& name, QString& trueName, QString& file) const;
+    Entry& openEntry(const QString& name, const QString& file, bool staged);
+    Entry& stageNew(const QString& name, int dbid);
+    void publish(Entry& entry);
+    void forget(const QString& key);
+    void discardHandle(Entry& entry);
+    void requireUnused(const QString& name, const QString& file);
+    void begin(Entry& entry);
+    int nextDatabaseId();
+
+    QString folder_;
+    QString serverName_;
+    QString productVersion_;
+    std::map<QString, std::unique_ptr<Entry>> open_;   // by folded name
+    std::vector<std::unique_ptr<Entry>> gone_;         // closed; sessions may still point at them
+    std::map<QString, QString> dropped_;               // in this load: folded name -> file
+    std::set<QString> createdAtOpen_;
+    bool folderMade_ = false;
+    bool inLoad_ = false;
+    bool inStatement_ = false;
+    int transactionCount_ = 0;
+};
+
+/// Throws DbError with SQLite's own text unless `code` is a success; a full disk, a read-only folder
+/// and a locked file are told in plain words.
+void checkSqlite(sqlite3* handle, int code);
+/// Runs statements without rows; throws DbError.
+void execSql(sqlite3* handle, const QString& sql);
+void execSql(sqlite3* handle, const char* sql);
+
+}  // namespace zov::local
