@@ -1,0 +1,89 @@
+#include "data/odbc/odbc_provider.h"
+
+#include "data/odbc/odbc_results.h"
+
+namespace zov::odbc {
+namespace {
+
+class OdbcConnection : public ProviderConnection {
+ public:
+    explicit OdbcConnection(std::shared_ptr<Session> session) : session_(std::move(session)) {}
+
+    std::unique_ptr<ResultStream> execute(const CommandSpec& command) override {
+        const std::shared_ptr<Session> session = current();
+        if (!session)
+            throw DbError(ado_error::Unspecified, QStringLiteral("The connection is closed."));
+        if (session->isBusy())
+            throw DbError(ado_error::Unspecified,
+                          QStringLiteral("The connection is busy with the results of another "
+                                         "command."));
+        return std::make_unique<OdbcStream>(session, command);
+    }
+
+    void cancel() override {
+        if (const std::shared_ptr<Session> session = current()) session->cancel();
+    }
+
+    std::vector<ServerMessage> takeMessages() override {
+        const std::shared_ptr<Session> session = current();
+        return session ? std::exchange(session->messages, {}) : std::vector<ServerMessage>();
+    }
+
+    void close() override {
+        std::shared_ptr<Session> ended;  // ends, or goes to the pool, outside the lock
+        const std::lock_guard lock(guard_);
+        ended.swap(session_);
+    }
+
+ private:
+    // cancel() comes from other threads.
+    std::shared_ptr<Session> current() const {
+        const std::lock_guard lock(guard_);
+        return session_;
+    }
+
+    mutable std::mutex guard_;
+    std::shared_ptr<Session> session_;
+};
+
+class OdbcProvider : public Provider {
+ public:
+    std::unique_ptr<ProviderConnection> open(const ConnectionSpec& spec,
+                                             bool createDatabase) override {
+        if (!createDatabase || spec.database.isEmpty()) return connect(spec);
+        try {
+            return connect(spec);
+        } catch (const DbError& error) {
+            if (!isUnknownDatabase(error)) throw;
+        }
+        ConnectionSpec anyDatabase = spec;
+        anyDatabase.database = QStringLiteral("master");
+        CommandSpec create;
+        create.text = QStringLiteral("CREATE DATABASE [%1]")
+                          .arg(QString(spec.database).replace(u']', QStringLiteral("]]")));
+        create.timeout = 0;
+        const std::unique_ptr<ProviderConnection> maker = connect(anyDatabase);
+        const std::unique_ptr<ResultStream> stream = maker->execute(create);
+        while (stream->nextResult()) {
+        }
+        stream->close();
+        return connect(spec);
+    }
+
+ private:
+    static std::unique_ptr<ProviderConnection> connect(const ConnectionSpec& spec) {
+        const ServerAddress server = ServerAddress::parse(spec.dataSource);
+        const QString text =
+            odbcConnectionString(chooseDriver(), server, spec, Encryption::fromEnvironment());
+        return std::make_unique<OdbcConnection>(borrowSession(text, server, spec));
+    }
+};
+
+}  // namespace
+
+Provider& odbcProvider() {
+    static OdbcProvider provider;
+    return provider;
+}
+
+}  // namespace zov::odbc

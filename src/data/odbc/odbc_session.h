@@ -1,0 +1,69 @@
+// One session with a server, and the pool where idle ones wait for half a minute:
+// connecting costs several round trips and a login, and the system opens a
+// connection for every query.
+#pragma once
+
+#include "data/odbc/odbc_driver.h"
+#include "data/odbc/odbc_errors.h"
+#include "data/odbc/odbc_handles.h"
+
+#include <memory>
+#include <mutex>
+
+namespace zov::odbc {
+
+class Session {
+ public:
+    /// Connects and logs in; throws DbError.
+    Session(const QString& connectionString, const ServerAddress& server,
+            const ConnectionSpec& spec);
+
+    SQLHDBC handle() const { return connection_.get(); }
+    const QString& key() const { return key_; }
+    /// Columns of a result may be read piecewise in any order, in front of bound ones too.
+    bool readsAnyColumn() const { return readsAnyColumn_; }
+
+    /// The statement that cancel() stops, while it lives; null when it ended.
+    void setRunning(SQLHSTMT statement);
+    bool isBusy() const;
+    void cancel();
+    bool wasCancelled() const;
+
+    /// Called with each command's text: a session whose state may have been changed by what ran on
+    /// it (SET, USE, a transaction, a temporary table) isn't handed to somebody else.
+    void noteCommand(const QString& text, bool isProcedure);
+    /// Something failed: the session may go on, but is not used for anybody else.
+    void noteFailure() { reusable_ = false; }
+    bool isReusable() const { return reusable_; }
+
+    /// Turns a failed call into its error, and notes it.
+    DbError failure(SQLSMALLINT handleType, SQLHANDLE handle);
+
+    /// Sets its database anew. False when the server is gone, or doesn't give it any more.
+    bool makeFresh();
+
+    std::vector<ServerMessage> messages;
+
+ private:
+    void rememberDatabase();
+
+    Handle connection_;
+    QString key_;
+    QString database_;  // where the login landed
+    bool readsAnyColumn_ = false;
+    bool reusable_ = true;
+
+    mutable std::mutex runningGuard_;
+    SQLHSTMT running_ = nullptr;
+    bool cancelled_ = false;
+};
+
+/// A command that only reads, as far as its words tell.
+bool leavesSessionAsItWas(const QString& commandText);
+
+/// Hands out an idle session with this very connection string, or a new one. When its last owner
+/// lets go it returns to the pool, or ends.
+std::shared_ptr<Session> borrowSession(const QString& connectionString, const ServerAddress& server,
+                                       const ConnectionSpec& spec);
+
+}  // namespace zov::odbc

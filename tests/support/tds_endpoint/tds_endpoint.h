@@ -1,0 +1,81 @@
+// A TDS 7.4 server on 127.0.0.1 in front of a Provider, so that tests reach the embedded server
+// through a real driver. Start it, connect to its port, let it go out of scope. It serves any
+// number of clients, each in threads of its own, and can be told to misbehave.
+#pragma once
+
+#include "data/base/provider.h"
+
+#include <QStringList>
+
+#include <memory>
+
+namespace zov {
+
+/// What goes wrong on purpose. Rows are counted within each result.
+struct TdsFaults {
+    bool refuseLogin = false;
+    int loginDelayMilliseconds = 0;
+    QStringList missingDatabases;  ///< a login or USE that names one fails (4060, 911)
+    /// Only statements that hold this text are met by the faults below; empty: all.
+    QString onlyStatementsWith;
+    int delayMilliseconds = 0;   ///< before a statement runs; an attention ends the wait
+    qint64 dropAfterRows = -1;   ///< the connection is cut behind so many rows
+    qint64 errorAfterRows = -1;  ///< an error follows so many rows, and the result ends
+    qint32 errorNumber = 1205;
+    QString errorText =
+        QStringLiteral("Transaction was deadlocked and has been chosen as the victim.");
+};
+
+struct TdsEndpointOptions {
+    Provider* provider = nullptr;  ///< must outlive the endpoint
+    QString dataSource;            ///< what the provider is opened with
+    QString user = QStringLiteral("sa");
+    QString password;
+    QString serverName = QStringLiteral("ZOVTEST");
+    QString defaultDatabase = QStringLiteral("master");
+    quint16 port = 0;  ///< 0: the system chooses
+    TdsFaults faults;
+};
+
+struct TdsCounters {
+    int logins = 0;  ///< that were let in
+    int refusedLogins = 0;
+    int batches = 0;
+    int rpcs = 0;
+    int attentions = 0;
+    int openSessions = 0;
+};
+
+class TdsEndpoint {
+ public:
+    TdsEndpoint();
+    /// Stops.
+    ~TdsEndpoint();
+    TdsEndpoint(const TdsEndpoint&) = delete;
+    TdsEndpoint& operator=(const TdsEndpoint&) = delete;
+
+    /// Begins to listen; gives the port. Throws std::runtime_error when it can't.
+    quint16 start(const TdsEndpointOptions& options);
+    /// Cuts all connections and waits for their threads. Counters and statements stay.
+    void stop();
+    quint16 port() const;  ///< 0 when stopped
+
+    // The calls below need an endpoint that was started once.
+
+    /// From the next statement or login on, also of sessions that are open.
+    void setFaults(const TdsFaults& faults);
+    TdsCounters counters() const;
+    /// Texts of batches, and of calls as "sp_name" or the statement that they carry, oldest first.
+    QStringList statements() const;
+    /// Forgets statements and counters but for the open sessions.
+    void resetCounters();
+
+    /// "127.0.0.1,PORT": the data source for a connection string.
+    QString dataSource() const;
+
+ private:
+    struct Running;
+    std::unique_ptr<Running> running_;
+};
+
+}  // namespace zov
