@@ -1,0 +1,74 @@
+// What a bulk comparison needs of the screens around it: the status display of
+// its own form, the panels' lists and panes as scratch, the choice of objects
+// and the report screen.
+#pragma once
+
+#include "catalog/mdlObjects.h"
+
+#include <QStringList>
+
+#include <array>
+
+namespace zov {
+
+/// `chkObjType`: tables, procedures, functions, views, triggers, relationships, constraints,
+/// permissions.
+using ObjectKindBoxes = std::array<bool, 8>;
+
+/// The status display of a run.
+class CompareAllForm {
+ public:
+    virtual ~CompareAllForm() = default;
+    /// From choosing to running: hides `lblInfo`, swaps the frames, empties and shows
+    /// `lblCurProcName`.
+    virtual void showRunning() = 0;
+    /// `lblComparing(index)`, shown from now on.
+    virtual void setComparing(int index, const QString& text) = 0;
+    virtual void setCurrentName(const QString& name) = 0;
+    virtual void setTime(const QString& elapsed) = 0;
+    /// `tmrStatus`, which animates the dots.
+    virtual void runStatusTimer(bool on) = 0;
+};
+
+/// One side's list and pane.
+struct ComparePanel {
+    ObjectList& pvlSqlObj;
+    TextPane& txtTXProc;
+};
+struct ComparePanels {
+    ComparePanel source;
+    ComparePanel target;
+};
+
+/// `frmListObjects`: the user ticks the objects of a selective comparison.
+class ObjectChooser {
+ public:
+    virtual ~ObjectChooser() = default;
+    /// False when the user cancelled.
+    virtual bool ShowUp(const QString& DbName1, const QString& DbName2, ObjectType Type,
+                        QStringList& SourceNames, QStringList& TargetNames) = 0;
+};
+
+/// What the report screen is opened with, beside the text in gstrReport.
+struct ComparisonReport {
+    QString Caption;
+    QString ServerName1, ServerName2, DbName1, DbName2;
+    qint32 CompType = 0;
+    qint32 CompSubType = 0;
+    qint32 CompSubSubType = 0;
+    QString EncObjTypes;
+    qint32 CompMethod = -1;
+    QStringList SourceNames, TargetNames;
+    bool Replay = false;
+    QString ExportPath;
+    bool Print = false;
+};
+
+/// `frmReport`, modal.
+class ReportScreen {
+ public:
+    virtual ~ReportScreen() = default;
+    virtual void ShowUp(const ComparisonReport& report) = 0;
+};
+
+}  // namespace zov

@@ -1,0 +1,169 @@
+#include "structcompare/modCompareObjects.h"
+
+#include "core/error_report.h"
+#include "core/globals.h"
+#include "shell/shell.h"
+#include "structcompare/comp_line.h"
+#include "structcompare/simple_case.h"
+#include "structcompare/text_cleaner_errors.h"
+#include "util/text.h"
+
+#include <optional>
+
+namespace zov {
+
+bool CompareProcs_IgnoreWhiteSpace(const QString& a, const QString& b) {
+    return guarded("modCompareObjects", "CompareProcs_IgnoreWhiteSpace", false, [&] {
+        QString first = Trim(a);
+        QString second = Trim(b);
+        if (!globals().gblnCaseSensitive) {
+            first = simpleUpper(first);
+            second = simpleUpper(second);
+        }
+        if (first == second) return true;
+        if (first.isEmpty() || second.isEmpty()) return false;
+        // Walking the two word by word, as the blanks part them, adds nothing to this: the same
+        // number of blanks and the same words between them make the same text.
+        return ReplaceNonPrintableChars(first, QStringLiteral(" ")) ==
+               ReplaceNonPrintableChars(second, QStringLiteral(" "));
+    });
+}
+
+QString ReplaceNonPrintableChars(const QString& text, const QString& replacement) {
+    QString result;
+    boxOnError("ReplaceNonPrintableChars", [&] {
+        result.reserve(text.size());
+        bool first = true;
+        for (const QChar c : text) {
+            const qsizetype before = result.size();
+            bool blank = c == u' ';
+            if (c == u'\r' || c == u'\n' || c == u'\0' || c == u'\t' || c == u'\v') {
+                result.append(replacement);
+                blank = true;
+            } else {
+                result.append(c);
+            }
+            if (blank && !first && before > 0 && result.at(before - 1) == u' ') result.chop(1);
+            first = false;
+        }
+    });
+    return result;
+}
+
+QString GetDelimitedWord_Extended(const QString& text, qint32 wordNumber,
+                                  const QString& delimiter) {
+    QString word;
+    boxOnError("GetDelimitedWord_Extended", [&] {
+        qsizetype begin = 0;
+        for (qint32 number = 2; number <= wordNumber; ++number) {
+            const qsizetype found = text.indexOf(delimiter, begin);
+            if (found < 0) return;
+            begin = found + delimiter.size();
+        }
+        const qsizetype end = text.indexOf(delimiter, begin);
+        word = end < 0 ? text.mid(begin) : text.mid(begin, end - begin);
+    });
+    return word;
+}
+
+namespace {
+
+/// Where the header of a view ends, from 0; -1 when it isn't seen.
+qsizetype headerEnd(const QString& upperCased) {
+    qsizetype end = upperCased.indexOf(QStringLiteral("\nAS\n"));
+    if (end < 0) end = upperCased.indexOf(QStringLiteral(" AS"));
+    if (end < 0) end = upperCased.indexOf(QStringLiteral("\r\nAS\r\n"));
+    return end;
+}
+
+/// The view's bare name out of an upper-cased header; none when the header isn't a view's.
+std::optional<QString> viewNameIn(QString header) {
+    for (const QChar mark : {u'"', u'[', u']', u'\n'}) header.remove(mark);
+    const QString keyword = QStringLiteral(" VIEW ");
+    const qsizetype at = header.indexOf(keyword);
+    if (at < 0) return std::nullopt;
+    const QString name = Trim(header.mid(at + keyword.size()));
+    return name.mid(name.lastIndexOf(u'.') + 1);
+}
+
+}  // namespace
+
+void AdjustCreateViewStatements(const QString& source, QString& target) {
+    guardedRun("modCompareObjects", "AdjustCreateViewStatements", [&] {
+        constexpr int headLength = 500;
+        constexpr int farthestApart = 20;
+        if (source == target) return;
+        const QString sourceHead = simpleUpper(LTrim(source.left(headLength)));
+        const QString targetHead = simpleUpper(LTrim(target.left(headLength)));
+        if (sourceHead == targetHead) return;
+
+        const qsizetype sourceEnd = headerEnd(sourceHead);
+        const qsizetype targetEnd = headerEnd(targetHead);
+        if (sourceEnd < 0 || targetEnd < 0) return;
+        if (qAbs(sourceEnd - targetEnd) > farthestApart) return;
+
+        // Heads and replacement take the first character of the header's end with them.
+        const auto sourceName = viewNameIn(sourceHead.left(sourceEnd + 1));
+        const auto targetName = viewNameIn(targetHead.left(targetEnd + 1));
+        if (!sourceName || !targetName || *sourceName != *targetName) return;
+        target = LTrim(source).left(sourceEnd + 1) + LTrim(target).mid(targetEnd + 1);
+    });
+}
+
+namespace {
+
+/// The lines of one pane for the owner test; false, after a box, when the pane can't be read.
+bool ownerTestLines(const TextPane& pane, const QString& side, std::vector<CompLine>& lines) {
+    bool error = false;
+    TXText_ConvTextToArray(pane, lines, error);
+    if (error)
+        shell().messageBox(
+            QStringLiteral("CompareProcs_IgnoreOwnerInName (%1) - error occurred.").arg(side));
+    return !error;
+}
+
+bool linesPass(const QString& source, const QString& target) {
+    return source == target ||
+           (globals().gblnIgnoreWhitespace && CompareProcs_IgnoreWhiteSpace(source, target));
+}
+
+/// One line pair. `headerSeen` is set by the first differing pair of which one side holds
+/// CREATE PROCEDURE, and never cleared: all differing lines behind it may differ by owner too.
+bool linesPassWithoutOwner(QString source, QString target, bool& headerSeen) {
+    if (globals().gblnIgnoreComments && source != target) {
+        source = StripCommentsFromProc(source);
+        target = StripCommentsFromProc(target);
+    }
+    if (!globals().gblnCaseSensitive) {
+        source = simpleUpper(source);
+        target = simpleUpper(target);
+    }
+    if (linesPass(source, target)) return true;
+
+    const QString header = QStringLiteral("CREATE PROCEDURE");
+    if (simpleUpper(source).contains(header) || simpleUpper(target).contains(header))
+        headerSeen = true;
+    if (!headerSeen) return false;
+    source.remove(QStringLiteral("dbo."), Qt::CaseInsensitive);
+    target.remove(QStringLiteral("dbo."), Qt::CaseInsensitive);
+    return linesPass(source, target);
+}
+
+}  // namespace
+
+bool CompareProcs_IgnoreOwnerInName(const TextPane& source, const TextPane& target) {
+    return guarded("modCompareObjects", "CompareProcs_IgnoreOwnerInName", false, [&] {
+        std::vector<CompLine> sourceLines, targetLines;
+        if (!ownerTestLines(source, QStringLiteral("Source"), sourceLines)) return false;
+        if (!ownerTestLines(target, QStringLiteral("Target"), targetLines)) return false;
+        if (sourceLines.size() != targetLines.size()) return false;
+
+        bool headerSeen = false;
+        for (size_t i = 0; i < sourceLines.size(); ++i)
+            if (!linesPassWithoutOwner(sourceLines[i].strText, targetLines[i].strText, headerSeen))
+                return false;
+        return true;
+    });
+}
+
+}  // namespace zov

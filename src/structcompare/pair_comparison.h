@@ -1,0 +1,55 @@
+// Comparing the two objects that stand in the panes: the action behind the main
+// window's Compare button and "Compare Highlighted Sections". Marks the lines and
+// tells the verdict in a sentence.
+#pragma once
+
+#include "catalog/mdlObjects.h"
+#include "core/server_info.h"
+#include "shell/controls.h"
+
+namespace zov {
+
+/// What is selected in the two panels. Object names are as the lists show them, empty with nothing
+/// selected.
+struct SelectedPair {
+    ObjectType objectType = ObjectType::Table;
+    ServerInfo sourceServer;
+    ServerInfo targetServer;
+    QString sourceDb;
+    QString targetDb;
+    QString sourceObject;
+    QString targetObject;
+    qint32 sourceId = 0;
+    qint32 targetId = 0;
+
+    /// "tables"
+    QString typeNamePlural() const { return GetObjectTypeName(objectType, true); }
+    /// "server.db.object", without the last part when no object is selected.
+    QString sourceFullName() const;
+    QString targetFullName() const;
+};
+
+/// What the comparison asks of the window around it.
+class PairComparisonWindow {
+ public:
+    virtual ~PairComparisonWindow() = default;
+    /// Reads the selection of both panels.
+    virtual SelectedPair GetNamesOfSelected() = 0;
+    /// The window's re-entrancy flag.
+    virtual void setBusy(bool busy) = 0;
+    /// Opens the report screen on globals().gstrReport.
+    virtual void showComparisonReport(const SelectedPair& pair) = 0;
+    /// The comparison belongs to a print job: it prints both panes and shows no report.
+    virtual bool isPrintJob() const = 0;
+    virtual void printBothPanes() = 0;
+};
+
+/// Compares the panes' texts, or the given ones (highlighted sections). True when identical.
+bool CompareSelProcs(PairComparisonWindow& window, TextPane& source, TextPane& target,
+                     bool useGivenText = false, const QString& sourceText = {},
+                     const QString& targetText = {});
+
+/// "Compare Highlighted Sections": asks for a selection in both panes first.
+void CompareHighlightedSections(PairComparisonWindow& window, TextPane& source, TextPane& target);
+
+}  // namespace zov

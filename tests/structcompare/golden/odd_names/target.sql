@@ -1,0 +1,10 @@
+CREATE TABLE [Bob's table] (a bigint NULL)
+GO
+CREATE TABLE [Order Details] (a int NULL)
+GO
+CREATE TABLE [Zårsak] (a bigint NULL)
+GO
+CREATE PROCEDURE [Bob's] AS SELECT N'Æ'
+GO
+CREATE PROCEDURE [a]]b] AS SELECT 1
+GO

@@ -1,0 +1,22 @@
+CREATE TABLE t_case (name int NULL)
+GO
+CREATE TABLE t_index (a int NOT NULL CONSTRAINT PK_t_index PRIMARY KEY CLUSTERED, b int NULL)
+GO
+CREATE TABLE t_order (b int NULL, a int NULL)
+GO
+CREATE TABLE t_same (a int NULL)
+GO
+CREATE PROCEDURE p_blank AS
+SELECT 1
+GO
+create procedure p_case AS SELECT 1
+GO
+CREATE PROCEDURE p_comment AS
+SELECT 1 /* last */
+GO
+CREATE PROCEDURE p_order AS
+SELECT 2
+SELECT 1
+GO
+CREATE PROCEDURE p_same AS SELECT 1
+GO

@@ -1,0 +1,4 @@
+CREATE TABLE T_default (a int NULL CONSTRAINT DF_a DEFAULT (1))
+GO
+CREATE TABLE T_order (a int NULL, b int NULL)
+GO

@@ -1,0 +1,6 @@
+CREATE TABLE T_default (a int NULL CONSTRAINT DF_a DEFAULT (2))
+GO
+CREATE TABLE T_order (b int NULL, a int NULL)
+GO
+CREATE TABLE T_more (a int NULL)
+GO

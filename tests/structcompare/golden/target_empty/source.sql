@@ -1,0 +1,2 @@
+CREATE TABLE Alone (A int NULL)
+GO
