@@ -1,0 +1,285 @@
+#include "apps/cli/cli_options.h"
+
+#include "core/globals.h"
+
+#include <CLI/CLI.hpp>
+
+#include <cstdio>
+#include <deque>
+
+namespace zov::cli {
+namespace {
+
+const char* const Examples = R"(Examples:
+  zovrand-cli load -S local:shop -d Shop shop.sql
+      makes the database Shop on the embedded server "shop" from a script
+  zovrand-cli list -S local:shop -d Shop -t tables
+  zovrand-cli text -S local:shop -d Shop -t procedure GetOrders
+  zovrand-cli server add db1,1433 --sql-login sa
+      stores a SQL Server with its login; the password is asked for
+  zovrand-cli compare --source local:shop --source-db Shop --target db1,1433 --target-db Shop --details
+
+SERVER is a stored server's name, local:NAME or local:/a/folder for the embedded
+server, or any server together with --login USER; the password then comes from
+ZOVRAND_PASSWORD or from --password-stdin. Everything is kept below ZOVRAND_HOME
+when that is set.
+
+Exit status: 0 identical or done, 1 differences found, 2 trouble.)";
+
+const char* const ServerAddExamples = R"(Examples:
+  zovrand-cli server add local:shop
+  zovrand-cli server add db1\\sales                      Windows authentication
+  zovrand-cli server add db1,1433 --sql-login sa         asks for the password
+  zovrand-cli server add db1 --sql-login sa --password-stdin < password.txt
+
+The password is kept as plain text in a file that only you can read.)";
+
+const char* const LoadExamples = R"(Example:
+  zovrand-cli load -S local:shop -d Shop tables.sql data.sql
+)";
+
+const char* const QueryExamples =
+    R"(Tabs, line breaks and backslashes in a value are written \t, \n, \r and \\; a null is Null.
+
+Examples:
+  zovrand-cli query -S local:shop -d Shop "SELECT TOP 5 * FROM Orders"
+  zovrand-cli query -S local:shop -d master "SELECT name FROM sysdatabases")";
+
+const char* const ListExamples = R"(Example:
+  zovrand-cli list -S local:shop -d Shop -t views
+)";
+
+const char* const TextExamples = R"(Examples:
+  zovrand-cli text -S local:shop -d Shop -t table "Order Details"
+  zovrand-cli text -S local:shop -d Shop -t procedure sales.GetOrders)";
+
+const char* const CompareExamples = R"(Examples:
+  zovrand-cli compare --source local:shop --source-db Shop --target local:shop --target-db ShopNew
+  zovrand-cli compare --source local:shop --source-db Shop --target db1 --target-db Shop
+                      -t tables,views --details -o report.txt
+  zovrand-cli compare --source A --source-db Shop --target B --target-db Shop
+                      --select Orders,Customers --set IgnoreComments=0
+
+The settings that decide what counts as a difference: CaseSensitive, IgnoreWhitespace,
+IgnoreComments, IgnoreIndexes, IgnoreColSeq, IgnoreSysObjects, AnalyzeConstraints (1 or 0).
+
+Exit status: 0 identical, 1 differences found, 2 trouble.)";
+
+const char* const TypeHelp =
+    "tables, procedures, functions, views, triggers, relationships, constraints or permissions";
+
+/// Texts as the parser gives them, and where they go when it is done.
+class Fields {
+ public:
+    std::string& text(QString& to) {
+        texts_.emplace_back(std::string(), &to);
+        return texts_.back().first;
+    }
+    std::vector<std::string>& list(QStringList& to) {
+        lists_.emplace_back(std::vector<std::string>(), &to);
+        return lists_.back().first;
+    }
+    /// An option that stands at several commands fills the same field: only the one given counts.
+    void store() {
+        for (const auto& [from, to] : texts_) {
+            if (!from.empty()) *to = QString::fromLocal8Bit(from);
+        }
+        for (const auto& [from, to] : lists_) {
+            for (const std::string& item : from) *to += QString::fromLocal8Bit(item);
+        }
+    }
+
+ private:
+    std::deque<std::pair<std::string, QString*>> texts_;
+    std::deque<std::pair<std::vector<std::string>, QStringList*>> lists_;
+};
+
+void addSettings(CLI::App* command, Options& options, Fields& fields) {
+    command
+        ->add_option("--set", fields.list(options.settings),
+                     "Give a setting another value for this run, as IgnoreComments=0")
+        ->type_name("KEY=VALUE")
+        ->allow_extra_args(false);
+}
+
+void addLogin(CLI::App* command, Options& options, Fields& fields) {
+    command
+        ->add_option("--login", fields.text(options.server.login),
+                     "SQL Server login of a server that isn't stored; its password comes from "
+                     "ZOVRAND_PASSWORD")
+        ->type_name("USER");
+    command->add_flag("--password-stdin", options.passwordFromStdin,
+                      "Read that password from the first line of standard input");
+}
+
+void addServer(CLI::App* command, Options& options, Fields& fields) {
+    command->add_option("-S,--server", fields.text(options.server.server), "Server")
+        ->type_name("SERVER")
+        ->required();
+    command
+        ->add_option("-d,--database", fields.text(options.server.database),
+                     "Database; a stored server's own when left out")
+        ->type_name("DB");
+    addLogin(command, options, fields);
+    addSettings(command, options, fields);
+}
+
+void addType(CLI::App* command, Options& options, Fields& fields) {
+    command
+        ->add_option("-t,--type", fields.text(options.type),
+                     std::string("Kind of object: ") + TypeHelp)
+        ->type_name("TYPE")
+        ->required();
+}
+
+using Choices = std::vector<std::pair<CLI::App*, Command>>;
+
+void describeServerCommands(CLI::App& app, Options& options, Fields& fields, Choices& choices) {
+    CLI::App* server = app.add_subcommand("server", "The stored list of servers");
+    server->require_subcommand(1);
+
+    CLI::App* add = server->add_subcommand("add", "Test a server and store it with its login");
+    add->add_option("NAME", fields.text(options.name),
+                    "host; host,port; host\\instance; tcp:host,port; or local:NAME")
+        ->type_name("")
+        ->required();
+    add->add_option("--sql-login", fields.text(options.sqlLogin),
+                    "SQL Server authentication with this login; Windows authentication otherwise")
+        ->type_name("USER");
+    add->add_flag(
+        "--password-stdin", options.passwordFromStdin,
+        "Read the password from standard input (otherwise from ZOVRAND_PASSWORD, or asked "
+        "for)");
+    add->add_option("--database", fields.text(options.server.database),
+                    "Database to start with (master)")
+        ->type_name("DB");
+    add->add_flag("--no-check", options.skipCheck, "Store the server without connecting to it");
+    addSettings(add, options, fields);
+    add->footer(ServerAddExamples);
+    choices.emplace_back(add, Command::ServerAdd);
+
+    choices.emplace_back(
+        server->add_subcommand("list", "One stored server a line: name, login, database"),
+        Command::ServerList);
+
+    CLI::App* remove = server->add_subcommand("remove", "Take a server out of the list");
+    remove->add_option("NAME", fields.text(options.name), "As the list shows it")
+        ->type_name("")
+        ->required();
+    choices.emplace_back(remove, Command::ServerRemove);
+}
+
+void describeCommands(CLI::App& app, Options& options, Fields& fields, Choices& choices) {
+    describeServerCommands(app, options, fields, choices);
+
+    CLI::App* load = app.add_subcommand(
+        "load", "Run T-SQL scripts in a database, which is made when it is missing");
+    addServer(load, options, fields);
+    load->add_flag(
+        "--keep-going", options.keepGoing,
+        "Report statements that fail and go on; without it the first one ends the load and "
+        "the embedded server leaves the database as it was");
+    load->add_flag("--replace", options.replace,
+                   "Start from an empty database (embedded server only)");
+    load->add_option("FILE", fields.list(options.files), "Scripts, in this order")
+        ->type_name("")
+        ->required();
+    load->footer(LoadExamples);
+    choices.emplace_back(load, Command::Load);
+
+    CLI::App* query =
+        app.add_subcommand("query", "Run a statement; rows come tab-separated with a header line");
+    addServer(query, options, fields);
+    query->add_option("SQL", fields.text(options.sql), "The statement")->type_name("")->required();
+    query->footer(QueryExamples);
+    choices.emplace_back(query, Command::Query);
+
+    CLI::App* list = app.add_subcommand("list", "Names of a database's objects, one a line");
+    addServer(list, options, fields);
+    addType(list, options, fields);
+    list->footer(ListExamples);
+    choices.emplace_back(list, Command::List);
+
+    CLI::App* text = app.add_subcommand("text", "An object's text, as comparisons see it");
+    addServer(text, options, fields);
+    addType(text, options, fields);
+    text->add_option("NAME", fields.text(options.objectName),
+                     "The object, with its schema in front where two have its name")
+        ->type_name("")
+        ->required();
+    text->footer(TextExamples);
+    choices.emplace_back(text, Command::Text);
+
+    CLI::App* compare = app.add_subcommand(
+        "compare", "Compare the structure of two databases and print the report");
+    compare->add_option("--source", fields.text(options.server.server), "Source server")
+        ->type_name("SERVER")
+        ->required();
+    compare->add_option("--source-db", fields.text(options.server.database), "Source database")
+        ->type_name("DB");
+    compare->add_option("--target", fields.text(options.target.server), "Target server")
+        ->type_name("SERVER")
+        ->required();
+    compare->add_option("--target-db", fields.text(options.target.database), "Target database")
+        ->type_name("DB");
+    addLogin(compare, options, fields);
+    compare
+        ->add_option("--target-login", fields.text(options.target.login),
+                     "Login for the target when it isn't --login's; its password comes from "
+                     "ZOVRAND_TARGET_PASSWORD, else from the same place")
+        ->type_name("USER");
+    compare
+        ->add_option("-t,--types", fields.text(options.types),
+                     "Kinds of objects, joined by commas; all when left out")
+        ->type_name("TYPE,...");
+    compare
+        ->add_option("--select", fields.list(options.select),
+                     "Compare these objects only; a name that holds a comma in brackets")
+        ->type_name("NAME,...")
+        ->allow_extra_args(false);
+    compare->add_flag("--details", options.details, "List the lines that differ");
+    compare
+        ->add_option("-o,--output", fields.text(options.outputFile),
+                     "Write the report to this file instead of standard output")
+        ->type_name("FILE");
+    addSettings(compare, options, fields);
+    compare->footer(CompareExamples);
+    choices.emplace_back(compare, Command::Compare);
+}
+
+}  // namespace
+
+std::optional<Options> parseCommandLine(int argc, char** argv, int& status) {
+    Options options;
+    Fields fields;
+    Choices choices;
+    CLI::App app(
+        "Compares the structure of Microsoft SQL Server databases, on real servers and on "
+        "an embedded one.",
+        "zovrand-cli");
+    app.set_version_flag("--version", "zovrand-cli " + ProgramVersionText().toStdString() +
+                                          " build " + std::to_string(ProgramBuildNumber));
+    app.footer(Examples);
+    app.require_subcommand(1);
+    app.get_formatter()->column_width(34);
+    describeCommands(app, options, fields, choices);
+    try {
+        app.parse(argc, argv);
+    } catch (const CLI::Success& success) {
+        status = app.exit(success);
+        return std::nullopt;
+    } catch (const CLI::ParseError& error) {
+        std::fprintf(stderr,
+                     "zovrand-cli: %s\n  See zovrand-cli --help, or --help behind a command.\n",
+                     error.what());
+        status = Trouble;
+        return std::nullopt;
+    }
+    for (const auto& [subcommand, command] : choices) {
+        if (subcommand->parsed()) options.command = command;
+    }
+    fields.store();
+    return options;
+}
+
+}  // namespace zov::cli

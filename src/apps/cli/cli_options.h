@@ -1,0 +1,59 @@
+// What a command line of zovrand-cli asks for. Filled by parseCommandLine, read
+// by the commands.
+#pragma once
+
+#include <QString>
+#include <QStringList>
+
+#include <optional>
+
+namespace zov::cli {
+
+/// Exit statuses.
+inline constexpr int Identical = 0;  ///< or done
+inline constexpr int Different = 1;
+inline constexpr int Trouble = 2;
+
+enum class Command { ServerAdd, ServerList, ServerRemove, Load, Query, List, Text, Compare };
+
+/// How one server is named on the command line.
+struct ServerArguments {
+    QString server;
+    QString database;
+    QString login;  ///< of a server that isn't stored; empty: none given
+};
+
+struct Options {
+    Command command = Command::ServerList;
+    QStringList settings;  ///< KEY=VALUE, for this run
+    bool passwordFromStdin = false;
+
+    ServerArguments server;  ///< -S, -d, --login; the source of a comparison
+    ServerArguments target;
+
+    // server add, server remove
+    QString name;
+    QString sqlLogin;
+    bool skipCheck = false;
+
+    // load
+    QStringList files;
+    bool keepGoing = false;
+    bool replace = false;
+
+    QString sql;         // query
+    QString type;        // list, text
+    QString objectName;  // text
+
+    // compare
+    QString types;       ///< joined by commas; empty: all of a full run
+    QStringList select;  ///< as given, each may hold several names
+    bool details = false;
+    QString outputFile;
+};
+
+/// Reads the command line. No result: `status` is what the program ends with (help was printed, or
+/// one line on what is wrong).
+std::optional<Options> parseCommandLine(int argc, char** argv, int& status);
+
+}  // namespace zov::cli

@@ -1,0 +1,68 @@
+// What the commands share: choosing and reaching a server, the kinds of objects
+// by name, output.
+#pragma once
+
+#include "apps/cli/cli_options.h"
+#include "catalog/mdlObjects.h"
+#include "core/server_info.h"
+
+#include <QString>
+
+#include <stdexcept>
+
+namespace zov {
+class ConsoleShell;
+}
+
+namespace zov::cli {
+
+/// Ends a command with one line of trouble (and a next step behind it), exit status 2.
+struct Failure : std::exception {
+    explicit Failure(const QString& text) : text(text) {}
+    QString text;
+};
+
+/// The password for a login given on the command line: standard input's first line when asked for,
+/// else ZOVRAND_PASSWORD (or `variable` when that is set), else typed at the terminal, else empty.
+QString passwordFor(const Options& options, const QString& login,
+                    const char* variable = "ZOVRAND_PASSWORD");
+
+/// Stored, or of the embedded kind: no login needs to be named.
+bool isKnownServer(const QString& name);
+/// The server that a command line names. Throws Failure for one that can't be told.
+ServerInfo chooseServer(const Options& options, const ServerArguments& arguments,
+                        const char* passwordVariable = "ZOVRAND_PASSWORD");
+/// The database given, else the stored server's own.
+QString chooseDatabase(const ServerArguments& arguments, const ServerInfo& server,
+                       const char* option);
+
+/// Connects once, so that trouble is told here and clearly; notes the server's version and makes it
+/// the panel's current server. Throws Failure.
+void reachServer(ServerInfo& server, const QString& database, int panel);
+/// Trouble with a server, with a next step that fits it where the server's own text has none.
+/// `connected`: it came behind the connection.
+QString explainDbError(const DbError& error, const ServerInfo& server, const QString& database,
+                       bool connected);
+
+/// "tables", "table", in any case; throws Failure.
+ObjectType objectTypeFromName(const QString& name);
+/// "a,[b,c],d" to its names; a name in brackets has its brackets taken off, "]]" within is one.
+QStringList splitNames(const QString& list);
+/// Whether the user's `name` means the object that a list shows as `listed`: to the letter, by its
+/// part behind the schema, or with a schema in front where the list shows none.
+bool meansObject(const QString& name, const QString& listed);
+
+/// Writes to standard output with plain line feeds; throws Failure when that is impossible.
+void writeOut(const QString& text);
+void flushOut();
+
+int runServerAdd(const Options& options, ConsoleShell& console);
+int runServerList();
+int runServerRemove(const Options& options);
+int runLoad(const Options& options, ConsoleShell& console);
+int runQuery(const Options& options, ConsoleShell& console);
+int runList(const Options& options, ConsoleShell& console);
+int runText(const Options& options, ConsoleShell& console);
+int runCompare(const Options& options, ConsoleShell& console);
+
+}  // namespace zov::cli
