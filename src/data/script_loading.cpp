@@ -133,7 +133,8 @@ class Loader {
 QString LoadProblem::toString() const {
     QString text = file;
     if (line > 0) text += QStringLiteral(":%1").arg(line);
-    text += QStringLiteral(": ") + message;
+    // One line, whatever the server quotes of the script.
+    text += QStringLiteral(": ") + message.simplified();
     if (!firstWords.isEmpty()) text += QStringLiteral(" (at: %1)").arg(firstWords);
     return text;
 }

@@ -411,5 +411,30 @@ TEST_F(Samples, OptionsActAsTheSamplesPageTells) {
     }
 }
 
+TEST_F(Samples, ColumnsThatTheUserIgnoresAreLeftOut) {
+    const QStringList options{"-t", "tables", "--select", "Supplier"};
+    const QByteArray broken =
+        "no section\r\n[broken\r\n=nothing\r\n[local:samples.ShopBefore.Supplier]\r\n"
+        "; widened in release 5\r\nstray line\r\n0=NAME\r\n";
+    home_->write("home/documents/zov_ignored_cols_struct.ini", broken);
+    const CliResult oneSide = compare(options);
+    EXPECT_EQ(oneSide.status, 1);
+    EXPECT_TRUE(oneSide.out.contains(
+        "List of tables which differ:\n\tSupplier (some columns ignored during comparison)\n"))
+        << ::testing::PrintToString(oneSide);
+
+    home_->write("home/documents/zov_ignored_cols_struct.ini",
+                 broken + "[local:samples.ShopAfter.Supplier]\r\n0=Name\r\n");
+    const CliResult bothSides = compare(options);
+    EXPECT_EQ(bothSides.status, 0);
+    EXPECT_TRUE(
+        bothSides.out.contains("The structure of all selected tables in both databases is "
+                               "identical. (Some columns were ignored during comparison.)\n"))
+        << ::testing::PrintToString(bothSides);
+    // A pane, and so the text of one object, shows all columns.
+    EXPECT_TRUE(text("table", "Supplier").contains("[Name] [nvarchar] (60) NOT NULL"));
+    QFile::remove(home_->home() + "/documents/zov_ignored_cols_struct.ini");
+}
+
 }  // namespace
 }  // namespace zov::acceptance

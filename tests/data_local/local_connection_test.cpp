@@ -13,7 +13,8 @@ namespace zov::local {
 namespace {
 
 const QString Endless = QStringLiteral(
-    "WITH n (i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < 1000000000) SELECT COUNT(*) FROM n");
+    "WITH n (i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < 1000000000) SELECT COUNT(*) "
+    "FROM n");
 
 TEST(LocalConnections, TwoStreamsOfOneDatabaseGoSideBySide) {
     LocalServer server;
@@ -82,7 +83,10 @@ TEST(LocalConnections, UnknownDatabasesAndServersAreTold) {
         FAIL();
     } catch (const DbError& error) {
         EXPECT_EQ(error.native, 4060);
-        EXPECT_EQ(error.description, QStringLiteral("Cannot open database \"Missing\" requested by the login. The login failed."));
+        EXPECT_EQ(
+            error.description,
+            QStringLiteral(
+                "Cannot open database \"Missing\" requested by the login. The login failed."));
     }
     ConnectionSpec spec;
     spec.dataSource = server.source() + QStringLiteral("-none");
@@ -91,13 +95,15 @@ TEST(LocalConnections, UnknownDatabasesAndServersAreTold) {
         FAIL();
     } catch (const DbError& error) {
         EXPECT_EQ(error.number, ado_error::Unspecified);
-        EXPECT_TRUE(error.description.startsWith(QStringLiteral("SQL Server does not exist or access denied.")));
+        EXPECT_TRUE(error.description.startsWith(
+            QStringLiteral("SQL Server does not exist or access denied.")));
     }
 }
 
 TEST(LocalConnections, AnErrorAmongTheRowsEndsTheStreamAndNothingElse) {
     LocalServer server;
-    server.run(QStringLiteral("CREATE TABLE T (a int, b varchar(5)) INSERT T VALUES (1, '1'), (2, 'x')"));
+    server.run(
+        QStringLiteral("CREATE TABLE T (a int, b varchar(5)) INSERT T VALUES (1, '1'), (2, 'x')"));
     CommandSpec command;
     command.text = QStringLiteral("SELECT a, CAST(b AS int) FROM T");
     const auto stream = server.connection().execute(command);
@@ -110,7 +116,8 @@ TEST(LocalConnections, AnErrorAmongTheRowsEndsTheStreamAndNothingElse) {
 
 TEST(LocalConnections, TheSampleDatabasesAnswerAsTheyDoOnAServer) {
     const QString folder = QStringLiteral(ZOV_SOURCE_ROOT "/../shared/data/");
-    if (!QFile::exists(folder + QStringLiteral("northwind.sql"))) GTEST_SKIP() << "the folder of sample databases is not here";
+    if (!QFile::exists(folder + QStringLiteral("northwind.sql")))
+        GTEST_SKIP() << "the folder of sample databases is not here";
     LocalServer server;
     QFile file(folder + QStringLiteral("northwind.sql"));
     ASSERT_TRUE(file.open(QIODevice::ReadOnly));
@@ -129,15 +136,31 @@ TEST(LocalConnections, TheSampleDatabasesAnswerAsTheyDoOnAServer) {
     const struct {
         const char* view;
         const char* rows;
-    } views[] = {{"Customer and Suppliers by City", "120"}, {"Alphabetical list of products", "69"}, {"Current Product List", "69"},
-                 {"Orders Qry", "830"}, {"Products Above Average Price", "25"}, {"Products by Category", "69"}, {"Quarterly Orders", "86"},
-                 {"Invoices", "2155"}, {"Order Details Extended", "2155"}, {"Order Subtotals", "830"}, {"Product Sales for 1997", "77"},
-                 {"Category Sales for 1997", "8"}, {"Sales by Category", "77"}, {"Sales Totals by Amount", "66"},
-                 {"Summary of Sales by Quarter", "809"}, {"Summary of Sales by Year", "809"}};
+    } views[] = {{"Customer and Suppliers by City", "120"},
+                 {"Alphabetical list of products", "69"},
+                 {"Current Product List", "69"},
+                 {"Orders Qry", "830"},
+                 {"Products Above Average Price", "25"},
+                 {"Products by Category", "69"},
+                 {"Quarterly Orders", "86"},
+                 {"Invoices", "2155"},
+                 {"Order Details Extended", "2155"},
+                 {"Order Subtotals", "830"},
+                 {"Product Sales for 1997", "77"},
+                 {"Category Sales for 1997", "8"},
+                 {"Sales by Category", "77"},
+                 {"Sales Totals by Amount", "66"},
+                 {"Summary of Sales by Quarter", "809"},
+                 {"Summary of Sales by Year", "809"}};
     for (const auto& view : views)
-        EXPECT_EQ(server.value(QStringLiteral("SELECT COUNT(*) FROM [%1]").arg(QLatin1String(view.view))), view.rows) << view.view;
-    EXPECT_EQ(server.value(QStringLiteral("SELECT * FROM [Category Sales for 1997] ORDER BY CategoryName")),
-              "Beverages|102074.31\nCondiments|55277.6\nConfections|80894.14\nDairy Products|114749.78\nGrains/Cereals|55948.82\n"
+        EXPECT_EQ(
+            server.value(QStringLiteral("SELECT COUNT(*) FROM [%1]").arg(QLatin1String(view.view))),
+            view.rows)
+            << view.view;
+    EXPECT_EQ(server.value(
+                  QStringLiteral("SELECT * FROM [Category Sales for 1997] ORDER BY CategoryName")),
+              "Beverages|102074.31\nCondiments|55277.6\nConfections|80894.14\nDairy "
+              "Products|114749.78\nGrains/Cereals|55948.82\n"
               "Meat/Poultry|81338.06\nProduce|53019.98\nSeafood|65544.18");
 }
 

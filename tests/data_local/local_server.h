@@ -15,7 +15,8 @@ class LocalServer {
     /// `version`: empty for the default one.
     explicit LocalServer(const QString& version = {}) {
         source_ = QStringLiteral("local:") + folder_.filePath(QStringLiteral("server"));
-        createSource_ = version.isEmpty() ? source_ : source_ + QStringLiteral("?version=") + version;
+        createSource_ =
+            version.isEmpty() ? source_ : source_ + QStringLiteral("?version=") + version;
         connection_ = open(QStringLiteral("Test"), true);
     }
 
@@ -63,7 +64,8 @@ class LocalServer {
     std::string value(const QString& select) {
         const QString text = QString::fromStdString(rows(select));
         const QStringList lines = text.split(u'\n');
-        return lines.size() > 2 ? lines.mid(1, lines.size() - 2).join(u'\n').toStdString() : "(no row)";
+        return lines.size() > 2 ? lines.mid(1, lines.size() - 2).join(u'\n').toStdString()
+                                : "(no row)";
     }
 
     /// "number: text" of the failure, "no error" without one.
@@ -88,7 +90,9 @@ class LocalServer {
                 text += QStringLiteral("(%1,%2)").arg(column.precision).arg(column.scale);
             else if (column.size > 0 && !(column.type == SqlType::RowVersion))
                 text += QStringLiteral("(%1)").arg(column.size);
-            else if (column.size < 0 && (column.type == SqlType::VarChar || column.type == SqlType::NVarChar || column.type == SqlType::VarBinary))
+            else if (column.size < 0 &&
+                     (column.type == SqlType::VarChar || column.type == SqlType::NVarChar ||
+                      column.type == SqlType::VarBinary))
                 text += QStringLiteral("(max)");
             all << text;
         }

@@ -16,12 +16,17 @@ class Expressions : public testing::Test {
     static void SetUpTestSuite() {
         server = new LocalServer;
         server->run(QStringLiteral(
-            "CREATE TABLE T (id int NOT NULL PRIMARY KEY, name nvarchar(20) NULL, code char(5) NULL, price money NULL, "
-            "qty smallint NULL, ratio real NULL, made datetime NULL, day date NULL, wide decimal(38,10) NULL, "
-            "amount decimal(10,2) NULL, flag bit NULL, guid uniqueidentifier NULL, bytes varbinary(10) NULL, at datetime2(3) NULL)\n"
-            "INSERT T VALUES(1, N'Anna', 'ab', 12.5, 3, 0.25, '19970704 10:30', '1997-07-04', 12345678901234567890.5, 10.10, 1, "
+            "CREATE TABLE T (id int NOT NULL PRIMARY KEY, name nvarchar(20) NULL, code char(5) "
+            "NULL, price money NULL, "
+            "qty smallint NULL, ratio real NULL, made datetime NULL, day date NULL, wide "
+            "decimal(38,10) NULL, "
+            "amount decimal(10,2) NULL, flag bit NULL, guid uniqueidentifier NULL, bytes "
+            "varbinary(10) NULL, at datetime2(3) NULL)\n"
+            "INSERT T VALUES(1, N'Anna', 'ab', 12.5, 3, 0.25, '19970704 10:30', '1997-07-04', "
+            "12345678901234567890.5, 10.10, 1, "
             "'6f9619ff-8b86-d011-b42d-00c04fc964ff', 0x0102, '2020-02-29 23:59:59.9996')\n"
-            "INSERT T VALUES(2, N'bertha', 'AB', 7, 10, 1.5, '19971231', '1998-01-01', -0.0000000001, 3.33, 0, NULL, 0x, NULL)\n"
+            "INSERT T VALUES(2, N'bertha', 'AB', 7, 10, 1.5, '19971231', '1998-01-01', "
+            "-0.0000000001, 3.33, 0, NULL, 0x, NULL)\n"
             "INSERT T(id) VALUES(3)"));
     }
     static void TearDownTestSuite() { delete server; }
@@ -32,7 +37,8 @@ class Expressions : public testing::Test {
             try {
                 got = server->value(QString::fromUtf8(c.sql));
             } catch (const DbError& error) {
-                got = "error " + std::to_string(error.native) + ": " + error.description.toStdString();
+                got = "error " + std::to_string(error.native) + ": " +
+                      error.description.toStdString();
             }
             EXPECT_EQ(got, c.expected) << c.sql;
         }
@@ -61,11 +67,14 @@ TEST_F(Expressions, Arithmetic) {
         {"SELECT amount / 3 FROM T WHERE id = 1", "3.366666"},
         {"SELECT 2.0 / 3, 1.0 / 4, 0.3 / 0.1", "0.666666|0.25|3"},
         {"SELECT price * qty FROM T WHERE id = 1", "37.5"},
-        {"SELECT CASE WHEN amount * 3 = 30.3 THEN 'exact' ELSE 'off' END FROM T WHERE id = 1", "exact"},
+        {"SELECT CASE WHEN amount * 3 = 30.3 THEN 'exact' ELSE 'off' END FROM T WHERE id = 1",
+         "exact"},
         {"SELECT NULL + 1", "NULL"},
         {"SELECT 1 / 0", "error 8134: Divide by zero error encountered."},
-        {"SELECT 10 / (qty - qty) FROM T WHERE id = 1", "error 8134: Divide by zero error encountered."},
-        {"SELECT 'abc' + 1", "error 245: Conversion failed when converting the varchar value 'abc' to data type int."},
+        {"SELECT 10 / (qty - qty) FROM T WHERE id = 1",
+         "error 8134: Divide by zero error encountered."},
+        {"SELECT 'abc' + 1",
+         "error 245: Conversion failed when converting the varchar value 'abc' to data type int."},
         {"SELECT wide FROM T WHERE id = 1", "12345678901234567890.5"},
         {"SELECT id FROM T WHERE wide > 0 ORDER BY wide DESC", "1"},
         {"SELECT COUNT(*) FROM T WHERE wide = 12345678901234567890.5", "1"},
@@ -88,7 +97,9 @@ TEST_F(Expressions, TextsCompareIgnoringCaseAndBlanksBehind) {
         {"SELECT CASE WHEN 'a_b' LIKE 'a[_]b' THEN 1 ELSE 0 END", "1"},
         {"SELECT CASE WHEN 'aXb' LIKE 'a[_]b' THEN 1 ELSE 0 END", "0"},
         {"SELECT CASE WHEN UPPER(name) = 'anna' THEN 1 ELSE 0 END FROM T WHERE id = 1", "1"},
-        {"SELECT CASE WHEN name COLLATE Latin1_General_BIN = 'ANNA' THEN 1 ELSE 0 END FROM T WHERE id = 1", "0"},
+        {"SELECT CASE WHEN name COLLATE Latin1_General_BIN = 'ANNA' THEN 1 ELSE 0 END FROM T WHERE "
+         "id = 1",
+         "0"},
         {"SELECT CASE WHEN N'\xC3\x89t\xC3\xA9' = N'\xC3\xA9T\xC3\x89' THEN 1 ELSE 0 END", "1"},
         {"SELECT MAX(name) FROM T", "bertha"},
         {"SELECT name + '!' + code + '.' FROM T WHERE id = 1", "Anna!ab   ."},
@@ -118,14 +129,19 @@ TEST_F(Expressions, TextFunctions) {
         {"SELECT QUOTENAME('a]b')", "[a]]b]"},
         {"SELECT ASCII('A'), 1", "65|1"},
         {"SELECT CHAR(65) + NCHAR(8364)", "A\xE2\x82\xAC"},
-        {"SELECT UPPER('\xC3\xA9') + LOWER('ABC') + REVERSE('xyz')", "\xC3\x89" "abczyx"},
+        {"SELECT UPPER('\xC3\xA9') + LOWER('ABC') + REVERSE('xyz')",
+         "\xC3\x89"
+         "abczyx"},
         {"SELECT CONCAT('a', NULL, 1, 'b')", "a1b"},
-        {"SELECT ISNULL(NULL, 'x') + COALESCE(NULL, NULL, 'y') + ISNULL(NULLIF('a', 'A'), 'z')", "xyz"},
+        {"SELECT ISNULL(NULL, 'x') + COALESCE(NULL, NULL, 'y') + ISNULL(NULLIF('a', 'A'), 'z')",
+         "xyz"},
         {"SELECT IIF(1 > 2, 'a', 'b') + CHOOSE(2, 'p', 'q')", "bq"},
-        {"SELECT ISNUMERIC('1.5') + ISNUMERIC('abc') + ISDATE('20200230') + ISDATE('2020-02-29')", "2"},
+        {"SELECT ISNUMERIC('1.5') + ISNUMERIC('abc') + ISDATE('20200230') + ISDATE('2020-02-29')",
+         "2"},
         {"SELECT PARSENAME('a.b.[c d]', 1)", "c d"},
         {"SELECT NOSUCH(1)", "error 195: 'NOSUCH' is not a recognized built-in function name."},
-        {"SELECT LEFT('abc', -1)", "error 537: Invalid length parameter passed to the LEFT or SUBSTRING function."},
+        {"SELECT LEFT('abc', -1)",
+         "error 537: Invalid length parameter passed to the LEFT or SUBSTRING function."},
     });
 }
 
@@ -144,7 +160,8 @@ TEST_F(Expressions, Dates) {
         {"SELECT DATEDIFF(year, '19991231', '20000101')", "1"},
         {"SELECT DATEDIFF(dd, '20200228', '20200301')", "2"},
         {"SELECT DATEPART(weekday, '20261122')", "1"},
-        {"SELECT DATENAME(month, made) + ' ' + DATENAME(dw, made) FROM T WHERE id = 1", "July Friday"},
+        {"SELECT DATENAME(month, made) + ' ' + DATENAME(dw, made) FROM T WHERE id = 1",
+         "July Friday"},
         {"SELECT YEAR(made) * 100 + MONTH(made) FROM T WHERE id = 1", "199707"},
         {"SELECT CONVERT(varchar(30), made, 120) FROM T WHERE id = 1", "1997-07-04 10:30:00"},
         {"SELECT CONVERT(varchar(30), made, 103) FROM T WHERE id = 1", "04/07/1997"},
@@ -159,7 +176,8 @@ TEST_F(Expressions, Dates) {
         {"SELECT COUNT(*) FROM T WHERE made = 'yesterday'",
          "error 241: Conversion failed when converting date and/or time from character string."},
         {"SELECT CAST('17520101' AS datetime)",
-         "error 242: The conversion of a varchar data type to a datetime data type resulted in an out-of-range value."},
+         "error 242: The conversion of a varchar data type to a datetime data type resulted in an "
+         "out-of-range value."},
     });
 }
 
@@ -176,18 +194,25 @@ TEST_F(Expressions, Conversions) {
         {"SELECT CAST(0x41 AS varchar(5))", "A"},
         {"SELECT CONVERT(varchar(10), 0x1fAB, 1)", "0x1FAB"},
         {"SELECT CAST(258 AS binary(4))", "0x00000102"},
-        {"SELECT CAST(guid AS varchar(40)) FROM T WHERE id = 1", "6F9619FF-8B86-D011-B42D-00C04FC964FF"},
-        {"SELECT guid FROM T WHERE guid = '{6F9619FF-8B86-D011-B42D-00C04FC964FF}'", "{6F9619FF-8B86-D011-B42D-00C04FC964FF}"},
+        {"SELECT CAST(guid AS varchar(40)) FROM T WHERE id = 1",
+         "6F9619FF-8B86-D011-B42D-00C04FC964FF"},
+        {"SELECT guid FROM T WHERE guid = '{6F9619FF-8B86-D011-B42D-00C04FC964FF}'",
+         "{6F9619FF-8B86-D011-B42D-00C04FC964FF}"},
         {"SELECT TRY_CAST('x' AS int)", "NULL"},
         {"SELECT ROUND(12.345, 1)", "12.3"},
         {"SELECT ROUND(1255, -2)", "1300"},
         {"SELECT FLOOR(-2.5), 0", "-3|0"},
         {"SELECT CEILING(2.1) + ABS(-3) + SIGN(-9)", "5"},
         {"SELECT POWER(2, 10)", "1024"},
-        {"SELECT CAST(300 AS tinyint)", "error 220: Arithmetic overflow error for data type tinyint, value = 300."},
-        {"SELECT CAST('1.5' AS int)", "error 245: Conversion failed when converting the varchar value '1.5' to data type int."},
-        {"SELECT CAST('x' AS decimal(5,2))", "error 8114: Error converting data type varchar to decimal."},
-        {"SELECT CAST('x' AS uniqueidentifier)", "error 8169: Conversion failed when converting from a character string to uniqueidentifier."},
+        {"SELECT CAST(300 AS tinyint)",
+         "error 220: Arithmetic overflow error for data type tinyint, value = 300."},
+        {"SELECT CAST('1.5' AS int)",
+         "error 245: Conversion failed when converting the varchar value '1.5' to data type int."},
+        {"SELECT CAST('x' AS decimal(5,2))",
+         "error 8114: Error converting data type varchar to decimal."},
+        {"SELECT CAST('x' AS uniqueidentifier)",
+         "error 8169: Conversion failed when converting from a character string to "
+         "uniqueidentifier."},
         {"SELECT CAST(1 AS nosuch)", "error 243: Type nosuch is not a defined system type."},
     });
 }
@@ -195,13 +220,20 @@ TEST_F(Expressions, Conversions) {
 TEST_F(Expressions, ResultTypes) {
     const std::vector<Case> cases = {
         {"SELECT id, name, code, price, qty, ratio, made, day, wide, flag, guid, bytes, at FROM T",
-         "int nvarchar(20) char(5) money smallint real datetime date decimal(38,10) bit uniqueidentifier varbinary(10) datetime2"},
-        {"SELECT 1, 'abc', N'ab', 1.50, 1e0, $1, 0x01, NULL", "int varchar(3) nvarchar(2) numeric(3,2) float money varbinary(1) int"},
+         "int nvarchar(20) char(5) money smallint real datetime date decimal(38,10) bit "
+         "uniqueidentifier varbinary(10) datetime2"},
+        {"SELECT 1, 'abc', N'ab', 1.50, 1e0, $1, 0x01, NULL",
+         "int varchar(3) nvarchar(2) numeric(3,2) float money varbinary(1) int"},
         {"SELECT COUNT(*), SUM(qty), AVG(price), MAX(name) FROM T", "int int money nvarchar(20)"},
-        {"SELECT name + code, CAST(id AS bigint), amount * 2, id + 1.5 FROM T", "nvarchar(25) bigint decimal(12,2) numeric(12,1)"},
-        {"SELECT CASE WHEN id = 1 THEN 'abc' ELSE N'defg' END, ISNULL(code, ''), GETDATE() FROM T", "nvarchar(4) char(5) datetime"},
-        {"SELECT LEFT(name, 3), DB_NAME(), REPLACE(code, 'a', 'b'), CONVERT(nvarchar(max), id) FROM T", "nvarchar(3) nvarchar(128) varchar(8000) nvarchar(max)"},
-        {"SELECT serverproperty('ProductVersion') AS ServerVer, ident_seed('T')", "sql_variant numeric(38,0)"},
+        {"SELECT name + code, CAST(id AS bigint), amount * 2, id + 1.5 FROM T",
+         "nvarchar(25) bigint decimal(12,2) numeric(12,1)"},
+        {"SELECT CASE WHEN id = 1 THEN 'abc' ELSE N'defg' END, ISNULL(code, ''), GETDATE() FROM T",
+         "nvarchar(4) char(5) datetime"},
+        {"SELECT LEFT(name, 3), DB_NAME(), REPLACE(code, 'a', 'b'), CONVERT(nvarchar(max), id) "
+         "FROM T",
+         "nvarchar(3) nvarchar(128) varchar(8000) nvarchar(max)"},
+        {"SELECT serverproperty('ProductVersion') AS ServerVer, ident_seed('T')",
+         "sql_variant numeric(38,0)"},
     };
     for (const Case& c : cases) {
         if (c.expected) {
@@ -212,7 +244,8 @@ TEST_F(Expressions, ResultTypes) {
 
 TEST_F(Expressions, Variables) {
     check({
-        {"DECLARE @a int, @b varchar(3) SET @a = 5 SELECT @b = 'abcdef' SELECT @a + 1, @b", "6|abc"},
+        {"DECLARE @a int, @b varchar(3) SET @a = 5 SELECT @b = 'abcdef' SELECT @a + 1, @b",
+         "6|abc"},
         {"DECLARE @n nvarchar(20) SELECT @n = name FROM T WHERE id = 2 SELECT @n", "bertha"},
         {"DECLARE @d datetime SET @d = '19970704' SELECT COUNT(*) FROM T WHERE made >= @d", "2"},
         {"SELECT id FROM T WHERE id < 3 SELECT @@ROWCOUNT", "1\n2\n\n2"},

@@ -15,20 +15,30 @@ class Selects : public testing::Test {
  protected:
     static void SetUpTestSuite() {
         server = new LocalServer;
-        server->run(QStringLiteral(
-            "CREATE TABLE Customers (Id int NOT NULL PRIMARY KEY, Name nvarchar(20) NOT NULL, City nvarchar(20) NULL)\n"
-            "CREATE TABLE Orders (Id int NOT NULL PRIMARY KEY, CustomerId int NULL, Total money NOT NULL, Placed datetime NOT NULL)\n"
-            "CREATE TABLE [Odd ]] \"name\"] ([a b] int NOT NULL, [c]]d] int NULL, [select] int NULL, [\u00e9t\u00e9.x] nvarchar(10) NULL)\n"
-            "INSERT Customers VALUES(1, N'Anna', N'Oslo')\n"
-            "INSERT Customers VALUES(2, N'Bert', N'Rome'), (3, N'Cleo', NULL), (4, N'anna', N'Oslo')\n"
-            "INSERT Orders VALUES(10, 1, 5, '20200101'), (11, 1, 7.5, '20200201'), (12, 2, 1, '20200301'), (13, NULL, 9, '20200401')\n"
-            "INSERT [Odd ]] \"name\"] VALUES(1, 2, 3, N'x')"));
+        server->run(
+            QStringLiteral("CREATE TABLE Customers (Id int NOT NULL PRIMARY KEY, Name nvarchar(20) "
+                           "NOT NULL, City nvarchar(20) NULL)\n"
+                           "CREATE TABLE Orders (Id int NOT NULL PRIMARY KEY, CustomerId int NULL, "
+                           "Total money NOT NULL, Placed datetime NOT NULL)\n"
+                           "CREATE TABLE [Odd ]] \"name\"] ([a b] int NOT NULL, [c]]d] int NULL, "
+                           "[select] int NULL, [\u00e9t\u00e9.x] nvarchar(10) NULL)\n"
+                           "INSERT Customers VALUES(1, N'Anna', N'Oslo')\n"
+                           "INSERT Customers VALUES(2, N'Bert', N'Rome'), (3, N'Cleo', NULL), (4, "
+                           "N'anna', N'Oslo')\n"
+                           "INSERT Orders VALUES(10, 1, 5, '20200101'), (11, 1, 7.5, '20200201'), "
+                           "(12, 2, 1, '20200301'), (13, NULL, 9, '20200401')\n"
+                           "INSERT [Odd ]] \"name\"] VALUES(1, 2, 3, N'x')"));
         server->run(QStringLiteral("CREATE SCHEMA sales"));
-        server->run(QStringLiteral("CREATE TABLE sales.Orders (Id int NOT NULL, Note varchar(10) NULL)"));
+        server->run(
+            QStringLiteral("CREATE TABLE sales.Orders (Id int NOT NULL, Note varchar(10) NULL)"));
         server->run(QStringLiteral("INSERT sales.Orders VALUES(1, 'other')"));
-        server->run(QStringLiteral("CREATE VIEW Totals (Who, Amount) AS SELECT c.Name, SUM(o.Total) FROM Customers c JOIN Orders o "
-                                   "ON o.CustomerId = c.Id GROUP BY c.Name"));
-        server->run(QStringLiteral("/* over another */ CREATE VIEW dbo.Rich AS SELECT * FROM Totals WHERE Amount > 2 WITH CHECK OPTION"));
+        server->run(
+            QStringLiteral("CREATE VIEW Totals (Who, Amount) AS SELECT c.Name, SUM(o.Total) FROM "
+                           "Customers c JOIN Orders o "
+                           "ON o.CustomerId = c.Id GROUP BY c.Name"));
+        server->run(
+            QStringLiteral("/* over another */ CREATE VIEW dbo.Rich AS SELECT * FROM Totals WHERE "
+                           "Amount > 2 WITH CHECK OPTION"));
     }
     static void TearDownTestSuite() { delete server; }
 
@@ -50,27 +60,43 @@ LocalServer* Selects::server = nullptr;
 
 TEST_F(Selects, Joins) {
     check({
-        {"SELECT c.Name, o.Total FROM Customers c INNER JOIN Orders o ON o.CustomerId = c.Id ORDER BY o.Id", "Anna|5\nAnna|7.5\nBert|1"},
-        {"SELECT c.Name, o.Id FROM Customers c LEFT JOIN Orders o ON o.CustomerId = c.Id ORDER BY c.Id, o.Id",
+        {"SELECT c.Name, o.Total FROM Customers c INNER JOIN Orders o ON o.CustomerId = c.Id ORDER "
+         "BY o.Id",
+         "Anna|5\nAnna|7.5\nBert|1"},
+        {"SELECT c.Name, o.Id FROM Customers c LEFT JOIN Orders o ON o.CustomerId = c.Id ORDER BY "
+         "c.Id, o.Id",
          "Anna|10\nAnna|11\nBert|12\nCleo|NULL\nanna|NULL"},
-        {"SELECT c.Name, o.Id FROM Customers c RIGHT OUTER JOIN Orders o ON o.CustomerId = c.Id ORDER BY o.Id",
+        {"SELECT c.Name, o.Id FROM Customers c RIGHT OUTER JOIN Orders o ON o.CustomerId = c.Id "
+         "ORDER BY o.Id",
          "Anna|10\nAnna|11\nBert|12\nNULL|13"},
         {"SELECT COUNT(*) FROM Customers c FULL JOIN Orders o ON o.CustomerId = c.Id", "6"},
         {"SELECT COUNT(*) FROM Customers, Orders", "16"},
         {"SELECT COUNT(*) FROM Customers CROSS JOIN Orders", "16"},
-        {"SELECT c.Name FROM Customers c, Orders o WHERE c.Id = o.CustomerId AND o.Id = 12", "Bert"},
-        {"SELECT COUNT(*) FROM (Customers a INNER JOIN (Orders b INNER JOIN Customers d ON b.CustomerId = d.Id) ON a.Id = d.Id)", "3"},
-        {"SELECT COUNT(*) FROM Customers a LEFT JOIN (Orders b INNER JOIN Customers d ON b.CustomerId = d.Id) ON a.Id = d.Id", "5"},
-        {"SELECT COUNT(*) FROM Customers a LEFT JOIN Orders b INNER JOIN Customers d ON b.CustomerId = d.Id ON a.Id = d.Id", "5"},
-        {"SELECT Customers.Name FROM Customers WITH (NOLOCK) JOIN dbo.Orders (NOLOCK) ON dbo.Orders.CustomerId = Customers.Id WHERE Orders.Id = 10", "Anna"},
+        {"SELECT c.Name FROM Customers c, Orders o WHERE c.Id = o.CustomerId AND o.Id = 12",
+         "Bert"},
+        {"SELECT COUNT(*) FROM (Customers a INNER JOIN (Orders b INNER JOIN Customers d ON "
+         "b.CustomerId = d.Id) ON a.Id = d.Id)",
+         "3"},
+        {"SELECT COUNT(*) FROM Customers a LEFT JOIN (Orders b INNER JOIN Customers d ON "
+         "b.CustomerId = d.Id) ON a.Id = d.Id",
+         "5"},
+        {"SELECT COUNT(*) FROM Customers a LEFT JOIN Orders b INNER JOIN Customers d ON "
+         "b.CustomerId = d.Id ON a.Id = d.Id",
+         "5"},
+        {"SELECT Customers.Name FROM Customers WITH (NOLOCK) JOIN dbo.Orders (NOLOCK) ON "
+         "dbo.Orders.CustomerId = Customers.Id WHERE Orders.Id = 10",
+         "Anna"},
     });
 }
 
 TEST_F(Selects, GroupingAndOrdering) {
     check({
-        {"SELECT City, COUNT(*) FROM Customers GROUP BY City ORDER BY City", "NULL|1\nOslo|2\nRome|1"},
+        {"SELECT City, COUNT(*) FROM Customers GROUP BY City ORDER BY City",
+         "NULL|1\nOslo|2\nRome|1"},
         {"SELECT Name, COUNT(*) AS n FROM Customers GROUP BY Name HAVING COUNT(*) > 1", "Anna|2"},
-        {"SELECT CustomerId, MAX(Total) FROM Orders GROUP BY CustomerId HAVING MAX(Total) >= 5 ORDER BY 2 DESC", "NULL|9\n1|7.5"},
+        {"SELECT CustomerId, MAX(Total) FROM Orders GROUP BY CustomerId HAVING MAX(Total) >= 5 "
+         "ORDER BY 2 DESC",
+         "NULL|9\n1|7.5"},
         {"SELECT DISTINCT Name FROM Customers WHERE Name LIKE 'a%'", "Anna"},
         {"SELECT AVG(Id), AVG(Total) FROM Orders", "11|5.625"},
         {"SELECT TOP 2 Id FROM Orders ORDER BY Total DESC", "13\n11"},
@@ -79,27 +105,47 @@ TEST_F(Selects, GroupingAndOrdering) {
         {"SELECT Id AS [an alias] FROM Orders ORDER BY [an alias] DESC", "13\n12\n11\n10"},
         {"SELECT twice = Id * 2 FROM Orders WHERE Id < 12 ORDER BY twice DESC", "22\n20"},
         {"SELECT Name FROM Customers ORDER BY LEN(Name), Name DESC, Id", "Cleo\nBert\nAnna\nanna"},
-        {"SELECT Id, ROW_NUMBER() OVER (PARTITION BY CustomerId ORDER BY Total DESC) FROM Orders WHERE CustomerId = 1 ORDER BY Id", "10|2\n11|1"},
-        {"SELECT Id FROM Orders ORDER BY 3", "108: The ORDER BY position number 3 is out of range of the number of items in the select list."},
+        {"SELECT Id, ROW_NUMBER() OVER (PARTITION BY CustomerId ORDER BY Total DESC) FROM Orders "
+         "WHERE CustomerId = 1 ORDER BY Id",
+         "10|2\n11|1"},
+        {"SELECT CAST(g AS varchar(36)) FROM (VALUES (CAST('00000002-0000-0000-0000-000000000001' "
+         "AS uniqueidentifier)), "
+         "(CAST('00000001-0000-0000-0000-000000000002' AS uniqueidentifier))) AS v(g) ORDER BY g "
+         "DESC",
+         "00000001-0000-0000-0000-000000000002\n00000002-0000-0000-0000-000000000001"},
+        {"SELECT Id FROM Orders ORDER BY 3",
+         "108: The ORDER BY position number 3 is out of range of the number of items in the select "
+         "list."},
     });
 }
 
 TEST_F(Selects, SubqueriesAndUnions) {
     check({
-        {"SELECT Name FROM Customers c WHERE EXISTS (SELECT * FROM Orders WHERE CustomerId = c.Id) ORDER BY 1", "Anna\nBert"},
-        {"SELECT Name FROM Customers WHERE Id NOT IN (SELECT CustomerId FROM Orders WHERE CustomerId IS NOT NULL) ORDER BY Id", "Cleo\nanna"},
-        {"SELECT Id FROM Orders WHERE Total > (SELECT AVG(Total) FROM Orders) ORDER BY Id", "11\n13"},
+        {"SELECT Name FROM Customers c WHERE EXISTS (SELECT * FROM Orders WHERE CustomerId = c.Id) "
+         "ORDER BY 1",
+         "Anna\nBert"},
+        {"SELECT Name FROM Customers WHERE Id NOT IN (SELECT CustomerId FROM Orders WHERE "
+         "CustomerId IS NOT NULL) ORDER BY Id",
+         "Cleo\nanna"},
+        {"SELECT Id FROM Orders WHERE Total > (SELECT AVG(Total) FROM Orders) ORDER BY Id",
+         "11\n13"},
         {"SELECT Id FROM Orders WHERE Total >= ALL (SELECT Total FROM Orders)", "13"},
-        {"SELECT (SELECT MAX(Total) FROM Orders o WHERE o.CustomerId = c.Id) FROM Customers c ORDER BY c.Id", "7.5\n1\nNULL\nNULL"},
+        {"SELECT (SELECT MAX(Total) FROM Orders o WHERE o.CustomerId = c.Id) FROM Customers c "
+         "ORDER BY c.Id",
+         "7.5\n1\nNULL\nNULL"},
         {"SELECT t.n FROM (SELECT COUNT(*) AS n FROM Orders) t", "4"},
         {"SELECT x FROM (VALUES (1), (2)) AS v(x) ORDER BY x DESC", "2\n1"},
-        {"SELECT UPPER(Name) AS Name FROM Customers WHERE Id = 4 UNION SELECT N'ANNA ' UNION ALL SELECT N'Zoe' ORDER BY Name", "ANNA\nZoe"},
+        {"SELECT UPPER(Name) AS Name FROM Customers WHERE Id = 4 UNION SELECT N'ANNA' UNION ALL "
+         "SELECT N'Zoe' ORDER BY Name",
+         "ANNA\nZoe"},
         {"SELECT Name FROM Customers EXCEPT SELECT 'anna' ORDER BY 1", "Bert\nCleo"},
         {"SELECT Id FROM Customers INTERSECT SELECT CustomerId FROM Orders ORDER BY Id", "1\n2"},
         {"WITH big AS (SELECT * FROM Orders WHERE Total > 5) SELECT COUNT(*) FROM big", "2"},
-        {"WITH n (i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < 5) SELECT SUM(i) FROM n", "15"},
+        {"WITH n (i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < 5) SELECT SUM(i) FROM n",
+         "15"},
         {"SELECT Id, Name FROM Customers UNION SELECT 1",
-         "205: All queries combined using a UNION, INTERSECT or EXCEPT operator must have an equal number of expressions in their target lists."},
+         "205: All queries combined using a UNION, INTERSECT or EXCEPT operator must have an equal "
+         "number of expressions in their target lists."},
     });
 }
 
@@ -114,7 +160,8 @@ TEST_F(Selects, ViewsAreReadThroughTheirText) {
     server->run(QStringLiteral("CREATE VIEW OfGone AS SELECT a FROM Gone"));
     server->run(QStringLiteral("DROP TABLE Gone"));
     EXPECT_EQ(server->error(QStringLiteral("SELECT * FROM OfGone")),
-              "208: Invalid object name 'Gone'. Could not use view or function 'OfGone' because of binding errors.");
+              "208: Invalid object name 'Gone'. Could not use view or function 'OfGone' because of "
+              "binding errors.");
     server->run(QStringLiteral("DROP VIEW OfGone"));
 }
 
@@ -127,10 +174,15 @@ TEST_F(Selects, NamesOfAllKinds) {
         {"SELECT COUNT(*) FROM Test.dbo.Orders", "4"},
         {"SELECT COUNT(*) FROM Test..Orders", "4"},
         {"SELECT COUNT(*) FROM ORDERS", "4"},
-        {"SELECT dbo.Orders.Id, sales.Orders.Id FROM dbo.Orders, sales.Orders WHERE dbo.Orders.Id = 10", "10|1"},
-        {"SELECT Name AS 'a name', Name [another], \"third\" = Id FROM Customers WHERE Id = 2", "Bert|Bert|2"},
+        {"SELECT dbo.Orders.Id, sales.Orders.Id FROM dbo.Orders, sales.Orders WHERE dbo.Orders.Id "
+         "= 10",
+         "10|1"},
+        {"SELECT Name AS 'a name', Name [another], \"third\" = Id FROM Customers WHERE Id = 2",
+         "Bert|Bert|2"},
     });
-    EXPECT_EQ(server->rows(QStringLiteral("SELECT Id, Id, COUNT(*) FROM Customers WHERE Id = 1 GROUP BY Id")), "Id|Id|\n1|1|1\n");
+    EXPECT_EQ(server->rows(QStringLiteral(
+                  "SELECT Id, Id, COUNT(*) FROM Customers WHERE Id = 1 GROUP BY Id")),
+              "Id|Id|\n1|1|1\n");
 }
 
 TEST_F(Selects, WhatIsWrongIsToldAsTheServerDoes) {
@@ -140,21 +192,29 @@ TEST_F(Selects, WhatIsWrongIsToldAsTheServerDoes) {
         {"SELECT * FROM nowhere.dbo.Orders", "208: Invalid object name 'nowhere.dbo.Orders'."},
         {"SELECT nothing FROM Orders", "207: Invalid column name 'nothing'."},
         {"SELECT Id FROM Customers, Orders", "209: Ambiguous column name 'Id'."},
-        {"SELECT z.Id FROM Orders o", "4104: The multi-part identifier \"z.Id\" could not be bound."},
-        {"SELECT Orders.Id FROM Orders o", "4104: The multi-part identifier \"Orders.Id\" could not be bound."},
+        {"SELECT z.Id FROM Orders o",
+         "4104: The multi-part identifier \"z.Id\" could not be bound."},
+        {"SELECT Orders.Id FROM Orders o",
+         "4104: The multi-part identifier \"Orders.Id\" could not be bound."},
         {"SELECT Id FROM Orders WHERE", "156: Incorrect syntax near the keyword 'WHERE'."},
         {"SELECT (1 + 2", "102: Incorrect syntax near '2'."},
         {"SELECT 'abc", "105: Unclosed quotation mark after the character string 'abc'."},
-        {"SELECT COUNT(*) AS n FROM Orders WHERE Id = '1' AND Total = 'x'y'", "105: Unclosed quotation mark after the character string ''."},
+        {"SELECT COUNT(*) AS n FROM Orders WHERE Id = '1' AND Total = 'x'y'",
+         "105: Unclosed quotation mark after the character string ''."},
         {"SELECT Id FROM Orders GROUP", "156: Incorrect syntax near the keyword 'GROUP'."},
         {"SELECT *", "263: Must specify table to select from."},
-        {"SELECT Id FROM Orders WHERE Id", "4145: An expression of non-boolean type specified in a context where a condition is expected, near 'Id'."},
+        {"SELECT Id FROM Orders WHERE Id",
+         "4145: An expression of non-boolean type specified in a context where a condition is "
+         "expected, near 'Id'."},
         {"SELECT (SELECT Id, Name FROM Customers)",
-         "116: Only one expression can be specified in the select list when the subquery is not introduced with EXISTS."},
+         "116: Only one expression can be specified in the select list when the subquery is not "
+         "introduced with EXISTS."},
         {"SELECT * FROM Orders a, Customers a",
-         "1012: The objects \"a\" and \"a\" in the FROM clause have the same exposed names. Use correlation names to distinguish them."},
+         "1012: The objects \"a\" and \"a\" in the FROM clause have the same exposed names. Use "
+         "correlation names to distinguish them."},
         {"SELECT dbo.fn_none(1)",
-         "0: The function 'dbo.fn_none' can't be called: the embedded server keeps functions as text and does not run them."},
+         "0: The function 'dbo.fn_none' can't be called: the embedded server keeps functions as "
+         "text and does not run them."},
     });
 }
 
@@ -162,12 +222,19 @@ TEST_F(Selects, AStatementOfOneShapeIsReadAnewForEachLiteral) {
     for (int round = 0; round < 2; ++round) {
         EXPECT_EQ(server->value(QStringLiteral("SELECT Name FROM Customers WHERE Id = 1")), "Anna");
         EXPECT_EQ(server->value(QStringLiteral("SELECT Name FROM Customers WHERE Id = 2")), "Bert");
-        EXPECT_EQ(server->types(QStringLiteral("SELECT 'ab' FROM Customers WHERE Id = 2")), "varchar(2)");
-        EXPECT_EQ(server->types(QStringLiteral("SELECT 'abcd' FROM Customers WHERE Id = 2")), "varchar(4)");
+        EXPECT_EQ(server->types(QStringLiteral("SELECT 'ab' FROM Customers WHERE Id = 2")),
+                  "varchar(2)");
+        EXPECT_EQ(server->types(QStringLiteral("SELECT 'abcd' FROM Customers WHERE Id = 2")),
+                  "varchar(4)");
         EXPECT_EQ(server->value(QStringLiteral("SELECT TOP 1 Id FROM Orders ORDER BY 1")), "10");
-        EXPECT_EQ(server->value(QStringLiteral("SELECT TOP 2 Id FROM Orders ORDER BY 1")), "10\n11");
-        EXPECT_EQ(server->value(QStringLiteral("SELECT LEFT(Name, 1) + 'x' FROM Customers WHERE Name = 'bert'")), "Bx");
-        EXPECT_EQ(server->value(QStringLiteral("SELECT LEFT(Name, 2) + 'y' FROM Customers WHERE Name = 'cleo'")), "Cly");
+        EXPECT_EQ(server->value(QStringLiteral("SELECT TOP 2 Id FROM Orders ORDER BY 1")),
+                  "10\n11");
+        EXPECT_EQ(server->value(QStringLiteral(
+                      "SELECT LEFT(Name, 1) + 'x' FROM Customers WHERE Name = 'bert'")),
+                  "Bx");
+        EXPECT_EQ(server->value(QStringLiteral(
+                      "SELECT LEFT(Name, 2) + 'y' FROM Customers WHERE Name = 'cleo'")),
+                  "Cly");
     }
     // A change of the table is seen by statements that were prepared before it.
     server->run(QStringLiteral("CREATE TABLE Changing (a int)"));

@@ -1,4 +1,5 @@
-// An embedded server in a folder of its own for a test: scripts go in, rows come out as lines of text.
+// An embedded server in a folder of its own for a test: scripts go in, rows come out as lines of
+// text.
 #pragma once
 
 #include "data/base/field_text.h"
@@ -15,14 +16,18 @@
 #include <ostream>
 
 /// For gtest's messages.
-inline void PrintTo(const QString& text, std::ostream* out) { *out << '"' << text.toStdString() << '"'; }
+inline void PrintTo(const QString& text, std::ostream* out) {
+    *out << '"' << text.toStdString() << '"';
+}
 
 namespace zov::test {
 
 class ScriptedServer {
  public:
     /// `version`: "8.00.2039" for an old server; empty for a current one.
-    explicit ScriptedServer(const QString& version = {}) : version_(version) { connect(QStringLiteral("shop")); }
+    explicit ScriptedServer(const QString& version = {}) : version_(version) {
+        connect(QStringLiteral("shop"));
+    }
 
     QString folder() const { return folder_.path(); }
     ConnectionSpec spec(const QString& database) const {
@@ -67,8 +72,10 @@ class ScriptedServer {
     QString load(const QString& script) {
         connection_->beginLoad();
         const QString error = run(script);
-        if (error.isEmpty()) connection_->commitLoad();
-        else connection_->rollbackLoad();
+        if (error.isEmpty())
+            connection_->commitLoad();
+        else
+            connection_->rollbackLoad();
         return error;
     }
 
@@ -115,7 +122,8 @@ class ScriptedServer {
         }
     }
     void take() {
-        for (const ServerMessage& message : connection_->takeMessages()) messages.push_back(message.text);
+        for (const ServerMessage& message : connection_->takeMessages())
+            messages.push_back(message.text);
     }
 
     QTemporaryDir folder_;

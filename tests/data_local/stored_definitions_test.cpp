@@ -86,23 +86,31 @@ TEST(StoredDefinitions, ReadBackInTheServersForm) {
         {"(x.value('a','int')) = 1 +", "((x.value('a','int')) = 1 +)"},
     };
     for (const Case& one : cases)
-        EXPECT_EQ(stored(one.written, DefinitionForm::Current).toStdString(), one.stored) << one.written;
+        EXPECT_EQ(stored(one.written, DefinitionForm::Current).toStdString(), one.stored)
+            << one.written;
 }
 
 TEST(StoredDefinitions, AreTheSameWhenTheyAreStoredAgain) {
-    for (const char* text : {"((0))", "([a]>=(0) AND [a]<=(9))", "(NOT [a] like 'x%')", "(([a]+' ')+[b])",
-                             "(case when [a]=(1) then (2) else (3) end)", "((3000000000.))", "(dateadd(day,(-18),getdate()))",
+    for (const char* text : {"((0))", "([a]>=(0) AND [a]<=(9))", "(NOT [a] like 'x%')",
+                             "(([a]+' ')+[b])", "(case when [a]=(1) then (2) else (3) end)",
+                             "((3000000000.))", "(dateadd(day,(-18),getdate()))",
                              "(([a]=(1) OR [b]=(2)) AND [c]=(3))", "(NOT ([c]='b' OR [c]='a'))"})
         EXPECT_EQ(stored(text, DefinitionForm::Current).toStdString(), text);
 }
 
 TEST(StoredDefinitions, FiltersKeepTheirListsAndOldServersTheirWords) {
-    EXPECT_EQ(stored("a IN (1,2) AND b IS NOT NULL", DefinitionForm::Filter), QStringLiteral("([a] IN ((1), (2)) AND [b] IS NOT NULL)"));
+    EXPECT_EQ(stored("a IN (1,2) AND b IS NOT NULL", DefinitionForm::Filter),
+              QStringLiteral("([a] IN ((1), (2)) AND [b] IS NOT NULL)"));
     const Case cases[] = {
-        {"0", "(0)"}, {"((0))", "(0)"}, {"( a >  0 )", "(a >  0)"}, {"(a) + (b)", "((a) + (b))"}, {"'x'", "('x')"},
+        {"0", "(0)"},
+        {"((0))", "(0)"},
+        {"( a >  0 )", "(a >  0)"},
+        {"(a) + (b)", "((a) + (b))"},
+        {"'x'", "('x')"},
     };
     for (const Case& one : cases)
-        EXPECT_EQ(stored(one.written, DefinitionForm::AsWritten).toStdString(), one.stored) << one.written;
+        EXPECT_EQ(stored(one.written, DefinitionForm::AsWritten).toStdString(), one.stored)
+            << one.written;
 }
 
 }  // namespace

@@ -306,14 +306,15 @@ TEST_F(OdbcConnectTest, AnUnknownDriverIsNamedWithThoseInstalled) {
 
 TEST_F(OdbcConnectTest, AFileThatIsNoDriverIsToldApart) {
     const WithVariable driver("ZOVRAND_ODBC_DRIVER",
-                              QStringLiteral(ZOV_TEST_DATA "/odbc_fixture.h"));
+                              QStringLiteral(ZOV_TEST_DATA "/data_odbc/odbc_fixture.h"));
     const DbError error = errorOf([&] { open(); });
     EXPECT_TRUE(error.description.startsWith(QStringLiteral("The ODBC driver can't be loaded: ")))
         << error.what();
 }
 
 TEST_F(OdbcConnectTest, WithACaFileAServerWithoutEncryptionIsRefused) {
-    const WithVariable file("ZOVRAND_CA_FILE", QStringLiteral(ZOV_TEST_DATA "/odbc_fixture.h"));
+    const WithVariable file("ZOVRAND_CA_FILE",
+                            QStringLiteral(ZOV_TEST_DATA "/data_odbc/odbc_fixture.h"));
     const DbError error = errorOf([&] { open(); });
     EXPECT_TRUE(error.description.contains(
         QStringLiteral("ZOVRAND_CA_FILE is set, so the server must offer encryption")))

@@ -100,6 +100,56 @@ TEST_F(CompareAllRun, ConstraintsAndPermissionsNeedTheirSettings) {
     EXPECT_FALSE(globals().gstrReport.contains(QStringLiteral("permissions")));
 }
 
+/// The same over the wire, where statements can be counted and made to fail.
+class CompareAllOverTheWire : public ::testing::Test {
+ protected:
+    CompareAllOverTheWire() : databases_(test::Road::Odbc) {
+        QString script;
+        for (int i = 0; i < procedures; ++i)
+            script += QStringLiteral("CREATE PROCEDURE P%1 AS PRINT %1\nGO\n").arg(i);
+        databases_.load(QStringLiteral("Src"), script);
+        databases_.load(QStringLiteral("Tgt"), script);
+        globals().gtCurrentServers[SourcePanel] = databases_.server();
+        globals().gtCurrentServers[TargetPanel] = databases_.server();
+        request_.sourceDb = QStringLiteral("Src");
+        request_.targetDb = QStringLiteral("Tgt");
+        request_.kinds = test::boxesOf({QStringLiteral("procedures")});
+    }
+    static constexpr int procedures = 3;
+    test::TempHome home_;
+    test::RecordingShell shell_;
+    test::ServedDatabases databases_;
+    StructureRunRequest request_;
+    test::RecordingForm form_;
+    test::ScratchPanels scratch_;
+};
+
+TEST_F(CompareAllOverTheWire, EachTextIsReadOnce) {
+    databases_.takeStatements();
+    EXPECT_TRUE(CompareAll_Structure(form_, request_, scratch_.panels).finished);
+    const QStringList statements = databases_.takeStatements();
+    // Of the source the list of names is read again for the second pass.
+    EXPECT_EQ(statements.filter(QStringLiteral("IsProcedure")).size(), 3);
+    EXPECT_EQ(statements.filter(QStringLiteral("syscomments")).size(), 2 * procedures);
+}
+
+TEST_F(CompareAllOverTheWire, AnObjectThatCannotBeReadIsListedAsMissing) {
+    TdsFaults faults;
+    faults.onlyStatementsWith = QStringLiteral("'P1'");
+    faults.errorAfterRows = 0;
+    databases_.endpoint().setFaults(faults);
+    const StructureRun run = CompareAll_Structure(form_, request_, scratch_.panels);
+    EXPECT_TRUE(run.finished);
+    EXPECT_TRUE(run.somethingDiffers);
+    EXPECT_FALSE(shell_.lines.isEmpty());
+    EXPECT_TRUE(globals().gstrReport.contains(
+        QStringLiteral("There are 3 procedures in Target database.\r\n"
+                       "List of procedures which exist in Source database but not in Target "
+                       "database:\r\n\tP1\r\n\t(1 procedure)\r\n"
+                       "All 2 remaining procedures are identical:\r\n\tP0\r\n\tP2\r\n")))
+        << globals().gstrReport.toStdString();
+}
+
 TEST(CompareAllObjects, ASelectiveRunTakesChosenNamesToTheLetter) {
     const QStringList a{QStringLiteral("A"), QStringLiteral("B")};
     const QStringList c{QStringLiteral("C")};

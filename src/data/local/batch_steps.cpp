@@ -14,13 +14,15 @@ bool isStarter(const Token& token) {
     static const QSet<QString> words = [] {
         QSet<QString> set;
         for (const char* word :
-             {"SELECT", "INSERT",   "UPDATE",     "DELETE",   "MERGE",   "CREATE",    "ALTER",    "DROP",
-              "GRANT",  "DENY",     "REVOKE",     "TRUNCATE", "EXEC",    "EXECUTE",   "PRINT",    "RAISERROR",
-              "IF",     "WHILE",    "BEGIN",      "END",      "ELSE",    "RETURN",    "DECLARE",  "SET",
-              "USE",    "COMMIT",   "ROLLBACK",   "SAVE",     "GOTO",    "BREAK",     "CONTINUE", "CHECKPOINT",
-              "DBCC",   "BACKUP",   "RESTORE",    "KILL",     "WAITFOR", "SHUTDOWN",  "RECONFIGURE", "OPEN",
-              "FETCH",  "CLOSE",    "DEALLOCATE", "BULK",     "DUMP",    "LOAD",      "REVERT",   "SETUSER",
-              "READTEXT", "WRITETEXT", "UPDATETEXT"})
+             {"SELECT",     "INSERT",     "UPDATE",      "DELETE",    "MERGE",   "CREATE",
+              "ALTER",      "DROP",       "GRANT",       "DENY",      "REVOKE",  "TRUNCATE",
+              "EXEC",       "EXECUTE",    "PRINT",       "RAISERROR", "IF",      "WHILE",
+              "BEGIN",      "END",        "ELSE",        "RETURN",    "DECLARE", "SET",
+              "USE",        "COMMIT",     "ROLLBACK",    "SAVE",      "GOTO",    "BREAK",
+              "CONTINUE",   "CHECKPOINT", "DBCC",        "BACKUP",    "RESTORE", "KILL",
+              "WAITFOR",    "SHUTDOWN",   "RECONFIGURE", "OPEN",      "FETCH",   "CLOSE",
+              "DEALLOCATE", "BULK",       "DUMP",        "LOAD",      "REVERT",  "SETUSER",
+              "READTEXT",   "WRITETEXT",  "UPDATETEXT"})
             set.insert(QLatin1String(word));
         return set;
     }();
@@ -56,9 +58,10 @@ class Cutter {
         step.kind = kind;
         step.begin = begin;
         step.end = end;
-        step.line = tokens_[std::min(kind == Kind::Statement || kind == Kind::BranchUnless ? begin : at_,
-                                     tokens_.size() - 1)]
-                        .line;
+        step.line =
+            tokens_[std::min(kind == Kind::Statement || kind == Kind::BranchUnless ? begin : at_,
+                             tokens_.size() - 1)]
+                .line;
         steps_.push_back(step);
         return steps_.size() - 1;
     }
@@ -69,7 +72,8 @@ class Cutter {
         skipSeparators();
         if (atEnd()) failHere();
         if (is("BEGIN") && is("TRY", 1)) return tryCatch();
-        if (is("BEGIN") && !is("TRAN", 1) && !is("TRANSACTION", 1) && !is("DISTRIBUTED", 1)) return block();
+        if (is("BEGIN") && !is("TRAN", 1) && !is("TRANSACTION", 1) && !is("DISTRIBUTED", 1))
+            return block();
         if (is("IF")) return choice();
         if (is("WHILE")) return loop();
         if (is("END") || is("ELSE")) failHere();
@@ -81,13 +85,17 @@ class Cutter {
         }
         if (is("BREAK") || is("CONTINUE")) {
             if (loops_.empty())
-                fail(135, QStringLiteral("Cannot use a %1 statement outside the scope of a WHILE statement.")
-                              .arg(tokens_[at_].source.toString().toUpper()),
+                fail(135,
+                     QStringLiteral(
+                         "Cannot use a %1 statement outside the scope of a WHILE statement.")
+                         .arg(tokens_[at_].source.toString().toUpper()),
                      tokens_[at_].line);
             const bool leave = is("BREAK");
             const size_t jump = add(Kind::Jump);
-            if (leave) loops_.back().breaks.push_back(jump);
-            else steps_[jump].target = loops_.back().start;
+            if (leave)
+                loops_.back().breaks.push_back(jump);
+            else
+                steps_[jump].target = loops_.back().start;
             ++at_;
             return;
         }
@@ -103,7 +111,9 @@ class Cutter {
         skipSeparators();
         while (!is("END")) {
             if (atEnd())
-                fail(102, QStringLiteral("Incorrect syntax: the BEGIN of line %1 has no END.").arg(line), line);
+                fail(102,
+                     QStringLiteral("Incorrect syntax: the BEGIN of line %1 has no END.").arg(line),
+                     line);
             statement();
             skipSeparators();
         }
@@ -117,9 +127,10 @@ class Cutter {
             skipSeparators();
             while (!(is("END") && is(word, 1))) {
                 if (atEnd())
-                    fail(102, QStringLiteral("Incorrect syntax: the BEGIN %1 of line %2 has no END.")
-                                  .arg(QLatin1String(word))
-                                  .arg(line),
+                    fail(102,
+                         QStringLiteral("Incorrect syntax: the BEGIN %1 of line %2 has no END.")
+                             .arg(QLatin1String(word))
+                             .arg(line),
                          line);
                 statement();
                 skipSeparators();
@@ -193,7 +204,8 @@ size_t permissionEnd(std::span<const Token> tokens, size_t begin) {
         if (depth == 0 && (tokens[at].is("TO") || tokens[at].is("FROM"))) break;
         ++at;
     }
-    while (at < tokens.size() && (tokens[at].is("TO") || tokens[at].is("FROM") || tokens[at].is(","))) {
+    while (at < tokens.size() &&
+           (tokens[at].is("TO") || tokens[at].is("FROM") || tokens[at].is(","))) {
         ++at;
         if (at < tokens.size() && tokens[at].isName()) ++at;
     }
@@ -218,9 +230,9 @@ size_t actionOfAlter(std::span<const Token> tokens, size_t begin) {
             if (at < tokens.size() && tokens[at].is(".")) ++at;
         }
     };
-    if (at < tokens.size() && tokens[at].is("ON")) ++at;   // ALTER AUTHORIZATION ON
+    if (at < tokens.size() && tokens[at].is("ON")) ++at;  // ALTER AUTHORIZATION ON
     name();
-    if (at < tokens.size() && tokens[at].is("ON")) {       // ALTER INDEX i ON t
+    if (at < tokens.size() && tokens[at].is("ON")) {  // ALTER INDEX i ON t
         ++at;
         name();
     }
@@ -245,8 +257,9 @@ size_t verbOfWith(std::span<const Token> tokens, size_t begin) {
     for (size_t at = begin; at < tokens.size(); ++at) {
         if (tokens[at].is("(")) ++depth;
         if (tokens[at].is(")")) --depth;
-        if (depth == 0 && (tokens[at].is("SELECT") || tokens[at].is("INSERT") || tokens[at].is("UPDATE") ||
-                           tokens[at].is("DELETE") || tokens[at].is("MERGE")))
+        if (depth == 0 &&
+            (tokens[at].is("SELECT") || tokens[at].is("INSERT") || tokens[at].is("UPDATE") ||
+             tokens[at].is("DELETE") || tokens[at].is("MERGE")))
             return at;
     }
     return begin;
@@ -254,18 +267,23 @@ size_t verbOfWith(std::span<const Token> tokens, size_t begin) {
 
 }  // namespace
 
-std::vector<BatchStep> cutBatch(std::span<const Token> tokens) { return Cutter(tokens).run(); }
+std::vector<BatchStep> cutBatch(std::span<const Token> tokens) {
+    return Cutter(tokens).run();
+}
 
 size_t statementEnd(std::span<const Token> tokens, size_t begin) {
     const Token& first = tokens[begin];
     const bool next = begin + 1 < tokens.size();
     if (first.is("SELECT") || first.is("(")) return size_t(selectEnd(tokens, qsizetype(begin)));
     if (first.is("WITH"))
-        return tokens[verbOfWith(tokens, begin)].is("SELECT") ? size_t(selectEnd(tokens, qsizetype(begin)))
-                                                              : size_t(dmlEnd(tokens, qsizetype(begin)));
-    if (first.is("INSERT") || first.is("DELETE") || (first.is("UPDATE") && next && !tokens[begin + 1].is("STATISTICS")))
+        return tokens[verbOfWith(tokens, begin)].is("SELECT")
+                   ? size_t(selectEnd(tokens, qsizetype(begin)))
+                   : size_t(dmlEnd(tokens, qsizetype(begin)));
+    if (first.is("INSERT") || first.is("DELETE") ||
+        (first.is("UPDATE") && next && !tokens[begin + 1].is("STATISTICS")))
         return size_t(dmlEnd(tokens, qsizetype(begin)));
-    if (first.is("GRANT") || first.is("DENY") || first.is("REVOKE")) return permissionEnd(tokens, begin);
+    if (first.is("GRANT") || first.is("DENY") || first.is("REVOKE"))
+        return permissionEnd(tokens, begin);
     if ((first.is("CREATE") || first.is("ALTER")) && isModuleStart(tokens, begin)) {
         size_t end = tokens.size();
         while (end > begin && tokens[end - 1].kind == TokenKind::End) --end;
@@ -277,16 +295,20 @@ size_t statementEnd(std::span<const Token> tokens, size_t begin) {
     int cases = 0;
     size_t at = begin + 1;
     // BEGIN TRAN, CREATE x, DROP x: the word behind the verb belongs to it, whatever it is.
-    if (first.is("BEGIN") || first.is("BULK") || ((first.is("EXEC") || first.is("EXECUTE")) && next && !tokens[at].is("("))) ++at;
+    if (first.is("BEGIN") || first.is("BULK") ||
+        ((first.is("EXEC") || first.is("EXECUTE")) && next && !tokens[at].is("(")))
+        ++at;
     for (; at < tokens.size() && tokens[at].kind != TokenKind::End; ++at) {
         const Token& token = tokens[at];
-        if (token.is("(")) ++depth;
-        else if (token.is(")")) --depth;
+        if (token.is("("))
+            ++depth;
+        else if (token.is(")"))
+            --depth;
         if (depth > 0) continue;
         if (token.is(";")) {
             // "EXEC proc;1": the number of a procedure of a group.
-            const bool group = (first.is("EXEC") || first.is("EXECUTE")) && at + 1 < tokens.size() &&
-                               tokens[at + 1].kind == TokenKind::Number;
+            const bool group = (first.is("EXEC") || first.is("EXECUTE")) &&
+                               at + 1 < tokens.size() && tokens[at + 1].kind == TokenKind::Number;
             if (!group) break;
             continue;
         }
@@ -298,12 +320,17 @@ size_t statementEnd(std::span<const Token> tokens, size_t begin) {
         if (token.kind != TokenKind::Word) continue;
         const Token& before = tokens[at - 1];
         const Token* after = at + 1 < tokens.size() ? &tokens[at + 1] : nullptr;
-        if ((token.is("ENABLE") || token.is("DISABLE")) && after && after->is("TRIGGER") && at != action) break;
+        if ((token.is("ENABLE") || token.is("DISABLE")) && after && after->is("TRIGGER") &&
+            at != action)
+            break;
         if (!isStarter(token)) continue;
         if (at == action || before.is(".") || before.is("WITH")) continue;
         if ((token.is("DELETE") || token.is("UPDATE")) && before.is("ON")) continue;
-        if (token.is("SET") && after && (after->is("(") || after->is("NULL") || after->is("DEFAULT"))) continue;
-        if (schema && (token.is("CREATE") || token.is("GRANT") || token.is("DENY") || token.is("REVOKE"))) {
+        if (token.is("SET") && after &&
+            (after->is("(") || after->is("NULL") || after->is("DEFAULT")))
+            continue;
+        if (schema &&
+            (token.is("CREATE") || token.is("GRANT") || token.is("DENY") || token.is("REVOKE"))) {
             if (!token.is("CREATE")) at = permissionEnd(tokens, at) - 1;
             continue;
         }

@@ -1,5 +1,5 @@
-// Cuts a batch into steps: T-SQL needs no separator between statements, so the grammar of each decides
-// where it ends; IF, WHILE, BEGIN and TRY become jumps between steps. Nothing is run here.
+// Cuts a batch into steps: T-SQL needs no separator between statements, so the grammar of each
+// decides where it ends; IF, WHILE, BEGIN and TRY become jumps between steps. Nothing is run here.
 #pragma once
 
 #include "data/local/tsql_lexer.h"
@@ -11,10 +11,10 @@ namespace zov::local {
 
 struct BatchStep {
     enum class Kind {
-        Statement,    ///< tokens begin..end
-        BranchUnless, ///< tokens are a condition; on to `target` unless it holds
-        Jump,         ///< to `target`
-        EnterTry,     ///< errors go to `target` from here
+        Statement,     ///< tokens begin..end
+        BranchUnless,  ///< tokens are a condition; on to `target` unless it holds
+        Jump,          ///< to `target`
+        EnterTry,      ///< errors go to `target` from here
         LeaveTry,
         LeaveCatch,
         Return,
@@ -26,8 +26,8 @@ struct BatchStep {
     int line = 1;
 };
 
-/// `tokens` as tokenize() gives them, with their End. Throws DbError at a syntax error of the control
-/// flow (a missing END, an ELSE without IF).
+/// `tokens` as tokenize() gives them, with their End. Throws DbError at a syntax error of the
+/// control flow (a missing END, an ELSE without IF).
 std::vector<BatchStep> cutBatch(std::span<const Token> tokens);
 
 /// The index behind the statement that begins at `begin`; ";" is not a part of it.

@@ -35,10 +35,12 @@ CatalogView readView(const detail::CatalogViewText& source, int majorVersion) {
     text.replace(QLatin1String("$OBJECT_COLUMNS"), QLatin1String(detail::objectColumns));
     text.replace(QLatin1String("$COLUMN_COLUMNS"), QLatin1String(detail::columnColumns));
     text.replace(QLatin1String("$SOURCE"), QLatin1String(detail::sourceText));
-    // Owners became schemas with version 9, and the compatibility views show their ids as owners' since.
-    text.replace(QLatin1String("$UID"), majorVersion >= 9
-        ? QStringLiteral("o.schema_id")
-        : QStringLiteral("(SELECT s.principal_id FROM \"zov$schemas\" s WHERE s.schema_id = o.schema_id)"));
+    // Owners became schemas with version 9, and the compatibility views show their ids as owners'
+    // since.
+    text.replace(QLatin1String("$UID"),
+                 majorVersion >= 9 ? QStringLiteral("o.schema_id")
+                                   : QStringLiteral("(SELECT s.principal_id FROM \"zov$schemas\" s "
+                                                    "WHERE s.schema_id = o.schema_id)"));
     const QStringList lines = text.split(u'\n');
     for (qsizetype i = 0; i < lines.size(); ++i) {
         const QString line = lines[i].trimmed();
@@ -61,11 +63,14 @@ CatalogView readView(const detail::CatalogViewText& source, int majorVersion) {
 
 using ViewMap = QHash<QString, CatalogView>;
 
-QString keyOf(const QString& schema, const QString& name) { return schema.toLower() + u'.' + name.toLower(); }
+QString keyOf(const QString& schema, const QString& name) {
+    return schema.toLower() + u'.' + name.toLower();
+}
 
 ViewMap readAll(int majorVersion) {
     ViewMap views;
-    for (const auto& list : {detail::compatibilityViews(), detail::systemViews(), detail::informationSchemaViews()}) {
+    for (const auto& list :
+         {detail::compatibilityViews(), detail::systemViews(), detail::informationSchemaViews()}) {
         for (const detail::CatalogViewText& source : list) {
             if (source.minVersion > majorVersion) continue;
             CatalogView view = readView(source, majorVersion);
@@ -91,7 +96,8 @@ const CatalogView* findCatalogView(const QString& schema, const QString& name, i
         const auto it = views.constFind(keyOf(in, name));
         return it == views.constEnd() ? nullptr : &it.value();
     };
-    if (schema.isEmpty() || schema.compare(u"dbo", Qt::CaseInsensitive) == 0) return find(QStringLiteral("dbo"));
+    if (schema.isEmpty() || schema.compare(u"dbo", Qt::CaseInsensitive) == 0)
+        return find(QStringLiteral("dbo"));
     if (schema.compare(u"sys", Qt::CaseInsensitive) == 0) {
         if (majorVersion < 9) return nullptr;
         const CatalogView* view = find(QStringLiteral("sys"));

@@ -12,16 +12,16 @@
 namespace zov::local {
 
 struct CatalogColumn {
-    ColumnInfo info;      ///< with its name
+    ColumnInfo info;  ///< with its name
     QString expression;
-    bool collated = false;   ///< compares as text by itself
+    bool collated = false;  ///< compares as text by itself
 };
 
 struct CatalogView {
-    QString schema;       ///< "dbo" (compatibility views), "sys" or "INFORMATION_SCHEMA"
+    QString schema;  ///< "dbo" (compatibility views), "sys" or "INFORMATION_SCHEMA"
     QString name;
     std::vector<CatalogColumn> columns;
-    QString from;         ///< FROM ... [WHERE ...]
+    QString from;  ///< FROM ... [WHERE ...]
 
     /// The index of a column, in any case; -1 when there is none.
     int columnIndex(const QString& column) const;

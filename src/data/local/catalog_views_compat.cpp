@@ -5,7 +5,7 @@ namespace zov::local::detail {
 
 std::vector<CatalogViewText> compatibilityViews() {
     return {
-{"dbo", "sysobjects", 0, R"(
+        {"dbo", "sysobjects", 0, R"(
 name sysname | o.name
 id int | o.id
 xtype char(2) | substr(o.xtype || ' ', 1, 2)
@@ -32,7 +32,7 @@ seltrig int | 0
 category int | CASE WHEN o.is_ms_shipped THEN 2 ELSE 0 END
 cache smallint | 0
 FROM "zov$objects" o)"},
-{"dbo", "syscolumns", 0, R"(
+        {"dbo", "syscolumns", 0, R"(
 name sysname | c.name
 id int | c.id
 xtype tinyint | c.xtype
@@ -66,7 +66,7 @@ isnullable int | c.isnullable
 collation sysname | c.collation
 tdscollation binary(5) | NULL
 FROM "zov$columns" c)"},
-{"dbo", "syscomments", 0, R"(
+        {"dbo", "syscomments", 0, R"(
 id int | m.id
 number smallint | CASE (SELECT o.xtype FROM "zov$objects" o WHERE o.id = m.id) WHEN 'P' THEN 1 ELSE 0 END
 colid smallint | m.colid
@@ -78,7 +78,7 @@ encrypted bit | m.encrypted
 compressed bit | 0
 text nvarchar(4000) | CASE WHEN m.encrypted THEN NULL ELSE m.text END
 FROM "zov$comments" m)"},
-{"dbo", "systypes", 0, R"(
+        {"dbo", "systypes", 0, R"(
 name sysname | t.name
 xtype tinyint | t.xtype
 status tinyint | CASE WHEN t.allownulls THEN 0 ELSE 1 END
@@ -100,7 +100,7 @@ prec smallint | t.prec
 scale tinyint | t.scale
 collation sysname | CASE WHEN t.xtype IN (35, 99, 167, 175, 231, 239) THEN 'SQL_Latin1_General_CP1_CI_AS' END
 FROM "zov$types" t)"},
-{"dbo", "sysindexes", 0, R"(
+        {"dbo", "sysindexes", 0, R"(
 id int | i.id
 status int | (CASE WHEN i.is_unique THEN 2 ELSE 0 END) + (CASE WHEN i.indid = 1 THEN 16 ELSE 0 END) + coalesce((SELECT CASE o.xtype WHEN 'PK' THEN 2048 WHEN 'UQ' THEN 4096 ELSE 0 END FROM "zov$objects" o WHERE o.id = i.constraint_id), 0)
 first binary(6) | NULL
@@ -131,13 +131,13 @@ statblob image | NULL
 maxlen int | 8000
 rows int | CASE WHEN i.indid < 2 THEN zov_rowcount(i.id) ELSE 0 END
 FROM "zov$indexes" i)"},
-{"dbo", "sysindexkeys", 0, R"(
+        {"dbo", "sysindexkeys", 0, R"(
 id int | k.id
 indid smallint | k.indid
 colid smallint | k.colid
-keyno smallint | CASE WHEN k.is_included THEN 0 ELSE k.keyno END
-FROM "zov$indexkeys" k)"},
-{"dbo", "sysreferences", 0, R"(
+keyno smallint | k.keyno
+FROM "zov$indexkeys" k WHERE NOT k.is_included)"},
+        {"dbo", "sysreferences", 0, R"(
 constid int | r.constid
 fkeyid int | r.fkeyid
 rkeyid int | r.rkeyid
@@ -180,7 +180,7 @@ rkey14 smallint | coalesce((SELECT x.rkey FROM "zov$references" x WHERE x.consti
 rkey15 smallint | coalesce((SELECT x.rkey FROM "zov$references" x WHERE x.constid = r.constid AND x.keyno = 15), 0)
 rkey16 smallint | coalesce((SELECT x.rkey FROM "zov$references" x WHERE x.constid = r.constid AND x.keyno = 16), 0)
 FROM "zov$references" r WHERE r.keyno = 1)"},
-{"dbo", "sysforeignkeys", 0, R"(
+        {"dbo", "sysforeignkeys", 0, R"(
 constid int | r.constid
 fkeyid int | r.fkeyid
 rkeyid int | r.rkeyid
@@ -188,7 +188,7 @@ fkey smallint | r.fkey
 rkey smallint | r.rkey
 keyno smallint | r.keyno
 FROM "zov$references" r)"},
-{"dbo", "sysconstraints", 0, R"(
+        {"dbo", "sysconstraints", 0, R"(
 constid int | o.id
 id int | o.parent_obj
 colid smallint | CASE o.xtype WHEN 'D' THEN coalesce((SELECT c.colid FROM "zov$columns" c WHERE c.id = o.parent_obj AND c.cdefault = o.id), 0) ELSE 0 END
@@ -197,7 +197,7 @@ status int | CASE o.xtype WHEN 'PK' THEN 1 WHEN 'UQ' THEN 2 WHEN 'F' THEN 3 WHEN
 actions int | 4096
 error int | 0
 FROM "zov$objects" o WHERE o.xtype IN ('PK', 'UQ', 'F', 'C', 'D'))"},
-{"dbo", "sysdepends", 0, R"(
+        {"dbo", "sysdepends", 0, R"(
 id int | 0
 depid int | 0
 number smallint | 0
@@ -208,7 +208,7 @@ selall bit | 0
 resultobj bit | 0
 readobj bit | 0
 FROM "zov$facts" WHERE 0)"},
-{"dbo", "sysusers", 0, R"(
+        {"dbo", "sysusers", 0, R"(
 uid smallint | u.uid
 status smallint | CASE u.type WHEN 'S' THEN 2 ELSE 0 END
 name sysname | u.name
@@ -230,17 +230,17 @@ isaliased int | 0
 issqlrole int | CASE WHEN u.type = 'R' THEN 1 ELSE 0 END
 isapprole int | 0
 FROM "zov$users" u)"},
-{"dbo", "sysmembers", 0, R"(
+        {"dbo", "sysmembers", 0, R"(
 memberuid smallint | r.member_uid
 groupuid smallint | r.role_uid
 FROM "zov$role_members" r)"},
-{"dbo", "sysfilegroups", 0, R"(
+        {"dbo", "sysfilegroups", 0, R"(
 groupid smallint | 1
 allocpolicy smallint | 0
 status int | 16
 groupname sysname | 'PRIMARY'
 FROM (SELECT 1))"},
-{"dbo", "sysfiles", 0, R"(
+        {"dbo", "sysfiles", 0, R"(
 fileid smallint | 1
 groupid smallint | 1
 size int | 0
@@ -251,14 +251,14 @@ perf int | 0
 name sysname | db_name()
 filename nvarchar(260) | (SELECT json_extract(j.value, '$.file') FROM json_each(zov_databases()) j WHERE json_extract(j.value, '$.name') = db_name())
 FROM (SELECT 1))"},
-{"dbo", "sysproperties", 0, R"(
+        {"dbo", "sysproperties", 0, R"(
 id int | p.major_id
 smallid smallint | p.minor_id
 type tinyint | CASE WHEN p.class = 0 THEN 0 WHEN p.minor_id > 0 THEN 4 ELSE 3 END
 name sysname | p.name
 value sql_variant | p.value
 FROM "zov$properties" p)"},
-{"dbo", "sysdatabases", 0, R"(
+        {"dbo", "sysdatabases", 0, R"(
 name sysname | json_extract(j.value, '$.name')
 dbid smallint | json_extract(j.value, '$.dbid')
 sid varbinary(85) | x'01'
@@ -272,7 +272,7 @@ cmptlevel tinyint | json_extract(j.value, '$.compatibility')
 filename nvarchar(260) | json_extract(j.value, '$.file')
 version smallint | CASE WHEN json_extract(j.value, '$.compatibility') < 90 THEN 539 ELSE 957 END
 FROM json_each(zov_databases()) j)"},
-{"dbo", "syslogins", 0, R"(
+        {"dbo", "syslogins", 0, R"(
 sid varbinary(85) | x'01'
 status smallint | 9
 createdate datetime | '2003-04-08 09:10:35.460'

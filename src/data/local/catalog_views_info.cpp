@@ -5,7 +5,7 @@ namespace zov::local::detail {
 
 std::vector<CatalogViewText> informationSchemaViews() {
     return {
-{"INFORMATION_SCHEMA", "SCHEMATA", 0, R"(
+        {"INFORMATION_SCHEMA", "SCHEMATA", 0, R"(
 CATALOG_NAME sysname | db_name()
 SCHEMA_NAME sysname | s.name
 SCHEMA_OWNER sysname | (SELECT u.name FROM "zov$users" u WHERE u.uid = s.principal_id)
@@ -13,13 +13,13 @@ DEFAULT_CHARACTER_SET_CATALOG varchar(6) | NULL
 DEFAULT_CHARACTER_SET_SCHEMA varchar(3) | NULL
 DEFAULT_CHARACTER_SET_NAME sysname | 'iso_1'
 FROM "zov$schemas" s)"},
-{"INFORMATION_SCHEMA", "TABLES", 0, R"(
+        {"INFORMATION_SCHEMA", "TABLES", 0, R"(
 TABLE_CATALOG nvarchar(128) | db_name()
 TABLE_SCHEMA sysname | s.name
 TABLE_NAME sysname | o.name
 TABLE_TYPE varchar(10) | CASE o.xtype WHEN 'U' THEN 'BASE TABLE' ELSE 'VIEW' END
 FROM "zov$objects" o JOIN "zov$schemas" s ON s.schema_id = o.schema_id WHERE o.xtype IN ('U', 'V'))"},
-{"INFORMATION_SCHEMA", "VIEWS", 0, R"(
+        {"INFORMATION_SCHEMA", "VIEWS", 0, R"(
 TABLE_CATALOG nvarchar(128) | db_name()
 TABLE_SCHEMA sysname | s.name
 TABLE_NAME sysname | o.name
@@ -27,7 +27,7 @@ VIEW_DEFINITION nvarchar(4000) | (SELECT substr(group_concat(m.text, ''), 1, 400
 CHECK_OPTION varchar(7) | 'NONE'
 IS_UPDATABLE varchar(2) | 'NO'
 FROM "zov$objects" o JOIN "zov$schemas" s ON s.schema_id = o.schema_id WHERE o.xtype = 'V')"},
-{"INFORMATION_SCHEMA", "ROUTINES", 0, R"(
+        {"INFORMATION_SCHEMA", "ROUTINES", 0, R"(
 SPECIFIC_CATALOG nvarchar(128) | db_name()
 SPECIFIC_SCHEMA sysname | s.name
 SPECIFIC_NAME sysname | o.name
@@ -45,7 +45,7 @@ SCHEMA_LEVEL_ROUTINE varchar(10) | 'YES'
 CREATED datetime | o.crdate
 LAST_ALTERED datetime | o.modify_date
 FROM "zov$objects" o JOIN "zov$schemas" s ON s.schema_id = o.schema_id WHERE o.xtype IN ('P', 'FN', 'IF', 'TF'))"},
-{"INFORMATION_SCHEMA", "COLUMNS", 0, R"(
+        {"INFORMATION_SCHEMA", "COLUMNS", 0, R"(
 TABLE_CATALOG nvarchar(128) | db_name()
 TABLE_SCHEMA sysname | s.name
 TABLE_NAME sysname | o.name
@@ -70,7 +70,7 @@ DOMAIN_CATALOG sysname | CASE WHEN c.xusertype > 256 THEN db_name() END
 DOMAIN_SCHEMA sysname | CASE WHEN c.xusertype > 256 THEN (SELECT ts.name FROM "zov$types" t JOIN "zov$schemas" ts ON ts.schema_id = t.schema_id WHERE t.xusertype = c.xusertype) END
 DOMAIN_NAME sysname | CASE WHEN c.xusertype > 256 THEN (SELECT t.name FROM "zov$types" t WHERE t.xusertype = c.xusertype) END
 FROM "zov$columns" c JOIN "zov$objects" o ON o.id = c.id JOIN "zov$schemas" s ON s.schema_id = o.schema_id WHERE o.xtype IN ('U', 'V'))"},
-{"INFORMATION_SCHEMA", "PARAMETERS", 0, R"(
+        {"INFORMATION_SCHEMA", "PARAMETERS", 0, R"(
 SPECIFIC_CATALOG nvarchar(128) | NULL
 SPECIFIC_SCHEMA nvarchar(128) | NULL
 SPECIFIC_NAME sysname | NULL
@@ -79,7 +79,7 @@ PARAMETER_MODE nvarchar(10) | NULL
 PARAMETER_NAME sysname | NULL
 DATA_TYPE nvarchar(128) | NULL
 FROM "zov$facts" WHERE 0)"},
-{"INFORMATION_SCHEMA", "TABLE_CONSTRAINTS", 0, R"(
+        {"INFORMATION_SCHEMA", "TABLE_CONSTRAINTS", 0, R"(
 CONSTRAINT_CATALOG nvarchar(128) | db_name()
 CONSTRAINT_SCHEMA nvarchar(128) | s.name
 CONSTRAINT_NAME sysname | o.name
@@ -90,7 +90,7 @@ CONSTRAINT_TYPE varchar(11) | CASE o.xtype WHEN 'PK' THEN 'PRIMARY KEY' WHEN 'UQ
 IS_DEFERRABLE varchar(2) | 'NO'
 INITIALLY_DEFERRED varchar(2) | 'NO'
 FROM "zov$objects" o JOIN "zov$objects" p ON p.id = o.parent_obj JOIN "zov$schemas" s ON s.schema_id = p.schema_id WHERE o.xtype IN ('PK', 'UQ', 'F', 'C'))"},
-{"INFORMATION_SCHEMA", "KEY_COLUMN_USAGE", 0, R"(
+        {"INFORMATION_SCHEMA", "KEY_COLUMN_USAGE", 0, R"(
 CONSTRAINT_CATALOG nvarchar(128) | db_name()
 CONSTRAINT_SCHEMA nvarchar(128) | s.name
 CONSTRAINT_NAME sysname | o.name
@@ -100,7 +100,7 @@ TABLE_NAME sysname | p.name
 COLUMN_NAME nvarchar(128) | c.name
 ORDINAL_POSITION int | k.keyno
 FROM (SELECT i.constraint_id AS cid, x.id, x.colid, x.keyno FROM "zov$indexes" i JOIN "zov$indexkeys" x ON x.id = i.id AND x.indid = i.indid WHERE i.constraint_id > 0 AND NOT x.is_included UNION ALL SELECT r.constid, r.fkeyid, r.fkey, r.keyno FROM "zov$references" r) k JOIN "zov$objects" o ON o.id = k.cid JOIN "zov$objects" p ON p.id = k.id JOIN "zov$schemas" s ON s.schema_id = p.schema_id JOIN "zov$columns" c ON c.id = k.id AND c.colid = k.colid)"},
-{"INFORMATION_SCHEMA", "REFERENTIAL_CONSTRAINTS", 0, R"(
+        {"INFORMATION_SCHEMA", "REFERENTIAL_CONSTRAINTS", 0, R"(
 CONSTRAINT_CATALOG nvarchar(128) | db_name()
 CONSTRAINT_SCHEMA nvarchar(128) | s.name
 CONSTRAINT_NAME sysname | o.name
@@ -111,13 +111,13 @@ MATCH_OPTION varchar(7) | 'SIMPLE'
 UPDATE_RULE varchar(11) | replace(r.update_action, '_', ' ')
 DELETE_RULE varchar(11) | replace(r.delete_action, '_', ' ')
 FROM "zov$references" r JOIN "zov$objects" o ON o.id = r.constid JOIN "zov$schemas" s ON s.schema_id = o.schema_id WHERE r.keyno = 1)"},
-{"INFORMATION_SCHEMA", "CHECK_CONSTRAINTS", 0, R"(
+        {"INFORMATION_SCHEMA", "CHECK_CONSTRAINTS", 0, R"(
 CONSTRAINT_CATALOG nvarchar(128) | db_name()
 CONSTRAINT_SCHEMA nvarchar(128) | s.name
 CONSTRAINT_NAME sysname | o.name
 CHECK_CLAUSE nvarchar(4000) | (SELECT group_concat(m.text, '') FROM (SELECT text FROM "zov$comments" WHERE id = o.id ORDER BY colid) m)
 FROM "zov$objects" o JOIN "zov$schemas" s ON s.schema_id = o.schema_id WHERE o.xtype = 'C')"},
-{"INFORMATION_SCHEMA", "CONSTRAINT_COLUMN_USAGE", 0, R"(
+        {"INFORMATION_SCHEMA", "CONSTRAINT_COLUMN_USAGE", 0, R"(
 TABLE_CATALOG nvarchar(128) | db_name()
 TABLE_SCHEMA nvarchar(128) | s.name
 TABLE_NAME sysname | p.name
@@ -126,7 +126,7 @@ CONSTRAINT_CATALOG nvarchar(128) | db_name()
 CONSTRAINT_SCHEMA nvarchar(128) | s.name
 CONSTRAINT_NAME sysname | o.name
 FROM (SELECT i.constraint_id AS cid, x.id, x.colid FROM "zov$indexes" i JOIN "zov$indexkeys" x ON x.id = i.id AND x.indid = i.indid WHERE i.constraint_id > 0 AND NOT x.is_included UNION ALL SELECT r.constid, r.fkeyid, r.fkey FROM "zov$references" r) k JOIN "zov$objects" o ON o.id = k.cid JOIN "zov$objects" p ON p.id = k.id JOIN "zov$schemas" s ON s.schema_id = p.schema_id JOIN "zov$columns" c ON c.id = k.id AND c.colid = k.colid)"},
-{"INFORMATION_SCHEMA", "DOMAINS", 0, R"(
+        {"INFORMATION_SCHEMA", "DOMAINS", 0, R"(
 DOMAIN_CATALOG nvarchar(128) | db_name()
 DOMAIN_SCHEMA sysname | s.name
 DOMAIN_NAME sysname | t.name

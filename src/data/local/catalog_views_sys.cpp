@@ -47,17 +47,18 @@ is_column_set bit | 0
 )";
 
 // The whole text of an object, from the rows that it was cut into.
-const char* const sourceText = R"((SELECT group_concat(m.text, '') FROM (SELECT text FROM "zov$comments" WHERE id = o.id AND NOT encrypted ORDER BY colid) m))";
+const char* const sourceText =
+    R"((SELECT group_concat(m.text, '') FROM (SELECT text FROM "zov$comments" WHERE id = o.id AND NOT encrypted ORDER BY colid) m))";
 
 std::vector<CatalogViewText> systemViews() {
     return {
-{"sys", "objects", 9, R"(
+        {"sys", "objects", 9, R"(
 $OBJECT_COLUMNS
 FROM "zov$objects" o)"},
-{"sys", "all_objects", 9, R"(
+        {"sys", "all_objects", 9, R"(
 $OBJECT_COLUMNS
 FROM "zov$objects" o)"},
-{"sys", "tables", 9, R"(
+        {"sys", "tables", 9, R"(
 $OBJECT_COLUMNS
 lob_data_space_id int | 0
 filestream_data_space_id int | NULL
@@ -75,7 +76,7 @@ durability tinyint | 0
 temporal_type tinyint | 0
 temporal_type_desc nvarchar(60) | 'NON_TEMPORAL_TABLE'
 FROM "zov$objects" o WHERE o.xtype = 'U')"},
-{"sys", "views", 9, R"(
+        {"sys", "views", 9, R"(
 $OBJECT_COLUMNS
 is_replicated bit | 0
 has_replication_filter bit | 0
@@ -84,21 +85,21 @@ has_unchecked_assembly_data bit | 0
 with_check_option bit | 0
 is_date_correlation_view bit | 0
 FROM "zov$objects" o WHERE o.xtype = 'V')"},
-{"sys", "procedures", 9, R"(
+        {"sys", "procedures", 9, R"(
 $OBJECT_COLUMNS
 is_auto_executed bit | 0
 is_execution_replicated bit | 0
 is_repl_serializable_only bit | 0
 skips_repl_constraints bit | 0
 FROM "zov$objects" o WHERE o.xtype = 'P')"},
-{"sys", "synonyms", 9, R"(
+        {"sys", "synonyms", 9, R"(
 $OBJECT_COLUMNS
 base_object_name nvarchar(1035) | o.info
 FROM "zov$objects" o WHERE o.xtype = 'SN')"},
-{"sys", "sequences", 9, R"(
+        {"sys", "sequences", 9, R"(
 $OBJECT_COLUMNS
 FROM "zov$objects" o WHERE o.xtype = 'SO')"},
-{"sys", "triggers", 9, R"(
+        {"sys", "triggers", 9, R"(
 name sysname | o.name
 object_id int | o.id
 parent_class tinyint | CASE WHEN o.parent_obj > 0 THEN 1 ELSE 0 END
@@ -113,26 +114,26 @@ is_disabled bit | o.is_disabled
 is_not_for_replication bit | 0
 is_instead_of_trigger bit | objectproperty(o.id, 'ExecIsInsteadOfTrigger')
 FROM "zov$objects" o WHERE o.xtype = 'TR')"},
-{"sys", "columns", 9, R"(
+        {"sys", "columns", 9, R"(
 $COLUMN_COLUMNS
 FROM "zov$columns" c)"},
-{"sys", "all_columns", 9, R"(
+        {"sys", "all_columns", 9, R"(
 $COLUMN_COLUMNS
 FROM "zov$columns" c)"},
-{"sys", "computed_columns", 9, R"(
+        {"sys", "computed_columns", 9, R"(
 $COLUMN_COLUMNS
 definition nvarchar(max) | c.computed
 uses_database_collation bit | 1
 is_persisted bit | c.is_persisted
 FROM "zov$columns" c WHERE c.computed IS NOT NULL)"},
-{"sys", "identity_columns", 9, R"(
+        {"sys", "identity_columns", 9, R"(
 $COLUMN_COLUMNS
 seed_value sql_variant | c.identity_seed
 increment_value sql_variant | c.identity_incr
 last_value sql_variant | c.identity_last
 is_not_for_replication bit | 0
 FROM "zov$columns" c WHERE c.identity_seed IS NOT NULL)"},
-{"sys", "parameters", 9, R"(
+        {"sys", "parameters", 9, R"(
 object_id int | 0
 name sysname | NULL
 parameter_id int | 0
@@ -143,12 +144,12 @@ precision tinyint | 0
 scale tinyint | 0
 is_output bit | 0
 FROM "zov$facts" WHERE 0)"},
-{"sys", "schemas", 9, R"(
+        {"sys", "schemas", 9, R"(
 name sysname | s.name
 schema_id int | s.schema_id
 principal_id int | s.principal_id
 FROM "zov$schemas" s)"},
-{"sys", "database_principals", 9, R"(
+        {"sys", "database_principals", 9, R"(
 name sysname | u.name
 principal_id int | u.uid
 type char(1) | u.type
@@ -162,11 +163,11 @@ is_fixed_role bit | u.isfixed
 authentication_type int | CASE u.uid WHEN 1 THEN 1 ELSE 0 END
 authentication_type_desc nvarchar(60) | CASE u.uid WHEN 1 THEN 'INSTANCE' ELSE 'NONE' END
 FROM "zov$users" u)"},
-{"sys", "database_role_members", 9, R"(
+        {"sys", "database_role_members", 9, R"(
 role_principal_id int | r.role_uid
 member_principal_id int | r.member_uid
 FROM "zov$role_members" r)"},
-{"sys", "database_permissions", 9, R"(
+        {"sys", "database_permissions", 9, R"(
 class tinyint | p.class
 class_desc nvarchar(60) | CASE p.class WHEN 0 THEN 'DATABASE' WHEN 1 THEN 'OBJECT_OR_COLUMN' WHEN 3 THEN 'SCHEMA' WHEN 4 THEN 'DATABASE_PRINCIPAL' WHEN 6 THEN 'TYPE' END
 major_id int | p.major_id
@@ -178,7 +179,7 @@ permission_name nvarchar(128) | p.permission_name
 state char(1) | p.state
 state_desc nvarchar(60) | CASE p.state WHEN 'G' THEN 'GRANT' WHEN 'D' THEN 'DENY' WHEN 'W' THEN 'GRANT_WITH_GRANT_OPTION' ELSE 'REVOKE' END
 FROM "zov$permissions" p)"},
-{"sys", "types", 9, R"(
+        {"sys", "types", 9, R"(
 name sysname | t.name
 system_type_id tinyint | t.xtype
 user_type_id int | t.xusertype
@@ -195,7 +196,7 @@ default_object_id int | 0
 rule_object_id int | 0
 is_table_type bit | t.xtype = 243
 FROM "zov$types" t)"},
-{"sys", "indexes", 9, R"(
+        {"sys", "indexes", 9, R"(
 object_id int | i.id
 name sysname | i.name
 index_id int | i.indid
@@ -215,7 +216,7 @@ allow_page_locks bit | 1
 has_filter bit | i.filter IS NOT NULL
 filter_definition nvarchar(max) | i.filter
 FROM "zov$indexes" i)"},
-{"sys", "index_columns", 9, R"(
+        {"sys", "index_columns", 9, R"(
 object_id int | k.id
 index_id int | k.indid
 index_column_id int | k.keyno
@@ -225,7 +226,7 @@ partition_ordinal tinyint | 0
 is_descending_key bit | k.is_desc
 is_included_column bit | k.is_included
 FROM "zov$indexkeys" k)"},
-{"sys", "foreign_keys", 9, R"(
+        {"sys", "foreign_keys", 9, R"(
 $OBJECT_COLUMNS
 referenced_object_id int | r.rkeyid
 key_index_id int | 1
@@ -238,7 +239,7 @@ update_referential_action tinyint | CASE r.update_action WHEN 'CASCADE' THEN 1 W
 update_referential_action_desc nvarchar(60) | r.update_action
 is_system_named bit | o.is_system_named
 FROM "zov$objects" o JOIN "zov$references" r ON r.constid = o.id AND r.keyno = 1)"},
-{"sys", "foreign_key_columns", 9, R"(
+        {"sys", "foreign_key_columns", 9, R"(
 constraint_object_id int | r.constid
 constraint_column_id int | r.keyno
 parent_object_id int | r.fkeyid
@@ -246,13 +247,13 @@ parent_column_id int | r.fkey
 referenced_object_id int | r.rkeyid
 referenced_column_id int | r.rkey
 FROM "zov$references" r)"},
-{"sys", "default_constraints", 9, R"(
+        {"sys", "default_constraints", 9, R"(
 $OBJECT_COLUMNS
 parent_column_id int | (SELECT c.colid FROM "zov$columns" c WHERE c.id = o.parent_obj AND c.cdefault = o.id)
 definition nvarchar(max) | $SOURCE
 is_system_named bit | o.is_system_named
 FROM "zov$objects" o WHERE o.xtype = 'D' AND o.parent_obj > 0)"},
-{"sys", "check_constraints", 9, R"(
+        {"sys", "check_constraints", 9, R"(
 $OBJECT_COLUMNS
 is_disabled bit | o.is_disabled
 is_not_for_replication bit | 0
@@ -262,24 +263,24 @@ definition nvarchar(max) | $SOURCE
 uses_database_collation bit | 1
 is_system_named bit | o.is_system_named
 FROM "zov$objects" o WHERE o.xtype = 'C')"},
-{"sys", "key_constraints", 9, R"(
+        {"sys", "key_constraints", 9, R"(
 $OBJECT_COLUMNS
 unique_index_id int | (SELECT i.indid FROM "zov$indexes" i WHERE i.id = o.parent_obj AND i.constraint_id = o.id)
 is_system_named bit | o.is_system_named
 is_enforced bit | 1
 FROM "zov$objects" o WHERE o.xtype IN ('PK', 'UQ'))"},
-{"sys", "sql_modules", 9, R"(
+        {"sys", "sql_modules", 9, R"(
 object_id int | o.id
 definition nvarchar(max) | $SOURCE
-uses_ansi_nulls bit | 1
-uses_quoted_identifier bit | 1
-is_schema_bound bit | 0
+uses_ansi_nulls bit | coalesce(instr(o.info, 'ANSI_NULLS') > 0, 1)
+uses_quoted_identifier bit | coalesce(instr(o.info, 'QUOTED_IDENTIFIER') > 0, 1)
+is_schema_bound bit | coalesce(instr(o.info, 'SCHEMABINDING') > 0, 0)
 uses_database_collation bit | 0
 is_recompiled bit | 0
 null_on_null_input bit | 0
 execute_as_principal_id int | NULL
 FROM "zov$objects" o WHERE o.xtype IN ('P', 'V', 'TR', 'FN', 'IF', 'TF', 'R') OR (o.xtype = 'D' AND o.parent_obj = 0))"},
-{"sys", "extended_properties", 9, R"(
+        {"sys", "extended_properties", 9, R"(
 class tinyint | p.class
 class_desc nvarchar(60) | CASE p.class WHEN 0 THEN 'DATABASE' WHEN 1 THEN 'OBJECT_OR_COLUMN' WHEN 3 THEN 'SCHEMA' WHEN 6 THEN 'TYPE' WHEN 7 THEN 'INDEX' END
 major_id int | p.major_id
@@ -287,7 +288,7 @@ minor_id int | p.minor_id
 name sysname | p.name
 value sql_variant | p.value
 FROM "zov$properties" p)"},
-{"sys", "partitions", 9, R"(
+        {"sys", "partitions", 9, R"(
 partition_id bigint | i.id * 256 + i.indid
 object_id int | i.id
 index_id int | i.indid
@@ -295,7 +296,7 @@ partition_number int | 1
 hobt_id bigint | i.id * 256 + i.indid
 rows bigint | zov_rowcount(i.id)
 FROM "zov$indexes" i)"},
-{"sys", "databases", 9, R"(
+        {"sys", "databases", 9, R"(
 name sysname | json_extract(j.value, '$.name')
 database_id int | json_extract(j.value, '$.dbid')
 source_database_id int | NULL
@@ -316,7 +317,7 @@ recovery_model_desc nvarchar(60) | 'FULL'
 is_ansi_nulls_on bit | 0
 is_quoted_identifier_on bit | 0
 FROM json_each(zov_databases()) j)"},
-{"sys", "server_principals", 9, R"(
+        {"sys", "server_principals", 9, R"(
 name sysname | 'sa'
 principal_id int | 1
 sid varbinary(85) | x'01'

@@ -20,16 +20,18 @@ QString kindOf(const Token& token) {
 
 [[noreturn]] void failUnsupported(const char* verb, const Token& token) {
     static const QSet<QString> known = {
-        QStringLiteral("AGGREGATE"),  QStringLiteral("ASSEMBLY"),    QStringLiteral("ASYMMETRIC"),
+        QStringLiteral("AGGREGATE"),   QStringLiteral("ASSEMBLY"),    QStringLiteral("ASYMMETRIC"),
         QStringLiteral("CERTIFICATE"), QStringLiteral("COLUMNSTORE"), QStringLiteral("CONTRACT"),
-        QStringLiteral("CREDENTIAL"), QStringLiteral("ENDPOINT"),    QStringLiteral("EVENT"),
-        QStringLiteral("EXTERNAL"),   QStringLiteral("FULLTEXT"),    QStringLiteral("MASTER"),
-        QStringLiteral("MESSAGE"),    QStringLiteral("PARTITION"),   QStringLiteral("PRIMARY"),
-        QStringLiteral("QUEUE"),      QStringLiteral("ROUTE"),       QStringLiteral("SECURITY"),
-        QStringLiteral("SERVER"),     QStringLiteral("SERVICE"),     QStringLiteral("SPATIAL"),
-        QStringLiteral("SYMMETRIC"),  QStringLiteral("XML")};
+        QStringLiteral("CREDENTIAL"),  QStringLiteral("ENDPOINT"),    QStringLiteral("EVENT"),
+        QStringLiteral("EXTERNAL"),    QStringLiteral("FULLTEXT"),    QStringLiteral("MASTER"),
+        QStringLiteral("MESSAGE"),     QStringLiteral("PARTITION"),   QStringLiteral("PRIMARY"),
+        QStringLiteral("QUEUE"),       QStringLiteral("ROUTE"),       QStringLiteral("SECURITY"),
+        QStringLiteral("SERVER"),      QStringLiteral("SERVICE"),     QStringLiteral("SPATIAL"),
+        QStringLiteral("SYMMETRIC"),   QStringLiteral("XML")};
     if (known.contains(kindOf(token)))
-        fail(40000, QStringLiteral("The embedded server doesn't know %1 %2.").arg(QLatin1String(verb), kindOf(token)),
+        fail(40000,
+             QStringLiteral("The embedded server doesn't know %1 %2.")
+                 .arg(QLatin1String(verb), kindOf(token)),
              token.line);
     failSyntax(token);
 }
@@ -57,7 +59,8 @@ void create(SessionState& session, const Definition& statement, TokenCursor& cur
         const QString word = kindOf(cursor.next());
         return createPrincipal(session, cursor, word);
     }
-    if (cursor.accept({"APPLICATION", "ROLE"})) return createPrincipal(session, cursor, QStringLiteral("APPLICATION ROLE"));
+    if (cursor.accept({"APPLICATION", "ROLE"}))
+        return createPrincipal(session, cursor, QStringLiteral("APPLICATION ROLE"));
     failUnsupported("CREATE", kind);
 }
 
@@ -85,7 +88,8 @@ void drop(SessionState& session, TokenCursor& cursor) {
     if (cursor.accept("TYPE")) return dropTypes(session, cursor);
     if (cursor.accept("SCHEMA")) return dropSchema(session, cursor);
     if (cursor.accept("DATABASE")) return dropDatabases(session, cursor);
-    if (isModuleKind(kind) || cursor.is("DEFAULT") || cursor.is("RULE") || cursor.is("SYNONYM") || cursor.is("SEQUENCE")) {
+    if (isModuleKind(kind) || cursor.is("DEFAULT") || cursor.is("RULE") || cursor.is("SYNONYM") ||
+        cursor.is("SEQUENCE")) {
         const QString word = kindOf(cursor.next());
         return dropModules(session, cursor, word);
     }
@@ -93,7 +97,8 @@ void drop(SessionState& session, TokenCursor& cursor) {
         const QString word = kindOf(cursor.next());
         return dropPrincipal(session, cursor, word);
     }
-    if (cursor.accept({"APPLICATION", "ROLE"})) return dropPrincipal(session, cursor, QStringLiteral("ROLE"));
+    if (cursor.accept({"APPLICATION", "ROLE"}))
+        return dropPrincipal(session, cursor, QStringLiteral("ROLE"));
     failUnsupported("DROP", kind);
 }
 

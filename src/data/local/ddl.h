@@ -19,12 +19,13 @@ struct StoredValue;
 
 /// One definition statement with the batch that it stands in.
 struct Definition {
-    std::span<const Token> tokens;   ///< without ";" and End
-    QString batchText;               ///< modules keep all of it
-    bool opensBatch = false;         ///< no statement stands before it
+    std::span<const Token> tokens;  ///< without ";" and End
+    QString batchText;              ///< modules keep all of it
+    bool opensBatch = false;        ///< no statement stands before it
 };
 
-/// CREATE, ALTER, DROP, TRUNCATE TABLE, GRANT, DENY, REVOKE, ENABLE/DISABLE TRIGGER, UPDATE STATISTICS.
+/// CREATE, ALTER, DROP, TRUNCATE TABLE, GRANT, DENY, REVOKE, ENABLE/DISABLE TRIGGER, UPDATE
+/// STATISTICS.
 void runDefinition(SessionState& session, const Definition& statement);
 
 // Families. The cursor stands behind the words that chose the family and is read to its end.
@@ -73,26 +74,26 @@ void dropDatabases(SessionState& session, TokenCursor& cursor);
 /// One argument of EXEC: `name` carries its "@" or is empty.
 struct Argument {
     QString name;
-    QString text;        ///< the value as text
+    QString text;  ///< the value as text
     bool isNull = false;
 };
 /// Runs a system procedure that changes the catalogue; false when there is none of that name. Its
 /// rows, if any, go to `lines` (sp_helptext).
-bool runSystemProcedure(SessionState& session, const QString& name, const std::vector<Argument>& arguments,
-                        std::vector<QString>& lines);
+bool runSystemProcedure(SessionState& session, const QString& name,
+                        const std::vector<Argument>& arguments, std::vector<QString>& lines);
 
 // Shared between the families.
 
 /// What a column or table constraint says, before it is written.
 struct ConstraintSpec {
-    QString kind;                    ///< PK UQ F C D, as in sysobjects
-    QString name;                    ///< empty: to be generated
+    QString kind;  ///< PK UQ F C D, as in sysobjects
+    QString name;  ///< empty: to be generated
     std::vector<QString> columns;
     std::vector<bool> descending;
     std::optional<bool> clustered;
     QString options;
-    QString text;                    ///< C and D, as stored
-    QString column;                  ///< the column that it was written at; empty for the table's own
+    QString text;    ///< C and D, as stored
+    QString column;  ///< the column that it was written at; empty for the table's own
     ObjectName references;
     std::vector<QString> referencedColumns;
     QString deleteAction = QStringLiteral("NO_ACTION");
@@ -105,13 +106,13 @@ struct ConstraintSpec {
 /// A column with the constraints and indexes that were written at it.
 struct ColumnSpec {
     ColumnFacts facts;
-    std::optional<bool> nullable;    ///< when it was said
+    std::optional<bool> nullable;  ///< when it was said
     std::vector<ConstraintSpec> constraints;
     int line = 0;
 };
 
 struct TableIndexSpec {
-    IndexFacts facts;                ///< keys without colid
+    IndexFacts facts;  ///< keys without colid
     std::vector<QString> columns;
     bool clustered = false;
     int line = 0;
@@ -134,13 +135,14 @@ void writeTableIndex(Catalog& catalog, const ObjectFacts& table, const TableInde
 /// "WITH (...)" or "WITH FILLFACTOR = 90" as "FILLFACTOR=90,PAD_INDEX=ON"; also reads "ON group".
 QString readIndexOptions(TokenCursor& cursor);
 /// "(a, b DESC)"
-void readKeyColumns(TokenCursor& cursor, std::vector<QString>& names, std::vector<bool>& descending);
+void readKeyColumns(TokenCursor& cursor, std::vector<QString>& names,
+                    std::vector<bool>& descending);
 
 /// Where a column of a table that is made anew gets its values.
 struct ColumnSource {
-    QString oldName;                 ///< empty: from `fill`
-    std::optional<TypeFacts> oldType;   ///< set when values must be converted
-    QString fill;                    ///< an expression's text; empty fills with NULL
+    QString oldName;                   ///< empty: from `fill`
+    std::optional<TypeFacts> oldType;  ///< set when values must be converted
+    QString fill;                      ///< an expression's text; empty fills with NULL
 };
 /// Makes the SQLite table of a new catalogue table.
 void makeStorage(Catalog& catalog, const ObjectFacts& table);
@@ -148,8 +150,8 @@ void makeStorage(Catalog& catalog, const ObjectFacts& table);
 /// column name in lower case; columns that are not named keep their values.
 void rebuildStorage(Catalog& catalog, const ObjectFacts& table, const QString& oldName,
                     const QHash<QString, ColumnSource>& sources = {});
-/// (Re)makes one index of SQLite; those that the rowid stands for have none. Throws 1505 where values
-/// repeat.
+/// (Re)makes one index of SQLite; those that the rowid stands for have none. Throws 1505 where
+/// values repeat.
 void makeStorageIndex(Catalog& catalog, const ObjectFacts& table, const IndexFacts& index);
 void dropStorageIndex(Catalog& catalog, int tableId, int indid);
 /// True for the clustered primary key on one whole-number column.

@@ -1,7 +1,7 @@
-// ALTER TABLE and ENABLE/DISABLE TRIGGER: the catalogue is changed, then the SQLite table is made anew
-// from it where its columns or its key changed.
-#include "data/local/definitions.h"
+// ALTER TABLE and ENABLE/DISABLE TRIGGER: the catalogue is changed, then the SQLite table is made
+// anew from it where its columns or its key changed.
 #include "data/local/ddl.h"
+#include "data/local/definitions.h"
 #include "data/local/query_engine.h"
 #include "data/local/server_store.h"
 
@@ -10,7 +10,9 @@
 namespace zov::local {
 namespace {
 
-bool same(const QString& a, const QString& b) { return a.compare(b, Qt::CaseInsensitive) == 0; }
+bool same(const QString& a, const QString& b) {
+    return a.compare(b, Qt::CaseInsensitive) == 0;
+}
 
 const ColumnFacts* findColumn(const std::vector<ColumnFacts>& columns, const QString& name) {
     for (const ColumnFacts& column : columns)
@@ -19,11 +21,10 @@ const ColumnFacts* findColumn(const std::vector<ColumnFacts>& columns, const QSt
 }
 
 bool isEmpty(const Catalog& catalog, const ObjectFacts& table) {
-    CatalogQuery query(catalog.handle(),
-                       QStringLiteral("SELECT 1 FROM %1 LIMIT 1")
-                           .arg(quotedTable(table.schema, table.name))
-                           .toUtf8()
-                           .constData());
+    CatalogQuery query(catalog.handle(), QStringLiteral("SELECT 1 FROM %1 LIMIT 1")
+                                             .arg(quotedTable(table.schema, table.name))
+                                             .toUtf8()
+                                             .constData());
     return !query.step();
 }
 
@@ -38,7 +39,8 @@ void addElements(Catalog& catalog, const ObjectFacts& table, TokenCursor& cursor
         constraints.insert(constraints.end(), column.constraints.begin(), column.constraints.end());
     constraints.insert(constraints.end(), parts.constraints.begin(), parts.constraints.end());
     for (ConstraintSpec& spec : constraints)
-        spec.notTrusted = noCheck && (spec.kind == QLatin1String("F") || spec.kind == QLatin1String("C"));
+        spec.notTrusted =
+            noCheck && (spec.kind == QLatin1String("F") || spec.kind == QLatin1String("C"));
 
     const QString oldName = quotedTable(table.schema, table.name);
     bool rebuild = !parts.columns.empty();
@@ -49,19 +51,23 @@ void addElements(Catalog& catalog, const ObjectFacts& table, TokenCursor& cursor
         for (const ColumnSpec& column : parts.columns) {
             ColumnSource source;
             for (const ConstraintSpec& spec : constraints)
-                if (spec.kind == QLatin1String("D") && same(spec.columns.front(), column.facts.name) &&
+                if (spec.kind == QLatin1String("D") &&
+                    same(spec.columns.front(), column.facts.name) &&
                     (!column.facts.nullable || spec.withValues))
                     source.fill = spec.text;
-            const bool fillsItself =
-                !column.facts.seed.isNull() || !column.facts.computed.isNull() || column.facts.type.xtype == 189;
+            const bool fillsItself = !column.facts.seed.isNull() ||
+                                     !column.facts.computed.isNull() ||
+                                     column.facts.type.xtype == 189;
             if (!empty && !column.facts.nullable && source.fill.isEmpty() && !fillsItself)
-                fail(4901, QStringLiteral("ALTER TABLE only allows columns to be added that can contain nulls, or "
-                                          "have a DEFAULT definition specified, or the column being added is an "
-                                          "identity or timestamp column, or alternatively if none of the previous "
-                                          "conditions are satisfied the table must be empty to allow addition of "
-                                          "this column. Column '%1' cannot be added to non-empty table '%2' "
-                                          "because it does not satisfy these conditions.")
-                               .arg(column.facts.name, table.name),
+                fail(4901,
+                     QStringLiteral(
+                         "ALTER TABLE only allows columns to be added that can contain nulls, or "
+                         "have a DEFAULT definition specified, or the column being added is an "
+                         "identity or timestamp column, or alternatively if none of the previous "
+                         "conditions are satisfied the table must be empty to allow addition of "
+                         "this column. Column '%1' cannot be added to non-empty table '%2' "
+                         "because it does not satisfy these conditions.")
+                         .arg(column.facts.name, table.name),
                      column.line);
             if (column.facts.type.xtype == 189) source.fill = QStringLiteral("0x0000000000000001");
             sources.insert(column.facts.name.toLower(), source);
@@ -85,8 +91,8 @@ void addElements(Catalog& catalog, const ObjectFacts& table, TokenCursor& cursor
             makeStorageIndex(catalog, table, index);
 }
 
-void dropConstraint(Catalog& catalog, const ObjectFacts& table, const QString& name, bool ifExists, int line,
-                    bool& rebuild) {
+void dropConstraint(Catalog& catalog, const ObjectFacts& table, const QString& name, bool ifExists,
+                    int line, bool& rebuild) {
     for (const ObjectFacts& child : catalog.children(table.id)) {
         if (!same(child.name, name) || child.xtype == QLatin1String("TR")) continue;
         for (const IndexFacts& index : catalog.indexes(table.id)) {
@@ -104,9 +110,11 @@ void dropConstraint(Catalog& catalog, const ObjectFacts& table, const QString& n
             for (auto key = keys.begin(); key != keys.end(); ++key) {
                 std::sort(key->begin(), key->end());
                 if (*key == wanted)
-                    fail(3725, QStringLiteral("The constraint '%1' is being referenced by table, foreign key "
-                                              "constraint '%2'. Could not drop constraint.")
-                                   .arg(child.name, key.key()),
+                    fail(3725,
+                         QStringLiteral(
+                             "The constraint '%1' is being referenced by table, foreign key "
+                             "constraint '%2'. Could not drop constraint.")
+                             .arg(child.name, key.key()),
                          line);
             }
             rebuild = rebuild || isRowidKey(catalog, table, index, catalog.columns(table.id));
@@ -115,15 +123,18 @@ void dropConstraint(Catalog& catalog, const ObjectFacts& table, const QString& n
         return;
     }
     if (!ifExists)
-        fail(3728, QStringLiteral("'%1' is not a constraint. Could not drop constraint. See previous errors.")
-                       .arg(name),
+        fail(3728,
+             QStringLiteral(
+                 "'%1' is not a constraint. Could not drop constraint. See previous errors.")
+                 .arg(name),
              line);
 }
 
 // Objects that would be left without the column; empty when there is none.
 QString dependentOn(const Catalog& catalog, const ObjectFacts& table, const ColumnFacts& column,
                     const char* kinds) {
-    const QByteArray wanted(kinds);   // I index, D default, C check, F foreign key, X computed column
+    const QByteArray wanted(
+        kinds);  // I index, D default, C check, F foreign key, X computed column
     if (wanted.contains('D') && column.cdefault != 0)
         if (const auto found = catalog.find(column.cdefault)) return found->name;
     if (wanted.contains('I'))
@@ -139,9 +150,10 @@ QString dependentOn(const Catalog& catalog, const ObjectFacts& table, const Colu
                 return child.name;
         }
     if (wanted.contains('F')) {
-        CatalogQuery query(catalog.handle(),
-                           "SELECT o.name FROM \"zov$references\" r JOIN \"zov$objects\" o ON o.id=r.constid"
-                           " WHERE (r.fkeyid=?1 AND r.fkey=?2) OR (r.rkeyid=?1 AND r.rkey=?2)");
+        CatalogQuery query(
+            catalog.handle(),
+            "SELECT o.name FROM \"zov$references\" r JOIN \"zov$objects\" o ON o.id=r.constid"
+            " WHERE (r.fkeyid=?1 AND r.fkey=?2) OR (r.rkeyid=?1 AND r.rkey=?2)");
         query.add(table.id).add(column.colid);
         if (query.step()) return query.text(0);
     }
@@ -152,29 +164,37 @@ QString dependentOn(const Catalog& catalog, const ObjectFacts& table, const Colu
     return {};
 }
 
-[[noreturn]] void failDependent(const QString& object, const QString& column, const char* verb, int line) {
-    fail(5074, QStringLiteral("The object '%1' is dependent on column '%2'. ALTER TABLE %3 COLUMN %2 failed "
-                              "because one or more objects access this column.")
-                   .arg(object, column, QLatin1String(verb)),
+[[noreturn]] void failDependent(const QString& object, const QString& column, const char* verb,
+                                int line) {
+    fail(5074,
+         QStringLiteral(
+             "The object '%1' is dependent on column '%2'. ALTER TABLE %3 COLUMN %2 failed "
+             "because one or more objects access this column.")
+             .arg(object, column, QLatin1String(verb)),
          line);
 }
 
-void dropColumn(Catalog& catalog, const ObjectFacts& table, const QString& name, bool ifExists, int line) {
+void dropColumn(Catalog& catalog, const ObjectFacts& table, const QString& name, bool ifExists,
+                int line) {
     const std::vector<ColumnFacts> columns = catalog.columns(table.id);
     const ColumnFacts* column = findColumn(columns, name);
     if (!column) {
         if (ifExists) return;
-        fail(4924, QStringLiteral("ALTER TABLE DROP COLUMN failed because column '%1' does not exist in table "
-                                  "'%2'.")
-                       .arg(name, table.name),
+        fail(4924,
+             QStringLiteral(
+                 "ALTER TABLE DROP COLUMN failed because column '%1' does not exist in table "
+                 "'%2'.")
+                 .arg(name, table.name),
              line);
     }
     const QString dependent = dependentOn(catalog, table, *column, "IDCFX");
     if (!dependent.isEmpty()) failDependent(dependent, column->name, "DROP", line);
     if (columns.size() == 1)
-        fail(4923, QStringLiteral("ALTER TABLE DROP COLUMN failed because '%1' is the only data column in table "
-                                  "'%2'. A table must have at least one data column.")
-                       .arg(column->name, table.name),
+        fail(4923,
+             QStringLiteral(
+                 "ALTER TABLE DROP COLUMN failed because '%1' is the only data column in table "
+                 "'%2'. A table must have at least one data column.")
+                 .arg(column->name, table.name),
              line);
     // The number of a column that is gone is not given again.
     int highest = 0;
@@ -184,9 +204,10 @@ void dropColumn(Catalog& catalog, const ObjectFacts& table, const QString& name,
             .add(QStringLiteral("last_colid=%1").arg(highest))
             .add(table.id)
             .run();
-    for (const char* sql : {"DELETE FROM \"zov$columns\" WHERE id=? AND colid=?",
-                            "DELETE FROM \"zov$permissions\" WHERE class=1 AND major_id=? AND minor_id=?",
-                            "DELETE FROM \"zov$properties\" WHERE class=1 AND major_id=? AND minor_id=?"})
+    for (const char* sql :
+         {"DELETE FROM \"zov$columns\" WHERE id=? AND colid=?",
+          "DELETE FROM \"zov$permissions\" WHERE class=1 AND major_id=? AND minor_id=?",
+          "DELETE FROM \"zov$properties\" WHERE class=1 AND major_id=? AND minor_id=?"})
         CatalogQuery(catalog.handle(), sql).add(table.id).add(column->colid).run();
 }
 
@@ -195,8 +216,10 @@ void drop(Catalog& catalog, const ObjectFacts& table, TokenCursor& cursor) {
     bool rebuild = false;
     bool columns = false;
     do {
-        if (cursor.accept("COLUMN")) columns = true;
-        else if (cursor.accept("CONSTRAINT")) columns = false;
+        if (cursor.accept("COLUMN"))
+            columns = true;
+        else if (cursor.accept("CONSTRAINT"))
+            columns = false;
         const bool ifExists = cursor.accept({"IF", "EXISTS"});
         const int line = cursor.peek().line;
         const QString name = cursor.name();
@@ -206,7 +229,7 @@ void drop(Catalog& catalog, const ObjectFacts& table, TokenCursor& cursor) {
         } else {
             dropConstraint(catalog, table, name, ifExists, line, rebuild);
         }
-        readIndexOptions(cursor);   // WITH (ONLINE = ON, MOVE TO ...)
+        readIndexOptions(cursor);  // WITH (ONLINE = ON, MOVE TO ...)
     } while (cursor.accept(","));
     cursor.expectEnd();
     if (rebuild) rebuildStorage(catalog, table, oldName);
@@ -218,18 +241,28 @@ void alterColumn(Catalog& catalog, const ObjectFacts& table, TokenCursor& cursor
     const std::vector<ColumnFacts> columns = catalog.columns(table.id);
     const ColumnFacts* column = findColumn(columns, name);
     if (!column)
-        fail(4924, QStringLiteral("ALTER TABLE ALTER COLUMN failed because column '%1' does not exist in table "
-                                  "'%2'.")
-                       .arg(name, table.name),
+        fail(4924,
+             QStringLiteral(
+                 "ALTER TABLE ALTER COLUMN failed because column '%1' does not exist in table "
+                 "'%2'.")
+                 .arg(name, table.name),
              line);
     if (cursor.is("ADD") || cursor.is("DROP")) {
         const bool add = cursor.next().is("ADD");
         if (cursor.accept("ROWGUIDCOL")) {
-            CatalogQuery(catalog.handle(), "UPDATE \"zov$columns\" SET is_rowguid=? WHERE id=? AND colid=?")
-                .add(add).add(table.id).add(column->colid).run();
+            CatalogQuery(catalog.handle(),
+                         "UPDATE \"zov$columns\" SET is_rowguid=? WHERE id=? AND colid=?")
+                .add(add)
+                .add(table.id)
+                .add(column->colid)
+                .run();
         } else if (cursor.accept("PERSISTED")) {
-            CatalogQuery(catalog.handle(), "UPDATE \"zov$columns\" SET is_persisted=? WHERE id=? AND colid=?")
-                .add(add).add(table.id).add(column->colid).run();
+            CatalogQuery(catalog.handle(),
+                         "UPDATE \"zov$columns\" SET is_persisted=? WHERE id=? AND colid=?")
+                .add(add)
+                .add(table.id)
+                .add(column->colid)
+                .run();
         } else if (!cursor.accept("SPARSE") && !cursor.accept({"NOT", "FOR", "REPLICATION"})) {
             cursor.failHere();
         }
@@ -255,21 +288,24 @@ void alterColumn(Catalog& catalog, const ObjectFacts& table, TokenCursor& cursor
     readIndexOptions(cursor);
     cursor.expectEnd();
     if (!column->computed.isNull() || column->type.xtype == 189)
-        fail(4928, QStringLiteral("Cannot alter column '%1' because it is '%2'.")
-                       .arg(column->name, column->computed.isNull() ? QStringLiteral("timestamp")
-                                                                    : QStringLiteral("COMPUTED")),
+        fail(4928,
+             QStringLiteral("Cannot alter column '%1' because it is '%2'.")
+                 .arg(column->name, column->computed.isNull() ? QStringLiteral("timestamp")
+                                                              : QStringLiteral("COMPUTED")),
              line);
     if (!column->seed.isNull()) changed.nullable = false;
     const bool otherType = changed.type.xtype != column->type.xtype;
     const bool shorter = changed.type.length != -1 &&
                          (column->type.length == -1 || changed.type.length < column->type.length);
     QString dependent;
-    if (otherType) dependent = dependentOn(catalog, table, *column, "IDCFX");
+    if (otherType)
+        dependent = dependentOn(catalog, table, *column, "IDCFX");
     else if (!changed.type.sameStorage(column->type) && (shorter || !changed.type.isText()))
         dependent = dependentOn(catalog, table, *column, "IFX");
     if (dependent.isEmpty() && changed.nullable && !column->nullable)
         for (const IndexFacts& index : catalog.indexes(table.id)) {
-            const auto constraint = index.constraintId ? catalog.find(index.constraintId) : std::nullopt;
+            const auto constraint =
+                index.constraintId ? catalog.find(index.constraintId) : std::nullopt;
             if (!constraint || constraint->xtype != QLatin1String("PK")) continue;
             for (const IndexKey& key : index.keys)
                 if (key.colid == column->colid) dependent = constraint->name;
@@ -284,7 +320,8 @@ void alterColumn(Catalog& catalog, const ObjectFacts& table, TokenCursor& cursor
     ColumnSource source;
     source.oldName = column->name;
     source.oldType = column->type;
-    rebuildStorage(catalog, table, quotedTable(table.schema, table.name), {{column->name.toLower(), source}});
+    rebuildStorage(catalog, table, quotedTable(table.schema, table.name),
+                   {{column->name.toLower(), source}});
 }
 
 void checkConstraints(Catalog& catalog, const ObjectFacts& table, TokenCursor& cursor, bool enable,
@@ -292,10 +329,12 @@ void checkConstraints(Catalog& catalog, const ObjectFacts& table, TokenCursor& c
     cursor.expect("CONSTRAINT");
     const auto set = [&](const ObjectFacts& constraint) {
         // A constraint that was off is trusted again only when its rows are checked.
-        CatalogQuery(catalog.handle(),
-                     enable ? withCheck ? "UPDATE \"zov$objects\" SET is_disabled=0, is_not_trusted=0 WHERE id=?"
-                                        : "UPDATE \"zov$objects\" SET is_disabled=0 WHERE id=?"
-                            : "UPDATE \"zov$objects\" SET is_disabled=1, is_not_trusted=1 WHERE id=?")
+        CatalogQuery(
+            catalog.handle(),
+            enable ? withCheck
+                         ? "UPDATE \"zov$objects\" SET is_disabled=0, is_not_trusted=0 WHERE id=?"
+                         : "UPDATE \"zov$objects\" SET is_disabled=0 WHERE id=?"
+                   : "UPDATE \"zov$objects\" SET is_disabled=1, is_not_trusted=1 WHERE id=?")
             .add(constraint.id)
             .run();
     };
@@ -310,9 +349,10 @@ void checkConstraints(Catalog& catalog, const ObjectFacts& table, TokenCursor& c
         do {
             const int line = cursor.peek().line;
             const QString name = cursor.name();
-            const auto found = std::find_if(children.begin(), children.end(), [&](const ObjectFacts& child) {
-                return checkable(child) && same(child.name, name);
-            });
+            const auto found =
+                std::find_if(children.begin(), children.end(), [&](const ObjectFacts& child) {
+                    return checkable(child) && same(child.name, name);
+                });
             if (found == children.end())
                 fail(4917, QStringLiteral("Constraint '%1' does not exist.").arg(name), line);
             set(*found);
@@ -336,12 +376,15 @@ void enableTriggers(Catalog& catalog, const ObjectFacts& table, TokenCursor& cur
     }
     do {
         const ObjectName name = cursor.objectName();
-        const auto found = std::find_if(children.begin(), children.end(), [&](const ObjectFacts& child) {
-            return child.xtype == QLatin1String("TR") && same(child.name, name.name);
-        });
+        const auto found =
+            std::find_if(children.begin(), children.end(), [&](const ObjectFacts& child) {
+                return child.xtype == QLatin1String("TR") && same(child.name, name.name);
+            });
         if (found == children.end())
-            fail(4920, QStringLiteral("ALTER TABLE failed because trigger '%1' on table '%2' does not exist.")
-                           .arg(name.display(), table.name),
+            fail(4920,
+                 QStringLiteral(
+                     "ALTER TABLE failed because trigger '%1' on table '%2' does not exist.")
+                     .arg(name.display(), table.name),
                  name.line);
         set(found->id);
     } while (cursor.accept(","));
@@ -376,9 +419,10 @@ void alterTable(SessionState& session, TokenCursor& cursor) {
     } else if (cursor.accept({"DISABLE", "TRIGGER"})) {
         enableTriggers(catalog, table, cursor, false);
         cursor.expectEnd();
-    } else if (cursor.accept({"ENABLE", "CHANGE_TRACKING"}) || cursor.accept({"DISABLE", "CHANGE_TRACKING"}) ||
-               cursor.accept("REBUILD")) {
-        readIndexOptions(cursor);   // how rows are packed and tracked is nothing that files here know
+    } else if (cursor.accept({"ENABLE", "CHANGE_TRACKING"}) ||
+               cursor.accept({"DISABLE", "CHANGE_TRACKING"}) || cursor.accept("REBUILD")) {
+        readIndexOptions(
+            cursor);  // how rows are packed and tracked is nothing that files here know
         cursor.expectEnd();
     } else if (cursor.accept("SET")) {
         cursor.parenthesised();
@@ -399,9 +443,11 @@ void setTriggersEnabled(SessionState& session, TokenCursor& cursor, bool enabled
     Catalog catalog = Catalog::forWriting(session, name);
     const std::optional<ObjectFacts> owner = catalog.find(name);
     if (!owner)
-        fail(1088, QStringLiteral("Cannot find the object \"%1\" because it does not exist or you do not have "
-                                  "permissions.")
-                       .arg(name.display()),
+        fail(1088,
+             QStringLiteral(
+                 "Cannot find the object \"%1\" because it does not exist or you do not have "
+                 "permissions.")
+                 .arg(name.display()),
              name.line);
     enableTriggers(catalog, *owner, names, enabled);
     if (!names.is("ON")) names.failHere();

@@ -3,7 +3,6 @@
 #include "data/local/catalog_tables.h"
 #include "data/local/definitions.h"
 #include "data/local/query_engine.h"
-#include "data/local/query_types.h"
 #include "data/local/server_store.h"
 
 #include <QDateTime>
@@ -15,7 +14,9 @@ namespace zov::local {
 CatalogQuery::CatalogQuery(sqlite3* handle, const char* sql) : handle_(handle) {
     checkSqlite(handle, sqlite3_prepare_v2(handle, sql, -1, &statement_, nullptr));
 }
-CatalogQuery::~CatalogQuery() { sqlite3_finalize(statement_); }
+CatalogQuery::~CatalogQuery() {
+    sqlite3_finalize(statement_);
+}
 
 CatalogQuery& CatalogQuery::add(qint64 value) {
     sqlite3_bind_int64(statement_, ++bound_, value);
@@ -26,7 +27,8 @@ CatalogQuery& CatalogQuery::add(const QString& text) {
         sqlite3_bind_null(statement_, ++bound_);
     } else {
         const QByteArray utf8 = text.toUtf8();
-        sqlite3_bind_text(statement_, ++bound_, utf8.constData(), int(utf8.size()), SQLITE_TRANSIENT);
+        sqlite3_bind_text(statement_, ++bound_, utf8.constData(), int(utf8.size()),
+                          SQLITE_TRANSIENT);
     }
     return *this;
 }
@@ -61,22 +63,6 @@ std::optional<int> CatalogQuery::optional(int column) const {
     return number(column);
 }
 
-bool TypeFacts::isText() const {
-    switch (xtype) {
-        case 35:
-        case 99:
-        case 167:
-        case 175:
-        case 231:
-        case 239: return true;
-        default: return false;
-    }
-}
-bool TypeFacts::isInteger() const { return xtype == 48 || xtype == 52 || xtype == 56 || xtype == 127; }
-bool TypeFacts::sameStorage(const TypeFacts& other) const {
-    return xtype == other.xtype && length == other.length && prec == other.prec && scale == other.scale;
-}
-
 Catalog::Catalog(SessionState& session, Database& database, bool writing)
     : database_(database), session_(session), writing_(writing), outer_(session.current) {
     if (!writing_) return;
@@ -92,9 +78,10 @@ Catalog::~Catalog() {
 
 Catalog Catalog::forWriting(SessionState& session, const ObjectName& name) {
     if (!name.server.isEmpty())
-        fail(117, QStringLiteral("The object name '%1' contains more than the maximum number of "
-                                 "prefixes. The maximum is 2.")
-                      .arg(name.display()),
+        fail(117,
+             QStringLiteral("The object name '%1' contains more than the maximum number of "
+                            "prefixes. The maximum is 2.")
+                 .arg(name.display()),
              name.line);
     Database& database =
         name.database.isEmpty() ? *session.current : session.store->database(name.database);
@@ -102,7 +89,9 @@ Catalog Catalog::forWriting(SessionState& session, const ObjectName& name) {
     return Catalog(session, database, true);
 }
 
-bool Catalog::isVersion8() const { return session_.store->majorVersion() < 9; }
+bool Catalog::isVersion8() const {
+    return session_.store->majorVersion() < 9;
+}
 
 QString Catalog::now() const {
     const QDateTime now = QDateTime::currentDateTime();
@@ -138,14 +127,15 @@ QString Catalog::schemaName(int id) const {
     return query.step() ? query.text(0) : QString();
 }
 int Catalog::requireSchema(const QString& name) const {
-    const QString wanted =
-        !name.isEmpty() ? name
-                        : session_.defaultSchema.isEmpty() ? QStringLiteral("dbo") : session_.defaultSchema;
+    const QString wanted = !name.isEmpty()                    ? name
+                           : session_.defaultSchema.isEmpty() ? QStringLiteral("dbo")
+                                                              : session_.defaultSchema;
     const std::optional<int> id = schemaId(wanted);
     if (!id)
-        fail(2760, QStringLiteral("The specified schema name \"%1\" either does not exist or you do not "
-                                  "have permission to use it.")
-                       .arg(wanted));
+        fail(2760,
+             QStringLiteral("The specified schema name \"%1\" either does not exist or you do not "
+                            "have permission to use it.")
+                 .arg(wanted));
     return *id;
 }
 std::optional<int> Catalog::principalId(const QString& name) const {
@@ -157,9 +147,10 @@ std::optional<int> Catalog::principalId(const QString& name) const {
 int Catalog::requirePrincipal(const QString& name) const {
     const std::optional<int> id = principalId(name);
     if (!id)
-        fail(15151, QStringLiteral("Cannot find the user '%1', because it does not exist or you do not "
-                                   "have permission.")
-                        .arg(name));
+        fail(15151,
+             QStringLiteral("Cannot find the user '%1', because it does not exist or you do not "
+                            "have permission.")
+                 .arg(name));
     return *id;
 }
 
@@ -183,10 +174,10 @@ ObjectFacts readObject(const CatalogQuery& query) {
 }  // namespace
 
 std::optional<ObjectFacts> Catalog::find(const ObjectName& name) const {
-    CatalogQuery query(
-        handle(), (QByteArray(ObjectColumns) + "WHERE s.name=? AND o.name=?").constData());
+    CatalogQuery query(handle(),
+                       (QByteArray(ObjectColumns) + "WHERE s.name=? AND o.name=?").constData());
     const bool defaulted = name.schema.isEmpty();
-    const QString first = !defaulted ? name.schema
+    const QString first = !defaulted                         ? name.schema
                           : session_.defaultSchema.isEmpty() ? QStringLiteral("dbo")
                                                              : session_.defaultSchema;
     query.add(first).add(name.name);
@@ -208,18 +199,21 @@ ObjectFacts Catalog::requireTable(const ObjectName& name, const char* action) co
     const std::optional<ObjectFacts> found = find(name);
     if (!found || !found->isTable()) {
         if (qstrcmp(action, "alter") == 0)
-            fail(4902, QStringLiteral("Cannot find the object \"%1\" because it does not exist or you do "
-                                      "not have permissions.")
-                           .arg(name.display()),
+            fail(4902,
+                 QStringLiteral("Cannot find the object \"%1\" because it does not exist or you do "
+                                "not have permissions.")
+                     .arg(name.display()),
                  name.line);
         if (qstrcmp(action, "index") == 0)
-            fail(1088, QStringLiteral("Cannot find the object \"%1\" because it does not exist or you do "
-                                      "not have permissions.")
-                           .arg(name.display()),
+            fail(1088,
+                 QStringLiteral("Cannot find the object \"%1\" because it does not exist or you do "
+                                "not have permissions.")
+                     .arg(name.display()),
                  name.line);
-        fail(4701, QStringLiteral("Cannot find the object \"%1\" because it does not exist or you do not "
-                                  "have permissions.")
-                       .arg(name.display()),
+        fail(4701,
+             QStringLiteral("Cannot find the object \"%1\" because it does not exist or you do not "
+                            "have permissions.")
+                 .arg(name.display()),
              name.line);
     }
     return *found;
@@ -229,22 +223,24 @@ void Catalog::requireFreeName(const QString& name, int schemaId) const {
     CatalogQuery query(handle(), "SELECT 1 FROM \"zov$objects\" WHERE schema_id=? AND name=?");
     query.add(schemaId).add(name);
     if (query.step())
-        fail(2714, QStringLiteral("There is already an object named '%1' in the database.").arg(name));
+        fail(2714,
+             QStringLiteral("There is already an object named '%1' in the database.").arg(name));
 }
 
 int Catalog::addObject(const QString& name, int schemaId, const QString& xtype, int parent,
                        const QString& info, bool systemNamed) {
-    if (name.isEmpty())
-        fail(1038, QStringLiteral("An object or column name is missing or empty."));
+    if (name.isEmpty()) fail(1038, QStringLiteral("An object or column name is missing or empty."));
     if (name.size() > 128)
-        fail(103, QStringLiteral("The identifier that starts with '%1' is too long. Maximum length is 128.")
+        fail(103, QStringLiteral(
+                      "The identifier that starts with '%1' is too long. Maximum length is 128.")
                       .arg(name.left(128)));
     requireFreeName(name, schemaId);
     qint64 id = fact("next_object_id").toLongLong();
     CatalogQuery taken(handle(), "SELECT 1 FROM \"zov$objects\" WHERE id=?");
     const auto following = [](qint64 from) {
         const qint64 next = from + ObjectIdStep;
-        return next > std::numeric_limits<qint32>::max() ? next - std::numeric_limits<qint32>::max() : next;
+        return next > std::numeric_limits<qint32>::max() ? next - std::numeric_limits<qint32>::max()
+                                                         : next;
     };
     if (id <= 0) id = FirstObjectId;
     for (;; id = following(id)) {
@@ -254,9 +250,10 @@ int Catalog::addObject(const QString& name, int schemaId, const QString& xtype, 
     }
     setFact("next_object_id", QString::number(following(id)));
     const QString time = now();
-    CatalogQuery(handle(),
-                 "INSERT INTO \"zov$objects\"(id, name, schema_id, xtype, parent_obj, crdate, refdate,"
-                 " modify_date, is_system_named, info) VALUES(?,?,?,?,?,?,?,?,?,?)")
+    CatalogQuery(
+        handle(),
+        "INSERT INTO \"zov$objects\"(id, name, schema_id, xtype, parent_obj, crdate, refdate,"
+        " modify_date, is_system_named, info) VALUES(?,?,?,?,?,?,?,?,?,?)")
         .add(id)
         .add(name)
         .add(schemaId)
@@ -272,22 +269,26 @@ int Catalog::addObject(const QString& name, int schemaId, const QString& xtype, 
 }
 
 void Catalog::touchObject(int id) {
-    CatalogQuery(handle(), "UPDATE \"zov$objects\" SET modify_date=? WHERE id=?").add(now()).add(id).run();
+    CatalogQuery(handle(), "UPDATE \"zov$objects\" SET modify_date=? WHERE id=?")
+        .add(now())
+        .add(id)
+        .run();
 }
 
 void Catalog::removeObject(int id) {
-    for (const char* sql : {"DELETE FROM \"zov$comments\" WHERE id=?",
-                            "DELETE FROM \"zov$permissions\" WHERE class=1 AND major_id=?",
-                            "DELETE FROM \"zov$properties\" WHERE class=1 AND major_id=?",
-                            "DELETE FROM \"zov$references\" WHERE constid=?",
-                            "DELETE FROM \"zov$columns\" WHERE id=?",
-                            "DELETE FROM \"zov$objects\" WHERE id=?"})
+    for (const char* sql :
+         {"DELETE FROM \"zov$comments\" WHERE id=?",
+          "DELETE FROM \"zov$permissions\" WHERE class=1 AND major_id=?",
+          "DELETE FROM \"zov$properties\" WHERE class=1 AND major_id=?",
+          "DELETE FROM \"zov$references\" WHERE constid=?",
+          "DELETE FROM \"zov$columns\" WHERE id=?", "DELETE FROM \"zov$objects\" WHERE id=?"})
         CatalogQuery(handle(), sql).add(id).run();
 }
 
 std::vector<ObjectFacts> Catalog::children(int id) const {
-    CatalogQuery query(handle(),
-                       (QByteArray(ObjectColumns) + "WHERE o.parent_obj=? ORDER BY o.rowid").constData());
+    CatalogQuery query(
+        handle(),
+        (QByteArray(ObjectColumns) + "WHERE o.parent_obj=? ORDER BY o.rowid").constData());
     query.add(id);
     std::vector<ObjectFacts> result;
     while (query.step()) result.push_back(readObject(query));
@@ -295,10 +296,11 @@ std::vector<ObjectFacts> Catalog::children(int id) const {
 }
 
 std::vector<ColumnFacts> Catalog::columns(int id) const {
-    CatalogQuery query(handle(),
-                       "SELECT colid, name, colorder, xtype, xusertype, length, prec, scale, isnullable,"
-                       " cdefault, identity_seed, identity_incr, identity_last, computed, is_persisted,"
-                       " is_rowguid, collation, crule FROM \"zov$columns\" WHERE id=? ORDER BY colorder");
+    CatalogQuery query(
+        handle(),
+        "SELECT colid, name, colorder, xtype, xusertype, length, prec, scale, isnullable,"
+        " cdefault, identity_seed, identity_incr, identity_last, computed, is_persisted,"
+        " is_rowguid, collation, crule FROM \"zov$columns\" WHERE id=? ORDER BY colorder");
     query.add(id);
     std::vector<ColumnFacts> result;
     while (query.step()) {
@@ -327,10 +329,12 @@ std::vector<ColumnFacts> Catalog::columns(int id) const {
 }
 
 void Catalog::addColumn(int id, const ColumnFacts& column) {
-    CatalogQuery(handle(),
-                 "INSERT INTO \"zov$columns\"(id, colid, name, colorder, xtype, xusertype, length, prec,"
-                 " scale, isnullable, cdefault, identity_seed, identity_incr, identity_last, computed,"
-                 " is_persisted, is_rowguid, collation, crule) VALUES(?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?)")
+    CatalogQuery(
+        handle(),
+        "INSERT INTO \"zov$columns\"(id, colid, name, colorder, xtype, xusertype, length, prec,"
+        " scale, isnullable, cdefault, identity_seed, identity_incr, identity_last, computed,"
+        " is_persisted, is_rowguid, collation, crule) "
+        "VALUES(?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?)")
         .add(id)
         .add(column.colid)
         .add(column.name)
@@ -362,9 +366,10 @@ std::vector<IndexFacts> Catalog::indexes(int id) const {
                        "SELECT indid, name, is_unique, constraint_id, is_disabled, filter, options"
                        " FROM \"zov$indexes\" WHERE id=? AND indid>0 ORDER BY indid");
     query.add(id);
-    CatalogQuery keys(handle(),
-                      "SELECT colid, is_desc, is_included FROM \"zov$indexkeys\" WHERE id=? AND indid=?"
-                      " ORDER BY keyno");
+    CatalogQuery keys(
+        handle(),
+        "SELECT colid, is_desc, is_included FROM \"zov$indexkeys\" WHERE id=? AND indid=?"
+        " ORDER BY keyno");
     std::vector<IndexFacts> result;
     while (query.step()) {
         IndexFacts index;
@@ -385,11 +390,12 @@ std::vector<IndexFacts> Catalog::indexes(int id) const {
 }
 
 void Catalog::addIndex(int id, const IndexFacts& index) {
-    if (index.indid == 1)   // a clustered index takes the heap's place
+    if (index.indid == 1)  // a clustered index takes the heap's place
         CatalogQuery(handle(), "DELETE FROM \"zov$indexes\" WHERE id=? AND indid=0").add(id).run();
-    CatalogQuery(handle(),
-                 "INSERT INTO \"zov$indexes\"(id, indid, name, is_unique, constraint_id, is_disabled,"
-                 " filter, options) VALUES(?,?,?,?,?,?,?,?)")
+    CatalogQuery(
+        handle(),
+        "INSERT INTO \"zov$indexes\"(id, indid, name, is_unique, constraint_id, is_disabled,"
+        " filter, options) VALUES(?,?,?,?,?,?,?,?)")
         .add(id)
         .add(index.indid)
         .add(index.name)
@@ -405,23 +411,36 @@ void Catalog::addIndex(int id, const IndexFacts& index) {
     int number = 0;
     for (const IndexKey& part : index.keys) {
         key.again();
-        key.add(id).add(index.indid).add(++number).add(part.colid).add(part.descending).add(part.included);
+        key.add(id)
+            .add(index.indid)
+            .add(++number)
+            .add(part.colid)
+            .add(part.descending)
+            .add(part.included);
         key.run();
     }
 }
 
 void Catalog::removeIndex(int id, int indid) {
-    CatalogQuery(handle(), "DELETE FROM \"zov$indexkeys\" WHERE id=? AND indid=?").add(id).add(indid).run();
-    CatalogQuery(handle(), "DELETE FROM \"zov$indexes\" WHERE id=? AND indid=?").add(id).add(indid).run();
+    CatalogQuery(handle(), "DELETE FROM \"zov$indexkeys\" WHERE id=? AND indid=?")
+        .add(id)
+        .add(indid)
+        .run();
+    CatalogQuery(handle(), "DELETE FROM \"zov$indexes\" WHERE id=? AND indid=?")
+        .add(id)
+        .add(indid)
+        .run();
     if (indid == 1)
-        CatalogQuery(handle(), "INSERT OR IGNORE INTO \"zov$indexes\"(id, indid, name) VALUES(?, 0, NULL)")
+        CatalogQuery(handle(),
+                     "INSERT OR IGNORE INTO \"zov$indexes\"(id, indid, name) VALUES(?, 0, NULL)")
             .add(id)
             .run();
 }
 
 int Catalog::nextIndexId(int id, bool clustered) const {
     if (clustered) return 1;
-    CatalogQuery query(handle(), "SELECT indid FROM \"zov$indexes\" WHERE id=? AND indid>1 ORDER BY indid");
+    CatalogQuery query(handle(),
+                       "SELECT indid FROM \"zov$indexes\" WHERE id=? AND indid>1 ORDER BY indid");
     query.add(id);
     int next = 2;
     while (query.step() && query.number(0) == next) ++next;
@@ -447,7 +466,9 @@ void Catalog::appendText(int id, const QString& text, bool encrypted) {
         if (at + length < text.size() && text[at + length - 1].isHighSurrogate()) --length;
         insert.again();
         insert.add(id).add(++colid);
-        insert.add(encrypted ? QString() : text.isNull() ? QStringLiteral("") : text.mid(at, length));
+        insert.add(encrypted       ? QString()
+                   : text.isNull() ? QStringLiteral("")
+                                   : text.mid(at, length));
         insert.add(encrypted);
         insert.run();
         at += length;
@@ -467,296 +488,33 @@ QString Catalog::generatedName(const char* kind, const QString& schema, const QS
     const bool key = qstrcmp(kind, "PK") == 0 || qstrcmp(kind, "UQ") == 0;
     const int digits = key && !isVersion8() ? 16 : 8;
     const QString shortTable = table.left(digits == 16 ? 8 : 9);
-    QString name = QString::fromLatin1(kind) + QStringLiteral("__") + shortTable + QStringLiteral("__");
+    QString name =
+        QString::fromLatin1(kind) + QStringLiteral("__") + shortTable + QStringLiteral("__");
     // Table and column share fourteen characters.
-    if (!key && !column.isEmpty()) name += column.left(14 - shortTable.size()) + QStringLiteral("__");
+    if (!key && !column.isEmpty())
+        name += column.left(14 - shortTable.size()) + QStringLiteral("__");
     const std::optional<int> id = schemaId(schema);
     for (int attempt = 0;; ++attempt) {
         quint64 hash = 14695981039346656037ULL;
-        const QString source = QStringList{QString::fromLatin1(kind), schema, table, column,
-                                           QString::number(attempt)}
-                                   .join(QChar(0x1f))
-                                   .toLower();
+        const QString source =
+            QStringList{QString::fromLatin1(kind), schema, table, column, QString::number(attempt)}
+                .join(QChar(0x1f))
+                .toLower();
         for (const char byte : source.toUtf8()) hash = (hash ^ quint8(byte)) * 1099511628211ULL;
         if (digits == 8) hash = (hash >> 32) ^ (hash & 0xffffffff);
-        const QString candidate = name + QString::number(hash, 16).toUpper().rightJustified(digits, u'0');
+        const QString candidate =
+            name + QString::number(hash, 16).toUpper().rightJustified(digits, u'0');
         CatalogQuery taken(handle(), "SELECT 1 FROM \"zov$objects\" WHERE schema_id=? AND name=?");
         taken.add(id.value_or(DboSchemaId)).add(candidate);
         if (!taken.step()) return candidate;
     }
 }
 
-namespace {
-
-struct SystemType {
-    const char* name;
-    int xtype;
-    int xusertype;
-    int length;
-    int prec;    // -2: none
-    int scale;   // -2: none
-    char sizes;  // c characters, n national characters, b bytes, d decimal, f float, t fraction
-};
-
-constexpr SystemType SystemTypes[] = {
-    {"bit", 104, 104, 1, 1, -2, 0},
-    {"tinyint", 48, 48, 1, 3, 0, 0},
-    {"smallint", 52, 52, 2, 5, 0, 0},
-    {"int", 56, 56, 4, 10, 0, 0},
-    {"integer", 56, 56, 4, 10, 0, 0},
-    {"bigint", 127, 127, 8, 19, 0, 0},
-    {"decimal", 106, 106, 9, 18, 0, 'd'},
-    {"dec", 106, 106, 9, 18, 0, 'd'},
-    {"numeric", 108, 108, 9, 18, 0, 'd'},
-    {"money", 60, 60, 8, 19, 4, 0},
-    {"smallmoney", 122, 122, 4, 10, 4, 0},
-    {"float", 62, 62, 8, 53, -2, 'f'},
-    {"real", 59, 59, 4, 24, -2, 0},
-    {"date", 40, 40, 3, 10, 0, 0},
-    {"time", 41, 41, 5, 16, 7, 't'},
-    {"smalldatetime", 58, 58, 4, 16, 0, 0},
-    {"datetime", 61, 61, 8, 23, 3, 0},
-    {"datetime2", 42, 42, 8, 27, 7, 't'},
-    {"datetimeoffset", 43, 43, 10, 34, 7, 't'},
-    {"char", 175, 175, 1, 1, -2, 'c'},
-    {"character", 175, 175, 1, 1, -2, 'c'},
-    {"varchar", 167, 167, 1, 1, -2, 'c'},
-    {"nchar", 239, 239, 2, 1, -2, 'n'},
-    {"nvarchar", 231, 231, 2, 1, -2, 'n'},
-    {"sysname", 231, 256, 256, 128, -2, 0},
-    {"text", 35, 35, 16, 2147483647, -2, 0},
-    {"ntext", 99, 99, 16, 1073741823, -2, 0},
-    {"image", 34, 34, 16, 2147483647, -2, 0},
-    {"binary", 173, 173, 1, 1, -2, 'b'},
-    {"varbinary", 165, 165, 1, 1, -2, 'b'},
-    {"timestamp", 189, 189, 8, 8, -2, 0},
-    {"rowversion", 189, 189, 8, 8, -2, 0},
-    {"uniqueidentifier", 36, 36, 16, -2, -2, 0},
-    {"sql_variant", 98, 98, 8016, 0, -2, 0},
-    {"xml", 241, 241, -1, -1, -2, 0},
-    {"hierarchyid", 240, 128, 892, 892, -2, 0},
-    {"geometry", 240, 129, -1, -1, -2, 0},
-    {"geography", 240, 130, -1, -1, -2, 0},
-};
-
-const SystemType* systemType(const QString& name) {
-    for (const SystemType& type : SystemTypes)
-        if (name.compare(QLatin1String(type.name), Qt::CaseInsensitive) == 0) return &type;
-    return nullptr;
-}
-
-void sizeDecimal(TypeFacts& facts, int precision, int scale) {
-    facts.prec = precision;
-    facts.scale = scale;
-    facts.length = precision <= 9 ? 5 : precision <= 19 ? 9 : precision <= 28 ? 13 : 17;
-}
-
-void sizeFraction(TypeFacts& facts, int digits) {
-    facts.scale = digits;
-    const int extra = digits == 0 ? 0 : digits + 1;
-    const int bytes = digits <= 2 ? 0 : digits <= 4 ? 1 : 2;
-    switch (facts.xtype) {
-        case 41: facts.prec = 8 + extra; facts.length = 3 + bytes; break;
-        case 42: facts.prec = 19 + extra; facts.length = 6 + bytes; break;
-        default: facts.prec = 26 + extra; facts.length = 8 + bytes; break;
-    }
-}
-
-void readSizes(TypeFacts& facts, const SystemType& type, TokenCursor& cursor) {
-    const int line = cursor.peek().line;
-    if (type.sizes == 0) {
-        if (!cursor.is("(")) return;
-        // xml(collection) is accepted: schema collections are not checked.
-        if (facts.xtype == 241) {
-            cursor.parenthesised();
-            return;
-        }
-        fail(2716, QStringLiteral("Cannot specify a column width on data type %1.")
-                       .arg(QLatin1String(type.name)),
-             line);
-    }
-    if (!cursor.accept("(")) return;
-    if (cursor.accept("max")) {
-        if (facts.xtype != 167 && facts.xtype != 231 && facts.xtype != 165) cursor.failHere();
-        facts.length = -1;
-        facts.prec = -1;
-        cursor.expect(")");
-        return;
-    }
-    const auto number = [&cursor] {
-        const Token& token = cursor.next();
-        bool good = false;
-        const int value = token.source.toInt(&good);
-        if (token.kind != TokenKind::Number || !good) failSyntax(token);
-        return value;
-    };
-    const int first = number();
-    std::optional<int> second;
-    if (type.sizes == 'd' && cursor.accept(",")) second = number();
-    cursor.expect(")");
-    const auto tooLarge = [&](int limit) {
-        if (first < 1)
-            fail(1001, QStringLiteral("Line %1: Length or precision specification %2 is invalid.")
-                           .arg(line)
-                           .arg(first),
-                 line);
-        if (first > limit)
-            fail(131, QStringLiteral("The size (%1) given to the type '%2' exceeds the maximum allowed for "
-                                     "any data type (%3).")
-                          .arg(first)
-                          .arg(QLatin1String(type.name))
-                          .arg(limit),
-                 line);
-    };
-    switch (type.sizes) {
-        case 'c':
-        case 'b':
-            tooLarge(8000);
-            facts.length = first;
-            facts.prec = first;
-            break;
-        case 'n':
-            tooLarge(4000);
-            facts.length = first * 2;
-            facts.prec = first;
-            break;
-        case 'd':
-            if (first < 1 || first > 38)
-                fail(2750, QStringLiteral("Column or parameter #1: Specified column precision %1 is greater "
-                                          "than the maximum precision of 38.")
-                               .arg(first),
-                     line);
-            if (second.value_or(0) > first)
-                fail(2751, QStringLiteral("Column or parameter #1: Specified column scale %1 is greater than "
-                                          "the specified precision of %2.")
-                               .arg(*second)
-                               .arg(first),
-                     line);
-            sizeDecimal(facts, first, second.value_or(0));
-            break;
-        case 'f':
-            tooLarge(53);
-            if (first <= 24) {
-                facts.xtype = facts.xusertype = 59;
-                facts.length = 4;
-                facts.prec = 24;
-            }
-            break;
-        case 't':
-            if (first < 0 || first > 7)
-                fail(1002, QStringLiteral("Line %1: Specified scale %2 is invalid.").arg(line).arg(first), line);
-            sizeFraction(facts, first);
-            break;
-        default: break;
-    }
-}
-
-TypeFacts factsOf(const SystemType& type) {
-    TypeFacts facts;
-    facts.xtype = type.xtype;
-    facts.xusertype = type.xusertype;
-    facts.length = type.length;
-    if (type.prec != -2) facts.prec = type.prec;
-    if (type.scale != -2) facts.scale = type.scale;
-    facts.nullable = type.xtype != 189 && type.xusertype != 256;
-    return facts;
-}
-
-}  // namespace
-
-TypeFacts readType(const Catalog& catalog, TokenCursor& cursor) {
-    const int line = cursor.peek().line;
-    QString schema;
-    // The standard's names of several words.
-    const bool bare = cursor.peek().kind == TokenKind::Word;
-    QString name;
-    if (bare && cursor.accept({"double", "precision"})) {
-        name = QStringLiteral("float");
-    } else if (bare && (cursor.accept({"national", "character", "varying"}) ||
-                        cursor.accept({"national", "char", "varying"}))) {
-        name = QStringLiteral("nvarchar");
-    } else if (bare && (cursor.accept({"national", "character"}) || cursor.accept({"national", "char"}))) {
-        name = QStringLiteral("nchar");
-    } else if (bare && cursor.accept({"national", "text"})) {
-        name = QStringLiteral("ntext");
-    } else if (bare && (cursor.accept({"character", "varying"}) || cursor.accept({"char", "varying"}))) {
-        name = QStringLiteral("varchar");
-    } else if (bare && cursor.accept({"binary", "varying"})) {
-        name = QStringLiteral("varbinary");
-    } else {
-        name = cursor.name();
-        if (cursor.accept(".")) {
-            schema = name;
-            name = cursor.name();
-        }
-    }
-    if (schema.isEmpty() || schema.compare(QLatin1String("sys"), Qt::CaseInsensitive) == 0) {
-        if (const SystemType* type = systemType(name)) {
-            TypeFacts facts = factsOf(*type);
-            readSizes(facts, *type, cursor);
-            return facts;
-        }
-    }
-    CatalogQuery query(catalog.handle(),
-                       "SELECT t.xtype, t.xusertype, t.length, t.prec, t.scale, t.allownulls"
-                       " FROM \"zov$types\" t JOIN \"zov$schemas\" s ON s.schema_id=t.schema_id"
-                       " WHERE t.isuser=1 AND t.name=?1 AND (?2 IS NULL OR s.name=?2)"
-                       " ORDER BY s.name='dbo' DESC");
-    query.add(name).add(schema.isEmpty() ? QString() : schema);
-    if (!query.step())
-        fail(2715, QStringLiteral("Column, parameter, or variable #1: Cannot find data type %1.")
-                       .arg(schema.isEmpty() ? name : schema + u'.' + name),
-             line);
-    TypeFacts facts;
-    facts.xtype = query.number(0);
-    facts.xusertype = query.number(1);
-    facts.length = query.number(2);
-    facts.prec = query.optional(3);
-    facts.scale = query.optional(4);
-    facts.nullable = query.number(5) != 0;
-    return facts;
-}
-
-TypeFacts readType(const Catalog& catalog, const QString& text) {
-    const std::vector<Token> tokens = tokenize(text);
-    TokenCursor cursor(tokens);
-    const TypeFacts facts = readType(catalog, cursor);
-    cursor.expectEnd();
-    return facts;
-}
-
-TypeFacts typeFacts(const ColumnInfo& info) {
-    const SystemType* type = systemType(sqlTypeName(info.type));
-    if (!type) type = systemType(QStringLiteral("sql_variant"));
-    TypeFacts facts = factsOf(*type);
-    facts.nullable = info.nullable;
-    switch (type->sizes) {
-        case 'c':
-        case 'b':
-        case 'n':
-            if (info.size < 0) {
-                facts.length = facts.prec.emplace(-1);
-            } else {
-                const int size = std::max(info.size, 1);
-                facts.length = type->sizes == 'n' ? size * 2 : size;
-                facts.prec = size;
-            }
-            break;
-        case 'd': sizeDecimal(facts, info.precision > 0 ? info.precision : 18, info.scale); break;
-        case 't': sizeFraction(facts, info.scale); break;
-        default: break;
-    }
-    return facts;
-}
-
-ColumnInfo columnInfo(const TypeFacts& type, bool nullable) {
-    return typeFromCatalogue(type.xtype, type.length, type.prec.value_or(0), type.scale.value_or(0),
-                             nullable);
-}
-
 QString quoted(const QString& name) {
     return u'"' + QString(name).replace(u'"', QLatin1String("\"\"")) + u'"';
 }
-QString quotedTable(const QString& schema, const QString& table) { return quoted(schema + u'.' + table); }
+QString quotedTable(const QString& schema, const QString& table) {
+    return quoted(schema + u'.' + table);
+}
 
 }  // namespace zov::local

@@ -23,7 +23,7 @@ class CatalogQuery {
     CatalogQuery& add(qint64 value);
     CatalogQuery& add(int value) { return add(qint64(value)); }
     CatalogQuery& add(bool value) { return add(qint64(value)); }
-    CatalogQuery& add(const QString& text);   ///< a null text is NULL
+    CatalogQuery& add(const QString& text);  ///< a null text is NULL
     CatalogQuery& add(std::optional<int> value);
     /// False behind the last row.
     bool step();
@@ -52,10 +52,10 @@ struct TypeFacts {
     int length = 0;
     std::optional<int> prec;
     std::optional<int> scale;
-    bool nullable = true;   ///< when the column doesn't say
+    bool nullable = true;  ///< when the column doesn't say
 
-    bool isText() const;      ///< has a collation
-    bool isInteger() const;   ///< tinyint to bigint
+    bool isText() const;     ///< has a collation
+    bool isInteger() const;  ///< tinyint to bigint
     bool sameStorage(const TypeFacts& other) const;
 };
 
@@ -80,9 +80,9 @@ struct ColumnFacts {
     TypeFacts type;
     bool nullable = true;
     int cdefault = 0;
-    int crule = 0;                   ///< a bound rule's id
-    QString seed, increment, last;   ///< null without IDENTITY; `last` null before the first row
-    QString computed;                ///< null for a plain column
+    int crule = 0;                  ///< a bound rule's id
+    QString seed, increment, last;  ///< null without IDENTITY; `last` null before the first row
+    QString computed;               ///< null for a plain column
     bool persisted = false;
     bool rowguid = false;
     QString collation;
@@ -100,8 +100,8 @@ struct IndexFacts {
     bool unique = false;
     int constraintId = 0;
     bool disabled = false;
-    QString filter;    ///< null without one
-    QString options;   ///< null without
+    QString filter;   ///< null without one
+    QString options;  ///< null without
     std::vector<IndexKey> keys;
 };
 
@@ -109,11 +109,12 @@ class Catalog {
  public:
     /// For reading; changing through it is a mistake of the caller.
     Catalog(SessionState& session, Database& database, bool writing = false);
-    /// The database that a statement changes (the current one when `name` says none). While the object
-    /// lives it is the session's current one, so that names in expressions are looked up there.
+    /// The database that a statement changes (the current one when `name` says none). While the
+    /// object lives it is the session's current one, so that names in expressions are looked up
+    /// there.
     static Catalog forWriting(SessionState& session, const ObjectName& name = {});
-    /// What the query side remembers of a changed catalogue is forgotten here once more: it may have
-    /// looked while the change was under way.
+    /// What the query side remembers of a changed catalogue is forgotten here once more: it may
+    /// have looked while the change was under way.
     ~Catalog();
     Catalog(const Catalog&) = delete;
     Catalog& operator=(const Catalog&) = delete;
@@ -122,7 +123,7 @@ class Catalog {
     Database& database() const { return database_; }
     sqlite3* handle() const { return database_.handle; }
     bool isVersion8() const;
-    QString now() const;   ///< the time of the statement, to the server's 1/300 s
+    QString now() const;  ///< the time of the statement, to the server's 1/300 s
 
     QString fact(const char* name) const;
     void setFact(const char* name, const QString& value);
@@ -133,7 +134,7 @@ class Catalog {
     /// Throws 2760 for an unknown one; an empty name is the default schema.
     int requireSchema(const QString& name) const;
     std::optional<int> principalId(const QString& name) const;
-    int requirePrincipal(const QString& name) const;   ///< throws 15151
+    int requirePrincipal(const QString& name) const;  ///< throws 15151
 
     // Objects
     std::optional<ObjectFacts> find(const ObjectName& name) const;
@@ -145,7 +146,7 @@ class Catalog {
     int addObject(const QString& name, int schemaId, const QString& xtype, int parent = 0,
                   const QString& info = {}, bool systemNamed = false);
     void touchObject(int id);
-    void removeObject(int id);   ///< with its comments, permissions and properties
+    void removeObject(int id);  ///< with its comments, permissions and properties
     std::vector<ObjectFacts> children(int id) const;
 
     // Columns

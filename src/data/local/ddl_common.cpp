@@ -14,32 +14,32 @@ void fail(qint32 native, const QString& text, int line, qint32 number) {
 
 void failSyntax(const Token& token) {
     static const QSet<QString> keywords = {
-        QStringLiteral("add"),     QStringLiteral("all"),    QStringLiteral("alter"),
-        QStringLiteral("and"),     QStringLiteral("as"),     QStringLiteral("begin"),
-        QStringLiteral("by"),      QStringLiteral("case"),   QStringLiteral("check"),
-        QStringLiteral("column"),  QStringLiteral("constraint"), QStringLiteral("create"),
-        QStringLiteral("default"), QStringLiteral("delete"), QStringLiteral("drop"),
-        QStringLiteral("else"),    QStringLiteral("end"),    QStringLiteral("exec"),
-        QStringLiteral("execute"), QStringLiteral("exists"), QStringLiteral("for"),
-        QStringLiteral("foreign"), QStringLiteral("from"),   QStringLiteral("grant"),
-        QStringLiteral("group"),   QStringLiteral("if"),     QStringLiteral("in"),
-        QStringLiteral("index"),   QStringLiteral("insert"), QStringLiteral("into"),
-        QStringLiteral("is"),      QStringLiteral("key"),    QStringLiteral("not"),
-        QStringLiteral("null"),    QStringLiteral("on"),     QStringLiteral("or"),
-        QStringLiteral("order"),   QStringLiteral("primary"), QStringLiteral("print"),
+        QStringLiteral("add"),       QStringLiteral("all"),        QStringLiteral("alter"),
+        QStringLiteral("and"),       QStringLiteral("as"),         QStringLiteral("begin"),
+        QStringLiteral("by"),        QStringLiteral("case"),       QStringLiteral("check"),
+        QStringLiteral("column"),    QStringLiteral("constraint"), QStringLiteral("create"),
+        QStringLiteral("default"),   QStringLiteral("delete"),     QStringLiteral("drop"),
+        QStringLiteral("else"),      QStringLiteral("end"),        QStringLiteral("exec"),
+        QStringLiteral("execute"),   QStringLiteral("exists"),     QStringLiteral("for"),
+        QStringLiteral("foreign"),   QStringLiteral("from"),       QStringLiteral("grant"),
+        QStringLiteral("group"),     QStringLiteral("if"),         QStringLiteral("in"),
+        QStringLiteral("index"),     QStringLiteral("insert"),     QStringLiteral("into"),
+        QStringLiteral("is"),        QStringLiteral("key"),        QStringLiteral("not"),
+        QStringLiteral("null"),      QStringLiteral("on"),         QStringLiteral("or"),
+        QStringLiteral("order"),     QStringLiteral("primary"),    QStringLiteral("print"),
         QStringLiteral("procedure"), QStringLiteral("references"), QStringLiteral("return"),
-        QStringLiteral("select"),  QStringLiteral("set"),    QStringLiteral("table"),
-        QStringLiteral("to"),      QStringLiteral("trigger"), QStringLiteral("unique"),
-        QStringLiteral("update"),  QStringLiteral("use"),    QStringLiteral("values"),
-        QStringLiteral("view"),    QStringLiteral("where"),  QStringLiteral("while"),
+        QStringLiteral("select"),    QStringLiteral("set"),        QStringLiteral("table"),
+        QStringLiteral("to"),        QStringLiteral("trigger"),    QStringLiteral("unique"),
+        QStringLiteral("update"),    QStringLiteral("use"),        QStringLiteral("values"),
+        QStringLiteral("view"),      QStringLiteral("where"),      QStringLiteral("while"),
         QStringLiteral("with")};
     if (token.kind == TokenKind::End)
         fail(102, QStringLiteral("Incorrect syntax: the statement ends too early."), token.line);
     const bool keyword =
         token.kind == TokenKind::Word && keywords.contains(token.source.toString().toLower());
-    const QString text =
-        token.kind == TokenKind::Quoted || token.kind == TokenKind::String ? token.value
-                                                                           : token.source.toString();
+    const QString text = token.kind == TokenKind::Quoted || token.kind == TokenKind::String
+                             ? token.value
+                             : token.source.toString();
     fail(keyword ? 156 : 102,
          QStringLiteral("Incorrect syntax near %1'%2'.")
              .arg(keyword ? QStringLiteral("the keyword ") : QString(), text.left(128)),
@@ -97,7 +97,9 @@ void TokenCursor::expect(const char* text) {
     if (!accept(text)) failHere();
 }
 
-void TokenCursor::failHere() const { failSyntax(peek()); }
+void TokenCursor::failHere() const {
+    failSyntax(peek());
+}
 
 void TokenCursor::expectEnd() const {
     if (!atEnd()) failHere();
@@ -111,7 +113,8 @@ QString TokenCursor::name() {
 QString TokenCursor::nameOrText() {
     const Token& token = next();
     if (token.kind == TokenKind::String || token.kind == TokenKind::Quoted) return token.value;
-    if (token.kind == TokenKind::Word || token.kind == TokenKind::Number) return token.source.toString();
+    if (token.kind == TokenKind::Word || token.kind == TokenKind::Number)
+        return token.source.toString();
     failSyntax(token);
 }
 
@@ -171,8 +174,10 @@ std::span<const Token> TokenCursor::until(std::initializer_list<const char*> sto
 
 QString TokenCursor::wholeNumber() {
     QString sign;
-    if (accept("-")) sign = QStringLiteral("-");
-    else accept("+");
+    if (accept("-"))
+        sign = QStringLiteral("-");
+    else
+        accept("+");
     const Token& token = next();
     if (token.kind != TokenKind::Number) failSyntax(token);
     return sign + token.source.toString();

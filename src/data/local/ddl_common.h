@@ -11,7 +11,8 @@
 
 namespace zov::local {
 
-/// Throws DbError with a SQL Server message number and its text; `line` within the batch, 0 unknown.
+/// Throws DbError with a SQL Server message number and its text; `line` within the batch, 0
+/// unknown.
 [[noreturn]] void fail(qint32 native, const QString& text, int line = 0,
                        qint32 number = ado_error::SyntaxError);
 /// "Incorrect syntax near ..." at a token (102, or 156 at a keyword).

@@ -8,7 +8,9 @@
 namespace zov::local {
 namespace {
 
-bool same(const QString& a, const QString& b) { return a.compare(b, Qt::CaseInsensitive) == 0; }
+bool same(const QString& a, const QString& b) {
+    return a.compare(b, Qt::CaseInsensitive) == 0;
+}
 
 void readFileSpecs(TokenCursor& cursor) {
     do {
@@ -25,17 +27,53 @@ void readFileSpecs(TokenCursor& cursor) {
 const QSet<QString>& databaseOptions() {
     static const QSet<QString> names = [] {
         QSet<QString> set;
-        for (const char* name :
-             {"ALLOW_SNAPSHOT_ISOLATION", "ANSI_NULLS", "ANSI_NULL_DEFAULT", "ANSI_PADDING", "ANSI_WARNINGS",
-              "ARITHABORT", "AUTO_CLOSE", "AUTO_CREATE_STATISTICS", "AUTO_SHRINK", "AUTO_UPDATE_STATISTICS",
-              "AUTO_UPDATE_STATISTICS_ASYNC", "CHANGE_TRACKING", "CONCAT_NULL_YIELDS_NULL", "CONTAINMENT",
-              "CURSOR_CLOSE_ON_COMMIT", "CURSOR_DEFAULT", "DATE_CORRELATION_OPTIMIZATION", "DB_CHAINING",
-              "DELAYED_DURABILITY", "DISABLE_BROKER", "EMERGENCY", "ENABLE_BROKER", "ENCRYPTION",
-              "ERROR_BROKER_CONVERSATIONS", "FILESTREAM", "HONOR_BROKER_PRIORITY", "MULTI_USER", "NEW_BROKER",
-              "NUMERIC_ROUNDABORT", "OFFLINE", "ONLINE", "PAGE_VERIFY", "PARAMETERIZATION", "QUERY_STORE",
-              "QUOTED_IDENTIFIER", "READ_COMMITTED_SNAPSHOT", "READ_ONLY", "READ_WRITE", "RECOVERY",
-              "RECURSIVE_TRIGGERS", "RESTRICTED_USER", "SINGLE_USER", "TARGET_RECOVERY_TIME", "TORN_PAGE_DETECTION",
-              "TRUSTWORTHY", "ACCELERATED_DATABASE_RECOVERY", "MIXED_PAGE_ALLOCATION"})
+        for (const char* name : {"ALLOW_SNAPSHOT_ISOLATION",
+                                 "ANSI_NULLS",
+                                 "ANSI_NULL_DEFAULT",
+                                 "ANSI_PADDING",
+                                 "ANSI_WARNINGS",
+                                 "ARITHABORT",
+                                 "AUTO_CLOSE",
+                                 "AUTO_CREATE_STATISTICS",
+                                 "AUTO_SHRINK",
+                                 "AUTO_UPDATE_STATISTICS",
+                                 "AUTO_UPDATE_STATISTICS_ASYNC",
+                                 "CHANGE_TRACKING",
+                                 "CONCAT_NULL_YIELDS_NULL",
+                                 "CONTAINMENT",
+                                 "CURSOR_CLOSE_ON_COMMIT",
+                                 "CURSOR_DEFAULT",
+                                 "DATE_CORRELATION_OPTIMIZATION",
+                                 "DB_CHAINING",
+                                 "DELAYED_DURABILITY",
+                                 "DISABLE_BROKER",
+                                 "EMERGENCY",
+                                 "ENABLE_BROKER",
+                                 "ENCRYPTION",
+                                 "ERROR_BROKER_CONVERSATIONS",
+                                 "FILESTREAM",
+                                 "HONOR_BROKER_PRIORITY",
+                                 "MULTI_USER",
+                                 "NEW_BROKER",
+                                 "NUMERIC_ROUNDABORT",
+                                 "OFFLINE",
+                                 "ONLINE",
+                                 "PAGE_VERIFY",
+                                 "PARAMETERIZATION",
+                                 "QUERY_STORE",
+                                 "QUOTED_IDENTIFIER",
+                                 "READ_COMMITTED_SNAPSHOT",
+                                 "READ_ONLY",
+                                 "READ_WRITE",
+                                 "RECOVERY",
+                                 "RECURSIVE_TRIGGERS",
+                                 "RESTRICTED_USER",
+                                 "SINGLE_USER",
+                                 "TARGET_RECOVERY_TIME",
+                                 "TORN_PAGE_DETECTION",
+                                 "TRUSTWORTHY",
+                                 "ACCELERATED_DATABASE_RECOVERY",
+                                 "MIXED_PAGE_ALLOCATION"})
             set.insert(QLatin1String(name));
         return set;
     }();
@@ -57,15 +95,20 @@ void createDatabase(SessionState& session, TokenCursor& cursor) {
         } else if (cursor.accept("COLLATE")) {
             collation = cursor.name();
         } else if (cursor.is("FOR") || cursor.is("AS")) {
-            fail(40000, QStringLiteral("The embedded server makes empty databases only: CREATE DATABASE ... %1 needs "
-                                       "a real server.")
-                            .arg(cursor.is("FOR") ? QStringLiteral("FOR ATTACH") : QStringLiteral("AS SNAPSHOT")),
+            fail(40000,
+                 QStringLiteral(
+                     "The embedded server makes empty databases only: CREATE DATABASE ... %1 needs "
+                     "a real server.")
+                     .arg(cursor.is("FOR") ? QStringLiteral("FOR ATTACH")
+                                           : QStringLiteral("AS SNAPSHOT")),
                  line);
         } else if (cursor.accept("WITH")) {
             do {
                 cursor.name();
-                if (cursor.accept("=")) cursor.next();
-                else if (!cursor.is(",") && !cursor.atEnd()) cursor.next();
+                if (cursor.accept("="))
+                    cursor.next();
+                else if (!cursor.is(",") && !cursor.atEnd())
+                    cursor.next();
             } while (cursor.accept(","));
         } else {
             cursor.failHere();
@@ -103,12 +146,16 @@ void alterDatabase(SessionState& session, TokenCursor& cursor) {
                 continue;
             }
             if (!databaseOptions().contains(option))
-                fail(102, QStringLiteral("Incorrect syntax near '%1': there is no such database option.").arg(option),
+                fail(102,
+                     QStringLiteral("Incorrect syntax near '%1': there is no such database option.")
+                         .arg(option),
                      optionLine);
             // How a file is logged and shared is decided by the file system here.
             while (!cursor.atEnd() && !cursor.is(",") && !cursor.is("WITH")) {
-                if (cursor.is("(")) cursor.parenthesised();
-                else cursor.next();
+                if (cursor.is("("))
+                    cursor.parenthesised();
+                else
+                    cursor.next();
             }
         } while (cursor.accept(","));
         if (cursor.accept("WITH")) {
@@ -127,9 +174,11 @@ void alterDatabase(SessionState& session, TokenCursor& cursor) {
         return;
     }
     if (cursor.is("MODIFY") && cursor.peek(1).is("NAME"))
-        fail(40000, QStringLiteral("The embedded server can't rename a database ('%1'): rename its file while nobody "
-                                   "uses it.")
-                        .arg(name),
+        fail(40000,
+             QStringLiteral(
+                 "The embedded server can't rename a database ('%1'): rename its file while nobody "
+                 "uses it.")
+                 .arg(name),
              line);
     // Files and file groups have no place in a database that is one file.
     if (cursor.is("ADD") || cursor.is("REMOVE") || cursor.is("MODIFY")) {
@@ -148,7 +197,10 @@ void dropDatabases(SessionState& session, TokenCursor& cursor) {
         const int line = cursor.peek().line;
         const QString name = cursor.name();
         if (same(name, session.current->name))
-            fail(3702, QStringLiteral("Cannot drop database \"%1\" because it is currently in use.").arg(name), line);
+            fail(3702,
+                 QStringLiteral("Cannot drop database \"%1\" because it is currently in use.")
+                     .arg(name),
+                 line);
         if (ifExists && !session.store->hasDatabase(name)) continue;
         session.store->dropDatabase(name);
     } while (cursor.accept(","));

@@ -1,6 +1,6 @@
 // CREATE/ALTER/DROP INDEX and statistics.
-#include "data/local/definitions.h"
 #include "data/local/ddl.h"
+#include "data/local/definitions.h"
 #include "data/local/query_engine.h"
 #include "data/local/server_store.h"
 
@@ -9,30 +9,37 @@
 namespace zov::local {
 namespace {
 
-bool same(const QString& a, const QString& b) { return a.compare(b, Qt::CaseInsensitive) == 0; }
+bool same(const QString& a, const QString& b) {
+    return a.compare(b, Qt::CaseInsensitive) == 0;
+}
 
 // Indexes lie on tables, and on views that are bound to their tables.
 ObjectFacts requireIndexed(const Catalog& catalog, const ObjectName& name) {
     const std::optional<ObjectFacts> found = catalog.find(name);
     if (!found || (!found->isTable() && found->xtype != QLatin1String("V")))
-        fail(1088, QStringLiteral("Cannot find the object \"%1\" because it does not exist or you do not have "
-                                  "permissions.")
-                       .arg(name.display()),
+        fail(1088,
+             QStringLiteral(
+                 "Cannot find the object \"%1\" because it does not exist or you do not have "
+                 "permissions.")
+                 .arg(name.display()),
              name.line);
     return *found;
 }
 
-bool dropOne(Catalog& catalog, const ObjectFacts& table, const QString& name, bool ifExists, int line) {
+bool dropOne(Catalog& catalog, const ObjectFacts& table, const QString& name, bool ifExists,
+             int line) {
     for (const IndexFacts& index : catalog.indexes(table.id)) {
         if (!same(index.name, name)) continue;
         if (index.constraintId != 0) {
             const auto constraint = catalog.find(index.constraintId);
-            fail(3723, QStringLiteral("An explicit DROP INDEX is not allowed on index '%1.%2'. It is being used "
-                                      "for %3 KEY constraint enforcement.")
-                           .arg(table.name, index.name,
-                                constraint && constraint->xtype == QLatin1String("PK")
-                                    ? QStringLiteral("PRIMARY")
-                                    : QStringLiteral("UNIQUE")),
+            fail(3723,
+                 QStringLiteral(
+                     "An explicit DROP INDEX is not allowed on index '%1.%2'. It is being used "
+                     "for %3 KEY constraint enforcement.")
+                     .arg(table.name, index.name,
+                          constraint && constraint->xtype == QLatin1String("PK")
+                              ? QStringLiteral("PRIMARY")
+                              : QStringLiteral("UNIQUE")),
                  line);
         }
         dropStorageIndex(catalog, table.id, index.indid);
@@ -41,9 +48,11 @@ bool dropOne(Catalog& catalog, const ObjectFacts& table, const QString& name, bo
         return true;
     }
     if (ifExists) return false;
-    fail(3701, QStringLiteral("Cannot drop the index '%1.%2', because it does not exist or you do not have "
-                              "permission.")
-                   .arg(table.name, name),
+    fail(3701,
+         QStringLiteral(
+             "Cannot drop the index '%1.%2', because it does not exist or you do not have "
+             "permission.")
+             .arg(table.name, name),
          line);
 }
 
@@ -108,7 +117,9 @@ void dropIndexes(SessionState& session, TokenCursor& cursor) {
         }
         // The old form: table.index
         if (first.schema.isEmpty())
-            fail(159, QStringLiteral("Must specify the table name and index name for the DROP INDEX statement."),
+            fail(159,
+                 QStringLiteral(
+                     "Must specify the table name and index name for the DROP INDEX statement."),
                  first.line);
         ObjectName table;
         table.name = first.schema;
@@ -118,9 +129,11 @@ void dropIndexes(SessionState& session, TokenCursor& cursor) {
         Catalog catalog = Catalog::forWriting(session, table);
         if (!catalog.find(table)) {
             if (ifExists) continue;
-            fail(3701, QStringLiteral("Cannot drop the index '%1', because it does not exist or you do not have "
-                                      "permission.")
-                           .arg(first.display()),
+            fail(3701,
+                 QStringLiteral(
+                     "Cannot drop the index '%1', because it does not exist or you do not have "
+                     "permission.")
+                     .arg(first.display()),
                  first.line);
         }
         dropOne(catalog, requireIndexed(catalog, table), first.name, ifExists, first.line);
@@ -139,9 +152,12 @@ void alterIndex(SessionState& session, TokenCursor& cursor) {
     const bool disable = cursor.accept("DISABLE");
     const bool rebuild = !disable && cursor.accept("REBUILD");
     if (!disable && !rebuild) {
-        if (cursor.accept("SET")) cursor.parenthesised();
-        else if (cursor.accept("REORGANIZE")) readIndexOptions(cursor);
-        else cursor.failHere();
+        if (cursor.accept("SET"))
+            cursor.parenthesised();
+        else if (cursor.accept("REORGANIZE"))
+            readIndexOptions(cursor);
+        else
+            cursor.failHere();
     } else if (rebuild) {
         if (cursor.accept("PARTITION")) {
             cursor.expect("=");
@@ -155,21 +171,23 @@ void alterIndex(SessionState& session, TokenCursor& cursor) {
         if (!all && !same(index.name, name)) continue;
         found = true;
         if ((!disable && !rebuild) || index.disabled == disable) continue;
-        CatalogQuery(catalog.handle(), "UPDATE \"zov$indexes\" SET is_disabled=? WHERE id=? AND indid=?")
+        CatalogQuery(catalog.handle(),
+                     "UPDATE \"zov$indexes\" SET is_disabled=? WHERE id=? AND indid=?")
             .add(disable)
             .add(table.id)
             .add(index.indid)
             .run();
         index.disabled = disable;
-        if (disable) dropStorageIndex(catalog, table.id, index.indid);
-        else makeStorageIndex(catalog, table, index);
+        if (disable)
+            dropStorageIndex(catalog, table.id, index.indid);
+        else
+            makeStorageIndex(catalog, table, index);
     }
-    if (!found)
-        fail(2727, QStringLiteral("Cannot find index '%1'.").arg(name), line);
+    if (!found) fail(2727, QStringLiteral("Cannot find index '%1'.").arg(name), line);
 }
 
-// Statistics steer a query optimiser that isn't here. Their statements are checked and leave no trace,
-// as they leave none in what is compared.
+// Statistics steer a query optimiser that isn't here. Their statements are checked and leave no
+// trace, as they leave none in what is compared.
 void createStatistics(SessionState& session, TokenCursor& cursor) {
     cursor.name();
     cursor.expect("ON");
@@ -188,7 +206,9 @@ void createStatistics(SessionState& session, TokenCursor& cursor) {
     for (const QString& column : columns)
         if (std::none_of(known.begin(), known.end(),
                          [&](const ColumnFacts& facts) { return same(facts.name, column); }))
-            fail(1911, QStringLiteral("Column name '%1' does not exist in the target table or view.").arg(column),
+            fail(1911,
+                 QStringLiteral("Column name '%1' does not exist in the target table or view.")
+                     .arg(column),
                  name.line);
 }
 
@@ -207,8 +227,10 @@ void dropStatistics(SessionState& session, TokenCursor& cursor) {
 
 void updateStatistics(SessionState& session, TokenCursor& cursor) {
     const ObjectName name = cursor.objectName();
-    if (cursor.is("(")) cursor.parenthesised();
-    else if (cursor.peek().isName() && !cursor.is("WITH")) cursor.name();
+    if (cursor.is("("))
+        cursor.parenthesised();
+    else if (cursor.peek().isName() && !cursor.is("WITH"))
+        cursor.name();
     if (cursor.accept("WITH"))
         while (!cursor.atEnd()) cursor.next();
     cursor.expectEnd();

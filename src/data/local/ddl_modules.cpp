@@ -1,7 +1,7 @@
-// Views, procedures, functions, triggers, defaults, rules, synonyms and sequences. A module keeps the
-// text of its whole batch; nothing of it is run.
-#include "data/local/definitions.h"
+// Views, procedures, functions, triggers, defaults, rules, synonyms and sequences. A module keeps
+// the text of its whole batch; nothing of it is run.
 #include "data/local/ddl.h"
+#include "data/local/definitions.h"
 #include "data/local/query_engine.h"
 #include "data/local/server_store.h"
 
@@ -10,7 +10,9 @@
 namespace zov::local {
 namespace {
 
-bool same(const QString& a, const QString& b) { return a.compare(b, Qt::CaseInsensitive) == 0; }
+bool same(const QString& a, const QString& b) {
+    return a.compare(b, Qt::CaseInsensitive) == 0;
+}
 
 // The batch with its verb as the server stores it: ALTER becomes CREATE; of CREATE OR ALTER the two
 // words go and the blanks around them stay.
@@ -71,15 +73,19 @@ QString settingsOf(const SessionState& session, const QStringList& words) {
 ObjectFacts placeModule(Catalog& catalog, const ObjectName& name, const QStringList& kinds,
                         ModuleVerb verb) {
     if (!name.database.isEmpty() && !same(name.database, catalog.database().name))
-        fail(166, QStringLiteral("'CREATE/ALTER' does not allow specifying the database name as a prefix to the "
-                                 "object name."),
+        fail(166,
+             QStringLiteral(
+                 "'CREATE/ALTER' does not allow specifying the database name as a prefix to the "
+                 "object name."),
              name.line);
     const std::optional<ObjectFacts> found = catalog.find(name);
     if (verb == ModuleVerb::Alter && (!found || !kinds.contains(found->xtype))) failMissing(name);
     if (verb != ModuleVerb::Create && found) {
         if (!kinds.contains(found->xtype))
-            fail(2010, QStringLiteral("Cannot perform alter on '%1' because it is an incompatible object type.")
-                           .arg(name.display()),
+            fail(2010,
+                 QStringLiteral(
+                     "Cannot perform alter on '%1' because it is an incompatible object type.")
+                     .arg(name.display()),
                  name.line);
         return *found;
     }
@@ -91,12 +97,13 @@ ObjectFacts placeModule(Catalog& catalog, const ObjectName& name, const QStringL
     return fresh;
 }
 
-void storeModule(Catalog& catalog, ObjectFacts& module, const QString& xtype, int parent, const QString& info,
-                 const QString& text, bool encrypted) {
+void storeModule(Catalog& catalog, ObjectFacts& module, const QString& xtype, int parent,
+                 const QString& info, const QString& text, bool encrypted) {
     if (module.id == 0) {
         module.id = catalog.addObject(module.name, module.schemaId, xtype, parent, info);
     } else {
-        CatalogQuery(catalog.handle(), "UPDATE \"zov$objects\" SET xtype=?, info=?, parent_obj=? WHERE id=?")
+        CatalogQuery(catalog.handle(),
+                     "UPDATE \"zov$objects\" SET xtype=?, info=?, parent_obj=? WHERE id=?")
             .add(xtype)
             .add(info)
             .add(parent)
@@ -128,13 +135,14 @@ std::span<const Token> selectOf(std::span<const Token> tokens) {
     while (!tokens.empty() && (tokens.back().kind == TokenKind::End || tokens.back().is(";")))
         tokens = tokens.first(tokens.size() - 1);
     const size_t count = tokens.size();
-    if (count > 3 && tokens[count - 3].is("WITH") && tokens[count - 2].is("CHECK") && tokens[count - 1].is("OPTION"))
+    if (count > 3 && tokens[count - 3].is("WITH") && tokens[count - 2].is("CHECK") &&
+        tokens[count - 1].is("OPTION"))
         tokens = tokens.first(count - 3);
     return tokens;
 }
 
-// Whether the object that an error 208 names is really not there, rather than of a kind that the query
-// side doesn't read (a function's rows, a synonym, another database).
+// Whether the object that an error 208 names is really not there, rather than of a kind that the
+// query side doesn't read (a function's rows, a synonym, another database).
 bool isMissing(const Catalog& catalog, const QString& message) {
     ObjectName name;
     try {
@@ -147,7 +155,8 @@ bool isMissing(const Catalog& catalog, const QString& message) {
     return !system && name.database.isEmpty() && !name.name.isEmpty() && !catalog.find(name);
 }
 
-void defineView(Catalog& catalog, const Definition& statement, TokenCursor& cursor, ModuleVerb verb) {
+void defineView(Catalog& catalog, const Definition& statement, TokenCursor& cursor,
+                ModuleVerb verb) {
     const ObjectName name = cursor.objectName();
     std::vector<QString> names;
     if (cursor.is("(")) {
@@ -168,7 +177,8 @@ void defineView(Catalog& catalog, const Definition& statement, TokenCursor& curs
     try {
         columns = describeSelect(catalog.session(), select);
     } catch (const DbError& error) {
-        if (error.native == 207 || (error.native == 208 && isMissing(catalog, error.description))) throw;
+        if (error.native == 207 || (error.native == 208 && isMissing(catalog, error.description)))
+            throw;
     }
     writeResultColumns(catalog, view.id, columns, names);
 }
@@ -199,7 +209,8 @@ void readParameters(const Catalog& catalog, TokenCursor& cursor, bool function) 
     if (braces) cursor.expect(")");
 }
 
-void defineProcedure(Catalog& catalog, const Definition& statement, TokenCursor& cursor, ModuleVerb verb) {
+void defineProcedure(Catalog& catalog, const Definition& statement, TokenCursor& cursor,
+                     ModuleVerb verb) {
     const ObjectName name = cursor.objectName();
     int number = 1;
     if (cursor.accept(";")) number = cursor.wholeNumber().toInt();
@@ -211,21 +222,25 @@ void defineProcedure(Catalog& catalog, const Definition& statement, TokenCursor&
         // A numbered procedure is a further text of the first one's object.
         const std::optional<ObjectFacts> first = catalog.find(name);
         if (!first || first->xtype != QLatin1String("P"))
-            fail(2730, QStringLiteral("Cannot create procedure '%1' with a group number of %2 because a procedure "
-                                      "with the same name and a group number of 1 does not currently exist in the "
-                                      "database. Must execute CREATE PROCEDURE '%1';1 first.")
-                           .arg(name.display())
-                           .arg(number),
+            fail(2730,
+                 QStringLiteral(
+                     "Cannot create procedure '%1' with a group number of %2 because a procedure "
+                     "with the same name and a group number of 1 does not currently exist in the "
+                     "database. Must execute CREATE PROCEDURE '%1';1 first.")
+                     .arg(name.display())
+                     .arg(number),
                  name.line);
         catalog.appendText(first->id, storedText(statement, verb), options.encrypted);
         return;
     }
     ObjectFacts procedure = placeModule(catalog, name, {QStringLiteral("P")}, verb);
-    storeModule(catalog, procedure, QStringLiteral("P"), 0, settingsOf(catalog.session(), options.words),
-                storedText(statement, verb), options.encrypted);
+    storeModule(catalog, procedure, QStringLiteral("P"), 0,
+                settingsOf(catalog.session(), options.words), storedText(statement, verb),
+                options.encrypted);
 }
 
-void defineFunction(Catalog& catalog, const Definition& statement, TokenCursor& cursor, ModuleVerb verb) {
+void defineFunction(Catalog& catalog, const Definition& statement, TokenCursor& cursor,
+                    ModuleVerb verb) {
     const ObjectName name = cursor.objectName();
     readParameters(catalog, cursor, true);
     cursor.expect("RETURNS");
@@ -248,8 +263,10 @@ void defineFunction(Catalog& catalog, const Definition& statement, TokenCursor& 
     cursor.accept("AS");
     if (cursor.atEnd()) cursor.failHere();
     if (cursor.is("EXTERNAL"))
-        fail(40000, QStringLiteral("The embedded server keeps no functions of assemblies."), name.line);
-    if (xtype == QLatin1String("IF") ? !cursor.is("RETURN") : !cursor.is("BEGIN")) cursor.failHere();
+        fail(40000, QStringLiteral("The embedded server keeps no functions of assemblies."),
+             name.line);
+    if (xtype == QLatin1String("IF") ? !cursor.is("RETURN") : !cursor.is("BEGIN"))
+        cursor.failHere();
     const QStringList kinds = {QStringLiteral("FN"), QStringLiteral("IF"), QStringLiteral("TF")};
     ObjectFacts function = placeModule(catalog, name, kinds, verb);
     storeModule(catalog, function, xtype, 0, settingsOf(catalog.session(), options.words),
@@ -261,12 +278,14 @@ void defineFunction(Catalog& catalog, const Definition& statement, TokenCursor& 
     }
 }
 
-void defineTrigger(Catalog& catalog, const Definition& statement, TokenCursor& cursor, ModuleVerb verb) {
+void defineTrigger(Catalog& catalog, const Definition& statement, TokenCursor& cursor,
+                   ModuleVerb verb) {
     const ObjectName name = cursor.objectName();
     cursor.expect("ON");
     if (cursor.is("DATABASE") || cursor.accept({"ALL", "SERVER"}))
-        fail(40000, QStringLiteral("The embedded server keeps triggers of tables and views only ('%1').")
-                        .arg(name.display()),
+        fail(40000,
+             QStringLiteral("The embedded server keeps triggers of tables and views only ('%1').")
+                 .arg(name.display()),
              name.line);
     ObjectName ownerName = cursor.objectName();
     const ModuleOptions options = readOptions(cursor);
@@ -280,8 +299,10 @@ void defineTrigger(Catalog& catalog, const Definition& statement, TokenCursor& c
     }
     do {
         const QString event = cursor.name().toUpper();
-        if (event != QLatin1String("INSERT") && event != QLatin1String("UPDATE") && event != QLatin1String("DELETE"))
-            fail(1084, QStringLiteral("'%1' is an invalid event type.").arg(event), cursor.peek().line);
+        if (event != QLatin1String("INSERT") && event != QLatin1String("UPDATE") &&
+            event != QLatin1String("DELETE"))
+            fail(1084, QStringLiteral("'%1' is an invalid event type.").arg(event),
+                 cursor.peek().line);
         words.push_back(event);
     } while (cursor.accept(","));
     cursor.accept({"WITH", "APPEND"});
@@ -290,16 +311,19 @@ void defineTrigger(Catalog& catalog, const Definition& statement, TokenCursor& c
     if (ownerName.schema.isEmpty()) ownerName.schema = name.schema;
     const std::optional<ObjectFacts> owner = catalog.find(ownerName);
     if (!owner || (!owner->isTable() && owner->xtype != QLatin1String("V")))
-        fail(8197, QStringLiteral("The object '%1' does not exist or is invalid for this operation.")
-                       .arg(ownerName.display()),
+        fail(8197,
+             QStringLiteral("The object '%1' does not exist or is invalid for this operation.")
+                 .arg(ownerName.display()),
              ownerName.line);
     // A trigger lives in its table's schema.
     ObjectName placed = name;
     if (placed.schema.isEmpty()) placed.schema = owner->schema;
     if (!same(placed.schema, owner->schema))
-        fail(2103, QStringLiteral("Cannot create trigger '%1' because its schema is different from the schema of "
-                                  "the target table or view.")
-                       .arg(name.display()),
+        fail(2103,
+             QStringLiteral(
+                 "Cannot create trigger '%1' because its schema is different from the schema of "
+                 "the target table or view.")
+                 .arg(name.display()),
              name.line);
     ObjectFacts trigger = placeModule(catalog, placed, {QStringLiteral("TR")}, verb);
     storeModule(catalog, trigger, QStringLiteral("TR"), owner->id,
@@ -320,22 +344,28 @@ void defineModule(SessionState& session, const Definition& statement) {
     }
     const QString kind = cursor.peek().source.toString().toUpper();
     if (!statement.opensBatch)
-        fail(111, QStringLiteral("'CREATE/ALTER %1' must be the first statement in a query batch.")
-                      .arg(kind == QLatin1String("PROC") ? QStringLiteral("PROCEDURE") : kind),
+        fail(111,
+             QStringLiteral("'CREATE/ALTER %1' must be the first statement in a query batch.")
+                 .arg(kind == QLatin1String("PROC") ? QStringLiteral("PROCEDURE") : kind),
              cursor.peek().line);
     cursor.next();
     Catalog catalog = Catalog::forWriting(session);
-    if (kind == QLatin1String("VIEW")) defineView(catalog, statement, cursor, verb);
-    else if (kind == QLatin1String("FUNCTION")) defineFunction(catalog, statement, cursor, verb);
-    else if (kind == QLatin1String("TRIGGER")) defineTrigger(catalog, statement, cursor, verb);
-    else defineProcedure(catalog, statement, cursor, verb);
+    if (kind == QLatin1String("VIEW"))
+        defineView(catalog, statement, cursor, verb);
+    else if (kind == QLatin1String("FUNCTION"))
+        defineFunction(catalog, statement, cursor, verb);
+    else if (kind == QLatin1String("TRIGGER"))
+        defineTrigger(catalog, statement, cursor, verb);
+    else
+        defineProcedure(catalog, statement, cursor, verb);
 }
 
 void dropModules(SessionState& session, TokenCursor& cursor, const QString& kind) {
     static const QHash<QString, QStringList> kinds = {
         {QStringLiteral("VIEW"), {QStringLiteral("V")}},
         {QStringLiteral("PROCEDURE"), {QStringLiteral("P")}},
-        {QStringLiteral("FUNCTION"), {QStringLiteral("FN"), QStringLiteral("IF"), QStringLiteral("TF")}},
+        {QStringLiteral("FUNCTION"),
+         {QStringLiteral("FN"), QStringLiteral("IF"), QStringLiteral("TF")}},
         {QStringLiteral("TRIGGER"), {QStringLiteral("TR")}},
         {QStringLiteral("DEFAULT"), {QStringLiteral("D")}},
         {QStringLiteral("RULE"), {QStringLiteral("R")}},
@@ -351,21 +381,26 @@ void dropModules(SessionState& session, TokenCursor& cursor, const QString& kind
         if (!fits) {
             if (ifExists && !found) continue;
             if (found)
-                fail(3705, QStringLiteral("Cannot use DROP %1 with '%2' because '%2' is not a %3.")
-                               .arg(kind, name.display(), kind.toLower()),
+                fail(3705,
+                     QStringLiteral("Cannot use DROP %1 with '%2' because '%2' is not a %3.")
+                         .arg(kind, name.display(), kind.toLower()),
                      name.line);
-            fail(3701, QStringLiteral("Cannot drop the %1 '%2', because it does not exist or you do not have "
-                                      "permission.")
-                           .arg(kind.toLower(), name.display()),
+            fail(3701,
+                 QStringLiteral(
+                     "Cannot drop the %1 '%2', because it does not exist or you do not have "
+                     "permission.")
+                     .arg(kind.toLower(), name.display()),
                  name.line);
         }
         if (found->xtype == QLatin1String("D") || found->xtype == QLatin1String("R")) {
             CatalogQuery bound(catalog.handle(), "SELECT 1 FROM \"zov$columns\" WHERE cdefault=?");
             bound.add(found->id);
             if (bound.step())
-                fail(3716, QStringLiteral("The %1 '%2' cannot be dropped because it is bound to one or more "
-                                          "columns.")
-                               .arg(kind.toLower(), name.display()),
+                fail(3716,
+                     QStringLiteral(
+                         "The %1 '%2' cannot be dropped because it is bound to one or more "
+                         "columns.")
+                         .arg(kind.toLower(), name.display()),
                      name.line);
         }
         removeTable(catalog, *found);
@@ -383,7 +418,8 @@ void createDefaultOrRule(SessionState& session, const Definition& statement) {
     if (cursor.atEnd()) cursor.failHere();
     Catalog catalog = Catalog::forWriting(session, name);
     const int schema = catalog.requireSchema(name.schema);
-    const int id = catalog.addObject(name.name, schema, rule ? QStringLiteral("R") : QStringLiteral("D"));
+    const int id =
+        catalog.addObject(name.name, schema, rule ? QStringLiteral("R") : QStringLiteral("D"));
     catalog.setText(id, statement.batchText);
 }
 
@@ -403,24 +439,29 @@ void createSynonym(SessionState& session, TokenCursor& cursor) {
 void createSequence(SessionState& session, TokenCursor& cursor, bool alter) {
     const ObjectName name = cursor.objectName();
     Catalog catalog = Catalog::forWriting(session, name);
-    QHash<QString, QString> facts = {
-        {QStringLiteral("type"), QStringLiteral("127")},   {QStringLiteral("increment"), QStringLiteral("1")},
-        {QStringLiteral("cycle"), QStringLiteral("0")},    {QStringLiteral("cache"), QStringLiteral("1")},
-        {QStringLiteral("size"), QString()},               {QStringLiteral("prec"), QStringLiteral("19")}};
+    QHash<QString, QString> facts = {{QStringLiteral("type"), QStringLiteral("127")},
+                                     {QStringLiteral("increment"), QStringLiteral("1")},
+                                     {QStringLiteral("cycle"), QStringLiteral("0")},
+                                     {QStringLiteral("cache"), QStringLiteral("1")},
+                                     {QStringLiteral("size"), QString()},
+                                     {QStringLiteral("prec"), QStringLiteral("19")}};
     std::optional<ObjectFacts> found;
     if (alter) {
         found = catalog.find(name);
         if (!found || found->xtype != QLatin1String("SO")) failMissing(name);
-        for (const QString& part : found->info.split(u' ')) facts[part.section(u'=', 0, 0)] = part.section(u'=', 1);
+        for (const QString& part : found->info.split(u' '))
+            facts[part.section(u'=', 0, 0)] = part.section(u'=', 1);
     }
     TypeFacts type;
     type.xtype = facts[QStringLiteral("type")].toInt();
     if (cursor.accept("AS")) {
         type = readType(catalog, cursor);
         if (!type.isInteger() && !((type.xtype == 106 || type.xtype == 108) && type.scale == 0))
-            fail(11702, QStringLiteral("The sequence object '%1' must be of data type int, bigint, smallint, "
-                                       "tinyint, or decimal or numeric with a scale of 0.")
-                            .arg(name.display()),
+            fail(11702,
+                 QStringLiteral(
+                     "The sequence object '%1' must be of data type int, bigint, smallint, "
+                     "tinyint, or decimal or numeric with a scale of 0.")
+                     .arg(name.display()),
                  name.line);
         facts[QStringLiteral("type")] = QString::number(type.xtype);
         facts[QStringLiteral("prec")] = QString::number(type.prec.value_or(19));
@@ -442,23 +483,34 @@ void createSequence(SessionState& session, TokenCursor& cursor, bool alter) {
             facts[QStringLiteral("cycle")] = QStringLiteral("1");
         } else if (cursor.accept("CACHE")) {
             facts[QStringLiteral("cache")] = QStringLiteral("1");
-            if (cursor.peek().kind == TokenKind::Number) facts[QStringLiteral("size")] = cursor.wholeNumber();
+            if (cursor.peek().kind == TokenKind::Number)
+                facts[QStringLiteral("size")] = cursor.wholeNumber();
         } else if (cursor.accept("NO")) {
-            if (cursor.accept("CYCLE")) facts[QStringLiteral("cycle")] = QStringLiteral("0");
-            else if (cursor.accept("CACHE")) facts[QStringLiteral("cache")] = QStringLiteral("0");
-            else if (cursor.accept("MINVALUE")) facts.remove(QStringLiteral("min"));
-            else if (cursor.accept("MAXVALUE")) facts.remove(QStringLiteral("max"));
-            else cursor.failHere();
+            if (cursor.accept("CYCLE"))
+                facts[QStringLiteral("cycle")] = QStringLiteral("0");
+            else if (cursor.accept("CACHE"))
+                facts[QStringLiteral("cache")] = QStringLiteral("0");
+            else if (cursor.accept("MINVALUE"))
+                facts.remove(QStringLiteral("min"));
+            else if (cursor.accept("MAXVALUE"))
+                facts.remove(QStringLiteral("max"));
+            else
+                cursor.failHere();
         } else {
             cursor.failHere();
         }
     }
     const auto limit = [&](bool low) -> QString {
         switch (type.xtype) {
-            case 48: return low ? QStringLiteral("0") : QStringLiteral("255");
-            case 52: return low ? QStringLiteral("-32768") : QStringLiteral("32767");
-            case 56: return low ? QStringLiteral("-2147483648") : QStringLiteral("2147483647");
-            case 127: return low ? QStringLiteral("-9223372036854775808") : QStringLiteral("9223372036854775807");
+            case 48:
+                return low ? QStringLiteral("0") : QStringLiteral("255");
+            case 52:
+                return low ? QStringLiteral("-32768") : QStringLiteral("32767");
+            case 56:
+                return low ? QStringLiteral("-2147483648") : QStringLiteral("2147483647");
+            case 127:
+                return low ? QStringLiteral("-9223372036854775808")
+                           : QStringLiteral("9223372036854775807");
             default: {
                 const QString nines(facts[QStringLiteral("prec")].toInt(), u'9');
                 return low ? u'-' + nines : nines;
@@ -469,22 +521,30 @@ void createSequence(SessionState& session, TokenCursor& cursor, bool alter) {
     if (!facts.contains(QStringLiteral("max"))) facts[QStringLiteral("max")] = limit(false);
     const bool down = facts[QStringLiteral("increment")].startsWith(u'-');
     if (facts[QStringLiteral("increment")].toLongLong() == 0)
-        fail(11700, QStringLiteral("The increment for sequence object '%1' cannot be zero.").arg(name.display()),
+        fail(11700,
+             QStringLiteral("The increment for sequence object '%1' cannot be zero.")
+                 .arg(name.display()),
              name.line);
     if (!facts.contains(QStringLiteral("start")))
-        facts[QStringLiteral("start")] = facts[down ? QStringLiteral("max") : QStringLiteral("min")];
+        facts[QStringLiteral("start")] =
+            facts[down ? QStringLiteral("max") : QStringLiteral("min")];
     if (!alter || restart) facts[QStringLiteral("current")] = facts[QStringLiteral("start")];
     QString info;
-    for (const char* key : {"type", "prec", "start", "increment", "min", "max", "cycle", "cache", "size", "current"}) {
+    for (const char* key : {"type", "prec", "start", "increment", "min", "max", "cycle", "cache",
+                            "size", "current"}) {
         const QString name = QLatin1String(key);
         if (facts.value(name).isEmpty()) continue;
         info += (info.isEmpty() ? QString() : QStringLiteral(" ")) + name + u'=' + facts[name];
     }
     if (found) {
-        CatalogQuery(catalog.handle(), "UPDATE \"zov$objects\" SET info=? WHERE id=?").add(info).add(found->id).run();
+        CatalogQuery(catalog.handle(), "UPDATE \"zov$objects\" SET info=? WHERE id=?")
+            .add(info)
+            .add(found->id)
+            .run();
         catalog.touchObject(found->id);
     } else {
-        catalog.addObject(name.name, catalog.requireSchema(name.schema), QStringLiteral("SO"), 0, info);
+        catalog.addObject(name.name, catalog.requireSchema(name.schema), QStringLiteral("SO"), 0,
+                          info);
     }
 }
 

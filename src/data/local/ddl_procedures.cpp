@@ -13,12 +13,15 @@
 namespace zov::local {
 namespace {
 
-bool same(const QString& a, const QString& b) { return a.compare(b, Qt::CaseInsensitive) == 0; }
+bool same(const QString& a, const QString& b) {
+    return a.compare(b, Qt::CaseInsensitive) == 0;
+}
 
 /// The arguments of one call, by position or by name.
 class Arguments {
  public:
-    Arguments(const QString& procedure, const std::vector<Argument>& given) : procedure_(procedure), given_(given) {}
+    Arguments(const QString& procedure, const std::vector<Argument>& given)
+        : procedure_(procedure), given_(given) {}
 
     const Argument* find(size_t position, const char* name) const {
         for (const Argument& argument : given_)
@@ -38,8 +41,10 @@ class Arguments {
     QString required(size_t position, const char* name) const {
         const Argument* argument = find(position, name);
         if (!argument || argument->isNull)
-            fail(201, QStringLiteral("Procedure or function '%1' expects parameter '%2', which was not supplied.")
-                          .arg(procedure_, QLatin1String(name)));
+            fail(201,
+                 QStringLiteral(
+                     "Procedure or function '%1' expects parameter '%2', which was not supplied.")
+                     .arg(procedure_, QLatin1String(name)));
         return argument->text;
     }
 
@@ -64,12 +69,17 @@ void addType(SessionState& session, const Arguments& arguments) {
     QString base = arguments.required(1, "@phystype").trimmed();
     const QString nulls = arguments.optional(2, "@nulltype").toUpper().simplified();
     const QString owner = arguments.optional(3, "@owner");
-    QString sql = QStringLiteral("CREATE TYPE %1%2 FROM %3")
-                      .arg(owner.isEmpty() ? QString() : bracketed(owner) + u'.', bracketed(name), base);
-    if (nulls == QLatin1String("NOT NULL") || nulls == QLatin1String("NONULL")) sql += QStringLiteral(" NOT NULL");
-    else if (nulls.isEmpty() || nulls == QLatin1String("NULL")) sql += QStringLiteral(" NULL");
+    QString sql =
+        QStringLiteral("CREATE TYPE %1%2 FROM %3")
+            .arg(owner.isEmpty() ? QString() : bracketed(owner) + u'.', bracketed(name), base);
+    if (nulls == QLatin1String("NOT NULL") || nulls == QLatin1String("NONULL"))
+        sql += QStringLiteral(" NOT NULL");
+    else if (nulls.isEmpty() || nulls == QLatin1String("NULL"))
+        sql += QStringLiteral(" NULL");
     else
-        fail(15103, QStringLiteral("sp_addtype: '%1' is no valid value for '@nulltype' (NULL or NOT NULL).").arg(nulls));
+        fail(15103, QStringLiteral(
+                        "sp_addtype: '%1' is no valid value for '@nulltype' (NULL or NOT NULL).")
+                        .arg(nulls));
     runText(session, sql);
 }
 
@@ -93,12 +103,15 @@ BindTarget bindTarget(const Catalog& catalog, const QString& text) {
                 if (same(column.name, name.name)) target.colid = column.colid;
         if (target.colid) return target;
     }
-    CatalogQuery type(catalog.handle(), "SELECT xusertype FROM \"zov$types\" WHERE isuser=1 AND name=?");
+    CatalogQuery type(catalog.handle(),
+                      "SELECT xusertype FROM \"zov$types\" WHERE isuser=1 AND name=?");
     type.add(name.name);
     if (type.step()) target.type = type.number(0);
     if (!target.type)
-        fail(15148, QStringLiteral("The data type or table column '%1' does not exist or you do not have permission.")
-                        .arg(text));
+        fail(15148,
+             QStringLiteral(
+                 "The data type or table column '%1' does not exist or you do not have permission.")
+                 .arg(text));
     return target;
 }
 
@@ -109,17 +122,25 @@ void bind(SessionState& session, const QString& object, const QString& to, bool 
     if (!object.isNull()) {
         const ObjectName name = ObjectName::parse(object);
         const std::optional<ObjectFacts> found = catalog.find(name);
-        if (!found || found->xtype != (rule ? QLatin1String("R") : QLatin1String("D")) || found->parent != 0)
-            fail(15016, QStringLiteral("The %1 '%2' does not exist.")
-                            .arg(rule ? QStringLiteral("rule") : QStringLiteral("default"), object));
+        if (!found || found->xtype != (rule ? QLatin1String("R") : QLatin1String("D")) ||
+            found->parent != 0)
+            fail(15016,
+                 QStringLiteral("The %1 '%2' does not exist.")
+                     .arg(rule ? QStringLiteral("rule") : QStringLiteral("default"), object));
         id = found->id;
     }
     const char* column = rule ? "UPDATE \"zov$columns\" SET crule=?1 WHERE id=?2 AND colid=?3"
                               : "UPDATE \"zov$columns\" SET cdefault=?1 WHERE id=?2 AND colid=?3";
     const char* type = rule ? "UPDATE \"zov$columns\" SET crule=?1 WHERE xusertype=?2"
                             : "UPDATE \"zov$columns\" SET cdefault=?1 WHERE xusertype=?2";
-    if (target.colid) CatalogQuery(catalog.handle(), column).add(id).add(target.table->id).add(target.colid).run();
-    else CatalogQuery(catalog.handle(), type).add(id).add(target.type).run();
+    if (target.colid)
+        CatalogQuery(catalog.handle(), column)
+            .add(id)
+            .add(target.table->id)
+            .add(target.colid)
+            .run();
+    else
+        CatalogQuery(catalog.handle(), type).add(id).add(target.type).run();
     session.messages.push_back(
         {0, id ? 15511 : 15519, 0,
          id ? QStringLiteral("%1 bound to %2.")
@@ -127,13 +148,16 @@ void bind(SessionState& session, const QString& object, const QString& to, bool 
                        target.colid ? QStringLiteral("column") : QStringLiteral("data type"))
             : QStringLiteral("%1 unbound from %2.")
                   .arg(rule ? QStringLiteral("Rule") : QStringLiteral("Default"),
-                       target.colid ? QStringLiteral("table column") : QStringLiteral("data type"))});
+                       target.colid ? QStringLiteral("table column")
+                                    : QStringLiteral("data type"))});
 }
 
 [[noreturn]] void failRename(const QString& name, const QString& type) {
-    fail(15248, QStringLiteral("Either the parameter @objname is ambiguous or the claimed @objtype (%1) is wrong "
-                               "('%2').")
-                    .arg(type, name));
+    fail(15248,
+         QStringLiteral(
+             "Either the parameter @objname is ambiguous or the claimed @objtype (%1) is wrong "
+             "('%2').")
+             .arg(type, name));
 }
 
 void renameColumn(Catalog& catalog, const ObjectName& name, const QString& fresh) {
@@ -146,9 +170,11 @@ void renameColumn(Catalog& catalog, const ObjectName& name, const QString& fresh
         if (!same(column.name, name.name)) continue;
         for (const ColumnFacts& other : catalog.columns(table->id))
             if (other.colid != column.colid && same(other.name, fresh))
-                fail(15335, QStringLiteral("Error: The new name '%1' is already in use as a COLUMN name and would "
-                                           "cause a duplicate that is not permitted.")
-                                .arg(fresh));
+                fail(15335,
+                     QStringLiteral(
+                         "Error: The new name '%1' is already in use as a COLUMN name and would "
+                         "cause a duplicate that is not permitted.")
+                         .arg(fresh));
         CatalogQuery(catalog.handle(), "UPDATE \"zov$columns\" SET name=? WHERE id=? AND colid=?")
             .add(fresh)
             .add(table->id)
@@ -157,7 +183,8 @@ void renameColumn(Catalog& catalog, const ObjectName& name, const QString& fresh
         ColumnSource source;
         source.oldName = column.name;
         catalog.touchObject(table->id);
-        rebuildStorage(catalog, *table, quotedTable(table->schema, table->name), {{fresh.toLower(), source}});
+        rebuildStorage(catalog, *table, quotedTable(table->schema, table->name),
+                       {{fresh.toLower(), source}});
         return;
     }
     failRename(name.display(), QStringLiteral("COLUMN"));
@@ -177,7 +204,8 @@ void renameIndex(Catalog& catalog, const ObjectName& name, const QString& fresh)
             .add(index.indid)
             .run();
         if (index.constraintId) {
-            CatalogQuery(catalog.handle(), "UPDATE \"zov$objects\" SET name=?, is_system_named=0 WHERE id=?")
+            CatalogQuery(catalog.handle(),
+                         "UPDATE \"zov$objects\" SET name=?, is_system_named=0 WHERE id=?")
                 .add(fresh)
                 .add(index.constraintId)
                 .run();
@@ -201,18 +229,24 @@ void renameObject(Catalog& catalog, const ObjectName& name, const QString& fresh
                 for (const IndexFacts& index : catalog.indexes(table->id))
                     if (same(index.name, name.name)) return renameIndex(catalog, name, fresh);
             }
-        fail(15225, QStringLiteral("No item by the name of '%1' could be found in the current database '%2', given "
-                                   "that @itemtype was input as '(null)'.")
-                        .arg(name.display(), catalog.database().name));
+        fail(15225,
+             QStringLiteral(
+                 "No item by the name of '%1' could be found in the current database '%2', given "
+                 "that @itemtype was input as '(null)'.")
+                 .arg(name.display(), catalog.database().name));
     }
-    CatalogQuery taken(catalog.handle(), "SELECT 1 FROM \"zov$objects\" WHERE schema_id=? AND name=? AND id<>?");
+    CatalogQuery taken(catalog.handle(),
+                       "SELECT 1 FROM \"zov$objects\" WHERE schema_id=? AND name=? AND id<>?");
     taken.add(object->schemaId).add(fresh).add(object->id);
     if (taken.step())
-        fail(15335, QStringLiteral("Error: The new name '%1' is already in use as a OBJECT name and would cause a "
-                                   "duplicate that is not permitted.")
-                        .arg(fresh));
+        fail(15335,
+             QStringLiteral(
+                 "Error: The new name '%1' is already in use as a OBJECT name and would cause a "
+                 "duplicate that is not permitted.")
+                 .arg(fresh));
     taken.again();
-    CatalogQuery(catalog.handle(), "UPDATE \"zov$objects\" SET name=?, is_system_named=0 WHERE id=?")
+    CatalogQuery(catalog.handle(),
+                 "UPDATE \"zov$objects\" SET name=?, is_system_named=0 WHERE id=?")
         .add(fresh)
         .add(object->id)
         .run();
@@ -222,9 +256,9 @@ void renameObject(Catalog& catalog, const ObjectName& name, const QString& fresh
         .run();
     catalog.touchObject(object->id);
     if (object->isTable())
-        execSql(catalog.handle(),
-                QStringLiteral("ALTER TABLE %1 RENAME TO %2")
-                    .arg(quotedTable(object->schema, object->name), quotedTable(object->schema, fresh)));
+        execSql(catalog.handle(), QStringLiteral("ALTER TABLE %1 RENAME TO %2")
+                                      .arg(quotedTable(object->schema, object->name),
+                                           quotedTable(object->schema, fresh)));
 }
 
 void rename(SessionState& session, const Arguments& arguments) {
@@ -250,9 +284,10 @@ void rename(SessionState& session, const Arguments& arguments) {
     } else {
         fail(15249, QStringLiteral("Error: Explicit @objtype '%1' is unrecognized.").arg(type));
     }
-    session.messages.push_back({0, 15477, 0,
-                                QStringLiteral("Caution: Changing any part of an object name could break scripts and "
-                                               "stored procedures.")});
+    session.messages.push_back(
+        {0, 15477, 0,
+         QStringLiteral("Caution: Changing any part of an object name could break scripts and "
+                        "stored procedures.")});
 }
 
 int parameterNumber(const Catalog& catalog, const ObjectFacts& module, const QString& name) {
@@ -282,14 +317,17 @@ PropertyPlace propertyPlace(const Catalog& catalog, const Arguments& arguments) 
     const QString type2 = arguments.optional(6, "@level2type").toUpper();
     const QString name2 = arguments.optional(7, "@level2name");
     const auto invalid = [&](const QString& name) {
-        fail(15135, QStringLiteral("Object is invalid. Extended properties are not permitted on '%1', or the object "
-                                   "does not exist.")
-                        .arg(name));
+        fail(15135,
+             QStringLiteral(
+                 "Object is invalid. Extended properties are not permitted on '%1', or the object "
+                 "does not exist.")
+                 .arg(name));
     };
     PropertyPlace place;
     if (type0.isEmpty()) return place;
     std::optional<int> schema;
-    if (type0 == QLatin1String("SCHEMA") || type0 == QLatin1String("USER")) schema = catalog.schemaId(name0);
+    if (type0 == QLatin1String("SCHEMA") || type0 == QLatin1String("USER"))
+        schema = catalog.schemaId(name0);
     if (type1.isEmpty()) {
         place.permissionClass = type0 == QLatin1String("SCHEMA") ? 3 : 4;
         if (place.permissionClass == 4) schema = catalog.principalId(name0);
@@ -299,7 +337,9 @@ PropertyPlace propertyPlace(const Catalog& catalog, const Arguments& arguments) 
     }
     if (!schema) invalid(name0);
     if (type1 == QLatin1String("TYPE")) {
-        CatalogQuery query(catalog.handle(), "SELECT xusertype FROM \"zov$types\" WHERE isuser=1 AND schema_id=? AND name=?");
+        CatalogQuery query(
+            catalog.handle(),
+            "SELECT xusertype FROM \"zov$types\" WHERE isuser=1 AND schema_id=? AND name=?");
         query.add(*schema).add(name1);
         if (!query.step()) invalid(name0 + u'.' + name1);
         place.permissionClass = 6;
@@ -351,26 +391,33 @@ void changeProperty(SessionState& session, const Arguments& arguments, const QSt
                                             "@level1name", "@level2type", "@level2name"};
         for (size_t i = 0; i < 6; ++i) {
             const Argument* argument = arguments.find(i + 1, names[i]);
-            if (argument) shifted.push_back({QLatin1String(names[i]), argument->text, argument->isNull});
+            if (argument)
+                shifted.push_back({QLatin1String(names[i]), argument->text, argument->isNull});
         }
         place = propertyPlace(catalog, Arguments(procedure, shifted));
     } else {
         place = propertyPlace(catalog, arguments);
     }
-    CatalogQuery found(catalog.handle(),
-                       "SELECT 1 FROM \"zov$properties\" WHERE class=? AND major_id=? AND minor_id=? AND name=?");
+    CatalogQuery found(
+        catalog.handle(),
+        "SELECT 1 FROM \"zov$properties\" WHERE class=? AND major_id=? AND minor_id=? AND name=?");
     found.add(place.permissionClass).add(place.major).add(place.minor).add(name);
     const bool exists = found.step();
     found.again();
     if (procedure == QLatin1String("sp_addextendedproperty") && exists)
-        fail(15233, QStringLiteral("Property cannot be added. Property '%1' already exists for this object.").arg(name));
-    if (procedure != QLatin1String("sp_addextendedproperty") && !exists)
-        fail(15217, QStringLiteral("Property cannot be updated or deleted. Property '%1' does not exist for this "
-                                   "object.")
+        fail(15233, QStringLiteral(
+                        "Property cannot be added. Property '%1' already exists for this object.")
                         .arg(name));
+    if (procedure != QLatin1String("sp_addextendedproperty") && !exists)
+        fail(15217,
+             QStringLiteral(
+                 "Property cannot be updated or deleted. Property '%1' does not exist for this "
+                 "object.")
+                 .arg(name));
     if (drop) {
-        CatalogQuery(catalog.handle(),
-                     "DELETE FROM \"zov$properties\" WHERE class=? AND major_id=? AND minor_id=? AND name=?")
+        CatalogQuery(
+            catalog.handle(),
+            "DELETE FROM \"zov$properties\" WHERE class=? AND major_id=? AND minor_id=? AND name=?")
             .add(place.permissionClass)
             .add(place.major)
             .add(place.minor)
@@ -396,15 +443,20 @@ void helpText(SessionState& session, const Arguments& arguments, std::vector<QSt
     const ObjectName name = ObjectName::parse(written);
     const std::optional<ObjectFacts> object = catalog.find(name);
     if (!object)
-        fail(15009, QStringLiteral("The object '%1' does not exist in database '%2' or is invalid for this operation.")
-                        .arg(written, session.current->name));
+        fail(
+            15009,
+            QStringLiteral(
+                "The object '%1' does not exist in database '%2' or is invalid for this operation.")
+                .arg(written, session.current->name));
     const QString text = catalog.text(object->id);
     if (text.isEmpty()) {
-        CatalogQuery encrypted(catalog.handle(), "SELECT 1 FROM \"zov$comments\" WHERE id=? AND encrypted=1");
+        CatalogQuery encrypted(catalog.handle(),
+                               "SELECT 1 FROM \"zov$comments\" WHERE id=? AND encrypted=1");
         encrypted.add(object->id);
         if (encrypted.step()) {
             session.messages.push_back(
-                {0, 15471, 0, QStringLiteral("The text for object '%1' is encrypted.").arg(written)});
+                {0, 15471, 0,
+                 QStringLiteral("The text for object '%1' is encrypted.").arg(written)});
             return;
         }
         fail(15197, QStringLiteral("There is no text for object '%1'.").arg(written));
@@ -423,14 +475,18 @@ void changeOwner(SessionState& session, const Arguments& arguments) {
     const QString owner = arguments.required(1, "@newowner");
     const ObjectName name = ObjectName::parse(object);
     runText(session, QStringLiteral("ALTER SCHEMA %1 TRANSFER %2%3")
-                         .arg(bracketed(owner), name.schema.isEmpty() ? QString() : bracketed(name.schema) + u'.',
+                         .arg(bracketed(owner),
+                              name.schema.isEmpty() ? QString() : bracketed(name.schema) + u'.',
                               bracketed(name.name)));
 }
 
-void addUser(SessionState& session, const QString& login, const QString& user, const QString& group) {
-    runText(session, QStringLiteral("CREATE USER %1 FOR LOGIN %2").arg(bracketed(user.isEmpty() ? login : user), bracketed(login)));
+void addUser(SessionState& session, const QString& login, const QString& user,
+             const QString& group) {
+    runText(session, QStringLiteral("CREATE USER %1 FOR LOGIN %2")
+                         .arg(bracketed(user.isEmpty() ? login : user), bracketed(login)));
     if (!group.isEmpty())
-        runText(session, QStringLiteral("ALTER ROLE %1 ADD MEMBER %2").arg(bracketed(group), bracketed(user.isEmpty() ? login : user)));
+        runText(session, QStringLiteral("ALTER ROLE %1 ADD MEMBER %2")
+                             .arg(bracketed(group), bracketed(user.isEmpty() ? login : user)));
 }
 
 // What these set has no meaning for a database that is one file and asks nobody for a password.
@@ -438,11 +494,15 @@ const QSet<QString>& withoutEffect() {
     static const QSet<QString> names = [] {
         QSet<QString> set;
         for (const char* name :
-             {"sp_dboption", "sp_tableoption", "sp_configure", "sp_changedbowner", "sp_addlogin", "sp_droplogin",
-              "sp_grantlogin", "sp_revokelogin", "sp_denylogin", "sp_password", "sp_defaultdb", "sp_defaultlanguage",
-              "sp_addsrvrolemember", "sp_dropsrvrolemember", "sp_autostats", "sp_updatestats", "sp_createstats",
-              "sp_recompile", "sp_refreshview", "sp_refreshsqlmodule", "sp_settriggerorder", "sp_procoption",
-              "sp_indexoption", "sp_fulltext_database", "sp_addmessage", "sp_dropmessage", "sp_serveroption",
+             {"sp_dboption",          "sp_tableoption",       "sp_configure",
+              "sp_changedbowner",     "sp_addlogin",          "sp_droplogin",
+              "sp_grantlogin",        "sp_revokelogin",       "sp_denylogin",
+              "sp_password",          "sp_defaultdb",         "sp_defaultlanguage",
+              "sp_addsrvrolemember",  "sp_dropsrvrolemember", "sp_autostats",
+              "sp_updatestats",       "sp_createstats",       "sp_recompile",
+              "sp_refreshview",       "sp_refreshsqlmodule",  "sp_settriggerorder",
+              "sp_procoption",        "sp_indexoption",       "sp_fulltext_database",
+              "sp_addmessage",        "sp_dropmessage",       "sp_serveroption",
               "sp_change_users_login"})
             set.insert(QLatin1String(name));
         return set;
@@ -452,33 +512,52 @@ const QSet<QString>& withoutEffect() {
 
 }  // namespace
 
-bool runSystemProcedure(SessionState& session, const QString& name, const std::vector<Argument>& given,
-                        std::vector<QString>& lines) {
+bool runSystemProcedure(SessionState& session, const QString& name,
+                        const std::vector<Argument>& given, std::vector<QString>& lines) {
     const QString procedure = name.toLower();
     const Arguments arguments(procedure, given);
     using Handler = std::function<void()>;
     const QHash<QString, Handler> handlers = {
         {QStringLiteral("sp_addtype"), [&] { addType(session, arguments); }},
         {QStringLiteral("sp_droptype"),
-         [&] { runText(session, QStringLiteral("DROP TYPE ") + bracketed(arguments.required(0, "@typename"))); }},
+         [&] {
+             runText(session,
+                     QStringLiteral("DROP TYPE ") + bracketed(arguments.required(0, "@typename")));
+         }},
         {QStringLiteral("sp_bindefault"),
-         [&] { bind(session, arguments.required(0, "@defname"), arguments.required(1, "@objname"), false); }},
+         [&] {
+             bind(session, arguments.required(0, "@defname"), arguments.required(1, "@objname"),
+                  false);
+         }},
         {QStringLiteral("sp_bindrule"),
-         [&] { bind(session, arguments.required(0, "@rulename"), arguments.required(1, "@objname"), true); }},
+         [&] {
+             bind(session, arguments.required(0, "@rulename"), arguments.required(1, "@objname"),
+                  true);
+         }},
         {QStringLiteral("sp_unbindefault"),
          [&] { bind(session, QString(), arguments.required(0, "@objname"), false); }},
-        {QStringLiteral("sp_unbindrule"), [&] { bind(session, QString(), arguments.required(0, "@objname"), true); }},
+        {QStringLiteral("sp_unbindrule"),
+         [&] { bind(session, QString(), arguments.required(0, "@objname"), true); }},
         {QStringLiteral("sp_rename"), [&] { rename(session, arguments); }},
         {QStringLiteral("sp_addrole"),
          [&] {
              const QString owner = arguments.optional(1, "@ownername");
-             runText(session, QStringLiteral("CREATE ROLE ") + bracketed(arguments.required(0, "@rolename")) +
-                                  (owner.isEmpty() ? QString() : QStringLiteral(" AUTHORIZATION ") + bracketed(owner)));
+             runText(session,
+                     QStringLiteral("CREATE ROLE ") +
+                         bracketed(arguments.required(0, "@rolename")) +
+                         (owner.isEmpty() ? QString()
+                                          : QStringLiteral(" AUTHORIZATION ") + bracketed(owner)));
          }},
         {QStringLiteral("sp_addgroup"),
-         [&] { runText(session, QStringLiteral("CREATE ROLE ") + bracketed(arguments.required(0, "@grpname"))); }},
+         [&] {
+             runText(session,
+                     QStringLiteral("CREATE ROLE ") + bracketed(arguments.required(0, "@grpname")));
+         }},
         {QStringLiteral("sp_droprole"),
-         [&] { runText(session, QStringLiteral("DROP ROLE ") + bracketed(arguments.required(0, "@rolename"))); }},
+         [&] {
+             runText(session,
+                     QStringLiteral("DROP ROLE ") + bracketed(arguments.required(0, "@rolename")));
+         }},
         {QStringLiteral("sp_addrolemember"),
          [&] {
              runText(session, QStringLiteral("ALTER ROLE %1 ADD MEMBER %2")
@@ -493,19 +572,31 @@ bool runSystemProcedure(SessionState& session, const QString& name, const std::v
          }},
         {QStringLiteral("sp_adduser"),
          [&] {
-             addUser(session, arguments.required(0, "@loginame"), arguments.optional(1, "@name_in_db"),
-                     arguments.optional(2, "@grpname"));
+             addUser(session, arguments.required(0, "@loginame"),
+                     arguments.optional(1, "@name_in_db"), arguments.optional(2, "@grpname"));
          }},
         {QStringLiteral("sp_grantdbaccess"),
-         [&] { addUser(session, arguments.required(0, "@loginame"), arguments.optional(1, "@name_in_db"), {}); }},
+         [&] {
+             addUser(session, arguments.required(0, "@loginame"),
+                     arguments.optional(1, "@name_in_db"), {});
+         }},
         {QStringLiteral("sp_dropuser"),
-         [&] { runText(session, QStringLiteral("DROP USER ") + bracketed(arguments.required(0, "@name_in_db"))); }},
+         [&] {
+             runText(session, QStringLiteral("DROP USER ") +
+                                  bracketed(arguments.required(0, "@name_in_db")));
+         }},
         {QStringLiteral("sp_revokedbaccess"),
-         [&] { runText(session, QStringLiteral("DROP USER ") + bracketed(arguments.required(0, "@name_in_db"))); }},
+         [&] {
+             runText(session, QStringLiteral("DROP USER ") +
+                                  bracketed(arguments.required(0, "@name_in_db")));
+         }},
         {QStringLiteral("sp_changeobjectowner"), [&] { changeOwner(session, arguments); }},
-        {QStringLiteral("sp_addextendedproperty"), [&] { changeProperty(session, arguments, procedure); }},
-        {QStringLiteral("sp_updateextendedproperty"), [&] { changeProperty(session, arguments, procedure); }},
-        {QStringLiteral("sp_dropextendedproperty"), [&] { changeProperty(session, arguments, procedure); }},
+        {QStringLiteral("sp_addextendedproperty"),
+         [&] { changeProperty(session, arguments, procedure); }},
+        {QStringLiteral("sp_updateextendedproperty"),
+         [&] { changeProperty(session, arguments, procedure); }},
+        {QStringLiteral("sp_dropextendedproperty"),
+         [&] { changeProperty(session, arguments, procedure); }},
         {QStringLiteral("sp_helptext"), [&] { helpText(session, arguments, lines); }},
         {QStringLiteral("sp_dbcmptlevel"),
          [&] {
@@ -519,8 +610,10 @@ bool runSystemProcedure(SessionState& session, const QString& name, const std::v
              Catalog catalog = Catalog::forWriting(session);
              const auto object = catalog.find(ObjectName::parse(arguments.required(0, "@objname")));
              if (!object)
-                 fail(15001, QStringLiteral("Object '%1' does not exist or is not a valid object for this operation.")
-                                 .arg(arguments.required(0, "@objname")));
+                 fail(15001,
+                      QStringLiteral(
+                          "Object '%1' does not exist or is not a valid object for this operation.")
+                          .arg(arguments.required(0, "@objname")));
              CatalogQuery(catalog.handle(), "UPDATE \"zov$objects\" SET is_ms_shipped=1 WHERE id=?")
                  .add(object->id)
                  .run();

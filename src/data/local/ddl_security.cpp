@@ -8,7 +8,9 @@
 namespace zov::local {
 namespace {
 
-bool same(const QString& a, const QString& b) { return a.compare(b, Qt::CaseInsensitive) == 0; }
+bool same(const QString& a, const QString& b) {
+    return a.compare(b, Qt::CaseInsensitive) == 0;
+}
 
 struct PermissionName {
     const char* name;
@@ -79,19 +81,22 @@ struct Wanted {
 };
 
 struct Securable {
-    int permissionClass = 0;   // 0 database, 1 object, 3 schema, 4 principal, 6 type
+    int permissionClass = 0;  // 0 database, 1 object, 3 schema, 4 principal, 6 type
     int id = 0;
     std::optional<ObjectFacts> object;
 };
 
-Securable readSecurable(Catalog& catalog, TokenCursor& cursor, const ObjectName& name, const QString& scope) {
+Securable readSecurable(Catalog& catalog, TokenCursor& cursor, const ObjectName& name,
+                        const QString& scope) {
     Securable target;
     if (scope == QLatin1String("SCHEMA")) {
         const std::optional<int> id = catalog.schemaId(name.name);
         if (!id)
-            fail(15151, QStringLiteral("Cannot find the schema '%1', because it does not exist or you do not have "
-                                       "permission.")
-                            .arg(name.name),
+            fail(15151,
+                 QStringLiteral(
+                     "Cannot find the schema '%1', because it does not exist or you do not have "
+                     "permission.")
+                     .arg(name.name),
                  name.line);
         target.permissionClass = 3;
         target.id = *id;
@@ -100,12 +105,15 @@ Securable readSecurable(Catalog& catalog, TokenCursor& cursor, const ObjectName&
     if (scope == QLatin1String("TYPE")) {
         CatalogQuery query(catalog.handle(),
                            "SELECT t.xusertype FROM \"zov$types\" t JOIN \"zov$schemas\" s ON"
-                           " s.schema_id=t.schema_id WHERE t.isuser=1 AND t.name=?1 AND (?2 IS NULL OR s.name=?2)");
+                           " s.schema_id=t.schema_id WHERE t.isuser=1 AND t.name=?1 AND (?2 IS "
+                           "NULL OR s.name=?2)");
         query.add(name.name).add(name.schema.isEmpty() ? QString() : name.schema);
         if (!query.step())
-            fail(15151, QStringLiteral("Cannot find the type '%1', because it does not exist or you do not have "
-                                       "permission.")
-                            .arg(name.display()),
+            fail(15151,
+                 QStringLiteral(
+                     "Cannot find the type '%1', because it does not exist or you do not have "
+                     "permission.")
+                     .arg(name.display()),
                  name.line);
         target.permissionClass = 6;
         target.id = query.number(0);
@@ -118,20 +126,25 @@ Securable readSecurable(Catalog& catalog, TokenCursor& cursor, const ObjectName&
     }
     if (scope == QLatin1String("DATABASE")) {
         if (!same(name.name, catalog.database().name))
-            fail(15151, QStringLiteral("Cannot find the database '%1', because it does not exist or you do not have "
-                                       "permission.")
-                            .arg(name.name),
+            fail(15151,
+                 QStringLiteral(
+                     "Cannot find the database '%1', because it does not exist or you do not have "
+                     "permission.")
+                     .arg(name.name),
                  name.line);
         return target;
     }
     if (!scope.isEmpty() && scope != QLatin1String("OBJECT"))
-        fail(40000, QStringLiteral("The embedded server keeps no permissions on %1.").arg(scope), name.line);
+        fail(40000, QStringLiteral("The embedded server keeps no permissions on %1.").arg(scope),
+             name.line);
     Q_UNUSED(cursor);
     target.object = catalog.find(name);
     if (!target.object)
-        fail(15151, QStringLiteral("Cannot find the object '%1', because it does not exist or you do not have "
-                                   "permission.")
-                        .arg(name.name),
+        fail(15151,
+             QStringLiteral(
+                 "Cannot find the object '%1', because it does not exist or you do not have "
+                 "permission.")
+                 .arg(name.name),
              name.line);
     target.permissionClass = 1;
     target.id = target.object->id;
@@ -141,8 +154,8 @@ Securable readSecurable(Catalog& catalog, TokenCursor& cursor, const ObjectName&
 std::vector<Wanted> permissionsOfAll(const Securable& target) {
     std::vector<const char*> names;
     if (target.permissionClass == 0)
-        names = {"BACKUP DATABASE", "BACKUP LOG", "CREATE DEFAULT", "CREATE FUNCTION", "CREATE PROCEDURE",
-                 "CREATE RULE", "CREATE TABLE", "CREATE VIEW"};
+        names = {"BACKUP DATABASE",  "BACKUP LOG",  "CREATE DEFAULT", "CREATE FUNCTION",
+                 "CREATE PROCEDURE", "CREATE RULE", "CREATE TABLE",   "CREATE VIEW"};
     else if (target.object && target.object->xtype == QLatin1String("P"))
         names = {"EXECUTE"};
     else if (target.object && target.object->xtype == QLatin1String("FN"))
@@ -155,17 +168,21 @@ std::vector<Wanted> permissionsOfAll(const Securable& target) {
 }
 
 // Which column numbers a permission is about; 0 stands for the whole object.
-std::vector<int> minorIds(const Catalog& catalog, const Securable& target, const std::vector<QString>& columns,
-                          int line) {
+std::vector<int> minorIds(const Catalog& catalog, const Securable& target,
+                          const std::vector<QString>& columns, int line) {
     if (columns.empty()) return {0};
     std::vector<int> ids;
-    const std::vector<ColumnFacts> known = target.object ? catalog.columns(target.id) : std::vector<ColumnFacts>();
+    const std::vector<ColumnFacts> known =
+        target.object ? catalog.columns(target.id) : std::vector<ColumnFacts>();
     for (const QString& name : columns) {
-        const auto found = std::find_if(known.begin(), known.end(),
-                                        [&](const ColumnFacts& column) { return same(column.name, name); });
+        const auto found = std::find_if(known.begin(), known.end(), [&](const ColumnFacts& column) {
+            return same(column.name, name);
+        });
         if (found == known.end())
-            fail(1763, QStringLiteral("Column '%1' does not exist in the object that the permission is about.")
-                           .arg(name),
+            fail(1763,
+                 QStringLiteral(
+                     "Column '%1' does not exist in the object that the permission is about.")
+                     .arg(name),
                  line);
         ids.push_back(found->colid);
     }
@@ -178,13 +195,20 @@ void writePermission(Catalog& catalog, const Securable& target, int minor, int g
     const QString name = QLatin1String(permission.name);
     if (grantOptionOnly) {
         CatalogQuery(catalog.handle(),
-                     "UPDATE \"zov$permissions\" SET state='G' WHERE class=? AND major_id=? AND minor_id=? AND"
+                     "UPDATE \"zov$permissions\" SET state='G' WHERE class=? AND major_id=? AND "
+                     "minor_id=? AND"
                      " grantee=? AND permission_name=? AND state='W'")
-            .add(target.permissionClass).add(target.id).add(minor).add(grantee).add(name).run();
+            .add(target.permissionClass)
+            .add(target.id)
+            .add(minor)
+            .add(grantee)
+            .add(name)
+            .run();
         return;
     }
     CatalogQuery(catalog.handle(),
-                 "DELETE FROM \"zov$permissions\" WHERE class=? AND major_id=? AND (minor_id=? OR (?3=0 AND ?=1))"
+                 "DELETE FROM \"zov$permissions\" WHERE class=? AND major_id=? AND (minor_id=? OR "
+                 "(?3=0 AND ?=1))"
                  " AND grantee=? AND permission_name=?")
         .add(target.permissionClass)
         .add(target.id)
@@ -194,9 +218,10 @@ void writePermission(Catalog& catalog, const Securable& target, int minor, int g
         .add(name)
         .run();
     if (verb == PermissionVerb::Revoke) return;
-    CatalogQuery(catalog.handle(),
-                 "INSERT INTO \"zov$permissions\"(class, major_id, minor_id, grantee, grantor, type,"
-                 " permission_name, state) VALUES(?,?,?,?,1,?,?,?)")
+    CatalogQuery(
+        catalog.handle(),
+        "INSERT INTO \"zov$permissions\"(class, major_id, minor_id, grantee, grantor, type,"
+        " permission_name, state) VALUES(?,?,?,?,1,?,?,?)")
         .add(target.permissionClass)
         .add(target.id)
         .add(minor)
@@ -218,12 +243,15 @@ int nextUserId(const Catalog& catalog, bool role) {
 
 void requireFreePrincipal(const Catalog& catalog, const QString& name, int line) {
     if (catalog.principalId(name))
-        fail(15023, QStringLiteral("User, group, or role '%1' already exists in the current database.").arg(name),
+        fail(15023,
+             QStringLiteral("User, group, or role '%1' already exists in the current database.")
+                 .arg(name),
              line);
 }
 
 void dropMemberships(Catalog& catalog, int uid) {
-    CatalogQuery(catalog.handle(), "DELETE FROM \"zov$role_members\" WHERE role_uid=?1 OR member_uid=?1")
+    CatalogQuery(catalog.handle(),
+                 "DELETE FROM \"zov$role_members\" WHERE role_uid=?1 OR member_uid=?1")
         .add(uid)
         .run();
 }
@@ -231,9 +259,10 @@ void dropMemberships(Catalog& catalog, int uid) {
 void changeMember(Catalog& catalog, const QString& role, const QString& member, bool add) {
     const int roleId = catalog.requirePrincipal(role);
     const int memberId = catalog.requirePrincipal(member);
-    CatalogQuery(catalog.handle(),
-                 add ? "INSERT OR IGNORE INTO \"zov$role_members\"(role_uid, member_uid) VALUES(?,?)"
-                     : "DELETE FROM \"zov$role_members\" WHERE role_uid=? AND member_uid=?")
+    CatalogQuery(
+        catalog.handle(),
+        add ? "INSERT OR IGNORE INTO \"zov$role_members\"(role_uid, member_uid) VALUES(?,?)"
+            : "DELETE FROM \"zov$role_members\" WHERE role_uid=? AND member_uid=?")
         .add(roleId)
         .add(memberId)
         .run();
@@ -255,7 +284,8 @@ void changePermissions(SessionState& session, TokenCursor& cursor, PermissionVer
         do {
             Wanted one;
             one.line = cursor.peek().line;
-            while (cursor.peek().kind == TokenKind::Word && !cursor.is("ON") && !cursor.is("TO") && !cursor.is("FROM")) {
+            while (cursor.peek().kind == TokenKind::Word && !cursor.is("ON") && !cursor.is("TO") &&
+                   !cursor.is("FROM")) {
                 if (!one.name.isEmpty()) one.name += u' ';
                 one.name += cursor.next().source.toString().toUpper();
             }
@@ -280,7 +310,7 @@ void changePermissions(SessionState& session, TokenCursor& cursor, PermissionVer
             name = cursor.objectName();
         }
         target = readSecurable(catalog, cursor, name, scope);
-        if (cursor.is("(")) {   // GRANT SELECT ON t(a, b)
+        if (cursor.is("(")) {  // GRANT SELECT ON t(a, b)
             std::vector<QString> columns;
             std::vector<bool> unused;
             readKeyColumns(cursor, columns, unused);
@@ -299,11 +329,14 @@ void changePermissions(SessionState& session, TokenCursor& cursor, PermissionVer
     for (const Wanted& one : wanted) {
         const PermissionName* permission = findPermission(one.name);
         if (!permission)
-            fail(102, QStringLiteral("Incorrect syntax near '%1': there is no such permission.").arg(one.name),
+            fail(102,
+                 QStringLiteral("Incorrect syntax near '%1': there is no such permission.")
+                     .arg(one.name),
                  one.line);
         for (const int minor : minorIds(catalog, target, one.columns, one.line))
             for (const int grantee : grantees)
-                writePermission(catalog, target, minor, grantee, *permission, verb, withGrantOption, grantOptionOnly);
+                writePermission(catalog, target, minor, grantee, *permission, verb, withGrantOption,
+                                grantOptionOnly);
     }
 }
 
@@ -322,10 +355,14 @@ void createSchema(SessionState& session, const Definition& statement) {
         if (name.isEmpty()) name = principal;
     }
     if (catalog.schemaId(name))
-        fail(2714, QStringLiteral("There is already an object named '%1' in the database.").arg(name), line);
-    CatalogQuery last(catalog.handle(), "SELECT max(4, max(schema_id)) FROM \"zov$schemas\" WHERE schema_id<16384");
+        fail(2714,
+             QStringLiteral("There is already an object named '%1' in the database.").arg(name),
+             line);
+    CatalogQuery last(catalog.handle(),
+                      "SELECT max(4, max(schema_id)) FROM \"zov$schemas\" WHERE schema_id<16384");
     const int id = last.step() ? last.number(0) + 1 : 5;
-    CatalogQuery(catalog.handle(), "INSERT INTO \"zov$schemas\"(schema_id, name, principal_id) VALUES(?,?,?)")
+    CatalogQuery(catalog.handle(),
+                 "INSERT INTO \"zov$schemas\"(schema_id, name, principal_id) VALUES(?,?,?)")
         .add(id)
         .add(name)
         .add(owner)
@@ -343,7 +380,8 @@ void createSchema(SessionState& session, const Definition& statement) {
                 if (rest[end].is(")")) --depth;
                 if (depth == 0 && rest[end].kind == TokenKind::Word && !rest[end - 1].is(",") &&
                     !rest[end - 1].is("WITH") &&
-                    (rest[end].is("CREATE") || rest[end].is("GRANT") || rest[end].is("DENY") || rest[end].is("REVOKE")))
+                    (rest[end].is("CREATE") || rest[end].is("GRANT") || rest[end].is("DENY") ||
+                     rest[end].is("REVOKE")))
                     break;
             }
             Definition part;
@@ -378,14 +416,17 @@ void alterSchema(SessionState& session, TokenCursor& cursor) {
     Catalog catalog = Catalog::forWriting(session);
     const std::optional<int> schema = catalog.schemaId(schemaName);
     if (!schema)
-        fail(15151, QStringLiteral("Cannot alter the schema '%1', because it does not exist or you do not have "
-                                   "permission.")
-                        .arg(schemaName),
+        fail(15151,
+             QStringLiteral(
+                 "Cannot alter the schema '%1', because it does not exist or you do not have "
+                 "permission.")
+                 .arg(schemaName),
              line);
     if (type) {
-        CatalogQuery(catalog.handle(),
-                     "UPDATE \"zov$types\" SET schema_id=?1 WHERE isuser=1 AND name=?2 AND schema_id="
-                     "(SELECT schema_id FROM \"zov$schemas\" WHERE name=?3)")
+        CatalogQuery(
+            catalog.handle(),
+            "UPDATE \"zov$types\" SET schema_id=?1 WHERE isuser=1 AND name=?2 AND schema_id="
+            "(SELECT schema_id FROM \"zov$schemas\" WHERE name=?3)")
             .add(*schema)
             .add(name.name)
             .add(name.schema.isEmpty() ? QStringLiteral("dbo") : name.schema)
@@ -394,13 +435,16 @@ void alterSchema(SessionState& session, TokenCursor& cursor) {
     }
     const std::optional<ObjectFacts> object = catalog.find(name);
     if (!object)
-        fail(15151, QStringLiteral("Cannot find the object '%1', because it does not exist or you do not have "
-                                   "permission.")
-                        .arg(name.name),
+        fail(15151,
+             QStringLiteral(
+                 "Cannot find the object '%1', because it does not exist or you do not have "
+                 "permission.")
+                 .arg(name.name),
              name.line);
     if (object->schemaId == *schema) return;
     catalog.requireFreeName(object->name, *schema);
-    CatalogQuery(catalog.handle(), "UPDATE \"zov$objects\" SET schema_id=?1 WHERE id=?2 OR parent_obj=?2")
+    CatalogQuery(catalog.handle(),
+                 "UPDATE \"zov$objects\" SET schema_id=?1 WHERE id=?2 OR parent_obj=?2")
         .add(*schema)
         .add(object->id)
         .run();
@@ -424,18 +468,23 @@ void dropSchema(SessionState& session, TokenCursor& cursor) {
     const std::optional<int> id = catalog.schemaId(name);
     if (!id || *id <= 4 || *id >= 16384) {
         if (ifExists && !id) return;
-        fail(15151, QStringLiteral("Cannot drop the schema '%1', because it does not exist or you do not have "
-                                   "permission.")
-                        .arg(name),
+        fail(15151,
+             QStringLiteral(
+                 "Cannot drop the schema '%1', because it does not exist or you do not have "
+                 "permission.")
+                 .arg(name),
              line);
     }
-    CatalogQuery used(catalog.handle(), "SELECT name FROM \"zov$objects\" WHERE schema_id=?1 UNION ALL"
-                                        " SELECT name FROM \"zov$types\" WHERE schema_id=?1");
+    CatalogQuery used(catalog.handle(),
+                      "SELECT name FROM \"zov$objects\" WHERE schema_id=?1 UNION ALL"
+                      " SELECT name FROM \"zov$types\" WHERE schema_id=?1");
     used.add(*id);
     if (used.step())
-        fail(3729, QStringLiteral("Cannot drop schema '%1' because it is being referenced by object '%2'.")
-                       .arg(name, used.text(0)),
-             line);
+        fail(
+            3729,
+            QStringLiteral("Cannot drop schema '%1' because it is being referenced by object '%2'.")
+                .arg(name, used.text(0)),
+            line);
     for (const char* sql : {"DELETE FROM \"zov$schemas\" WHERE schema_id=?",
                             "DELETE FROM \"zov$permissions\" WHERE class=3 AND major_id=?",
                             "DELETE FROM \"zov$properties\" WHERE class=3 AND major_id=?"})
@@ -446,7 +495,8 @@ void createPrincipal(SessionState& session, TokenCursor& cursor, const QString& 
     const int line = cursor.peek().line;
     const QString name = cursor.name();
     if (kind == QLatin1String("LOGIN")) {
-        // Logins belong to a server that checks them; here everybody who may read the file may log in.
+        // Logins belong to a server that checks them; here everybody who may read the file may log
+        // in.
         if (!cursor.accept("WITH")) cursor.expect("FROM");
         while (!cursor.atEnd()) cursor.next();
         return;
@@ -475,7 +525,8 @@ void createPrincipal(SessionState& session, TokenCursor& cursor, const QString& 
                 const QString option = cursor.name().toUpper();
                 cursor.expect("=");
                 const QString value = cursor.nameOrText();
-                if (option == QLatin1String("DEFAULT_SCHEMA")) defaultSchema = value;
+                if (option == QLatin1String("DEFAULT_SCHEMA"))
+                    defaultSchema = value;
                 else if (option != QLatin1String("PASSWORD") && option != QLatin1String("SID") &&
                          option != QLatin1String("DEFAULT_LANGUAGE"))
                     cursor.failHere();
@@ -485,13 +536,16 @@ void createPrincipal(SessionState& session, TokenCursor& cursor, const QString& 
     cursor.expectEnd();
     Q_UNUSED(owner);
     const int uid = nextUserId(catalog, role);
-    CatalogQuery(catalog.handle(), "INSERT INTO \"zov$users\"(uid, name, type, default_schema) VALUES(?,?,?,?)")
+    CatalogQuery(catalog.handle(),
+                 "INSERT INTO \"zov$users\"(uid, name, type, default_schema) VALUES(?,?,?,?)")
         .add(uid)
         .add(name)
         .add(role ? QStringLiteral("R") : QStringLiteral("S"))
         .add(defaultSchema)
         .run();
-    if (!role) writePermission(catalog, {}, 0, uid, *findPermission(QStringLiteral("CONNECT")), PermissionVerb::Grant, false, false);
+    if (!role)
+        writePermission(catalog, {}, 0, uid, *findPermission(QStringLiteral("CONNECT")),
+                        PermissionVerb::Grant, false, false);
 }
 
 void alterPrincipal(SessionState& session, TokenCursor& cursor, const QString& kind) {
@@ -517,7 +571,10 @@ void alterPrincipal(SessionState& session, TokenCursor& cursor, const QString& k
         const QString value = cursor.nameOrText();
         if (option == QLatin1String("NAME")) {
             requireFreePrincipal(catalog, value, line);
-            CatalogQuery(catalog.handle(), "UPDATE \"zov$users\" SET name=? WHERE uid=?").add(value).add(uid).run();
+            CatalogQuery(catalog.handle(), "UPDATE \"zov$users\" SET name=? WHERE uid=?")
+                .add(value)
+                .add(uid)
+                .run();
         } else if (option == QLatin1String("DEFAULT_SCHEMA")) {
             CatalogQuery(catalog.handle(), "UPDATE \"zov$users\" SET default_schema=? WHERE uid=?")
                 .add(value)
@@ -538,30 +595,39 @@ void dropPrincipal(SessionState& session, TokenCursor& cursor, const QString& ki
     cursor.expectEnd();
     if (kind == QLatin1String("LOGIN")) return;
     Catalog catalog = Catalog::forWriting(session);
-    CatalogQuery query(catalog.handle(), "SELECT uid, type FROM \"zov$users\" WHERE name=? AND isfixed=0 AND uid>4");
+    CatalogQuery query(catalog.handle(),
+                       "SELECT uid, type FROM \"zov$users\" WHERE name=? AND isfixed=0 AND uid>4");
     query.add(name);
     const bool wantsRole = kind != QLatin1String("USER");
     if (!query.step() || (query.text(1) == QLatin1String("R")) != wantsRole) {
         if (ifExists && !catalog.principalId(name)) return;
-        fail(15151, QStringLiteral("Cannot drop the %1 '%2', because it does not exist or you do not have "
-                                   "permission.")
-                        .arg(kind.toLower(), name),
+        fail(15151,
+             QStringLiteral("Cannot drop the %1 '%2', because it does not exist or you do not have "
+                            "permission.")
+                 .arg(kind.toLower(), name),
              line);
     }
     const int uid = query.number(0);
     CatalogQuery owns(catalog.handle(), "SELECT 1 FROM \"zov$schemas\" WHERE principal_id=?");
     owns.add(uid);
     if (owns.step())
-        fail(15138, QStringLiteral("The database principal owns a schema in the database, and cannot be dropped."),
+        fail(15138,
+             QStringLiteral(
+                 "The database principal owns a schema in the database, and cannot be dropped."),
              line);
     if (wantsRole) {
-        CatalogQuery members(catalog.handle(), "SELECT 1 FROM \"zov$role_members\" WHERE role_uid=?");
+        CatalogQuery members(catalog.handle(),
+                             "SELECT 1 FROM \"zov$role_members\" WHERE role_uid=?");
         members.add(uid);
         if (members.step())
-            fail(15144, QStringLiteral("The role has members. It must be empty before it can be dropped."), line);
+            fail(15144,
+                 QStringLiteral("The role has members. It must be empty before it can be dropped."),
+                 line);
     }
     dropMemberships(catalog, uid);
-    CatalogQuery(catalog.handle(), "DELETE FROM \"zov$permissions\" WHERE grantee=?").add(uid).run();
+    CatalogQuery(catalog.handle(), "DELETE FROM \"zov$permissions\" WHERE grantee=?")
+        .add(uid)
+        .run();
     CatalogQuery(catalog.handle(), "DELETE FROM \"zov$users\" WHERE uid=?").add(uid).run();
 }
 
@@ -580,17 +646,20 @@ void alterAuthorization(SessionState& session, TokenCursor& cursor) {
     }
     const QString ownerName = cursor.name();
     cursor.expectEnd();
-    if (scope == QLatin1String("DATABASE")) return;   // owners of databases are logins
+    if (scope == QLatin1String("DATABASE")) return;  // owners of databases are logins
     Catalog catalog = Catalog::forWriting(session);
     const int owner = catalog.requirePrincipal(ownerName);
     if (scope == QLatin1String("SCHEMA")) {
         const std::optional<int> schema = catalog.schemaId(name.name);
         if (!schema)
-            fail(15151, QStringLiteral("Cannot find the schema '%1', because it does not exist or you do not have "
-                                       "permission.")
-                            .arg(name.name),
+            fail(15151,
+                 QStringLiteral(
+                     "Cannot find the schema '%1', because it does not exist or you do not have "
+                     "permission.")
+                     .arg(name.name),
                  name.line);
-        CatalogQuery(catalog.handle(), "UPDATE \"zov$schemas\" SET principal_id=? WHERE schema_id=?")
+        CatalogQuery(catalog.handle(),
+                     "UPDATE \"zov$schemas\" SET principal_id=? WHERE schema_id=?")
             .add(owner)
             .add(*schema)
             .run();
@@ -598,9 +667,11 @@ void alterAuthorization(SessionState& session, TokenCursor& cursor) {
     }
     readSecurable(catalog, cursor, name, scope);
     if (owner != 1)
-        fail(40000, QStringLiteral("The embedded server keeps the owner of a schema only; '%1' can't be given to "
-                                   "'%2' by itself.")
-                        .arg(name.display(), ownerName),
+        fail(40000,
+             QStringLiteral(
+                 "The embedded server keeps the owner of a schema only; '%1' can't be given to "
+                 "'%2' by itself.")
+                 .arg(name.display(), ownerName),
              name.line);
 }
 

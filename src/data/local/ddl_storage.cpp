@@ -1,5 +1,5 @@
-// The SQLite tables and indexes behind catalogue tables: made from the catalogue alone, so that every
-// change of a table is "change the catalogue, make the table anew".
+// The SQLite tables and indexes behind catalogue tables: made from the catalogue alone, so that
+// every change of a table is "change the catalogue, make the table anew".
 #include "data/local/ddl.h"
 #include "data/local/query_engine.h"
 #include "data/local/server_store.h"
@@ -23,27 +23,33 @@ QString declaredType(const TypeFacts& type) {
         case 48:
         case 52:
         case 56:
-        case 127: return QStringLiteral(" INTEGER");
+        case 127:
+            return QStringLiteral(" INTEGER");
         case 59:
-        case 62: return QStringLiteral(" REAL");
+        case 62:
+            return QStringLiteral(" REAL");
         case 60:
         case 106:
         case 108:
         case 122:
         case 98:
-        case 240: return {};   // values are kept as they are given
+        case 240:
+            return {};  // values are kept as they are given
         case 34:
         case 165:
         case 173:
-        case 189: return QStringLiteral(" BLOB");
+        case 189:
+            return QStringLiteral(" BLOB");
         case 35:
         case 99:
         case 167:
         case 175:
         case 231:
         case 239:
-        case 241: return QStringLiteral(" TEXT COLLATE NOCASE");
-        default: return QStringLiteral(" TEXT");
+        case 241:
+            return QStringLiteral(" TEXT COLLATE NOCASE");
+        default:
+            return QStringLiteral(" TEXT");
     }
 }
 
@@ -67,7 +73,8 @@ QString generatedColumn(Catalog& catalog, const ObjectFacts& table, const Column
 bool sqliteTakes(sqlite3* handle, const QString& sql) {
     sqlite3_stmt* statement = nullptr;
     const QByteArray utf8 = sql.toUtf8();
-    const int code = sqlite3_prepare_v2(handle, utf8.constData(), int(utf8.size()), &statement, nullptr);
+    const int code =
+        sqlite3_prepare_v2(handle, utf8.constData(), int(utf8.size()), &statement, nullptr);
     sqlite3_finalize(statement);
     return code == SQLITE_OK;
 }
@@ -89,8 +96,10 @@ void createStorage(Catalog& catalog, const ObjectFacts& table, const QString& sq
                                        : QStringLiteral(" GENERATED ALWAYS AS (NULL) VIRTUAL");
                 continue;
             }
-            if (column.colid == rowidColumn) sql += QStringLiteral(" PRIMARY KEY");
-            else if (!column.nullable) sql += QStringLiteral(" NOT NULL");
+            if (column.colid == rowidColumn)
+                sql += QStringLiteral(" PRIMARY KEY");
+            else if (!column.nullable)
+                sql += QStringLiteral(" NOT NULL");
         }
         return sql + u')';
     };
@@ -105,7 +114,9 @@ StoredValue readValue(sqlite3_stmt* statement, int column, const TypeFacts& type
     StoredValue value;
     value.type = columnInfo(type, true);
     switch (sqlite3_column_type(statement, column)) {
-        case SQLITE_NULL: value.kind = StoredValue::Kind::Null; break;
+        case SQLITE_NULL:
+            value.kind = StoredValue::Kind::Null;
+            break;
         case SQLITE_INTEGER:
             value.kind = StoredValue::Kind::Integer;
             value.integer = sqlite3_column_int64(statement, column);
@@ -115,10 +126,12 @@ StoredValue readValue(sqlite3_stmt* statement, int column, const TypeFacts& type
             value.real = sqlite3_column_double(statement, column);
             break;
         default:
-            value.kind = sqlite3_column_type(statement, column) == SQLITE_TEXT ? StoredValue::Kind::Text
-                                                                              : StoredValue::Kind::Blob;
-            value.bytes = QByteArray(static_cast<const char*>(sqlite3_column_blob(statement, column)),
-                                     sqlite3_column_bytes(statement, column));
+            value.kind = sqlite3_column_type(statement, column) == SQLITE_TEXT
+                             ? StoredValue::Kind::Text
+                             : StoredValue::Kind::Blob;
+            value.bytes =
+                QByteArray(static_cast<const char*>(sqlite3_column_blob(statement, column)),
+                           sqlite3_column_bytes(statement, column));
             break;
     }
     return value;
@@ -126,16 +139,22 @@ StoredValue readValue(sqlite3_stmt* statement, int column, const TypeFacts& type
 
 void bindValue(sqlite3_stmt* statement, int parameter, const StoredValue& value) {
     switch (value.kind) {
-        case StoredValue::Kind::Null: sqlite3_bind_null(statement, parameter); break;
-        case StoredValue::Kind::Integer: sqlite3_bind_int64(statement, parameter, value.integer); break;
-        case StoredValue::Kind::Real: sqlite3_bind_double(statement, parameter, value.real); break;
+        case StoredValue::Kind::Null:
+            sqlite3_bind_null(statement, parameter);
+            break;
+        case StoredValue::Kind::Integer:
+            sqlite3_bind_int64(statement, parameter, value.integer);
+            break;
+        case StoredValue::Kind::Real:
+            sqlite3_bind_double(statement, parameter, value.real);
+            break;
         case StoredValue::Kind::Text:
-            sqlite3_bind_text(statement, parameter, value.bytes.constData(), int(value.bytes.size()),
-                              SQLITE_TRANSIENT);
+            sqlite3_bind_text(statement, parameter, value.bytes.constData(),
+                              int(value.bytes.size()), SQLITE_TRANSIENT);
             break;
         case StoredValue::Kind::Blob:
-            sqlite3_bind_blob(statement, parameter, value.bytes.constData(), int(value.bytes.size()),
-                              SQLITE_TRANSIENT);
+            sqlite3_bind_blob(statement, parameter, value.bytes.constData(),
+                              int(value.bytes.size()), SQLITE_TRANSIENT);
             break;
     }
 }
@@ -143,7 +162,8 @@ void bindValue(sqlite3_stmt* statement, int parameter, const StoredValue& value)
 // What a conversion must not lose: an assignment would refuse it.
 void requireFits(const StoredValue& value, const TypeFacts& type) {
     const bool bytes = value.kind == StoredValue::Kind::Blob;
-    if (value.isNull() || type.length < 0 || (!type.isText() && type.xtype != 165 && type.xtype != 173))
+    if (value.isNull() || type.length < 0 ||
+        (!type.isText() && type.xtype != 165 && type.xtype != 173))
         return;
     if (type.xtype == 35 || type.xtype == 99) return;
     const qsizetype size = bytes ? value.bytes.size() : QString::fromUtf8(value.bytes).size();
@@ -175,24 +195,30 @@ class RowCopier {
             }
             names += quoted(column.facts.name);
             places += u'?';
-            read += column.source.oldName.isEmpty() ? QStringLiteral("NULL") : quoted(column.source.oldName);
+            read += column.source.oldName.isEmpty() ? QStringLiteral("NULL")
+                                                    : quoted(column.source.oldName);
             plain_ = plain_ && !column.source.oldName.isEmpty() && !column.source.oldType;
         }
         if (columns_.empty()) return;
         sqlite3* handle = catalog_.handle();
         if (plain_) {
-            execSql(handle, QStringLiteral("INSERT INTO %1(%2) SELECT %3 FROM %4").arg(to_, names, read, from_));
+            execSql(handle, QStringLiteral("INSERT INTO %1(%2) SELECT %3 FROM %4")
+                                .arg(to_, names, read, from_));
             return;
         }
-        CatalogQuery select(handle, QStringLiteral("SELECT %1 FROM %2").arg(read, from_).toUtf8().constData());
-        CatalogQuery insert(
-            handle, QStringLiteral("INSERT INTO %1(%2) VALUES(%3)").arg(to_, names, places).toUtf8().constData());
+        CatalogQuery select(
+            handle, QStringLiteral("SELECT %1 FROM %2").arg(read, from_).toUtf8().constData());
+        CatalogQuery insert(handle, QStringLiteral("INSERT INTO %1(%2) VALUES(%3)")
+                                        .arg(to_, names, places)
+                                        .toUtf8()
+                                        .constData());
         Variables none;
         qint64 row = 0;
         while (select.step()) {
             ++row;
             insert.again();
-            for (int i = 0; i < int(columns_.size()); ++i) copyCell(select.raw(), insert.raw(), i, row, none);
+            for (int i = 0; i < int(columns_.size()); ++i)
+                copyCell(select.raw(), insert.raw(), i, row, none);
             insert.run();
         }
     }
@@ -213,13 +239,15 @@ class RowCopier {
         StoredValue value;
         const ColumnInfo target = columnInfo(column.facts.type, column.facts.nullable);
         if (!column.source.oldName.isEmpty()) {
-            value = convertValue(catalog_.session(), readValue(from, i, *column.source.oldType), target, false);
+            value = convertValue(catalog_.session(), readValue(from, i, *column.source.oldType),
+                                 target, false);
         } else if (!column.facts.seed.isNull()) {
             // A new identity column numbers the rows that are there.
-            const qint64 number = column.facts.seed.toLongLong() +
-                                  (row - 1) * column.facts.increment.toLongLong();
+            const qint64 number =
+                column.facts.seed.toLongLong() + (row - 1) * column.facts.increment.toLongLong();
             value = StoredValue::ofInteger(number, SqlType::BigInt);
-            CatalogQuery(catalog_.handle(), "UPDATE \"zov$columns\" SET identity_last=? WHERE id=? AND colid=?")
+            CatalogQuery(catalog_.handle(),
+                         "UPDATE \"zov$columns\" SET identity_last=? WHERE id=? AND colid=?")
                 .add(QString::number(number))
                 .add(table_.id)
                 .add(column.facts.colid)
@@ -227,13 +255,16 @@ class RowCopier {
         } else if (!column.fill.empty()) {
             const std::span<const Token> all(column.fill);
             value = convertValue(catalog_.session(),
-                                 evaluate(catalog_.session(), all.first(all.size() - 1), none), target, false);
+                                 evaluate(catalog_.session(), all.first(all.size() - 1), none),
+                                 target, false);
         }
         requireFits(value, column.facts.type);
         if (value.isNull() && !column.facts.nullable)
-            fail(515, QStringLiteral("Cannot insert the value NULL into column '%1', table '%2.%3.%4'; column "
-                                     "does not allow nulls. UPDATE fails.")
-                          .arg(column.facts.name, catalog_.database().name, table_.schema, table_.name),
+            fail(515,
+                 QStringLiteral(
+                     "Cannot insert the value NULL into column '%1', table '%2.%3.%4'; column "
+                     "does not allow nulls. UPDATE fails.")
+                     .arg(column.facts.name, catalog_.database().name, table_.schema, table_.name),
                  0, ado_error::IntegrityViolation);
         bindValue(to, i + 1, value);
     }
@@ -260,7 +291,8 @@ bool isRowidKey(const Catalog& catalog, const ObjectFacts& table, const IndexFac
 
 void makeStorage(Catalog& catalog, const ObjectFacts& table) {
     createStorage(catalog, table, quotedTable(table.schema, table.name));
-    for (const IndexFacts& index : catalog.indexes(table.id)) makeStorageIndex(catalog, table, index);
+    for (const IndexFacts& index : catalog.indexes(table.id))
+        makeStorageIndex(catalog, table, index);
 }
 
 void rebuildStorage(Catalog& catalog, const ObjectFacts& table, const QString& oldName,
@@ -275,7 +307,8 @@ void rebuildStorage(Catalog& catalog, const ObjectFacts& table, const QString& o
     execSql(handle, QStringLiteral("DROP TABLE ") + oldName);
     execSql(handle, QStringLiteral("ALTER TABLE %1 RENAME TO %2")
                         .arg(scratch, quotedTable(table.schema, table.name)));
-    for (const IndexFacts& index : catalog.indexes(table.id)) makeStorageIndex(catalog, table, index);
+    for (const IndexFacts& index : catalog.indexes(table.id))
+        makeStorageIndex(catalog, table, index);
 }
 
 void makeStorageIndex(Catalog& catalog, const ObjectFacts& table, const IndexFacts& index) {
@@ -318,9 +351,11 @@ void makeStorageIndex(Catalog& catalog, const ObjectFacts& table, const IndexFac
     const QByteArray utf8 = sql(unique, filter).toUtf8();
     const int code = sqlite3_exec(catalog.handle(), utf8.constData(), nullptr, nullptr, nullptr);
     if ((code & 0xff) == SQLITE_CONSTRAINT)
-        fail(1505, QStringLiteral("The CREATE UNIQUE INDEX statement terminated because a duplicate key was "
-                                  "found for the object name '%1' and the index name '%2'.")
-                       .arg(table.display(), index.name),
+        fail(1505,
+             QStringLiteral(
+                 "The CREATE UNIQUE INDEX statement terminated because a duplicate key was "
+                 "found for the object name '%1' and the index name '%2'.")
+                 .arg(table.display(), index.name),
              0, ado_error::IntegrityViolation);
     checkSqlite(catalog.handle(), code);
 }
@@ -331,7 +366,8 @@ void dropStorageIndex(Catalog& catalog, int tableId, int indid) {
 
 void removeConstraint(Catalog& catalog, const ObjectFacts& table, const ObjectFacts& constraint) {
     if (constraint.xtype == QLatin1String("D"))
-        CatalogQuery(catalog.handle(), "UPDATE \"zov$columns\" SET cdefault=0 WHERE id=? AND cdefault=?")
+        CatalogQuery(catalog.handle(),
+                     "UPDATE \"zov$columns\" SET cdefault=0 WHERE id=? AND cdefault=?")
             .add(table.id)
             .add(constraint.id)
             .run();
@@ -345,13 +381,15 @@ void removeConstraint(Catalog& catalog, const ObjectFacts& table, const ObjectFa
 
 void removeTable(Catalog& catalog, const ObjectFacts& table) {
     for (const ObjectFacts& child : catalog.children(table.id)) catalog.removeObject(child.id);
-    for (const char* sql : {"DELETE FROM \"zov$indexkeys\" WHERE id=?", "DELETE FROM \"zov$indexes\" WHERE id=?"})
+    for (const char* sql :
+         {"DELETE FROM \"zov$indexkeys\" WHERE id=?", "DELETE FROM \"zov$indexes\" WHERE id=?"})
         CatalogQuery(catalog.handle(), sql).add(table.id).run();
     for (const char* sql : {"DELETE FROM \"zov$properties\" WHERE class=7 AND major_id=?"})
         CatalogQuery(catalog.handle(), sql).add(table.id).run();
     catalog.removeObject(table.id);
     if (table.isTable())
-        execSql(catalog.handle(), QStringLiteral("DROP TABLE IF EXISTS ") + quotedTable(table.schema, table.name));
+        execSql(catalog.handle(),
+                QStringLiteral("DROP TABLE IF EXISTS ") + quotedTable(table.schema, table.name));
 }
 
 }  // namespace zov::local

@@ -1,7 +1,7 @@
-// CREATE TABLE, DROP TABLE, TRUNCATE TABLE: reading columns and constraints, and writing them with the
-// server's rules for nullability, key columns and generated names.
-#include "data/local/definitions.h"
+// CREATE TABLE, DROP TABLE, TRUNCATE TABLE: reading columns and constraints, and writing them with
+// the server's rules for nullability, key columns and generated names.
 #include "data/local/ddl.h"
+#include "data/local/definitions.h"
 #include "data/local/query_engine.h"
 #include "data/local/server_store.h"
 
@@ -21,8 +21,10 @@ void readGroup(TokenCursor& cursor) {
 }
 
 void readClustering(TokenCursor& cursor, ConstraintSpec& spec) {
-    if (cursor.accept("CLUSTERED")) spec.clustered = true;
-    else if (cursor.accept("NONCLUSTERED")) spec.clustered = false;
+    if (cursor.accept("CLUSTERED"))
+        spec.clustered = true;
+    else if (cursor.accept("NONCLUSTERED"))
+        spec.clustered = false;
 }
 
 QString readAction(TokenCursor& cursor) {
@@ -41,10 +43,14 @@ void readReference(TokenCursor& cursor, ConstraintSpec& spec) {
         readKeyColumns(cursor, spec.referencedColumns, unused);
     }
     for (;;) {
-        if (cursor.accept({"ON", "DELETE"})) spec.deleteAction = readAction(cursor);
-        else if (cursor.accept({"ON", "UPDATE"})) spec.updateAction = readAction(cursor);
-        else if (cursor.accept({"NOT", "FOR", "REPLICATION"})) continue;
-        else return;
+        if (cursor.accept({"ON", "DELETE"}))
+            spec.deleteAction = readAction(cursor);
+        else if (cursor.accept({"ON", "UPDATE"}))
+            spec.updateAction = readAction(cursor);
+        else if (cursor.accept({"NOT", "FOR", "REPLICATION"}))
+            continue;
+        else
+            return;
     }
 }
 
@@ -92,14 +98,17 @@ ConstraintSpec readConstraint(const Catalog& catalog, TokenCursor& cursor, const
         readReference(cursor, spec);
     } else if (cursor.accept("DEFAULT")) {
         spec.kind = QStringLiteral("D");
-        const auto expression =
-            cursor.until({"CONSTRAINT", "NOT", "NULL", "PRIMARY", "UNIQUE", "CHECK", "REFERENCES", "FOREIGN",
-                          "IDENTITY", "COLLATE", "ROWGUIDCOL", "WITH", "FOR", "DEFAULT", "SPARSE", "INDEX"});
+        const auto expression = cursor.until(
+            {"CONSTRAINT", "NOT", "NULL", "PRIMARY", "UNIQUE", "CHECK", "REFERENCES", "FOREIGN",
+             "IDENTITY", "COLLATE", "ROWGUIDCOL", "WITH", "FOR", "DEFAULT", "SPARSE", "INDEX"});
         spec.text = storedExpression(expression, formFor(catalog));
         for (;;) {
-            if (cursor.accept({"WITH", "VALUES"})) spec.withValues = true;
-            else if (column.isEmpty() && cursor.accept("FOR")) spec.columns = {cursor.name()};
-            else break;
+            if (cursor.accept({"WITH", "VALUES"}))
+                spec.withValues = true;
+            else if (column.isEmpty() && cursor.accept("FOR"))
+                spec.columns = {cursor.name()};
+            else
+                break;
         }
         if (!column.isEmpty()) spec.columns = {column};
         if (spec.columns.empty()) cursor.failHere();
@@ -156,16 +165,20 @@ void readIdentity(TokenCursor& cursor, ColumnSpec& column) {
 
 void requireIdentityType(const ColumnSpec& column) {
     const TypeFacts& type = column.facts.type;
-    const bool whole = type.isInteger() || ((type.xtype == 106 || type.xtype == 108) && type.scale == 0);
+    const bool whole =
+        type.isInteger() || ((type.xtype == 106 || type.xtype == 108) && type.scale == 0);
     if (!whole)
-        fail(2749, QStringLiteral("Identity column '%1' must be of data type int, bigint, smallint, tinyint, "
-                                  "or decimal or numeric with a scale of 0, and constrained to be "
-                                  "nonnullable.")
-                       .arg(column.facts.name),
+        fail(2749,
+             QStringLiteral(
+                 "Identity column '%1' must be of data type int, bigint, smallint, tinyint, "
+                 "or decimal or numeric with a scale of 0, and constrained to be "
+                 "nonnullable.")
+                 .arg(column.facts.name),
              column.line);
     if (column.facts.increment.toLongLong() == 0)
-        fail(2741, QStringLiteral("SET option failed: identity column '%1' has an increment of 0.")
-                       .arg(column.facts.name),
+        fail(2741,
+             QStringLiteral("SET option failed: identity column '%1' has an increment of 0.")
+                 .arg(column.facts.name),
              column.line);
 }
 
@@ -174,9 +187,9 @@ void readColumn(const Catalog& catalog, TokenCursor& cursor, TableParts& parts) 
     column.line = cursor.peek().line;
     column.facts.name = cursor.name();
     if (cursor.accept("AS")) {
-        column.facts.computed =
-            storedExpression(cursor.until({"PERSISTED", "CONSTRAINT", "PRIMARY", "UNIQUE", "CHECK"}),
-                             formFor(catalog));
+        column.facts.computed = storedExpression(
+            cursor.until({"PERSISTED", "CONSTRAINT", "PRIMARY", "UNIQUE", "CHECK"}),
+            formFor(catalog));
         if (cursor.accept("PERSISTED")) {
             column.facts.persisted = true;
             if (cursor.accept({"NOT", "NULL"})) column.nullable = false;
@@ -188,7 +201,7 @@ void readColumn(const Catalog& catalog, TokenCursor& cursor, TableParts& parts) 
         column.facts.type = readType(catalog, QStringLiteral("timestamp"));
     } else {
         column.facts.type = readType(catalog, cursor);
-        if (cursor.accept("IDENTITY")) {   // the usual place, before the loop below
+        if (cursor.accept("IDENTITY")) {  // the usual place, before the loop below
             readIdentity(cursor, column);
             requireIdentityType(column);
         }
@@ -196,9 +209,10 @@ void readColumn(const Catalog& catalog, TokenCursor& cursor, TableParts& parts) 
     while (!cursor.atEnd() && !cursor.is(",") && !cursor.is(")")) {
         if (cursor.accept("COLLATE")) {
             const QString collation = cursor.name();
-            column.facts.collation = collation.compare(QLatin1String("database_default"), Qt::CaseInsensitive)
-                                         ? collation
-                                         : QString();
+            column.facts.collation =
+                collation.compare(QLatin1String("database_default"), Qt::CaseInsensitive)
+                    ? collation
+                    : QString();
         } else if (cursor.accept("IDENTITY")) {
             readIdentity(cursor, column);
             requireIdentityType(column);
@@ -208,11 +222,14 @@ void readColumn(const Catalog& catalog, TokenCursor& cursor, TableParts& parts) 
             column.nullable = true;
         } else if (cursor.accept("ROWGUIDCOL")) {
             if (column.facts.type.xtype != 36)
-                fail(8196, QStringLiteral("Column '%1' is no uniqueidentifier; ROWGUIDCOL can't be given.")
-                               .arg(column.facts.name),
-                     column.line);
+                fail(
+                    8196,
+                    QStringLiteral("Column '%1' is no uniqueidentifier; ROWGUIDCOL can't be given.")
+                        .arg(column.facts.name),
+                    column.line);
             column.facts.rowguid = true;
-        } else if (cursor.accept("SPARSE") || cursor.accept("FILESTREAM") || cursor.accept("PERSISTED")) {
+        } else if (cursor.accept("SPARSE") || cursor.accept("FILESTREAM") ||
+                   cursor.accept("PERSISTED")) {
             continue;
         } else if (cursor.is("MASKED")) {
             cursor.next();
@@ -241,7 +258,8 @@ bool hasClustered(const Catalog& catalog, int tableId) {
 
 }  // namespace
 
-void readKeyColumns(TokenCursor& cursor, std::vector<QString>& names, std::vector<bool>& descending) {
+void readKeyColumns(TokenCursor& cursor, std::vector<QString>& names,
+                    std::vector<bool>& descending) {
     cursor.expect("(");
     do {
         names.push_back(cursor.name());
@@ -262,7 +280,7 @@ QString readIndexOptions(TokenCursor& cursor) {
         if (cursor.accept("=")) {
             text += u'=' + cursor.next().source.toString().toUpper();
             if (braces && cursor.is("(")) cursor.parenthesised();
-            if (braces && cursor.accept("ON")) {   // ON PARTITIONS (...)
+            if (braces && cursor.accept("ON")) {  // ON PARTITIONS (...)
                 cursor.expect("PARTITIONS");
                 cursor.parenthesised();
             }
@@ -279,14 +297,15 @@ QString readIndexOptions(TokenCursor& cursor) {
                 cursor.expect(")");
             } else {
                 do option(false);
-                while (cursor.is(",") && (cursor.peek(1).is("FILLFACTOR") || cursor.peek(1).is("PAD_INDEX") ||
-                                          cursor.peek(1).is("IGNORE_DUP_KEY") ||
-                                          cursor.peek(1).is("DROP_EXISTING") ||
-                                          cursor.peek(1).is("SORT_IN_TEMPDB") ||
-                                          cursor.peek(1).is("STATISTICS_NORECOMPUTE")) &&
+                while (cursor.is(",") &&
+                       (cursor.peek(1).is("FILLFACTOR") || cursor.peek(1).is("PAD_INDEX") ||
+                        cursor.peek(1).is("IGNORE_DUP_KEY") || cursor.peek(1).is("DROP_EXISTING") ||
+                        cursor.peek(1).is("SORT_IN_TEMPDB") ||
+                        cursor.peek(1).is("STATISTICS_NORECOMPUTE")) &&
                        cursor.accept(","));
             }
-        } else if (cursor.is("ON") && !cursor.peek(1).is("DELETE") && !cursor.peek(1).is("UPDATE")) {
+        } else if (cursor.is("ON") && !cursor.peek(1).is("DELETE") &&
+                   !cursor.peek(1).is("UPDATE")) {
             cursor.next();
             readGroup(cursor);
         } else if (cursor.accept("FILESTREAM_ON") || cursor.accept("TEXTIMAGE_ON")) {
@@ -335,37 +354,48 @@ void writeColumns(Catalog& catalog, const ObjectFacts& table, std::vector<Column
     for (ColumnSpec& column : columns) {
         ColumnFacts& facts = column.facts;
         if (facts.name.size() > 128)
-            fail(103, QStringLiteral("The identifier that starts with '%1' is too long. Maximum length is "
-                                     "128.")
-                          .arg(facts.name.left(128)),
+            fail(103,
+                 QStringLiteral(
+                     "The identifier that starts with '%1' is too long. Maximum length is "
+                     "128.")
+                     .arg(facts.name.left(128)),
                  column.line);
         if (findColumn(known, facts.name))
-            fail(2705, QStringLiteral("Column names in each table must be unique. Column name '%1' in table "
-                                      "'%2' is specified more than once.")
-                           .arg(facts.name, table.name),
+            fail(2705,
+                 QStringLiteral(
+                     "Column names in each table must be unique. Column name '%1' in table "
+                     "'%2' is specified more than once.")
+                     .arg(facts.name, table.name),
                  column.line);
         facts.colid = ++colid;
         facts.colorder = ++order;
         const bool key = inPrimaryKey(column);
         if (!facts.seed.isNull()) {
             if (identity)
-                fail(2744, QStringLiteral("Multiple identity columns specified for table '%1'. Only one "
-                                          "identity column per table is allowed.")
-                               .arg(table.name),
+                fail(2744,
+                     QStringLiteral("Multiple identity columns specified for table '%1'. Only one "
+                                    "identity column per table is allowed.")
+                         .arg(table.name),
                      column.line);
             identity = true;
             if (column.nullable.value_or(false))
-                fail(8147, QStringLiteral("Could not create IDENTITY attribute on nullable column '%1', table "
-                                          "'%2'.")
-                               .arg(facts.name, table.name),
+                fail(8147,
+                     QStringLiteral(
+                         "Could not create IDENTITY attribute on nullable column '%1', table "
+                         "'%2'.")
+                         .arg(facts.name, table.name),
                      column.line);
         }
         if (key && column.nullable.value_or(false))
-            fail(8111, QStringLiteral("Cannot define PRIMARY KEY constraint on nullable column in table '%1'.")
-                           .arg(table.name),
+            fail(8111,
+                 QStringLiteral(
+                     "Cannot define PRIMARY KEY constraint on nullable column in table '%1'.")
+                     .arg(table.name),
                  column.line);
-        facts.nullable = column.nullable.value_or(facts.type.nullable) && !key && facts.seed.isNull();
-        if (facts.type.isText() && facts.collation.isEmpty()) facts.collation = catalog.fact("collation");
+        facts.nullable =
+            column.nullable.value_or(facts.type.nullable) && !key && facts.seed.isNull();
+        if (facts.type.isText() && facts.collation.isEmpty())
+            facts.collation = catalog.fact("collation");
         if (!facts.type.isText()) facts.collation = QString();
         known.push_back(facts);
         if (!facts.computed.isNull()) continue;
@@ -382,7 +412,7 @@ void writeColumns(Catalog& catalog, const ObjectFacts& table, std::vector<Column
         try {
             translateForSqlite(catalog.session(), all.first(all.size() - 1), table.id, &info);
         } catch (const DbError& error) {
-            if (error.native == 207) throw;   // an unknown column is the user's mistake
+            if (error.native == 207) throw;  // an unknown column is the user's mistake
         }
         column.facts.type = typeFacts(info);
         column.facts.nullable = column.nullable.value_or(true) && !inPrimaryKey(column) &&
@@ -400,18 +430,23 @@ std::vector<IndexKey> keysOf(Catalog& catalog, const ObjectFacts& table, const C
     for (size_t i = 0; i < spec.columns.size(); ++i) {
         const ColumnFacts* column = findColumn(columns, spec.columns[i]);
         if (!column)
-            fail(1911, QStringLiteral("Column name '%1' does not exist in the target table or view.")
-                           .arg(spec.columns[i]),
+            fail(1911,
+                 QStringLiteral("Column name '%1' does not exist in the target table or view.")
+                     .arg(spec.columns[i]),
                  spec.line);
         for (const IndexKey& key : keys)
             if (key.colid == column->colid)
-                fail(1909, QStringLiteral("Cannot use duplicate column names in index. Column name '%1' listed "
-                                          "more than once.")
-                               .arg(spec.columns[i]),
+                fail(1909,
+                     QStringLiteral(
+                         "Cannot use duplicate column names in index. Column name '%1' listed "
+                         "more than once.")
+                         .arg(spec.columns[i]),
                      spec.line);
         if (spec.kind == QLatin1String("PK") && column->nullable)
-            fail(8111, QStringLiteral("Cannot define PRIMARY KEY constraint on nullable column in table '%1'.")
-                           .arg(table.name),
+            fail(8111,
+                 QStringLiteral(
+                     "Cannot define PRIMARY KEY constraint on nullable column in table '%1'.")
+                     .arg(table.name),
                  spec.line);
         keys.push_back({column->colid, i < spec.descending.size() && spec.descending[i], false});
     }
@@ -419,19 +454,22 @@ std::vector<IndexKey> keysOf(Catalog& catalog, const ObjectFacts& table, const C
     return keys;
 }
 
-bool writeKey(Catalog& catalog, const ObjectFacts& table, const ConstraintSpec& spec, const QString& name,
-              const std::vector<ColumnFacts>& columns) {
+bool writeKey(Catalog& catalog, const ObjectFacts& table, const ConstraintSpec& spec,
+              const QString& name, const std::vector<ColumnFacts>& columns) {
     const bool primary = spec.kind == QLatin1String("PK");
     if (primary)
         for (const ObjectFacts& child : catalog.children(table.id))
             if (child.xtype == QLatin1String("PK"))
-                fail(1779, QStringLiteral("Table '%1' already has a primary key defined on it.").arg(table.name),
+                fail(1779,
+                     QStringLiteral("Table '%1' already has a primary key defined on it.")
+                         .arg(table.name),
                      spec.line);
     const bool taken = hasClustered(catalog, table.id);
     if (taken && spec.clustered.value_or(false))
-        fail(1902, QStringLiteral("Cannot create more than one clustered index on table '%1'. Drop the "
-                                  "existing clustered index before creating another.")
-                       .arg(table.display()),
+        fail(1902,
+             QStringLiteral("Cannot create more than one clustered index on table '%1'. Drop the "
+                            "existing clustered index before creating another.")
+                 .arg(table.display()),
              spec.line);
     IndexFacts index;
     index.keys = keysOf(catalog, table, spec, columns);
@@ -451,77 +489,93 @@ void writeForeignKey(Catalog& catalog, const ObjectFacts& table, const Constrain
     if (target.schema.isEmpty() && !catalog.find(target)) target.schema = table.schema;
     const std::optional<ObjectFacts> referenced = catalog.find(target);
     if (!referenced || !referenced->isTable())
-        fail(1767, QStringLiteral("Foreign key '%1' references invalid table '%2'.")
-                       .arg(name, spec.references.display()),
+        fail(1767,
+             QStringLiteral("Foreign key '%1' references invalid table '%2'.")
+                 .arg(name, spec.references.display()),
              spec.line);
     const std::vector<ColumnFacts> others = catalog.columns(referenced->id);
     std::vector<int> from, to;
     for (const QString& column : spec.columns) {
         const ColumnFacts* found = findColumn(columns, column);
         if (!found)
-            fail(1769, QStringLiteral("Foreign key '%1' references invalid column '%2' in referencing table "
-                                      "'%3'.")
-                           .arg(name, column, table.name),
+            fail(1769,
+                 QStringLiteral(
+                     "Foreign key '%1' references invalid column '%2' in referencing table "
+                     "'%3'.")
+                     .arg(name, column, table.name),
                  spec.line);
         from.push_back(found->colid);
     }
     const std::vector<IndexFacts> indexes = catalog.indexes(referenced->id);
     if (spec.referencedColumns.empty()) {
         for (const IndexFacts& index : indexes) {
-            const auto constraint = index.constraintId ? catalog.find(index.constraintId) : std::nullopt;
+            const auto constraint =
+                index.constraintId ? catalog.find(index.constraintId) : std::nullopt;
             if (!constraint || constraint->xtype != QLatin1String("PK")) continue;
             for (const IndexKey& key : index.keys) to.push_back(key.colid);
         }
         if (to.empty())
-            fail(1773, QStringLiteral("Foreign key '%1' has implicit reference to object '%2' which does not "
-                                      "have a primary key defined on it.")
-                           .arg(name, spec.references.display()),
+            fail(1773,
+                 QStringLiteral(
+                     "Foreign key '%1' has implicit reference to object '%2' which does not "
+                     "have a primary key defined on it.")
+                     .arg(name, spec.references.display()),
                  spec.line);
     }
     for (const QString& column : spec.referencedColumns) {
         const ColumnFacts* found = findColumn(others, column);
         if (!found)
-            fail(1770, QStringLiteral("Foreign key '%1' references invalid column '%2' in referenced table "
-                                      "'%3'.")
-                           .arg(name, column, spec.references.display()),
+            fail(1770,
+                 QStringLiteral(
+                     "Foreign key '%1' references invalid column '%2' in referenced table "
+                     "'%3'.")
+                     .arg(name, column, spec.references.display()),
                  spec.line);
         to.push_back(found->colid);
     }
     if (from.size() != to.size())
-        fail(8139, QStringLiteral("Number of referencing columns in foreign key differs from number of "
-                                  "referenced columns, table '%1'.")
-                       .arg(table.name),
+        fail(8139,
+             QStringLiteral("Number of referencing columns in foreign key differs from number of "
+                            "referenced columns, table '%1'.")
+                 .arg(table.name),
              spec.line);
     std::vector<int> wanted = to;
     std::sort(wanted.begin(), wanted.end());
-    const bool candidate = std::any_of(indexes.begin(), indexes.end(), [&](const IndexFacts& index) {
-        std::vector<int> key;
-        for (const IndexKey& part : index.keys)
-            if (!part.included) key.push_back(part.colid);
-        std::sort(key.begin(), key.end());
-        return index.unique && index.filter.isNull() && key == wanted;
-    });
+    const bool candidate =
+        std::any_of(indexes.begin(), indexes.end(), [&](const IndexFacts& index) {
+            std::vector<int> key;
+            for (const IndexKey& part : index.keys)
+                if (!part.included) key.push_back(part.colid);
+            std::sort(key.begin(), key.end());
+            return index.unique && index.filter.isNull() && key == wanted;
+        });
     if (!candidate)
-        fail(1776, QStringLiteral("There are no primary or candidate keys in the referenced table '%1' that "
-                                  "match the referencing column list in the foreign key '%2'.")
-                       .arg(spec.references.display(), name),
+        fail(1776,
+             QStringLiteral(
+                 "There are no primary or candidate keys in the referenced table '%1' that "
+                 "match the referencing column list in the foreign key '%2'.")
+                 .arg(spec.references.display(), name),
              spec.line);
     const auto byId = [](const std::vector<ColumnFacts>& all, int colid) {
-        return *std::find_if(all.begin(), all.end(), [=](const ColumnFacts& c) { return c.colid == colid; });
+        return *std::find_if(all.begin(), all.end(),
+                             [=](const ColumnFacts& c) { return c.colid == colid; });
     };
     for (size_t i = 0; i < from.size(); ++i) {
         const ColumnFacts a = byId(columns, from[i]);
         const ColumnFacts b = byId(others, to[i]);
         if (a.type.xtype != b.type.xtype)
-            fail(1778, QStringLiteral("Column '%1.%2' is not the same data type as referencing column "
-                                      "'%3.%4' in foreign key '%5'.")
-                           .arg(referenced->name, b.name, table.name, a.name, name),
+            fail(1778,
+                 QStringLiteral("Column '%1.%2' is not the same data type as referencing column "
+                                "'%3.%4' in foreign key '%5'.")
+                     .arg(referenced->name, b.name, table.name, a.name, name),
                  spec.line);
     }
     const int id = catalog.addObject(name, table.schemaId, QStringLiteral("F"), table.id, {},
                                      spec.name.isEmpty());
     if (spec.notTrusted)
-        CatalogQuery(catalog.handle(), "UPDATE \"zov$objects\" SET is_not_trusted=1 WHERE id=?").add(id).run();
+        CatalogQuery(catalog.handle(), "UPDATE \"zov$objects\" SET is_not_trusted=1 WHERE id=?")
+            .add(id)
+            .run();
     for (size_t i = 0; i < from.size(); ++i)
         CatalogQuery(catalog.handle(),
                      "INSERT INTO \"zov$references\"(constid, keyno, fkeyid, rkeyid, fkey, rkey,"
@@ -541,15 +595,19 @@ void writeDefault(Catalog& catalog, const ObjectFacts& table, const ConstraintSp
                   const QString& name, const std::vector<ColumnFacts>& columns) {
     const ColumnFacts* column = findColumn(columns, spec.columns.front());
     if (!column)
-        fail(1752, QStringLiteral("Column '%1' in table '%2' is invalid for creating a default constraint.")
-                       .arg(spec.columns.front(), table.name),
+        fail(1752,
+             QStringLiteral(
+                 "Column '%1' in table '%2' is invalid for creating a default constraint.")
+                 .arg(spec.columns.front(), table.name),
              spec.line);
     if (column->cdefault != 0)
         fail(1781, QStringLiteral("Column already has a DEFAULT bound to it."), spec.line);
     if (!column->seed.isNull() || !column->computed.isNull() || column->type.xtype == 189)
-        fail(1754, QStringLiteral("Defaults cannot be created on columns with an IDENTITY attribute. Table "
-                                  "'%1', column '%2'.")
-                       .arg(table.name, column->name),
+        fail(1754,
+             QStringLiteral(
+                 "Defaults cannot be created on columns with an IDENTITY attribute. Table "
+                 "'%1', column '%2'.")
+                 .arg(table.name, column->name),
              spec.line);
     const int id = catalog.addObject(name, table.schemaId, QStringLiteral("D"), table.id,
                                      QString::number(column->colid), spec.name.isEmpty());
@@ -583,8 +641,9 @@ bool writeConstraint(Catalog& catalog, const ObjectFacts& table, const Constrain
         writeDefault(catalog, table, spec, name, columns);
     } else {
         const ColumnFacts* column = findColumn(columns, spec.column);
-        const int id = catalog.addObject(name, table.schemaId, spec.kind, table.id,
-                                         QString::number(column ? column->colid : 0), spec.name.isEmpty());
+        const int id =
+            catalog.addObject(name, table.schemaId, spec.kind, table.id,
+                              QString::number(column ? column->colid : 0), spec.name.isEmpty());
         catalog.setText(id, spec.text);
         if (spec.notTrusted)
             CatalogQuery(catalog.handle(), "UPDATE \"zov$objects\" SET is_not_trusted=1 WHERE id=?")
@@ -597,28 +656,34 @@ bool writeConstraint(Catalog& catalog, const ObjectFacts& table, const Constrain
 void writeTableIndex(Catalog& catalog, const ObjectFacts& table, const TableIndexSpec& index) {
     for (const IndexFacts& other : catalog.indexes(table.id))
         if (other.name.compare(index.facts.name, Qt::CaseInsensitive) == 0)
-            fail(1913, QStringLiteral("The operation failed because an index or statistics with name '%1' "
-                                      "already exists on table '%2'.")
-                           .arg(index.facts.name, table.display()),
-                 index.line);
+            fail(
+                1913,
+                QStringLiteral("The operation failed because an index or statistics with name '%1' "
+                               "already exists on table '%2'.")
+                    .arg(index.facts.name, table.display()),
+                index.line);
     if (index.clustered && hasClustered(catalog, table.id))
-        fail(1902, QStringLiteral("Cannot create more than one clustered index on table '%1'. Drop the "
-                                  "existing clustered index before creating another.")
-                       .arg(table.display()),
+        fail(1902,
+             QStringLiteral("Cannot create more than one clustered index on table '%1'. Drop the "
+                            "existing clustered index before creating another.")
+                 .arg(table.display()),
              index.line);
     IndexFacts facts = index.facts;
     const std::vector<ColumnFacts> columns = catalog.columns(table.id);
     for (size_t i = 0; i < index.columns.size(); ++i) {
         const ColumnFacts* column = findColumn(columns, index.columns[i]);
         if (!column)
-            fail(1911, QStringLiteral("Column name '%1' does not exist in the target table or view.")
-                           .arg(index.columns[i]),
+            fail(1911,
+                 QStringLiteral("Column name '%1' does not exist in the target table or view.")
+                     .arg(index.columns[i]),
                  index.line);
         for (size_t j = 0; j < i; ++j)
             if (facts.keys[j].colid == column->colid)
-                fail(1909, QStringLiteral("Cannot use duplicate column names in index. Column name '%1' listed "
-                                          "more than once.")
-                               .arg(index.columns[i]),
+                fail(1909,
+                     QStringLiteral(
+                         "Cannot use duplicate column names in index. Column name '%1' listed "
+                         "more than once.")
+                         .arg(index.columns[i]),
                      index.line);
         facts.keys[i].colid = column->colid;
     }
@@ -629,7 +694,8 @@ void writeTableIndex(Catalog& catalog, const ObjectFacts& table, const TableInde
 void createTable(SessionState& session, TokenCursor& cursor) {
     const ObjectName name = cursor.objectName();
     if (name.name.startsWith(u'#'))
-        fail(40000, QStringLiteral("The embedded server keeps no temporary tables ('%1').").arg(name.name),
+        fail(40000,
+             QStringLiteral("The embedded server keeps no temporary tables ('%1').").arg(name.name),
              name.line);
     Catalog catalog = Catalog::forWriting(session, name);
     const int schema = catalog.requireSchema(name.schema);
@@ -638,13 +704,14 @@ void createTable(SessionState& session, TokenCursor& cursor) {
     for (;;) {
         readTableElement(catalog, cursor, parts);
         if (!cursor.accept(",")) break;
-        if (cursor.is(")")) break;   // a comma behind the last one is let pass, as the server does
+        if (cursor.is(")")) break;  // a comma behind the last one is let pass, as the server does
     }
     cursor.expect(")");
     readIndexOptions(cursor);
     cursor.expectEnd();
     if (parts.columns.empty())
-        fail(1759, QStringLiteral("A table without columns can't be made: '%1'.").arg(name.name), name.line);
+        fail(1759, QStringLiteral("A table without columns can't be made: '%1'.").arg(name.name),
+             name.line);
 
     ObjectFacts table;
     table.name = name.name;
@@ -652,7 +719,8 @@ void createTable(SessionState& session, TokenCursor& cursor) {
     table.schema = catalog.schemaName(schema);
     table.xtype = QStringLiteral("U");
     table.id = catalog.addObject(name.name, schema, table.xtype);
-    CatalogQuery(catalog.handle(), "INSERT INTO \"zov$indexes\"(id, indid, name) VALUES(?, 0, NULL)")
+    CatalogQuery(catalog.handle(),
+                 "INSERT INTO \"zov$indexes\"(id, indid, name) VALUES(?, 0, NULL)")
         .add(table.id)
         .run();
 
@@ -663,11 +731,15 @@ void createTable(SessionState& session, TokenCursor& cursor) {
     int primary = 0, clustered = 0;
     for (ConstraintSpec& spec : constraints) {
         if (spec.kind == QLatin1String("PK") && ++primary > 1)
-            fail(8110, QStringLiteral("Cannot add multiple PRIMARY KEY constraints to table '%1'.").arg(table.name),
+            fail(8110,
+                 QStringLiteral("Cannot add multiple PRIMARY KEY constraints to table '%1'.")
+                     .arg(table.name),
                  spec.line);
         if (spec.clustered.value_or(false) && ++clustered > 1)
-            fail(8112, QStringLiteral("Cannot add more than one clustered index for constraints on table '%1'.")
-                           .arg(table.name),
+            fail(8112,
+                 QStringLiteral(
+                     "Cannot add more than one clustered index for constraints on table '%1'.")
+                     .arg(table.name),
                  spec.line);
     }
     for (const TableIndexSpec& index : parts.indexes) clustered += index.clustered;
@@ -696,18 +768,22 @@ void dropTables(SessionState& session, TokenCursor& cursor) {
         const std::optional<ObjectFacts> table = catalog.find(name);
         if (!table || !table->isTable()) {
             if (ifExists) continue;
-            fail(3701, QStringLiteral("Cannot drop the table '%1', because it does not exist or you do not have "
-                                      "permission.")
-                           .arg(name.display()),
+            fail(3701,
+                 QStringLiteral(
+                     "Cannot drop the table '%1', because it does not exist or you do not have "
+                     "permission.")
+                     .arg(name.display()),
                  name.line);
         }
         CatalogQuery referenced(catalog.handle(),
                                 "SELECT 1 FROM \"zov$references\" WHERE rkeyid=?1 AND fkeyid<>?1");
         referenced.add(table->id);
         if (referenced.step())
-            fail(3726, QStringLiteral("Could not drop object '%1' because it is referenced by a FOREIGN KEY "
-                                      "constraint.")
-                           .arg(name.display()),
+            fail(3726,
+                 QStringLiteral(
+                     "Could not drop object '%1' because it is referenced by a FOREIGN KEY "
+                     "constraint.")
+                     .arg(name.display()),
                  name.line);
         referenced.again();
         removeTable(catalog, *table);
@@ -724,12 +800,15 @@ void truncateTable(SessionState& session, TokenCursor& cursor) {
                             "SELECT 1 FROM \"zov$references\" WHERE rkeyid=?1 AND fkeyid<>?1");
     referenced.add(table.id);
     if (referenced.step())
-        fail(4712, QStringLiteral("Cannot truncate table '%1' because it is being referenced by a FOREIGN KEY "
-                                  "constraint.")
-                       .arg(name.display()),
+        fail(4712,
+             QStringLiteral(
+                 "Cannot truncate table '%1' because it is being referenced by a FOREIGN KEY "
+                 "constraint.")
+                 .arg(name.display()),
              name.line);
     referenced.again();
-    execSql(catalog.handle(), QStringLiteral("DELETE FROM ") + quotedTable(table.schema, table.name));
+    execSql(catalog.handle(),
+            QStringLiteral("DELETE FROM ") + quotedTable(table.schema, table.name));
     CatalogQuery(catalog.handle(), "UPDATE \"zov$columns\" SET identity_last=NULL WHERE id=?")
         .add(table.id)
         .run();

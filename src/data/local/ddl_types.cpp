@@ -6,17 +6,24 @@
 namespace zov::local {
 namespace {
 
-int addType(Catalog& catalog, const QString& name, int schema, const TypeFacts& base, bool nullable, int line) {
-    CatalogQuery taken(catalog.handle(), "SELECT 1 FROM \"zov$types\" WHERE schema_id=? AND name=?");
+int addType(Catalog& catalog, const QString& name, int schema, const TypeFacts& base, bool nullable,
+            int line) {
+    CatalogQuery taken(catalog.handle(),
+                       "SELECT 1 FROM \"zov$types\" WHERE schema_id=? AND name=?");
     taken.add(schema).add(name);
     if (taken.step())
-        fail(219, QStringLiteral("The type '%1.%2' already exists, or you do not have permission to create it.")
-                      .arg(catalog.schemaName(schema), name),
+        fail(219,
+             QStringLiteral(
+                 "The type '%1.%2' already exists, or you do not have permission to create it.")
+                 .arg(catalog.schemaName(schema), name),
              line);
-    CatalogQuery last(catalog.handle(), "SELECT max(xusertype, 256) FROM (SELECT max(xusertype) AS xusertype FROM \"zov$types\")");
+    CatalogQuery last(
+        catalog.handle(),
+        "SELECT max(xusertype, 256) FROM (SELECT max(xusertype) AS xusertype FROM \"zov$types\")");
     const int id = last.step() ? last.number(0) + 1 : 257;
     CatalogQuery(catalog.handle(),
-                 "INSERT INTO \"zov$types\"(xusertype, xtype, name, length, prec, scale, allownulls, schema_id,"
+                 "INSERT INTO \"zov$types\"(xusertype, xtype, name, length, prec, scale, "
+                 "allownulls, schema_id,"
                  " isuser) VALUES(?,?,?,?,?,?,?,?,1)")
         .add(id)
         .add(base.xtype)
@@ -39,14 +46,18 @@ void createType(SessionState& session, TokenCursor& cursor) {
     if (cursor.accept("FROM")) {
         const TypeFacts base = readType(catalog, cursor);
         bool nullable = base.nullable;
-        if (cursor.accept({"NOT", "NULL"})) nullable = false;
-        else if (cursor.accept("NULL")) nullable = true;
+        if (cursor.accept({"NOT", "NULL"}))
+            nullable = false;
+        else if (cursor.accept("NULL"))
+            nullable = true;
         cursor.expectEnd();
         addType(catalog, name.name, schema, base, nullable, name.line);
         return;
     }
     if (cursor.accept({"EXTERNAL", "NAME"}))
-        fail(40000, QStringLiteral("The embedded server keeps no types of assemblies ('%1').").arg(name.display()),
+        fail(40000,
+             QStringLiteral("The embedded server keeps no types of assemblies ('%1').")
+                 .arg(name.display()),
              name.line);
     cursor.expect("AS");
     cursor.expect("TABLE");
@@ -82,28 +93,35 @@ void dropTypes(SessionState& session, TokenCursor& cursor) {
     cursor.expectEnd();
     Catalog catalog = Catalog::forWriting(session, name);
     const int schema = catalog.requireSchema(name.schema);
-    CatalogQuery found(catalog.handle(),
-                       "SELECT xusertype, xtype FROM \"zov$types\" WHERE isuser=1 AND schema_id=? AND name=?");
+    CatalogQuery found(
+        catalog.handle(),
+        "SELECT xusertype, xtype FROM \"zov$types\" WHERE isuser=1 AND schema_id=? AND name=?");
     found.add(schema).add(name.name);
     if (!found.step()) {
         if (ifExists) return;
-        fail(218, QStringLiteral("Could not find the type '%1'. Either it does not exist or you do not have the "
-                                 "necessary permission.")
-                      .arg(name.display()),
+        fail(218,
+             QStringLiteral(
+                 "Could not find the type '%1'. Either it does not exist or you do not have the "
+                 "necessary permission.")
+                 .arg(name.display()),
              name.line);
     }
     const int id = found.number(0);
     const bool table = found.number(1) == 243;
     CatalogQuery user(catalog.handle(),
-                      "SELECT o.name FROM \"zov$columns\" c JOIN \"zov$objects\" o ON o.id=c.id WHERE c.xusertype=?");
+                      "SELECT o.name FROM \"zov$columns\" c JOIN \"zov$objects\" o ON o.id=c.id "
+                      "WHERE c.xusertype=?");
     user.add(id);
     if (user.step())
-        fail(3732, QStringLiteral("Cannot drop type '%1' because it is being referenced by object '%2'. There may "
-                                  "be other objects that reference this type.")
-                       .arg(name.display(), user.text(0)),
+        fail(3732,
+             QStringLiteral(
+                 "Cannot drop type '%1' because it is being referenced by object '%2'. There may "
+                 "be other objects that reference this type.")
+                 .arg(name.display(), user.text(0)),
              name.line);
     if (table) {
-        CatalogQuery object(catalog.handle(), "SELECT id FROM \"zov$objects\" WHERE xtype='TT' AND info=?");
+        CatalogQuery object(catalog.handle(),
+                            "SELECT id FROM \"zov$objects\" WHERE xtype='TT' AND info=?");
         object.add(QString::number(id));
         if (object.step())
             if (const auto facts = catalog.find(object.number(0))) removeTable(catalog, *facts);

@@ -18,13 +18,13 @@ struct Printed {
     Level level = Level::Primary;
 };
 
-struct Unknown {};   // an expression that the printer leaves as it was written
+struct Unknown {};  // an expression that the printer leaves as it was written
 
 const QSet<QString>& datePartFunctions() {
-    static const QSet<QString> names = {
-        QStringLiteral("dateadd"),  QStringLiteral("datediff"),     QStringLiteral("datename"),
-        QStringLiteral("datepart"), QStringLiteral("datediff_big"), QStringLiteral("datetrunc"),
-        QStringLiteral("date_bucket")};
+    static const QSet<QString> names = {QStringLiteral("dateadd"),      QStringLiteral("datediff"),
+                                        QStringLiteral("datename"),     QStringLiteral("datepart"),
+                                        QStringLiteral("datediff_big"), QStringLiteral("datetrunc"),
+                                        QStringLiteral("date_bucket")};
     return names;
 }
 
@@ -86,7 +86,8 @@ QString number(const QString& written) {
 
 class Printer {
  public:
-    Printer(std::span<const Token> tokens, bool keepLists) : tokens_(tokens), keepLists_(keepLists) {}
+    Printer(std::span<const Token> tokens, bool keepLists)
+        : tokens_(tokens), keepLists_(keepLists) {}
 
     QString run() {
         const Printed all = condition();
@@ -122,8 +123,7 @@ class Printer {
         Printed left = negation();
         if (!peek().is("AND")) return left;
         QString text = inside(left, Level::And);
-        while (accept("AND"))
-            text += QStringLiteral(" AND ") + inside(negation(), Level::And);
+        while (accept("AND")) text += QStringLiteral(" AND ") + inside(negation(), Level::And);
         return {text, Level::And};
     }
 
@@ -146,10 +146,14 @@ class Printer {
         const Printed left = sum();
         const Token& token = peek();
         static const QHash<QString, QString> comparisons = {
-            {QStringLiteral("="), QStringLiteral("=")},   {QStringLiteral("<"), QStringLiteral("<")},
-            {QStringLiteral(">"), QStringLiteral(">")},   {QStringLiteral("<="), QStringLiteral("<=")},
-            {QStringLiteral(">="), QStringLiteral(">=")}, {QStringLiteral("<>"), QStringLiteral("<>")},
-            {QStringLiteral("!="), QStringLiteral("<>")}, {QStringLiteral("!<"), QStringLiteral(">=")},
+            {QStringLiteral("="), QStringLiteral("=")},
+            {QStringLiteral("<"), QStringLiteral("<")},
+            {QStringLiteral(">"), QStringLiteral(">")},
+            {QStringLiteral("<="), QStringLiteral("<=")},
+            {QStringLiteral(">="), QStringLiteral(">=")},
+            {QStringLiteral("<>"), QStringLiteral("<>")},
+            {QStringLiteral("!="), QStringLiteral("<>")},
+            {QStringLiteral("!<"), QStringLiteral(">=")},
             {QStringLiteral("!>"), QStringLiteral("<=")}};
         if (token.kind == TokenKind::Operator) {
             const auto found = comparisons.constFind(token.source.toString());
@@ -161,7 +165,8 @@ class Printer {
             ++at_;
             const bool negated = accept("NOT");
             expect("NULL");
-            return {operand(left) + (negated ? QStringLiteral(" IS NOT NULL") : QStringLiteral(" IS NULL")),
+            return {operand(left) +
+                        (negated ? QStringLiteral(" IS NOT NULL") : QStringLiteral(" IS NULL")),
                     Level::Comparison};
         }
         const bool negated = token.is("NOT");
@@ -203,7 +208,8 @@ class Printer {
         if (keepLists_) {
             for (const QString& value : values)
                 text += (text.isEmpty() ? QString() : QStringLiteral(", ")) + value;
-            return {left + (negated ? QStringLiteral(" NOT IN (") : QStringLiteral(" IN (")) + text + u')',
+            return {left + (negated ? QStringLiteral(" NOT IN (") : QStringLiteral(" IN (")) +
+                        text + u')',
                     Level::Comparison};
         }
         // The server unrolls the list from its end.
@@ -258,11 +264,13 @@ class Printer {
         Printed part = primary();
         if (accept("COLLATE")) {
             if (!peek().isName()) throw Unknown{};
-            part = {operand(part) + QStringLiteral(" collate ") + tokens_[at_++].name(), Level::Unary};
+            part = {operand(part) + QStringLiteral(" collate ") + tokens_[at_++].name(),
+                    Level::Unary};
         }
         if (peek().is("AT") && peek(1).is("TIME") && peek(2).is("ZONE")) {
             at_ += 3;
-            part = {operand(part) + QStringLiteral(" AT TIME ZONE ") + operand(primary()), Level::Unary};
+            part = {operand(part) + QStringLiteral(" AT TIME ZONE ") + operand(primary()),
+                    Level::Unary};
         }
         return part;
     }
@@ -270,11 +278,16 @@ class Printer {
     Printed primary() {
         const Token& token = peek();
         switch (token.kind) {
-            case TokenKind::Number: ++at_; return {number(token.source.toString()), Level::Primary};
-            case TokenKind::Binary: ++at_; return {token.source.toString(), Level::Primary};
+            case TokenKind::Number:
+                ++at_;
+                return {number(token.source.toString()), Level::Primary};
+            case TokenKind::Binary:
+                ++at_;
+                return {token.source.toString(), Level::Primary};
             case TokenKind::String: {
                 ++at_;
-                const bool national = token.source.startsWith(u'N') || token.source.startsWith(u'n');
+                const bool national =
+                    token.source.startsWith(u'N') || token.source.startsWith(u'n');
                 return {(national ? QStringLiteral("N'") : QStringLiteral("'")) +
                             QString(token.value).replace(u'\'', QLatin1String("''")) + u'\'',
                         Level::Primary};
@@ -283,11 +296,13 @@ class Printer {
                 expect("(");
                 const Printed inner = condition();
                 expect(")");
-                return inner;   // the levels put back what is needed
+                return inner;  // the levels put back what is needed
             }
             case TokenKind::Word:
-            case TokenKind::Quoted: return name();
-            default: throw Unknown{};
+            case TokenKind::Quoted:
+                return name();
+            default:
+                throw Unknown{};
         }
     }
 
@@ -351,9 +366,12 @@ class Printer {
         if (accept(")")) return list;
         do {
             if (!list.isEmpty()) list += u',';
-            if (accept("DEFAULT")) list += QStringLiteral("default");
-            else if (accept("*")) list += u'*';
-            else list += condition().text;
+            if (accept("DEFAULT"))
+                list += QStringLiteral("default");
+            else if (accept("*"))
+                list += u'*';
+            else
+                list += condition().text;
         } while (accept(","));
         expect(")");
         return list;
@@ -384,7 +402,8 @@ class Printer {
             expect("AS");
             const QString target = type();
             expect(")");
-            return {(name == QLatin1String("cast") ? QStringLiteral("CONVERT(") : QStringLiteral("TRY_CAST(")) +
+            return {(name == QLatin1String("cast") ? QStringLiteral("CONVERT(")
+                                                   : QStringLiteral("TRY_CAST(")) +
                         (name == QLatin1String("cast") ? target + u',' + value
                                                        : value + QStringLiteral(" AS ") + target) +
                         u')',
@@ -405,7 +424,8 @@ class Printer {
             expect(",");
             const QString no = condition().text;
             expect(")");
-            return {QStringLiteral("case when %1 then %2 else %3 end").arg(test, yes, no), Level::Primary};
+            return {QStringLiteral("case when %1 then %2 else %3 end").arg(test, yes, no),
+                    Level::Primary};
         }
         if (datePartFunctions().contains(name)) {
             if (peek().kind != TokenKind::Word) throw Unknown{};
@@ -437,7 +457,8 @@ class Printer {
 
 // The expression without the pairs of parentheses that enclose all of it.
 std::span<const Token> unwrapped(std::span<const Token> tokens) {
-    while (!tokens.empty() && tokens.back().kind == TokenKind::End) tokens = tokens.first(tokens.size() - 1);
+    while (!tokens.empty() && tokens.back().kind == TokenKind::End)
+        tokens = tokens.first(tokens.size() - 1);
     while (tokens.size() > 2 && tokens.front().is("(") && tokens.back().is(")")) {
         int depth = 0;
         for (size_t i = 0; i + 1 < tokens.size(); ++i) {
@@ -467,7 +488,9 @@ QString defaultExpression(const QString& stored) {
     const std::vector<Token> tokens = tokenize(stored);
     if (!tokens.front().is("CREATE")) return stored;
     for (size_t i = 0; i + 1 < tokens.size(); ++i)
-        if (tokens[i].is("AS")) return writtenText(std::span<const Token>(tokens).subspan(i + 1, tokens.size() - i - 2));
+        if (tokens[i].is("AS"))
+            return writtenText(
+                std::span<const Token>(tokens).subspan(i + 1, tokens.size() - i - 2));
     return stored;
 }
 

@@ -13,7 +13,9 @@ void giveError(sqlite3_context* context, qint32 native, const QString& text) {
     sqlite3_result_error(context, message.constData(), int(message.size()));
 }
 
-void giveError(sqlite3_context* context, const DbError& error) { giveError(context, error.native, error.description); }
+void giveError(sqlite3_context* context, const DbError& error) {
+    giveError(context, error.native, error.description);
+}
 
 StoredValue valueOf(sqlite3_value* value, const ColumnInfo& type) {
     StoredValue result;
@@ -33,21 +35,28 @@ StoredValue valueOf(sqlite3_value* value, const ColumnInfo& type) {
             break;
         case SQLITE_BLOB:
             result.kind = StoredValue::Kind::Blob;
-            result.bytes = QByteArray(static_cast<const char*>(sqlite3_value_blob(value)), sqlite3_value_bytes(value));
+            result.bytes = QByteArray(static_cast<const char*>(sqlite3_value_blob(value)),
+                                      sqlite3_value_bytes(value));
             break;
-        default: break;
+        default:
+            break;
     }
     return result;
 }
 
 void giveValue(sqlite3_context* context, const StoredValue& value) {
     switch (value.kind) {
-        case StoredValue::Kind::Null: return sqlite3_result_null(context);
-        case StoredValue::Kind::Integer: return sqlite3_result_int64(context, value.integer);
-        case StoredValue::Kind::Real: return sqlite3_result_double(context, value.real);
-        case StoredValue::Kind::Text: return giveText(context, value.bytes);
+        case StoredValue::Kind::Null:
+            return sqlite3_result_null(context);
+        case StoredValue::Kind::Integer:
+            return sqlite3_result_int64(context, value.integer);
+        case StoredValue::Kind::Real:
+            return sqlite3_result_double(context, value.real);
+        case StoredValue::Kind::Text:
+            return giveText(context, value.bytes);
         case StoredValue::Kind::Blob:
-            return sqlite3_result_blob(context, value.bytes.constData(), int(value.bytes.size()), SQLITE_TRANSIENT);
+            return sqlite3_result_blob(context, value.bytes.constData(), int(value.bytes.size()),
+                                       SQLITE_TRANSIENT);
     }
 }
 
@@ -56,10 +65,14 @@ namespace {
 /// The type of a value that nothing was known of.
 ColumnInfo guessedType(sqlite3_value* value) {
     switch (sqlite3_value_type(value)) {
-        case SQLITE_INTEGER: return makeType(SqlType::BigInt);
-        case SQLITE_FLOAT: return makeType(SqlType::Float);
-        case SQLITE_BLOB: return makeType(SqlType::VarBinary, -1);
-        default: return makeType(SqlType::NVarChar, -1);
+        case SQLITE_INTEGER:
+            return makeType(SqlType::BigInt);
+        case SQLITE_FLOAT:
+            return makeType(SqlType::Float);
+        case SQLITE_BLOB:
+            return makeType(SqlType::VarBinary, -1);
+        default:
+            return makeType(SqlType::NVarChar, -1);
     }
 }
 
@@ -68,7 +81,8 @@ void convert(sqlite3_context* context, sqlite3_value** arguments, bool tolerant)
     const qint64 from = sqlite3_value_int64(arguments[1]);
     const ColumnInfo fromType = from < 0 ? guessedType(arguments[0]) : unpackType(from);
     const ColumnInfo toType = unpackType(sqlite3_value_int64(arguments[2]));
-    static const QString formats[] = {QStringLiteral("mdy"), QStringLiteral("dmy"), QStringLiteral("ymd")};
+    static const QString formats[] = {QStringLiteral("mdy"), QStringLiteral("dmy"),
+                                      QStringLiteral("ymd")};
     try {
         giveValue(context, convertStored(valueOf(arguments[0], fromType), toType, true,
                                          formats[std::clamp(sqlite3_value_int(arguments[4]), 0, 2)],
@@ -79,7 +93,9 @@ void convert(sqlite3_context* context, sqlite3_value** arguments, bool tolerant)
     }
 }
 
-inline unsigned char folded(unsigned char c) { return c >= 'A' && c <= 'Z' ? (unsigned char)(c + 32) : c; }
+inline unsigned char folded(unsigned char c) {
+    return c >= 'A' && c <= 'Z' ? (unsigned char)(c + 32) : c;
+}
 
 inline int trimmedLength(const unsigned char* text, int length) {
     while (length > 0 && text[length - 1] == ' ') --length;
@@ -87,8 +103,10 @@ inline int trimmedLength(const unsigned char* text, int length) {
 }
 
 /// Text that holds letters beyond ASCII, compared by Unicode's own folding.
-int compareUnicode(const char* a, int lengthA, const char* b, int lengthB, Qt::CaseSensitivity sensitivity) {
-    return QString::compare(QString::fromUtf8(a, lengthA), QString::fromUtf8(b, lengthB), sensitivity);
+int compareUnicode(const char* a, int lengthA, const char* b, int lengthB,
+                   Qt::CaseSensitivity sensitivity) {
+    return QString::compare(QString::fromUtf8(a, lengthA), QString::fromUtf8(b, lengthB),
+                            sensitivity);
 }
 
 /// T-SQL's comparison of texts: blanks at the end don't count, letters match in any case. A blank
@@ -99,18 +117,27 @@ int compareNoCase(void*, int lengthA, const void* a, int lengthB, const void* b)
     const int common = std::min(lengthA, lengthB);
     for (int i = 0; i < common; ++i) {
         if ((p[i] | q[i]) & 0x80)
-            return compareUnicode(static_cast<const char*>(a), trimmedLength(p, lengthA), static_cast<const char*>(b),
-                                  trimmedLength(q, lengthB), Qt::CaseInsensitive);
+            return compareUnicode(static_cast<const char*>(a), trimmedLength(p, lengthA),
+                                  static_cast<const char*>(b), trimmedLength(q, lengthB),
+                                  Qt::CaseInsensitive);
         const unsigned char x = folded(p[i]), y = folded(q[i]);
         if (x == y) continue;
         // "ab " against "ab": the rest of one may be blanks alone.
-        if (x == ' ' && trimmedLength(p, lengthA) <= i) return trimmedLength(q, lengthB) <= i ? 0 : -1;
+        if (x == ' ' && trimmedLength(p, lengthA) <= i)
+            return trimmedLength(q, lengthB) <= i ? 0 : -1;
         if (y == ' ' && trimmedLength(q, lengthB) <= i) return 1;
         return int(x) - int(y);
     }
     if (lengthA == lengthB) return 0;
-    if (lengthA > lengthB) return trimmedLength(p, lengthA) > common && trimmedLength(p, lengthA) > trimmedLength(q, lengthB) ? 1 : 0;
-    return trimmedLength(q, lengthB) > common && trimmedLength(q, lengthB) > trimmedLength(p, lengthA) ? -1 : 0;
+    if (lengthA > lengthB)
+        return trimmedLength(p, lengthA) > common &&
+                       trimmedLength(p, lengthA) > trimmedLength(q, lengthB)
+                   ? 1
+                   : 0;
+    return trimmedLength(q, lengthB) > common &&
+                   trimmedLength(q, lengthB) > trimmedLength(p, lengthA)
+               ? -1
+               : 0;
 }
 
 int compareCase(void*, int lengthA, const void* a, int lengthB, const void* b) {
@@ -127,8 +154,10 @@ void installFunctions(sqlite3* handle, Database& database, ServerStore& store) {
     // NOCASE is SQLite's own name: plain CREATE TABLE texts keep working in other programs.
     sqlite3_create_collation_v2(handle, "NOCASE", SQLITE_UTF8, nullptr, compareNoCase, nullptr);
     sqlite3_create_collation_v2(handle, "ZOVCASE", SQLITE_UTF8, nullptr, compareCase, nullptr);
-    define(handle, "zov_conv", 5, [](sqlite3_context* c, int, sqlite3_value** v) { convert(c, v, false); });
-    define(handle, "zov_tryconv", 5, [](sqlite3_context* c, int, sqlite3_value** v) { convert(c, v, true); });
+    define(handle, "zov_conv", 5,
+           [](sqlite3_context* c, int, sqlite3_value** v) { convert(c, v, false); });
+    define(handle, "zov_tryconv", 5,
+           [](sqlite3_context* c, int, sqlite3_value** v) { convert(c, v, true); });
     installTextFunctions(handle);
     installNumberFunctions(handle);
     installDateFunctions(handle);

@@ -23,23 +23,28 @@ bool divides(sqlite3_context* context, sqlite3_value** v) {
 }
 
 bool bothWhole(sqlite3_value** v) {
-    return sqlite3_value_numeric_type(v[0]) == SQLITE_INTEGER && sqlite3_value_numeric_type(v[1]) == SQLITE_INTEGER;
+    return sqlite3_value_numeric_type(v[0]) == SQLITE_INTEGER &&
+           sqlite3_value_numeric_type(v[1]) == SQLITE_INTEGER;
 }
 
 void divide(sqlite3_context* context, int, sqlite3_value** v) {
     if (!divides(context, v)) return;
-    if (bothWhole(v)) return sqlite3_result_int64(context, sqlite3_value_int64(v[0]) / sqlite3_value_int64(v[1]));
+    if (bothWhole(v))
+        return sqlite3_result_int64(context, sqlite3_value_int64(v[0]) / sqlite3_value_int64(v[1]));
     sqlite3_result_double(context, sqlite3_value_double(v[0]) / sqlite3_value_double(v[1]));
 }
 
 void divideReal(sqlite3_context* context, int, sqlite3_value** v) {
-    if (divides(context, v)) sqlite3_result_double(context, sqlite3_value_double(v[0]) / sqlite3_value_double(v[1]));
+    if (divides(context, v))
+        sqlite3_result_double(context, sqlite3_value_double(v[0]) / sqlite3_value_double(v[1]));
 }
 
 void modulo(sqlite3_context* context, int, sqlite3_value** v) {
     if (!divides(context, v)) return;
-    if (bothWhole(v)) return sqlite3_result_int64(context, sqlite3_value_int64(v[0]) % sqlite3_value_int64(v[1]));
-    sqlite3_result_double(context, std::fmod(sqlite3_value_double(v[0]), sqlite3_value_double(v[1])));
+    if (bothWhole(v))
+        return sqlite3_result_int64(context, sqlite3_value_int64(v[0]) % sqlite3_value_int64(v[1]));
+    sqlite3_result_double(context,
+                          std::fmod(sqlite3_value_double(v[0]), sqlite3_value_double(v[1])));
 }
 
 /// A + whose sides nobody knew: texts are joined, numbers added.
@@ -50,7 +55,8 @@ void plusUnknown(sqlite3_context* context, int, sqlite3_value** v) {
         const QByteArray text = utf8Of(v[0]).toByteArray() + utf8Of(v[1]).toByteArray();
         return giveText(context, text);
     }
-    if (a == SQLITE_INTEGER && b == SQLITE_INTEGER) return sqlite3_result_int64(context, sqlite3_value_int64(v[0]) + sqlite3_value_int64(v[1]));
+    if (a == SQLITE_INTEGER && b == SQLITE_INTEGER)
+        return sqlite3_result_int64(context, sqlite3_value_int64(v[0]) + sqlite3_value_int64(v[1]));
     sqlite3_result_double(context, sqlite3_value_double(v[0]) + sqlite3_value_double(v[1]));
 }
 
@@ -58,10 +64,12 @@ void roundNumber(sqlite3_context* context, int count, sqlite3_value** v) {
     if (isNull(v[0]) || isNull(v[1])) return sqlite3_result_null(context);
     const int digits = std::clamp(sqlite3_value_int(v[1]), -30, 30);
     const bool cut = count > 2 && sqlite3_value_int(v[2]) != 0;
-    if (sqlite3_value_type(v[0]) == SQLITE_INTEGER && digits >= 0) return sqlite3_result_value(context, v[0]);
+    if (sqlite3_value_type(v[0]) == SQLITE_INTEGER && digits >= 0)
+        return sqlite3_result_value(context, v[0]);
     DecimalText decimal = DecimalText::ofValue(valueOf(v[0], ColumnInfo()));
     const int scale = decimal.scale;
-    if (digits < 0) decimal.scale += -digits;   // tens and hundreds: round the number moved to the right
+    if (digits < 0)
+        decimal.scale += -digits;  // tens and hundreds: round the number moved to the right
     const int wanted = digits < 0 ? 0 : std::min(digits, scale);
     if (cut && wanted < decimal.scale) {
         decimal.digits.chop(std::min<qsizetype>(decimal.digits.size(), decimal.scale - wanted));
@@ -111,7 +119,7 @@ QByteArray addDigits(const QByteArray& a, const QByteArray& b) {
     }
     return sum;
 }
-QByteArray subtractDigits(const QByteArray& a, const QByteArray& b) {   // a >= b
+QByteArray subtractDigits(const QByteArray& a, const QByteArray& b) {  // a >= b
     QByteArray rest;
     int borrow = 0;
     for (qsizetype i = a.size() - 1, j = b.size() - 1; i >= 0; --i, --j) {
@@ -133,9 +141,11 @@ DecimalText addDecimals(DecimalText a, DecimalText b) {
         sum.negative = a.negative;
         sum.digits = addDigits(a.digits, b.digits);
     } else {
-        const bool aLarger = a.digits.size() != b.digits.size() ? a.digits.size() > b.digits.size() : a.digits >= b.digits;
+        const bool aLarger = a.digits.size() != b.digits.size() ? a.digits.size() > b.digits.size()
+                                                                : a.digits >= b.digits;
         sum.negative = aLarger ? a.negative : b.negative;
-        sum.digits = aLarger ? subtractDigits(a.digits, b.digits) : subtractDigits(b.digits, a.digits);
+        sum.digits =
+            aLarger ? subtractDigits(a.digits, b.digits) : subtractDigits(b.digits, a.digits);
     }
     qsizetype zeros = 0;
     while (zeros < sum.digits.size() && sum.digits[zeros] == '0') ++zeros;
@@ -153,7 +163,8 @@ enum class DecimalAggregate { Sum, Min, Max };
 template <DecimalAggregate what>
 void decimalStep(sqlite3_context* context, int, sqlite3_value** v) {
     if (isNull(v[0])) return;
-    auto* state = static_cast<DecimalState*>(sqlite3_aggregate_context(context, sizeof(DecimalState)));
+    auto* state =
+        static_cast<DecimalState*>(sqlite3_aggregate_context(context, sizeof(DecimalState)));
     if (!state) return sqlite3_result_error_nomem(context);
     const DecimalText value = DecimalText::ofValue(valueOf(v[0], ColumnInfo()));
     if (!state->value) {
@@ -181,7 +192,8 @@ struct SpreadState {
 
 void spreadStep(sqlite3_context* context, int, sqlite3_value** v) {
     if (isNull(v[0])) return;
-    auto* state = static_cast<SpreadState*>(sqlite3_aggregate_context(context, sizeof(SpreadState)));
+    auto* state =
+        static_cast<SpreadState*>(sqlite3_aggregate_context(context, sizeof(SpreadState)));
     if (!state) return sqlite3_result_error_nomem(context);
     const double value = sqlite3_value_double(v[0]);
     const double delta = value - state->mean;
@@ -209,7 +221,8 @@ void installNumberFunctions(sqlite3* handle) {
     define(handle, "zov_dkey", 1, decimalKeyOf);
     define(handle, "zov_cut", 2, [](sqlite3_context* c, int, sqlite3_value** v) {
         if (isNull(v[0])) return sqlite3_result_null(c);
-        const double unit = std::pow(10.0, sqlite3_value_int(v[1])), moved = sqlite3_value_double(v[0]) * unit;
+        const double unit = std::pow(10.0, sqlite3_value_int(v[1])),
+                     moved = sqlite3_value_double(v[0]) * unit;
         const double nearest = std::round(moved);
         // What a double is off by must not cost the last digit.
         const bool whole = std::abs(moved - nearest) <= 1e-9 * std::max(1.0, std::abs(moved));
@@ -218,6 +231,16 @@ void installNumberFunctions(sqlite3* handle) {
     define(handle, "zov_real", 1, [](sqlite3_context* c, int, sqlite3_value** v) {
         if (isNull(v[0])) return sqlite3_result_null(c);
         sqlite3_result_double(c, double(float(sqlite3_value_double(v[0]))));
+    });
+    // The server sorts unique identifiers by their last group first, and the bytes of the first
+    // three groups from the right.
+    define(handle, "zov_gkey", 1, [](sqlite3_context* c, int, sqlite3_value** v) {
+        const QByteArrayView text = utf8Of(v[0]);
+        if (isNull(v[0]) || text.size() != 36) return sqlite3_result_value(c, v[0]);
+        static const int order[] = {24, 26, 28, 30, 32, 34, 19, 21, 16, 14, 11, 9, 6, 4, 2, 0};
+        QByteArray key;
+        for (const int at : order) key += text.sliced(at, 2);
+        giveText(c, key);
     });
     define(handle, "zov_power", 2, [](sqlite3_context* c, int, sqlite3_value** v) {
         if (isNull(v[0]) || isNull(v[1])) return sqlite3_result_null(c);
@@ -231,22 +254,36 @@ void installNumberFunctions(sqlite3* handle) {
     });
     define(handle, "zov_logbase", 2, [](sqlite3_context* c, int, sqlite3_value** v) {
         if (isNull(v[0]) || isNull(v[1])) return sqlite3_result_null(c);
-        sqlite3_result_double(c, std::log(sqlite3_value_double(v[0])) / std::log(sqlite3_value_double(v[1])));
+        sqlite3_result_double(
+            c, std::log(sqlite3_value_double(v[0])) / std::log(sqlite3_value_double(v[1])));
     });
-    define(handle, "zov_rand", 0, [](sqlite3_context* c, int, sqlite3_value**) {
-        static thread_local std::mt19937_64 random{std::random_device{}()};
-        sqlite3_result_double(c, std::uniform_real_distribution<double>(0, 1)(random));
-    }, nullptr, false);
-    define(handle, "zov_newid", 0, [](sqlite3_context* c, int, sqlite3_value**) {
-        giveText(c, QUuid::createUuid().toString(QUuid::WithoutBraces).toUpper());
-    }, nullptr, false);
-    sqlite3_create_function_v2(handle, "zov_dsum", 1, SQLITE_UTF8, nullptr, nullptr, decimalStep<DecimalAggregate::Sum>, decimalFinal, nullptr);
-    sqlite3_create_function_v2(handle, "zov_dmin", 1, SQLITE_UTF8, nullptr, nullptr, decimalStep<DecimalAggregate::Min>, decimalFinal, nullptr);
-    sqlite3_create_function_v2(handle, "zov_dmax", 1, SQLITE_UTF8, nullptr, nullptr, decimalStep<DecimalAggregate::Max>, decimalFinal, nullptr);
-    sqlite3_create_function_v2(handle, "zov_stdev", 1, SQLITE_UTF8, nullptr, nullptr, spreadStep, spreadFinal<true, true>, nullptr);
-    sqlite3_create_function_v2(handle, "zov_stdevp", 1, SQLITE_UTF8, nullptr, nullptr, spreadStep, spreadFinal<true, false>, nullptr);
-    sqlite3_create_function_v2(handle, "zov_var", 1, SQLITE_UTF8, nullptr, nullptr, spreadStep, spreadFinal<false, true>, nullptr);
-    sqlite3_create_function_v2(handle, "zov_varp", 1, SQLITE_UTF8, nullptr, nullptr, spreadStep, spreadFinal<false, false>, nullptr);
+    define(
+        handle, "zov_rand", 0,
+        [](sqlite3_context* c, int, sqlite3_value**) {
+            static thread_local std::mt19937_64 random{std::random_device{}()};
+            sqlite3_result_double(c, std::uniform_real_distribution<double>(0, 1)(random));
+        },
+        nullptr, false);
+    define(
+        handle, "zov_newid", 0,
+        [](sqlite3_context* c, int, sqlite3_value**) {
+            giveText(c, QUuid::createUuid().toString(QUuid::WithoutBraces).toUpper());
+        },
+        nullptr, false);
+    sqlite3_create_function_v2(handle, "zov_dsum", 1, SQLITE_UTF8, nullptr, nullptr,
+                               decimalStep<DecimalAggregate::Sum>, decimalFinal, nullptr);
+    sqlite3_create_function_v2(handle, "zov_dmin", 1, SQLITE_UTF8, nullptr, nullptr,
+                               decimalStep<DecimalAggregate::Min>, decimalFinal, nullptr);
+    sqlite3_create_function_v2(handle, "zov_dmax", 1, SQLITE_UTF8, nullptr, nullptr,
+                               decimalStep<DecimalAggregate::Max>, decimalFinal, nullptr);
+    sqlite3_create_function_v2(handle, "zov_stdev", 1, SQLITE_UTF8, nullptr, nullptr, spreadStep,
+                               spreadFinal<true, true>, nullptr);
+    sqlite3_create_function_v2(handle, "zov_stdevp", 1, SQLITE_UTF8, nullptr, nullptr, spreadStep,
+                               spreadFinal<true, false>, nullptr);
+    sqlite3_create_function_v2(handle, "zov_var", 1, SQLITE_UTF8, nullptr, nullptr, spreadStep,
+                               spreadFinal<false, true>, nullptr);
+    sqlite3_create_function_v2(handle, "zov_varp", 1, SQLITE_UTF8, nullptr, nullptr, spreadStep,
+                               spreadFinal<false, false>, nullptr);
 }
 
 }  // namespace zov::local

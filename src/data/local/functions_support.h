@@ -10,19 +10,24 @@ namespace zov::local {
 using SqlFunction = void (*)(sqlite3_context*, int, sqlite3_value**);
 
 /// `count` -1: any number of arguments. Not deterministic ones are evaluated for each row.
-inline void define(sqlite3* handle, const char* name, int count, SqlFunction function, void* data = nullptr,
-                   bool deterministic = true) {
-    sqlite3_create_function_v2(handle, name, count, SQLITE_UTF8 | (deterministic ? SQLITE_DETERMINISTIC : 0), data,
+inline void define(sqlite3* handle, const char* name, int count, SqlFunction function,
+                   void* data = nullptr, bool deterministic = true) {
+    sqlite3_create_function_v2(handle, name, count,
+                               SQLITE_UTF8 | (deterministic ? SQLITE_DETERMINISTIC : 0), data,
                                function, nullptr, nullptr, nullptr);
 }
 
-inline bool isNull(sqlite3_value* value) { return sqlite3_value_type(value) == SQLITE_NULL; }
+inline bool isNull(sqlite3_value* value) {
+    return sqlite3_value_type(value) == SQLITE_NULL;
+}
 
 inline QByteArrayView utf8Of(sqlite3_value* value) {
     const char* text = reinterpret_cast<const char*>(sqlite3_value_text(value));
     return QByteArrayView(text, sqlite3_value_bytes(value));
 }
-inline QString textOf(sqlite3_value* value) { return QString::fromUtf8(utf8Of(value)); }
+inline QString textOf(sqlite3_value* value) {
+    return QString::fromUtf8(utf8Of(value));
+}
 
 inline void giveText(sqlite3_context* context, const QString& text) {
     const QByteArray utf8 = text.toUtf8();
@@ -31,7 +36,9 @@ inline void giveText(sqlite3_context* context, const QString& text) {
 inline void giveText(sqlite3_context* context, const QByteArray& utf8) {
     sqlite3_result_text(context, utf8.constData(), int(utf8.size()), SQLITE_TRANSIENT);
 }
-inline void giveInt(sqlite3_context* context, qint64 value) { sqlite3_result_int64(context, value); }
+inline void giveInt(sqlite3_context* context, qint64 value) {
+    sqlite3_result_int64(context, value);
+}
 
 /// An error that comes out of the statement as a DbError with this number.
 void giveError(sqlite3_context* context, qint32 native, const QString& text);

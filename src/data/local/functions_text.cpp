@@ -32,7 +32,8 @@ class Pattern {
                     valid_ = false;
                     return;
                 }
-                if (end == i + 1 && pattern.indexOf(u']', end + 1) > 0) end = pattern.indexOf(u']', end + 1);
+                if (end == i + 1 && pattern.indexOf(u']', end + 1) > 0)
+                    end = pattern.indexOf(u']', end + 1);
                 item.kind = Kind::Set;
                 item.set = pattern.mid(i + 1, end - i - 1);
                 i = end;
@@ -102,7 +103,9 @@ class Pattern {
                 continue;
             } else if (at < end) {
                 const Item& wanted = items_[item];
-                fits = wanted.kind == Kind::One || (wanted.kind == Kind::Letter ? fold(text[at]) == wanted.letter : inSet(wanted.set, text[at]));
+                fits = wanted.kind == Kind::One ||
+                       (wanted.kind == Kind::Letter ? fold(text[at]) == wanted.letter
+                                                    : inSet(wanted.set, text[at]));
             }
             if (fits) {
                 ++at;
@@ -125,7 +128,8 @@ const Pattern& patternOf(sqlite3_context* context, sqlite3_value* text, QChar es
     auto* kept = static_cast<Pattern*>(sqlite3_get_auxdata(context, 0));
     if (kept) return *kept;
     kept = new Pattern(textOf(text), escape);
-    sqlite3_set_auxdata(context, 0, kept, [](void* pattern) { delete static_cast<Pattern*>(pattern); });
+    sqlite3_set_auxdata(context, 0, kept,
+                        [](void* pattern) { delete static_cast<Pattern*>(pattern); });
     auto* again = static_cast<Pattern*>(sqlite3_get_auxdata(context, 0));
     if (again) return *again;
     // SQLite did not keep it (it was deleted): the pattern changes from row to row.
@@ -137,20 +141,26 @@ const Pattern& patternOf(sqlite3_context* context, sqlite3_value* text, QChar es
 void like(sqlite3_context* context, int count, sqlite3_value** v) {
     if (anyNull(count, v)) return sqlite3_result_null(context);
     const QString escape = count > 2 ? textOf(v[2]) : QString();
-    sqlite3_result_int(context, patternOf(context, v[0], escape.isEmpty() ? QChar() : escape[0]).matches(textOf(v[1])));
+    sqlite3_result_int(
+        context,
+        patternOf(context, v[0], escape.isEmpty() ? QChar() : escape[0]).matches(textOf(v[1])));
 }
 
 void substring(sqlite3_context* context, int, sqlite3_value** v) {
     if (anyNull(3, v)) return sqlite3_result_null(context);
     qint64 start = sqlite3_value_int64(v[1]), length = sqlite3_value_int64(v[2]);
-    if (length < 0) return giveError(context, 537, QStringLiteral("Invalid length parameter passed to the LEFT or SUBSTRING function."));
+    if (length < 0)
+        return giveError(
+            context, 537,
+            QStringLiteral("Invalid length parameter passed to the LEFT or SUBSTRING function."));
     if (start < 1) {
         length += start - 1;
         start = 1;
     }
     if (length < 0) length = 0;
     if (sqlite3_value_type(v[0]) == SQLITE_BLOB) {
-        const QByteArray bytes(static_cast<const char*>(sqlite3_value_blob(v[0])), sqlite3_value_bytes(v[0]));
+        const QByteArray bytes(static_cast<const char*>(sqlite3_value_blob(v[0])),
+                               sqlite3_value_bytes(v[0]));
         const QByteArray part = bytes.mid(start - 1, length);
         return sqlite3_result_blob(context, part.constData(), int(part.size()), SQLITE_TRANSIENT);
     }
@@ -172,11 +182,20 @@ void quotename(sqlite3_context* context, int count, sqlite3_value** v) {
     const QString quote = count > 1 ? textOf(v[1]) : QStringLiteral("[");
     const QChar c = quote.isEmpty() ? QChar(u'[') : quote[0];
     QChar open = c, close = c;
-    if (c == u'[' || c == u']') { open = u'['; close = u']'; }
-    else if (c == u'(' || c == u')') { open = u'('; close = u')'; }
-    else if (c == u'<' || c == u'>') { open = u'<'; close = u'>'; }
-    else if (c == u'{' || c == u'}') { open = u'{'; close = u'}'; }
-    else if (c != u'"' && c != u'\'' && c != u'`') return sqlite3_result_null(context);
+    if (c == u'[' || c == u']') {
+        open = u'[';
+        close = u']';
+    } else if (c == u'(' || c == u')') {
+        open = u'(';
+        close = u')';
+    } else if (c == u'<' || c == u'>') {
+        open = u'<';
+        close = u'>';
+    } else if (c == u'{' || c == u'}') {
+        open = u'{';
+        close = u'}';
+    } else if (c != u'"' && c != u'\'' && c != u'`')
+        return sqlite3_result_null(context);
     text.replace(QString(close), QString(close) + close);
     giveText(context, open + text + close);
 }
@@ -190,7 +209,8 @@ void str(sqlite3_context* context, int count, sqlite3_value** v) {
     if (text.size() > length) {
         const qsizetype point = text.indexOf(u'.');
         if (point > 0 && point <= length) {
-            text = QString::number(sqlite3_value_double(v[0]), 'f', int(std::max<qsizetype>(0, length - point - 1)));
+            text = QString::number(sqlite3_value_double(v[0]), 'f',
+                                   int(std::max<qsizetype>(0, length - point - 1)));
         } else {
             text = QString(length, u'*');
         }
@@ -211,7 +231,8 @@ void checksum(sqlite3_context* context, int count, sqlite3_value** v) {
     quint32 sum = 0;
     for (int i = 0; i < count; ++i) {
         sum = (sum << 4) | (sum >> 28);
-        for (const char c : utf8Of(v[i])) sum = ((sum << 4) | (sum >> 28)) ^ quint8(c >= 'a' && c <= 'z' ? c - 32 : c);
+        for (const char c : utf8Of(v[i]))
+            sum = ((sum << 4) | (sum >> 28)) ^ quint8(c >= 'a' && c <= 'z' ? c - 32 : c);
     }
     sqlite3_result_int(context, int(sum));
 }
@@ -265,13 +286,19 @@ void installTextFunctions(sqlite3* handle) {
     define(handle, "zov_left", 2, [](sqlite3_context* c, int, sqlite3_value** v) {
         if (anyNull(2, v)) return sqlite3_result_null(c);
         const qint64 length = sqlite3_value_int64(v[1]);
-        if (length < 0) return giveError(c, 537, QStringLiteral("Invalid length parameter passed to the LEFT or SUBSTRING function."));
+        if (length < 0)
+            return giveError(
+                c, 537,
+                QStringLiteral(
+                    "Invalid length parameter passed to the LEFT or SUBSTRING function."));
         giveText(c, textOf(v[0]).left(length));
     });
     define(handle, "zov_right", 2, [](sqlite3_context* c, int, sqlite3_value** v) {
         if (anyNull(2, v)) return sqlite3_result_null(c);
         const qint64 length = sqlite3_value_int64(v[1]);
-        if (length < 0) return giveError(c, 536, QStringLiteral("Invalid length parameter passed to the RIGHT function."));
+        if (length < 0)
+            return giveError(
+                c, 536, QStringLiteral("Invalid length parameter passed to the RIGHT function."));
         giveText(c, textOf(v[0]).right(length));
     });
     define(handle, "zov_stuff", 4, [](sqlite3_context* c, int, sqlite3_value** v) {
@@ -286,13 +313,19 @@ void installTextFunctions(sqlite3* handle) {
         const qint64 times = sqlite3_value_int64(v[1]);
         if (times < 0) return sqlite3_result_null(c);
         const QString text = textOf(v[0]);
-        giveText(c, text.repeated(text.isEmpty() ? 0 : std::min<qint64>(times, 8000 / std::max<qsizetype>(1, text.size()) + 1)).left(8000));
+        giveText(c, text.repeated(text.isEmpty()
+                                      ? 0
+                                      : std::min<qint64>(
+                                            times, 8000 / std::max<qsizetype>(1, text.size()) + 1))
+                        .left(8000));
     });
     const SqlFunction charindex = [](sqlite3_context* c, int count, sqlite3_value** v) {
         if (anyNull(count, v)) return sqlite3_result_null(c);
         const qint64 from = count > 2 ? std::max<qint64>(1, sqlite3_value_int64(v[2])) : 1;
         const QString needle = textOf(v[0]);
-        giveInt(c, needle.isEmpty() ? 0 : textOf(v[1]).indexOf(needle, from - 1, Qt::CaseInsensitive) + 1);
+        giveInt(c, needle.isEmpty()
+                       ? 0
+                       : textOf(v[1]).indexOf(needle, from - 1, Qt::CaseInsensitive) + 1);
     };
     define(handle, "zov_charindex", 2, charindex);
     define(handle, "zov_charindex", 3, charindex);

@@ -10,12 +10,14 @@ namespace {
 /// The time-out counts for each wait on the server, not for the time that a reader takes between.
 void startClock(ExecutionControl& control, int seconds) {
     control.limited = seconds > 0;
-    control.deadline = std::chrono::steady_clock::now() + std::chrono::seconds(std::max(0, seconds));
+    control.deadline =
+        std::chrono::steady_clock::now() + std::chrono::seconds(std::max(0, seconds));
 }
 
 class LocalStream : public ResultStream {
  public:
-    LocalStream(std::unique_ptr<ResultStream> inner, std::shared_ptr<ExecutionControl> control, int timeout)
+    LocalStream(std::unique_ptr<ResultStream> inner, std::shared_ptr<ExecutionControl> control,
+                int timeout)
         : inner_(std::move(inner)), control_(std::move(control)), timeout_(timeout) {}
     ~LocalStream() override { close(); }
 
@@ -30,7 +32,9 @@ class LocalStream : public ResultStream {
         return inner_->nextResult();
     }
     qint32 returnValue() const override { return inner_->returnValue(); }
-    QVariant outputValue(int parameterIndex) const override { return inner_->outputValue(parameterIndex); }
+    QVariant outputValue(int parameterIndex) const override {
+        return inner_->outputValue(parameterIndex);
+    }
     void close() override { inner_->close(); }
 
  private:
@@ -41,7 +45,8 @@ class LocalStream : public ResultStream {
 
 class LocalConnection : public ProviderConnection {
  public:
-    LocalConnection(const ConnectionSpec& spec, bool createDatabase) : store_(ServerStore::open(spec.dataSource, createDatabase)) {
+    LocalConnection(const ConnectionSpec& spec, bool createDatabase)
+        : store_(ServerStore::open(spec.dataSource, createDatabase)) {
         session_.store = store_.get();
         session_.productVersion = store_->productVersion();
         session_.control = std::make_shared<ExecutionControl>();
@@ -54,21 +59,27 @@ class LocalConnection : public ProviderConnection {
             session_.current = &store_->database(database);
         } catch (const DbError& error) {
             if (error.native != 911) throw;
-            throw DbError(ado_error::Unspecified,
-                          QStringLiteral("Cannot open database \"%1\" requested by the login. The login failed.").arg(database),
-                          QStringLiteral("08004"), 4060);
+            throw DbError(
+                ado_error::Unspecified,
+                QStringLiteral(
+                    "Cannot open database \"%1\" requested by the login. The login failed.")
+                    .arg(database),
+                QStringLiteral("08004"), 4060);
         }
     }
 
     std::unique_ptr<ResultStream> execute(const CommandSpec& command) override {
         session_.control->cancelled = false;
         startClock(*session_.control, command.timeout);
-        return std::make_unique<LocalStream>(runBatch(session_, command.text, command), session_.control, command.timeout);
+        return std::make_unique<LocalStream>(runBatch(session_, command.text, command),
+                                             session_.control, command.timeout);
     }
 
     void cancel() override { session_.control->cancelled = true; }
 
-    std::vector<ServerMessage> takeMessages() override { return std::exchange(session_.messages, {}); }
+    std::vector<ServerMessage> takeMessages() override {
+        return std::exchange(session_.messages, {});
+    }
 
     void close() override {
         session_.current = nullptr;
@@ -90,7 +101,8 @@ class LocalConnection : public ProviderConnection {
 
 class LocalProvider : public Provider {
  public:
-    std::unique_ptr<ProviderConnection> open(const ConnectionSpec& spec, bool createDatabase) override {
+    std::unique_ptr<ProviderConnection> open(const ConnectionSpec& spec,
+                                             bool createDatabase) override {
         return std::make_unique<LocalConnection>(spec, createDatabase);
     }
 };
@@ -102,6 +114,8 @@ Provider& localProvider() {
     return provider;
 }
 
-bool isLocalDataSource(const QString& dataSource) { return ServerStore::isLocalDataSource(dataSource); }
+bool isLocalDataSource(const QString& dataSource) {
+    return ServerStore::isLocalDataSource(dataSource);
+}
 
 }  // namespace zov::local

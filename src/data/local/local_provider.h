@@ -5,8 +5,8 @@
 
 namespace zov::local {
 
-/// Connections to embedded servers. Open handles are kept by the process, so that opening a database
-/// again costs little.
+/// Connections to embedded servers. Open handles are kept by the process, so that opening a
+/// database again costs little.
 Provider& localProvider();
 /// Whether a data source names an embedded server.
 bool isLocalDataSource(const QString& dataSource);

@@ -27,34 +27,48 @@ struct OrderItem {
 struct WindowSpec {
     std::vector<ExprPtr> partition;
     std::vector<OrderItem> order;
-    QString frame;   ///< ROWS/RANGE part, which SQLite reads as it is
+    QString frame;  ///< ROWS/RANGE part, which SQLite reads as it is
 };
 
 struct Expr {
     enum class Kind {
-        Literal, Null, Default, Column, Star, Variable,
-        Unary,        ///< op - + ~
-        Arithmetic,   ///< op + - * / % & | ^
-        Compare,      ///< op = <> < <= > >=
-        And, Or, Not, Between, In, Like, IsNull, Exists, Subquery,
-        Quantified,   ///< args[0] op ALL|ANY (select)
-        Case,         ///< args: [operand,] when, then, ..., [else]
-        Cast,         ///< args[0] as castType, args[1] a style
-        Function, Collate,
+        Literal,
+        Null,
+        Default,
+        Column,
+        Star,
+        Variable,
+        Unary,       ///< op - + ~
+        Arithmetic,  ///< op + - * / % & | ^
+        Compare,     ///< op = <> < <= > >=
+        And,
+        Or,
+        Not,
+        Between,
+        In,
+        Like,
+        IsNull,
+        Exists,
+        Subquery,
+        Quantified,  ///< args[0] op ALL|ANY (select)
+        Case,        ///< args: [operand,] when, then, ..., [else]
+        Cast,        ///< args[0] as castType, args[1] a style
+        Function,
+        Collate,
     };
 
     Kind kind = Kind::Null;
     const Token* token = nullptr;
-    int literalIndex = -1;      ///< of a Literal: its place in the statement's tokens, -1 within a view
-    QString name;               ///< operator, function, variable, column
-    QStringList path;           ///< of a Column: the parts in front of its name
+    int literalIndex = -1;  ///< of a Literal: its place in the statement's tokens, -1 within a view
+    QString name;           ///< operator, function, variable, column
+    QStringList path;       ///< of a Column: the parts in front of its name
     std::vector<ExprPtr> args;
     SelectPtr select;
-    bool negated = false;       ///< NOT IN, NOT LIKE, IS NOT NULL, NOT BETWEEN
-    bool distinct = false;      ///< COUNT(DISTINCT x)
-    bool hasOperand = false;    ///< CASE x WHEN
+    bool negated = false;     ///< NOT IN, NOT LIKE, IS NOT NULL, NOT BETWEEN
+    bool distinct = false;    ///< COUNT(DISTINCT x)
+    bool hasOperand = false;  ///< CASE x WHEN
     bool hasElse = false;
-    bool tolerant = false;      ///< TRY_CAST, TRY_CONVERT; of a Quantified: ALL
+    bool tolerant = false;  ///< TRY_CAST, TRY_CONVERT; of a Quantified: ALL
     ColumnInfo castType;
     std::unique_ptr<WindowSpec> window;
 };
@@ -62,7 +76,7 @@ struct Expr {
 struct SelectItem {
     ExprPtr expr;
     std::optional<QString> alias;
-    QString variable;           ///< SELECT @v = expr
+    QString variable;  ///< SELECT @v = expr
 };
 
 struct TableSource {
@@ -71,7 +85,7 @@ struct TableSource {
 
     Kind kind = Kind::Named;
     const Token* token = nullptr;
-    QStringList path;           ///< Named: [server.][db.][schema.]name, empty parts kept
+    QStringList path;  ///< Named: [server.][db.][schema.]name, empty parts kept
     QString alias;
     QStringList columnAliases;
     SelectPtr select;
@@ -95,7 +109,7 @@ struct QuerySpec {
 /// A query specification or two query expressions joined.
 struct QueryExpr {
     std::unique_ptr<QuerySpec> spec;
-    QString operation;          ///< "UNION", "UNION ALL", "EXCEPT", "INTERSECT" when there is no spec
+    QString operation;  ///< "UNION", "UNION ALL", "EXCEPT", "INTERSECT" when there is no spec
     std::unique_ptr<QueryExpr> left, right;
 };
 
@@ -121,14 +135,14 @@ struct InsertStatement {
     bool defaultValues = false;
     std::vector<std::vector<ExprPtr>> rows;
     SelectPtr select;
-    qsizetype withEnd = 0;      ///< index of the token behind WITH ...
+    qsizetype withEnd = 0;  ///< index of the token behind WITH ...
     qsizetype selectBegin = 0, selectEnd = 0;
 };
 
 struct Assignment {
     QString column;
     QString variable;
-    QString op;                 ///< "" for =, else the arithmetic operator of +=, -= ...
+    QString op;  ///< "" for =, else the arithmetic operator of +=, -= ...
     ExprPtr value;
 };
 

@@ -22,12 +22,17 @@ PreparedSelect::~PreparedSelect() {
     sqlite3* handle = statement ? sqlite3_db_handle(statement) : nullptr;
     sqlite3_finalize(statement);
     for (const QString& name : attached)
-        sqlite3_exec(handle, ("DETACH " + quotedName(name).toUtf8()).constData(), nullptr, nullptr, nullptr);
+        sqlite3_exec(handle, ("DETACH " + quotedName(name).toUtf8()).constData(), nullptr, nullptr,
+                     nullptr);
 }
 
-PreparedInsert::~PreparedInsert() { sqlite3_finalize(statement); }
+PreparedInsert::~PreparedInsert() {
+    sqlite3_finalize(statement);
+}
 
-QueryCache::~QueryCache() { finalizeAll(); }
+QueryCache::~QueryCache() {
+    finalizeAll();
+}
 
 QueryCache& QueryCache::of(Database& database) {
     if (!database.queries) database.queries = std::make_shared<QueryCache>(database);
@@ -49,7 +54,8 @@ void QueryCache::forgetCatalogue() {
     inserts.clear();
     for (auto it = selects.begin(); it != selects.end();) {
         auto& list = it.value();
-        const auto gone = std::remove_if(list.begin(), list.end(), [](const auto& select) { return select->usesTables; });
+        const auto gone = std::remove_if(list.begin(), list.end(),
+                                         [](const auto& select) { return select->usesTables; });
         selectCount -= list.end() - gone;
         list.erase(gone, list.end());
         if (list.empty())
@@ -80,13 +86,16 @@ sqlite3_stmt* QueryCache::lookUp(const char* sql) {
 }
 
 std::shared_ptr<const QueryTable> QueryCache::table(const QString& schema, const QString& name) {
-    const QString key = (schema.isEmpty() ? QStringLiteral("dbo") : schema.toLower()) + u'.' + name.toLower();
+    const QString key =
+        (schema.isEmpty() ? QStringLiteral("dbo") : schema.toLower()) + u'.' + name.toLower();
     const auto known = tables.constFind(key);
     if (known != tables.constEnd()) return known.value();
     qint64 id = 0;
     {
-        LookUp find(*this, "SELECT o.id FROM \"zov$objects\" o JOIN \"zov$schemas\" s ON s.schema_id = o.schema_id "
-                           "WHERE o.name = ?1 AND s.name = ?2");
+        LookUp find(*this,
+                    "SELECT o.id FROM \"zov$objects\" o JOIN \"zov$schemas\" s ON s.schema_id = "
+                    "o.schema_id "
+                    "WHERE o.name = ?1 AND s.name = ?2");
         find.bind(name).bind(schema.isEmpty() ? QStringLiteral("dbo") : schema);
         if (find.next()) id = find.integer(0);
     }
@@ -99,8 +108,9 @@ std::shared_ptr<const QueryTable> QueryCache::tableById(int id) {
     auto table = std::make_shared<QueryTable>();
     table->id = id;
     {
-        LookUp find(*this, "SELECT s.name, o.name, o.xtype, o.info FROM \"zov$objects\" o "
-                           "JOIN \"zov$schemas\" s ON s.schema_id = o.schema_id WHERE o.id = ?1");
+        LookUp find(*this,
+                    "SELECT s.name, o.name, o.xtype, o.info FROM \"zov$objects\" o "
+                    "JOIN \"zov$schemas\" s ON s.schema_id = o.schema_id WHERE o.id = ?1");
         find.bind(qint64(id));
         if (!find.next()) return nullptr;
         table->schema = find.text(0);
@@ -116,18 +126,22 @@ std::shared_ptr<const QueryTable> QueryCache::tableById(int id) {
     if (table->xtype == u"U") {
         table->sqlName = quotedName(table->schema + u'.' + table->name);
         LookUp columns(*this,
-                       "SELECT c.name, c.colid, c.xtype, c.length, c.prec, c.scale, c.isnullable, c.identity_seed, "
+                       "SELECT c.name, c.colid, c.xtype, c.length, c.prec, c.scale, c.isnullable, "
+                       "c.identity_seed, "
                        "c.identity_incr, c.computed, t.name, "
-                       "(SELECT group_concat(m.text, '') FROM \"zov$comments\" m WHERE m.id = c.cdefault AND c.cdefault > 0), "
-                       "c.xusertype FROM \"zov$columns\" c LEFT JOIN \"zov$types\" t ON t.xusertype = c.xusertype "
+                       "(SELECT group_concat(m.text, '') FROM \"zov$comments\" m WHERE m.id = "
+                       "c.cdefault AND c.cdefault > 0), "
+                       "c.xusertype FROM \"zov$columns\" c LEFT JOIN \"zov$types\" t ON "
+                       "t.xusertype = c.xusertype "
                        "WHERE c.id = ?1 ORDER BY c.colorder");
         columns.bind(qint64(id));
         while (columns.next()) {
             QueryColumn column;
             column.name = columns.text(0);
             column.colid = int(columns.integer(1));
-            column.info = typeFromCatalogue(int(columns.integer(2)), int(columns.integer(3)), int(columns.integer(4)),
-                                            int(columns.integer(5)), columns.integer(6) != 0);
+            column.info = typeFromCatalogue(int(columns.integer(2)), int(columns.integer(3)),
+                                            int(columns.integer(4)), int(columns.integer(5)),
+                                            columns.integer(6) != 0);
             column.info.name = column.name;
             if (!columns.isNull(7)) {
                 column.isIdentity = true;
@@ -208,23 +222,30 @@ void throwQueryError(sqlite3* handle, int code, const ExecutionControl* control)
     const QString text = QString::fromUtf8(sqlite3_errmsg(handle));
     if ((code & 0xFF) == SQLITE_INTERRUPT) {
         if (control && control->cancelled)
-            throw DbError(ado_error::Cancelled, QStringLiteral("Operation was canceled."), QStringLiteral("HY008"));
-        throw DbError(ado_error::Timeout, QStringLiteral("Query timeout expired"), QStringLiteral("HYT00"));
+            throw DbError(ado_error::Cancelled, QStringLiteral("Operation was canceled."),
+                          QStringLiteral("HY008"));
+        throw DbError(ado_error::Timeout, QStringLiteral("Query timeout expired"),
+                      QStringLiteral("HYT00"));
     }
     // Our functions raise "ZOV<number>:<text>".
     if (text.startsWith(QLatin1String("ZOV"))) {
         const qsizetype colon = text.indexOf(u':');
         const qint32 native = text.mid(3, colon - 3).toInt();
         const qint32 number = native == 8134 ? ado_error::SyntaxError : ado_number::CannotConvert;
-        throw DbError(number, text.mid(colon + 1), native == 8134 ? QStringLiteral("22012") : QStringLiteral("22018"), native);
+        throw DbError(number, text.mid(colon + 1),
+                      native == 8134 ? QStringLiteral("22012") : QStringLiteral("22018"), native);
     }
     if ((code & 0xFF) == SQLITE_BUSY || (code & 0xFF) == SQLITE_LOCKED)
-        throw DbError(ado_error::Unspecified,
-                      QStringLiteral("The database is locked by another session. Wait until it is done, and try again."),
-                      QStringLiteral("HYT00"), 1222);
+        throw DbError(
+            ado_error::Unspecified,
+            QStringLiteral(
+                "The database is locked by another session. Wait until it is done, and try again."),
+            QStringLiteral("HYT00"), 1222);
     if (text == u"integer overflow")
-        throw DbError(ado_number::Overflow, QStringLiteral("Arithmetic overflow error converting expression to data type int."),
-                      QStringLiteral("22003"), 8115);
+        throw DbError(
+            ado_number::Overflow,
+            QStringLiteral("Arithmetic overflow error converting expression to data type int."),
+            QStringLiteral("22003"), 8115);
     throw DbError(ado_error::SyntaxError, text, QStringLiteral("42000"));
 }
 

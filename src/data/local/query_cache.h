@@ -7,6 +7,7 @@
 
 #include <QHash>
 
+#include <map>
 #include <memory>
 #include <unordered_map>
 #include <vector>
@@ -16,12 +17,12 @@ namespace zov::local {
 struct QueryColumn {
     QString name;
     int colid = 0;
-    ColumnInfo info;          ///< with its name
-    QString defaultText;      ///< null without a default
+    ColumnInfo info;      ///< with its name
+    QString defaultText;  ///< null without a default
     bool isIdentity = false;
     qint64 seed = 1, increment = 1;
-    QString computed;         ///< null for a plain column
-    QString typeName;         ///< as the catalogue calls it
+    QString computed;  ///< null for a plain column
+    QString typeName;  ///< as the catalogue calls it
 };
 
 /// A table, a view or a synonym as queries need it.
@@ -29,10 +30,10 @@ struct QueryTable {
     int id = 0;
     QString schema;
     QString name;
-    QString xtype;            ///< U, V, SN ...
-    QString sqlName;          ///< of a table, quoted for SQLite
-    QString rowid;            ///< a name for SQLite's row number that no column has taken
-    QString text;             ///< of a view, its source; of a synonym, what it stands for
+    QString xtype;    ///< U, V, SN ...
+    QString sqlName;  ///< of a table, quoted for SQLite
+    QString rowid;    ///< a name for SQLite's row number that no column has taken
+    QString text;     ///< of a view, its source; of a synonym, what it stands for
     std::vector<QueryColumn> columns;
 
     int columnIndex(const QString& column) const;
@@ -42,9 +43,9 @@ struct QueryTable {
 struct ParameterSource {
     enum class Kind { Literal, Variable, Global };
     Kind kind = Kind::Literal;
-    int literal = -1;         ///< index of the token within the statement
-    QString name;             ///< of the variable or the global
-    bool convert = false;     ///< to `target`
+    int literal = -1;      ///< index of the token within the statement
+    QString name;          ///< of the variable or the global
+    bool convert = false;  ///< to `target`
     ColumnInfo target;
 };
 
@@ -53,8 +54,9 @@ struct PreparedSelect {
     sqlite3_stmt* statement = nullptr;
     std::vector<ColumnInfo> columns;
     std::vector<ParameterSource> parameters;
-    std::vector<QString> assignments;                    ///< variable per column of SELECT @v = ...
-    std::vector<std::pair<int, QString>> fixedLiterals;  ///< tokens whose text is part of the statement
+    std::vector<QString> assignments;  ///< variable per column of SELECT @v = ...
+    std::vector<std::pair<int, QString>>
+        fixedLiterals;  ///< tokens whose text is part of the statement
     Database* database = nullptr;
     QStringList attached;     ///< schema names to detach when the statement goes
     bool usesTables = false;  ///< of the user: void when the catalogue changes
@@ -69,6 +71,7 @@ struct PreparedSelect {
 struct PreparedInsert {
     sqlite3_stmt* statement = nullptr;
     std::shared_ptr<const QueryTable> table;
+    std::map<size_t, StoredValue> defaults;  ///< those that are the same for each row, by column
     ~PreparedInsert();
 };
 
@@ -91,10 +94,10 @@ struct QueryCache {
 
     Database& database;
     sqlite3* handle;
-    QHash<QString, std::vector<std::shared_ptr<PreparedSelect>>> selects;   // by shape
+    QHash<QString, std::vector<std::shared_ptr<PreparedSelect>>> selects;  // by shape
     qsizetype selectCount = 0;
-    QHash<QString, std::shared_ptr<PreparedInsert>> inserts;                // by table and columns
-    QHash<QString, std::shared_ptr<const QueryTable>> tables;               // null pointers remembered too
+    QHash<QString, std::shared_ptr<PreparedInsert>> inserts;   // by table and columns
+    QHash<QString, std::shared_ptr<const QueryTable>> tables;  // null pointers remembered too
 
  private:
     std::unordered_map<const char*, sqlite3_stmt*> lookUps_;
@@ -118,15 +121,17 @@ class LookUp {
     }
     LookUp& bind(const QString& text) {
         const QByteArray utf8 = text.toUtf8();
-        sqlite3_bind_text(statement_, ++bound_, utf8.constData(), int(utf8.size()), SQLITE_TRANSIENT);
+        sqlite3_bind_text(statement_, ++bound_, utf8.constData(), int(utf8.size()),
+                          SQLITE_TRANSIENT);
         return *this;
     }
     bool next() { return sqlite3_step(statement_) == SQLITE_ROW; }
     bool isNull(int column) const { return sqlite3_column_type(statement_, column) == SQLITE_NULL; }
     qint64 integer(int column) const { return sqlite3_column_int64(statement_, column); }
     QString text(int column) const {
-        return QString::fromUtf8(reinterpret_cast<const char*>(sqlite3_column_text(statement_, column)),
-                                 sqlite3_column_bytes(statement_, column));
+        return QString::fromUtf8(
+            reinterpret_cast<const char*>(sqlite3_column_text(statement_, column)),
+            sqlite3_column_bytes(statement_, column));
     }
 
  private:

@@ -7,14 +7,16 @@
 namespace zov::local {
 namespace {
 
-const char* const monthNames[] = {"january", "february", "march", "april", "may", "june", "july",
-                                  "august", "september", "october", "november", "december"};
+const char* const monthNames[] = {"january",   "february", "march",    "april",
+                                  "may",       "june",     "july",     "august",
+                                  "september", "october",  "november", "december"};
 
 int monthByName(QStringView word) {
     if (word.size() < 3) return 0;
     for (int i = 0; i < 12; ++i) {
         const QLatin1String name(monthNames[i]);
-        if (word.size() <= name.size() && name.left(word.size()).compare(word, Qt::CaseInsensitive) == 0 &&
+        if (word.size() <= name.size() &&
+            name.left(word.size()).compare(word, Qt::CaseInsensitive) == 0 &&
             (word.size() == 3 || word.size() == name.size()))
             return i + 1;
     }
@@ -47,7 +49,8 @@ class DateReader {
             if (!timeSeen && looksLikeTime()) {
                 if (!readTime(time)) return false;
                 timeSeen = true;
-            } else if (timeSeen && (text_[at_] == u'+' || text_[at_] == u'-' || text_[at_] == u'Z' || text_[at_] == u'z')) {
+            } else if (timeSeen && (text_[at_] == u'+' || text_[at_] == u'-' ||
+                                    text_[at_] == u'Z' || text_[at_] == u'z')) {
                 if (!readOffset(offset)) return false;
             } else if (!dateSeen) {
                 if (!readDate(days)) return false;
@@ -66,7 +69,9 @@ class DateReader {
     void skipBlanks() {
         while (at_ < text_.size() && text_[at_].isSpace()) ++at_;
     }
-    bool digitAt(qsizetype at) const { return at < text_.size() && text_[at] >= u'0' && text_[at] <= u'9'; }
+    bool digitAt(qsizetype at) const {
+        return at < text_.size() && text_[at] >= u'0' && text_[at] <= u'9';
+    }
     int number(qsizetype& digits) {
         int value = 0;
         digits = 0;
@@ -84,7 +89,8 @@ class DateReader {
         if (at == at_ || at - at_ > 2) return false;
         if (at < text_.size() && text_[at] == u':') return true;
         while (at < text_.size() && text_[at] == u' ') ++at;
-        return at + 1 < text_.size() && (text_[at] == u'a' || text_[at] == u'A' || text_[at] == u'p' || text_[at] == u'P') &&
+        return at + 1 < text_.size() &&
+               (text_[at] == u'a' || text_[at] == u'A' || text_[at] == u'p' || text_[at] == u'P') &&
                (text_[at + 1] == u'm' || text_[at + 1] == u'M') &&
                (at + 2 >= text_.size() || !text_[at + 2].isLetter());
     }
@@ -108,7 +114,8 @@ class DateReader {
                     if (digits == 0) return false;
                     // ":5" behind the seconds are thousandths, ".5" is a half.
                     double unit = colon ? 1e4 : 1e7;
-                    if (!colon) for (qsizetype i = 0; i < digits; ++i) unit /= 10;
+                    if (!colon)
+                        for (qsizetype i = 0; i < digits; ++i) unit /= 10;
                     fraction = qint64(double(value) * unit + 0.5);
                 }
             }
@@ -161,12 +168,15 @@ class DateReader {
                 if (count == 2 && monthAt >= 0 && looksLikeTime()) break;
                 part[size_t(count)] = number(width[size_t(count)]);
                 ++count;
-                if (count == 1 && (width[0] == 8 || width[0] == 6)) return compact(part[0], width[0], days);
+                if (count == 1 && (width[0] == 8 || width[0] == 6))
+                    return compact(part[0], width[0], days);
             } else {
                 return false;
             }
             const qsizetype before = at_;
-            while (at_ < text_.size() && (text_[at_] == u'/' || text_[at_] == u'-' || text_[at_] == u'.' || text_[at_] == u',' || text_[at_] == u' '))
+            while (at_ < text_.size() &&
+                   (text_[at_] == u'/' || text_[at_] == u'-' || text_[at_] == u'.' ||
+                    text_[at_] == u',' || text_[at_] == u' '))
                 ++at_;
             if (count == 3) at_ = before;
         }
@@ -178,7 +188,7 @@ class DateReader {
             for (size_t i = 0; i < size_t(count); ++i)
                 if (int(i) != monthAt && used < 2) rest[used++] = i;
             if (used == 0) return false;
-            if (used == 1) {   // "Jan 1997" is its first day
+            if (used == 1) {  // "Jan 1997" is its first day
                 if (width[rest[0]] != 4) return false;
                 year = part[rest[0]];
                 day = 1;
@@ -199,12 +209,12 @@ class DateReader {
             month = part[1];
             day = part[2];
         } else {
-            std::array<int, 3> place{};   // of year, month, day
+            std::array<int, 3> place{};  // of year, month, day
             for (int i = 0; i < 3; ++i) {
                 const QChar c = i < order_.size() ? order_[i].toLower() : QChar(u"mdy"[i]);
                 place[c == u'y' ? 0 : c == u'm' ? 1 : 2] = i;
             }
-            if (width[2] == 4 && place[0] != 2) {   // the year is plain to see
+            if (width[2] == 4 && place[0] != 2) {  // the year is plain to see
                 const bool monthFirst = place[1] < place[2];
                 place = {2, monthFirst ? 0 : 1, monthFirst ? 1 : 0};
             }
@@ -243,18 +253,22 @@ void appendNumber(QByteArray& to, int value, int digits) {
 void appendFraction(QByteArray& to, qint64 fraction, int digits) {
     if (digits <= 0) return;
     to += '.';
-    for (qint64 unit = TicksPerSecond / 10; digits-- > 0; unit /= 10) to += char('0' + fraction / unit % 10);
+    for (qint64 unit = TicksPerSecond / 10; digits-- > 0; unit /= 10)
+        to += char('0' + fraction / unit % 10);
 }
 
 /// What the type keeps of a moment: datetime counts in 1/300 seconds, smalldatetime in minutes.
 qint64 roundedTo(qint64 ticks, const ColumnInfo& type) {
     const auto toUnit = [&](qint64 unit) { return (ticks + unit / 2) / unit * unit; };
     switch (type.type) {
-        case SqlType::Date: return ticks / TicksPerDay * TicksPerDay;
-        case SqlType::SmallDateTime: return toUnit(60 * TicksPerSecond);
+        case SqlType::Date:
+            return ticks / TicksPerDay * TicksPerDay;
+        case SqlType::SmallDateTime:
+            return toUnit(60 * TicksPerSecond);
         case SqlType::DateTime: {
             const qint64 days = ticks / TicksPerDay;
-            const qint64 units = ((ticks % TicksPerDay) * 300 + TicksPerSecond / 2) / TicksPerSecond;
+            const qint64 units =
+                ((ticks % TicksPerDay) * 300 + TicksPerSecond / 2) / TicksPerSecond;
             // .000, .003, .007: whole milliseconds stand for the thirds.
             const qint64 second = units / 300;
             const qint64 milliseconds = ((units % 300) * 10 + 1) / 3;
@@ -267,13 +281,15 @@ qint64 roundedTo(qint64 ticks, const ColumnInfo& type) {
             for (int i = type.scale; i < 7; ++i) unit *= 10;
             return toUnit(unit);
         }
-        default: return ticks;
+        default:
+            return ticks;
     }
 }
 
 }  // namespace
 
-bool parseDateText(QStringView text, const QString& dateFormat, qint64& ticks, qint16& offsetMinutes) {
+bool parseDateText(QStringView text, const QString& dateFormat, qint64& ticks,
+                   qint16& offsetMinutes) {
     return DateReader(text, dateFormat).read(ticks, offsetMinutes);
 }
 
@@ -301,11 +317,16 @@ QByteArray formatTicks(qint64 ticks, qint16 offsetMinutes, const ColumnInfo& typ
     text += ':';
     appendNumber(text, seconds % 60, 2);
     switch (type.type) {
-        case SqlType::DateTime: appendFraction(text, inDay % TicksPerSecond, 3); break;
+        case SqlType::DateTime:
+            appendFraction(text, inDay % TicksPerSecond, 3);
+            break;
         case SqlType::Time:
         case SqlType::DateTime2:
-        case SqlType::DateTimeOffset: appendFraction(text, inDay % TicksPerSecond, type.scale); break;
-        default: break;
+        case SqlType::DateTimeOffset:
+            appendFraction(text, inDay % TicksPerSecond, type.scale);
+            break;
+        default:
+            break;
     }
     if (type.type == SqlType::DateTimeOffset) {
         text += offsetMinutes < 0 ? " -" : " +";
@@ -324,49 +345,71 @@ QString dateToText(qint64 ticks, qint16 offsetMinutes, const ColumnInfo& type, i
     int year, month, day;
     civilFromDays(ticks / TicksPerDay, year, month, day);
     const qint64 inDay = ticks % TicksPerDay;
-    const int total = int(inDay / TicksPerSecond), milliseconds = int(inDay % TicksPerSecond / 10000);
+    const int total = int(inDay / TicksPerSecond),
+              milliseconds = int(inDay % TicksPerSecond / 10000);
     const int hour = total / 3600, minute = total / 60 % 60, second = total % 60;
     QString monthName = QString::fromLatin1(monthNames[month - 1]).left(3);
     monthName[0] = monthName[0].toUpper();
-    const auto two = [](int value) { return QStringLiteral("%1").arg(value, 2, 10, QLatin1Char('0')); };
+    const auto two = [](int value) {
+        return QStringLiteral("%1").arg(value, 2, 10, QLatin1Char('0'));
+    };
     const QString clock = two(hour) + u':' + two(minute) + u':' + two(second);
     const QString thousandths = QStringLiteral("%1").arg(milliseconds, 3, 10, QLatin1Char('0'));
     const QString half = hour < 12 ? QStringLiteral("AM") : QStringLiteral("PM");
     const QString hour12 = QStringLiteral("%1").arg(hour % 12 ? hour % 12 : 12, 2);
     const QString dayBlank = QStringLiteral("%1").arg(day, 2);
-    const bool century = style == 0 || style >= 100 || style == 9 || style == 13 || style == 20 || style == 21;
-    const QString yearText = century ? QStringLiteral("%1").arg(year, 4, 10, QLatin1Char('0')) : two(year % 100);
+    const bool century =
+        style == 0 || style >= 100 || style == 9 || style == 13 || style == 20 || style == 21;
+    const QString yearText =
+        century ? QStringLiteral("%1").arg(year, 4, 10, QLatin1Char('0')) : two(year % 100);
     if (timeOnly && (style == 120 || style == 20 || style == 108 || style == 8)) return clock;
     if (timeOnly) return QString::fromLatin1(formatTicks(ticks, offsetMinutes, type));
     switch (style >= 100 && style < 120 ? style - 100 : style) {
         case 0:
             if (dateOnly) return monthName + u' ' + dayBlank + u' ' + yearText;
-            return monthName + u' ' + dayBlank + u' ' + yearText + u' ' + hour12 + u':' + two(minute) + half;
-        case 1: return two(month) + u'/' + two(day) + u'/' + yearText;
-        case 2: return yearText + u'.' + two(month) + u'.' + two(day);
-        case 3: return two(day) + u'/' + two(month) + u'/' + yearText;
-        case 4: return two(day) + u'.' + two(month) + u'.' + yearText;
-        case 5: return two(day) + u'-' + two(month) + u'-' + yearText;
-        case 6: return two(day) + u' ' + monthName + u' ' + yearText;
-        case 7: return monthName + u' ' + two(day) + QStringLiteral(", ") + yearText;
-        case 8: return clock;
+            return monthName + u' ' + dayBlank + u' ' + yearText + u' ' + hour12 + u':' +
+                   two(minute) + half;
+        case 1:
+            return two(month) + u'/' + two(day) + u'/' + yearText;
+        case 2:
+            return yearText + u'.' + two(month) + u'.' + two(day);
+        case 3:
+            return two(day) + u'/' + two(month) + u'/' + yearText;
+        case 4:
+            return two(day) + u'.' + two(month) + u'.' + yearText;
+        case 5:
+            return two(day) + u'-' + two(month) + u'-' + yearText;
+        case 6:
+            return two(day) + u' ' + monthName + u' ' + yearText;
+        case 7:
+            return monthName + u' ' + two(day) + QStringLiteral(", ") + yearText;
+        case 8:
+            return clock;
         case 9:
-            return monthName + u' ' + dayBlank + u' ' + yearText + u' ' + hour12 + u':' + two(minute) + u':' +
-                   two(second) + u':' + thousandths + half;
-        case 10: return two(month) + u'-' + two(day) + u'-' + yearText;
-        case 11: return yearText + u'/' + two(month) + u'/' + two(day);
-        case 12: return yearText + two(month) + two(day);
-        case 13: return two(day) + u' ' + monthName + u' ' + yearText + u' ' + clock + u':' + thousandths;
-        case 14: return clock + u':' + thousandths;
+            return monthName + u' ' + dayBlank + u' ' + yearText + u' ' + hour12 + u':' +
+                   two(minute) + u':' + two(second) + u':' + thousandths + half;
+        case 10:
+            return two(month) + u'-' + two(day) + u'-' + yearText;
+        case 11:
+            return yearText + u'/' + two(month) + u'/' + two(day);
+        case 12:
+            return yearText + two(month) + two(day);
+        case 13:
+            return two(day) + u' ' + monthName + u' ' + yearText + u' ' + clock + u':' +
+                   thousandths;
+        case 14:
+            return clock + u':' + thousandths;
         case 20:
         case 120:
-            return QStringLiteral("%1-%2-%3").arg(yearText, two(month), two(day)) + (dateOnly ? QString() : u' ' + clock);
+            return QStringLiteral("%1-%2-%3").arg(yearText, two(month), two(day)) +
+                   (dateOnly ? QString() : u' ' + clock);
         case 21:
         case 121:
         case 25:
             if (type.type != SqlType::DateTime && type.type != SqlType::SmallDateTime)
                 return QString::fromLatin1(formatTicks(ticks, offsetMinutes, type));
-            return QStringLiteral("%1-%2-%3").arg(yearText, two(month), two(day)) + u' ' + clock + u'.' + thousandths;
+            return QStringLiteral("%1-%2-%3").arg(yearText, two(month), two(day)) + u' ' + clock +
+                   u'.' + thousandths;
         case 126:
         case 127: {
             if (dateOnly) return QString::fromLatin1(formatTicks(ticks, offsetMinutes, type));
@@ -378,8 +421,12 @@ QString dateToText(qint64 ticks, qint16 offsetMinutes, const ColumnInfo& type, i
             return text;
         }
         default:
-            failWith(281, QStringLiteral("%1 is not a valid style number when converting from %2 to a character string.")
-                              .arg(style).arg(sqlTypeName(type.type)));
+            failWith(
+                281,
+                QStringLiteral(
+                    "%1 is not a valid style number when converting from %2 to a character string.")
+                    .arg(style)
+                    .arg(sqlTypeName(type.type)));
     }
 }
 

@@ -19,8 +19,8 @@ struct StoredValue {
     Kind kind = Kind::Null;
     qint64 integer = 0;
     double real = 0;
-    QByteArray bytes;     ///< Text (UTF-8) and Blob
-    ColumnInfo type;      ///< as declared or inferred; its name stays empty
+    QByteArray bytes;  ///< Text (UTF-8) and Blob
+    ColumnInfo type;   ///< as declared or inferred; its name stays empty
 
     bool isNull() const { return kind == Kind::Null; }
     /// The text that an implicit conversion to nvarchar gives (PRINT, EXEC, concatenation); empty
@@ -66,12 +66,15 @@ qint64 runUpdate(SessionState& session, std::span<const Token> statement, Variab
 qint64 runDelete(SessionState& session, std::span<const Token> statement, Variables& variables);
 
 /// An expression's value; subqueries are allowed.
-StoredValue evaluate(SessionState& session, std::span<const Token> expression, Variables& variables);
+StoredValue evaluate(SessionState& session, std::span<const Token> expression,
+                     Variables& variables);
 /// A condition, as behind IF and WHILE; unknown counts as false.
-bool evaluateCondition(SessionState& session, std::span<const Token> condition, Variables& variables);
+bool evaluateCondition(SessionState& session, std::span<const Token> condition,
+                       Variables& variables);
 
 /// An expression over the columns of `table` ([schema].[name] resolved already to the object's id)
-/// in SQLite's dialect, for generated columns; `type` gets the inferred type. `tableId` 0: no columns.
+/// in SQLite's dialect, for generated columns; `type` gets the inferred type. `tableId` 0: no
+/// columns.
 QString translateForSqlite(SessionState& session, std::span<const Token> expression, int tableId,
                            ColumnInfo* type = nullptr);
 
@@ -84,18 +87,18 @@ qsizetype selectEnd(std::span<const Token> tokens, qsizetype begin);
 qsizetype dmlEnd(std::span<const Token> tokens, qsizetype begin);
 
 /// `value` in the storage form of `type` (the conversion that an assignment does). Throws DbError:
-/// 245/241/8114 not convertible, 220/8115 overflow; too long texts are cut when `cut` is set (as for
-/// variables and CAST) and kept whole otherwise: the caller of an INSERT checks.
-StoredValue convertValue(const SessionState& session, const StoredValue& value, const ColumnInfo& type,
-                         bool cut = true);
+/// 245/241/8114 not convertible, 220/8115 overflow; too long texts are cut when `cut` is set (as
+/// for variables and CAST) and kept whole otherwise: the caller of an INSERT checks.
+StoredValue convertValue(const SessionState& session, const StoredValue& value,
+                         const ColumnInfo& type, bool cut = true);
 
 /// "int", "nvarchar(30)", "numeric(10, 2)", "[dbo].[myType]" from `begin` on; `end` gets the index
 /// behind it. Throws DbError 2715 "Cannot find data type" for an unknown one.
 ColumnInfo parseDataType(SessionState& session, std::span<const Token> tokens, qsizetype begin,
                          qsizetype& end);
 
-/// To be called on each change of a database's catalogue (DDL, rollback): what was remembered of its
-/// tables and the statements that were prepared on them is forgotten.
+/// To be called on each change of a database's catalogue (DDL, rollback): what was remembered of
+/// its tables and the statements that were prepared on them is forgotten.
 void catalogChanged(Database& database);
 /// To be called before a database's handle is closed: finalises all prepared statements.
 void releaseQueries(Database& database);

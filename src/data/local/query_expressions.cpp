@@ -5,7 +5,9 @@
 namespace zov::local {
 namespace {
 
-QString packed(const ColumnInfo& type) { return QString::number(packType(type)); }
+QString packed(const ColumnInfo& type) {
+    return QString::number(packType(type));
+}
 
 Sql plain(QString text, ValueType type) {
     Sql sql;
@@ -25,14 +27,16 @@ bool fitsUnchanged(const ValueType& from, const ColumnInfo& to) {
     if (!from.known) return false;
     const ColumnInfo& info = from.info;
     if (isTextType(to.type) && from.isText()) {
-        if (to.type == SqlType::Char || to.type == SqlType::NChar) return info.type == to.type && info.size == to.size;
+        if (to.type == SqlType::Char || to.type == SqlType::NChar)
+            return info.type == to.type && info.size == to.size;
         return to.size <= 0 || (info.size > 0 && info.size <= to.size);
     }
     if (info.type == to.type) {
         if (to.type == SqlType::Decimal || to.type == SqlType::Numeric)
             return info.scale == to.scale && info.precision <= to.precision;
         if (isDateTimeType(to.type)) return sameDateForm(info, to);
-        if (to.type >= SqlType::Binary && to.type <= SqlType::RowVersion) return to.size < 0 || info.size == to.size;
+        if (to.type >= SqlType::Binary && to.type <= SqlType::RowVersion)
+            return to.size < 0 || info.size == to.size;
         return true;
     }
     if (to.type <= SqlType::BigInt && to.type != SqlType::Bit && info.type <= to.type) return true;
@@ -49,15 +53,19 @@ QString quotedText(const QString& text) {
 
 QString renderValue(const StoredValue& value) {
     switch (value.kind) {
-        case StoredValue::Kind::Null: return QStringLiteral("NULL");
-        case StoredValue::Kind::Integer: return QString::number(value.integer);
+        case StoredValue::Kind::Null:
+            return QStringLiteral("NULL");
+        case StoredValue::Kind::Integer:
+            return QString::number(value.integer);
         case StoredValue::Kind::Real: {
             QString text = QString::number(value.real, 'g', 17);
             if (!text.contains(u'.') && !text.contains(u'e')) text += QStringLiteral(".0");
             return text;
         }
-        case StoredValue::Kind::Text: return quotedText(QString::fromUtf8(value.bytes));
-        case StoredValue::Kind::Blob: return QStringLiteral("x'") + QString::fromLatin1(value.bytes.toHex()) + u'\'';
+        case StoredValue::Kind::Text:
+            return quotedText(QString::fromUtf8(value.bytes));
+        case StoredValue::Kind::Blob:
+            return QStringLiteral("x'") + QString::fromLatin1(value.bytes.toHex()) + u'\'';
     }
     return QStringLiteral("NULL");
 }
@@ -75,24 +83,36 @@ Sql Translator::literal(const Expr& expr) {
 Sql Translator::variable(const Expr& expr) {
     if (expr.name.startsWith(QLatin1String("@@"))) {
         static const QHash<QString, SqlType> types = {
-            {QStringLiteral("@@rowcount"), SqlType::Int},      {QStringLiteral("@@error"), SqlType::Int},
-            {QStringLiteral("@@trancount"), SqlType::Int},     {QStringLiteral("@@spid"), SqlType::SmallInt},
-            {QStringLiteral("@@identity"), SqlType::Numeric},  {QStringLiteral("@@servername"), SqlType::NVarChar},
-            {QStringLiteral("@@version"), SqlType::NVarChar},  {QStringLiteral("@@language"), SqlType::NVarChar},
-            {QStringLiteral("@@servicename"), SqlType::NVarChar}, {QStringLiteral("@@fetch_status"), SqlType::Int},
-            {QStringLiteral("@@nestlevel"), SqlType::Int},     {QStringLiteral("@@options"), SqlType::Int},
-            {QStringLiteral("@@max_precision"), SqlType::TinyInt}, {QStringLiteral("@@datefirst"), SqlType::TinyInt},
-            {QStringLiteral("@@lock_timeout"), SqlType::Int},  {QStringLiteral("@@textsize"), SqlType::Int},
-            {QStringLiteral("@@procid"), SqlType::Int},        {QStringLiteral("@@microsoftversion"), SqlType::Int}};
+            {QStringLiteral("@@rowcount"), SqlType::Int},
+            {QStringLiteral("@@error"), SqlType::Int},
+            {QStringLiteral("@@trancount"), SqlType::Int},
+            {QStringLiteral("@@spid"), SqlType::SmallInt},
+            {QStringLiteral("@@identity"), SqlType::Numeric},
+            {QStringLiteral("@@servername"), SqlType::NVarChar},
+            {QStringLiteral("@@version"), SqlType::NVarChar},
+            {QStringLiteral("@@language"), SqlType::NVarChar},
+            {QStringLiteral("@@servicename"), SqlType::NVarChar},
+            {QStringLiteral("@@fetch_status"), SqlType::Int},
+            {QStringLiteral("@@nestlevel"), SqlType::Int},
+            {QStringLiteral("@@options"), SqlType::Int},
+            {QStringLiteral("@@max_precision"), SqlType::TinyInt},
+            {QStringLiteral("@@datefirst"), SqlType::TinyInt},
+            {QStringLiteral("@@lock_timeout"), SqlType::Int},
+            {QStringLiteral("@@textsize"), SqlType::Int},
+            {QStringLiteral("@@procid"), SqlType::Int},
+            {QStringLiteral("@@microsoftversion"), SqlType::Int}};
         const QString name = expr.name.toLower();
         const auto it = types.constFind(name);
         if (it == types.constEnd())
-            failWith(137, QStringLiteral("Must declare the scalar variable \"%1\".").arg(expr.name));
-        Sql sql = plain(global(name), knownType(it.value(), it.value() == SqlType::NVarChar ? 256 : 0, 38, 0));
+            failWith(137,
+                     QStringLiteral("Must declare the scalar variable \"%1\".").arg(expr.name));
+        Sql sql = plain(global(name),
+                        knownType(it.value(), it.value() == SqlType::NVarChar ? 256 : 0, 38, 0));
         return sql;
     }
     const StoredValue* value = variables_ ? variables_->find(expr.name) : nullptr;
-    if (!value) failWith(137, QStringLiteral("Must declare the scalar variable \"%1\".").arg(expr.name));
+    if (!value)
+        failWith(137, QStringLiteral("Must declare the scalar variable \"%1\".").arg(expr.name));
     Sql sql;
     sql.variable = expr.name;
     sql.type.info = value->type;
@@ -115,7 +135,8 @@ QString Translator::bound(const Sql& sql, const ColumnInfo* target) {
             (expr.token->kind == TokenKind::Number && sql.type.type() != SqlType::Int)) {
             const StoredValue value = literalValue(*expr.token);
             if (expr.literalIndex >= 0) rendered_.insert(expr.literalIndex);
-            return renderValue(target ? convertStored(value, *target, true, session_.dateFormat) : value);
+            return renderValue(target ? convertStored(value, *target, true, session_.dateFormat)
+                                      : value);
         }
         ParameterSource parameter;
         parameter.literal = expr.literalIndex;
@@ -147,18 +168,24 @@ QString Translator::use(const Sql& sql) {
 
 QString Translator::dateFormatNumber() const {
     const QString order = session_.dateFormat.toLower();
-    return order == u"dmy" ? QStringLiteral("1") : order == u"ymd" ? QStringLiteral("2") : QStringLiteral("0");
+    return order == u"dmy"   ? QStringLiteral("1")
+           : order == u"ymd" ? QStringLiteral("2")
+                             : QStringLiteral("0");
 }
 
 QString Translator::converted(Sql value, const ColumnInfo& type, int style, bool tolerant) {
-    if (value.type.untypedNull || (!tolerant && style == 0 && fitsUnchanged(value.type, type))) return use(value);
-    return QLatin1String(tolerant ? "zov_tryconv(" : "zov_conv(") + use(value) + QStringLiteral(", ") +
-           (value.type.known ? packed(value.type.info) : QStringLiteral("-1")) + QStringLiteral(", ") + packed(type) +
-           QStringLiteral(", ") + QString::number(style) + QStringLiteral(", ") + dateFormatNumber() + u')';
+    if (value.type.untypedNull || (!tolerant && style == 0 && fitsUnchanged(value.type, type)))
+        return use(value);
+    return QLatin1String(tolerant ? "zov_tryconv(" : "zov_conv(") + use(value) +
+           QStringLiteral(", ") +
+           (value.type.known ? packed(value.type.info) : QStringLiteral("-1")) +
+           QStringLiteral(", ") + packed(type) + QStringLiteral(", ") + QString::number(style) +
+           QStringLiteral(", ") + dateFormatNumber() + u')';
 }
 
 QString Translator::asText(const Sql& sql) {
-    if (!sql.type.known || sql.type.isText() || sql.type.isInteger() || sql.type.isBinary()) return use(sql);
+    if (!sql.type.known || sql.type.isText() || sql.type.isInteger() || sql.type.isBinary())
+        return use(sql);
     return converted(sql, makeType(SqlType::NVarChar, 4000));
 }
 
@@ -166,7 +193,8 @@ QString Translator::asText(const Sql& sql) {
 
 Sql Translator::column(const Expr& expr, Scope& scope) {
     QStringList path = expr.path;
-    if (path.size() > 2) path = path.mid(path.size() - 2);   // the database in front says nothing more
+    if (path.size() > 2)
+        path = path.mid(path.size() - 2);  // the database in front says nothing more
     bool prefixKnown = false;
     for (Scope* at = &scope; at; at = at->outer) {
         Source* found = nullptr;
@@ -201,11 +229,14 @@ Sql Translator::column(const Expr& expr, Scope& scope) {
     if (!path.isEmpty() && !prefixKnown) {
         const QString name = (expr.path + QStringList(expr.name)).join(u'.');
         if (majorVersion_ < 9)
-            failWith(107, QStringLiteral("The column prefix '%1' does not match with a table name or alias name used in the query.")
+            failWith(107, QStringLiteral("The column prefix '%1' does not match with a table name "
+                                         "or alias name used in the query.")
                               .arg(expr.path.join(u'.')));
-        failWith(4104, QStringLiteral("The multi-part identifier \"%1\" could not be bound.").arg(name));
+        failWith(4104,
+                 QStringLiteral("The multi-part identifier \"%1\" could not be bound.").arg(name));
     }
-    DbError error(ado_error::SyntaxError, QStringLiteral("Invalid column name '%1'.").arg(expr.name),
+    DbError error(ado_error::SyntaxError,
+                  QStringLiteral("Invalid column name '%1'.").arg(expr.name),
                   QStringLiteral("42S22"), 207);
     if (expr.token) error.line = expr.token->line;
     throw error;
@@ -215,7 +246,8 @@ Sql Translator::column(const Expr& expr, Scope& scope) {
 
 Sql Translator::translate(const Expr& expr, Scope& scope) {
     switch (expr.kind) {
-        case Expr::Kind::Literal: return literal(expr);
+        case Expr::Kind::Literal:
+            return literal(expr);
         case Expr::Kind::Null: {
             ValueType type = knownType(SqlType::Int);
             type.known = false;
@@ -224,30 +256,42 @@ Sql Translator::translate(const Expr& expr, Scope& scope) {
         }
         case Expr::Kind::Default:
             failWith(156, QStringLiteral("Incorrect syntax near the keyword 'DEFAULT'."));
-        case Expr::Kind::Column: return column(expr, scope);
-        case Expr::Kind::Star: failWith(102, QStringLiteral("Incorrect syntax near '*'."));
-        case Expr::Kind::Variable: return variable(expr);
+        case Expr::Kind::Column:
+            return column(expr, scope);
+        case Expr::Kind::Star:
+            failWith(102, QStringLiteral("Incorrect syntax near '*'."));
+        case Expr::Kind::Variable:
+            return variable(expr);
         case Expr::Kind::Unary: {
             Sql value = translate(*expr.args[0], scope);
             if (expr.name == u"+") return value;
-            if (value.type.isText()) value = plain(converted(value, makeType(SqlType::Int)), knownType(SqlType::Int));
+            if (value.type.isText())
+                value = plain(converted(value, makeType(SqlType::Int)), knownType(SqlType::Int));
             const QString text = u'(' + expr.name + use(value) + u')';
             return plain(text, value.type);
         }
-        case Expr::Kind::Arithmetic: return arithmetic(expr, scope);
-        case Expr::Kind::Case: return caseExpr(expr, scope);
-        case Expr::Kind::Cast: return cast(expr, scope);
-        case Expr::Kind::Function: return function(expr, scope);
+        case Expr::Kind::Arithmetic:
+            return arithmetic(expr, scope);
+        case Expr::Kind::Case:
+            return caseExpr(expr, scope);
+        case Expr::Kind::Cast:
+            return cast(expr, scope);
+        case Expr::Kind::Function:
+            return function(expr, scope);
         case Expr::Kind::Collate: {
             Sql value = translate(*expr.args[0], scope);
             const QString name = expr.name.toUpper();
-            const bool exact = name.contains(QLatin1String("_CS_")) || name.contains(QLatin1String("_BIN"));
-            Sql sql = plain(use(value) + QLatin1String(exact ? " COLLATE ZOVCASE" : " COLLATE NOCASE"), value.type);
+            const bool exact =
+                name.contains(QLatin1String("_CS_")) || name.contains(QLatin1String("_BIN"));
+            Sql sql =
+                plain(use(value) + QLatin1String(exact ? " COLLATE ZOVCASE" : " COLLATE NOCASE"),
+                      value.type);
             sql.text = u'(' + sql.text + u')';
             sql.collated = true;
             return sql;
         }
-        case Expr::Kind::Subquery: return scalarSubquery(expr, scope);
+        case Expr::Kind::Subquery:
+            return scalarSubquery(expr, scope);
         default: {
             Sql sql = plain(predicate(expr, scope), knownType(SqlType::Bit));
             return sql;
@@ -258,8 +302,11 @@ Sql Translator::translate(const Expr& expr, Scope& scope) {
 Sql Translator::scalarSubquery(const Expr& expr, Scope& scope) {
     TranslatedSelect inner = selectIn(*expr.select, &scope);
     if (inner.columns.size() != 1)
-        failWith(116, QStringLiteral("Only one expression can be specified in the select list when the subquery is not "
-                                     "introduced with EXISTS."));
+        failWith(
+            116,
+            QStringLiteral(
+                "Only one expression can be specified in the select list when the subquery is not "
+                "introduced with EXISTS."));
     Sql sql = plain(u'(' + inner.sql + u')', inner.columns[0].type);
     sql.type.info.nullable = true;
     return sql;
@@ -269,7 +316,8 @@ QString Translator::numberOf(const Sql& sql) {
     // 0x80 beside a number is a number.
     if (sql.literal && sql.literal->token->kind == TokenKind::Binary) {
         if (sql.literal->literalIndex >= 0) rendered_.insert(sql.literal->literalIndex);
-        return renderValue(convertStored(literalValue(*sql.literal->token), makeType(SqlType::BigInt), true, {}));
+        return renderValue(
+            convertStored(literalValue(*sql.literal->token), makeType(SqlType::BigInt), true, {}));
     }
     return use(sql);
 }
@@ -280,16 +328,26 @@ Sql Translator::plus(Sql a, Sql b) {
         ValueType type = commonType(a.type, b.type);
         const auto sizeOf = [](const Sql& sql) { return sql.type.known ? sql.type.info.size : 0; };
         const bool unicode = a.type.isUnicode() || b.type.isUnicode();
-        const bool fixed = (a.type.type() == SqlType::Char || a.type.type() == SqlType::NChar) && a.type.type() == b.type.type();
-        type.info.type = unicode ? (fixed ? SqlType::NChar : SqlType::NVarChar) : (fixed ? SqlType::Char : SqlType::VarChar);
-        type.info.size = sizeOf(a) < 0 || sizeOf(b) < 0 ? -1 : std::min(unicode ? 4000 : 8000, sizeOf(a) + sizeOf(b));
+        const bool fixed = (a.type.type() == SqlType::Char || a.type.type() == SqlType::NChar) &&
+                           a.type.type() == b.type.type();
+        type.info.type = unicode ? (fixed ? SqlType::NChar : SqlType::NVarChar)
+                                 : (fixed ? SqlType::Char : SqlType::VarChar);
+        type.info.size = sizeOf(a) < 0 || sizeOf(b) < 0
+                             ? -1
+                             : std::min(unicode ? 4000 : 8000, sizeOf(a) + sizeOf(b));
         return plain(u'(' + use(a) + QStringLiteral(" || ") + use(b) + u')', type);
     }
     if (a.type.isBinary() && b.type.isBinary()) {
-        ValueType type = knownType(SqlType::VarBinary, a.type.info.size < 0 || b.type.info.size < 0 ? -1 : std::min(8000, a.type.info.size + b.type.info.size));
-        return plain(QStringLiteral("CAST((") + use(a) + QStringLiteral(" || ") + use(b) + QStringLiteral(") AS BLOB)"), type);
+        ValueType type = knownType(SqlType::VarBinary,
+                                   a.type.info.size < 0 || b.type.info.size < 0
+                                       ? -1
+                                       : std::min(8000, a.type.info.size + b.type.info.size));
+        return plain(QStringLiteral("CAST((") + use(a) + QStringLiteral(" || ") + use(b) +
+                         QStringLiteral(") AS BLOB)"),
+                     type);
     }
-    return plain(QStringLiteral("zov_plus(") + use(a) + QStringLiteral(", ") + use(b) + u')', unknownType());
+    return plain(QStringLiteral("zov_plus(") + use(a) + QStringLiteral(", ") + use(b) + u')',
+                 unknownType());
 }
 
 Sql Translator::arithmetic(const Expr& expr, Scope& scope) {
@@ -297,29 +355,40 @@ Sql Translator::arithmetic(const Expr& expr, Scope& scope) {
     Sql b = translate(*expr.args[1], scope);
     const QChar op = expr.name[0];
     if (op == u'+') {
-        const bool texts = (a.type.isText() && (b.type.isText() || !b.type.known)) || (b.type.isText() && !a.type.known);
+        const bool texts = (a.type.isText() && (b.type.isText() || !b.type.known)) ||
+                           (b.type.isText() && !a.type.known);
         const bool binaries = a.type.isBinary() && b.type.isBinary();
-        const bool unknown = !a.type.known && !b.type.known && !a.type.untypedNull && !b.type.untypedNull;
+        const bool unknown =
+            !a.type.known && !b.type.known && !a.type.untypedNull && !b.type.untypedNull;
         if (texts || binaries || unknown) return plus(std::move(a), std::move(b));
     }
     if (a.type.isDate() || b.type.isDate()) {
         // Days are added to a date; the difference of two is a date counted from 1900.
         if (op != u'+' && op != u'-')
             failWith(8117, QStringLiteral("Operand data type %1 is invalid for %2 operator.")
-                               .arg(sqlTypeName(a.type.isDate() ? a.type.type() : b.type.type()), op == u'*' ? QStringLiteral("multiply")
-                                    : op == u'/' ? QStringLiteral("divide") : QStringLiteral("modulo")));
-        ValueType type = a.type.isDate() && b.type.isDate() ? commonType(a.type, b.type) : a.type.isDate() ? a.type : b.type;
+                               .arg(sqlTypeName(a.type.isDate() ? a.type.type() : b.type.type()),
+                                    op == u'*'   ? QStringLiteral("multiply")
+                                    : op == u'/' ? QStringLiteral("divide")
+                                                 : QStringLiteral("modulo")));
+        ValueType type = a.type.isDate() && b.type.isDate() ? commonType(a.type, b.type)
+                         : a.type.isDate()                  ? a.type
+                                                            : b.type;
         const auto operand = [&](const Sql& side) {
             return side.type.isText() ? converted(side, type.info) : use(side);
         };
-        return plain(QStringLiteral("zov_dateplus(") + operand(a) + QStringLiteral(", ") + operand(b) + QStringLiteral(", ") +
-                         QLatin1String(op == u'-' ? "-1" : "1") + QStringLiteral(", ") + packed(type.info) + u')', type);
+        return plain(QStringLiteral("zov_dateplus(") + operand(a) + QStringLiteral(", ") +
+                         operand(b) + QStringLiteral(", ") +
+                         QLatin1String(op == u'-' ? "-1" : "1") + QStringLiteral(", ") +
+                         packed(type.info) + u')',
+                     type);
     }
     // A text beside a number is read as the number's type.
     const auto asNumber = [&](Sql& side, const Sql& other) {
         if (!side.type.isText()) return;
         ColumnInfo target = other.type.isNumber() ? other.type.info : makeType(SqlType::Int);
-        if (target.type == SqlType::Bit || target.type == SqlType::TinyInt || target.type == SqlType::SmallInt) target = makeType(SqlType::Int);
+        if (target.type == SqlType::Bit || target.type == SqlType::TinyInt ||
+            target.type == SqlType::SmallInt)
+            target = makeType(SqlType::Int);
         ValueType type;
         type.info = target;
         type.known = true;
@@ -338,15 +407,20 @@ Sql Translator::arithmetic(const Expr& expr, Scope& scope) {
     // A whole number that is written out has the digits that it shows, and no more.
     const auto shown = [](const Sql& side) {
         ValueType type = side.type;
-        if (side.literal && type.type() == SqlType::Int) type.info.precision = int(side.literal->token->source.size());
+        if (side.literal && type.type() == SqlType::Int)
+            type.info.precision = int(side.literal->token->source.size());
         return type;
     };
-    const ValueType type = arithmeticType(op, a.type.isExact() || b.type.isExact() ? shown(a) : a.type,
-                                          a.type.isExact() || b.type.isExact() ? shown(b) : b.type);
+    const ValueType type =
+        arithmeticType(op, a.type.isExact() || b.type.isExact() ? shown(a) : a.type,
+                       a.type.isExact() || b.type.isExact() ? shown(b) : b.type);
     switch (op.unicode()) {
         case '&':
-        case '|': return plain(u'(' + left + u' ' + op + u' ' + right + u')', type);
-        case '^': return plain(u'(' + QStringLiteral("(%1 | %2) - (%1 & %2)").arg(left, right) + u')', type);
+        case '|':
+            return plain(u'(' + left + u' ' + op + u' ' + right + u')', type);
+        case '^':
+            return plain(u'(' + QStringLiteral("(%1 | %2) - (%1 & %2)").arg(left, right) + u')',
+                         type);
         case '/':
         case '%': {
             const bool whole = a.type.isInteger() && b.type.isInteger();
@@ -354,27 +428,37 @@ Sql Translator::arithmetic(const Expr& expr, Scope& scope) {
             QString text;
             if (op == u'%')
                 text = whole && safe ? u'(' + left + QStringLiteral(" % ") + right + u')'
-                                     : QStringLiteral("zov_mod(") + left + QStringLiteral(", ") + right + u')';
+                                     : QStringLiteral("zov_mod(") + left + QStringLiteral(", ") +
+                                           right + u')';
             else if (whole)
-                text = safe ? u'(' + left + QStringLiteral(" / ") + right + u')'
-                            : QStringLiteral("zov_div(") + left + QStringLiteral(", ") + right + u')';
+                text =
+                    safe ? u'(' + left + QStringLiteral(" / ") + right + u')'
+                         : QStringLiteral("zov_div(") + left + QStringLiteral(", ") + right + u')';
             else if (a.type.known || b.type.known)
-                text = safe ? QStringLiteral("(CAST(") + left + QStringLiteral(" AS REAL) / ") + right + u')'
-                            : QStringLiteral("zov_divr(") + left + QStringLiteral(", ") + right + u')';
+                text =
+                    safe ? QStringLiteral("(CAST(") + left + QStringLiteral(" AS REAL) / ") +
+                               right + u')'
+                         : QStringLiteral("zov_divr(") + left + QStringLiteral(", ") + right + u')';
             else
                 text = QStringLiteral("zov_div(") + left + QStringLiteral(", ") + right + u')';
             // A quotient's digits beyond its scale are cut, not rounded.
-            if (type.isExact() && type.info.scale < 12) text = QStringLiteral("zov_cut(") + text + QStringLiteral(", %1)").arg(type.info.scale);
-            if (type.known && type.type() == SqlType::Real) text = QStringLiteral("zov_real(") + text + u')';
+            if (type.isExact() && type.info.scale < 12)
+                text = QStringLiteral("zov_cut(") + text +
+                       QStringLiteral(", %1)").arg(type.info.scale);
+            if (type.known && type.type() == SqlType::Real)
+                text = QStringLiteral("zov_real(") + text + u')';
             return plain(text, type);
         }
-        default: break;
+        default:
+            break;
     }
     QString text = u'(' + left + u' ' + op + u' ' + right + u')';
     // Decimals count exactly: what a double adds behind the last digit goes.
-    if (type.isExact() && type.info.scale > 0 && type.info.scale < 12) text = QStringLiteral("round(") + text + QStringLiteral(", %1)").arg(type.info.scale);
+    if (type.isExact() && type.info.scale > 0 && type.info.scale < 12)
+        text = QStringLiteral("round(") + text + QStringLiteral(", %1)").arg(type.info.scale);
     // Each step of real arithmetic is kept in four bytes, and rounds so.
-    if (type.known && type.type() == SqlType::Real) text = QStringLiteral("zov_real(") + text + u')';
+    if (type.known && type.type() == SqlType::Real)
+        text = QStringLiteral("zov_real(") + text + u')';
     return plain(text, type);
 }
 
@@ -385,7 +469,8 @@ Sql Translator::caseExpr(const Expr& expr, Scope& scope) {
     if (expr.hasOperand) operand = translate(*expr.args[at++], scope);
     const size_t end = expr.args.size() - (expr.hasElse ? 1 : 0);
     for (; at + 1 < end + 1 && at < end; at += 2) {
-        const QString when = expr.hasOperand ? compare(QStringLiteral("="), operand, translate(*expr.args[at], scope))
+        const QString when = expr.hasOperand ? compare(QStringLiteral("="), operand,
+                                                       translate(*expr.args[at], scope))
                                              : predicate(*expr.args[at], scope);
         branches.emplace_back(when, translate(*expr.args[at + 1], scope));
     }
@@ -395,9 +480,14 @@ Sql Translator::caseExpr(const Expr& expr, Scope& scope) {
     if (!expr.hasElse) type.info.nullable = true;
     QString text = QStringLiteral("(CASE");
     for (auto& [when, value] : branches) {
-        const bool unchanged = !type.known || !value.type.known || value.type.isText() == type.isText();
-        const QString result = unchanged && !(type.isDate() && !sameDateForm(value.type.info, type.info)) ? use(value) : converted(value, type.info);
-        text += when.isNull() ? QStringLiteral(" ELSE ") + result : QStringLiteral(" WHEN ") + when + QStringLiteral(" THEN ") + result;
+        const bool unchanged =
+            !type.known || !value.type.known || value.type.isText() == type.isText();
+        const QString result =
+            unchanged && !(type.isDate() && !sameDateForm(value.type.info, type.info))
+                ? use(value)
+                : converted(value, type.info);
+        text += when.isNull() ? QStringLiteral(" ELSE ") + result
+                              : QStringLiteral(" WHEN ") + when + QStringLiteral(" THEN ") + result;
     }
     return plain(text + QStringLiteral(" END)"), type);
 }
@@ -408,7 +498,8 @@ Sql Translator::cast(const Expr& expr, Scope& scope) {
     if (expr.args.size() > 1) {
         const Expr& given = *expr.args[1];
         if (given.kind != Expr::Kind::Literal || given.token->kind != TokenKind::Number)
-            failWith(0, QStringLiteral("The style of CONVERT must be a number in the embedded server."));
+            failWith(
+                0, QStringLiteral("The style of CONVERT must be a number in the embedded server."));
         style = int(literalValue(*given.token).toInteger());
         if (given.literalIndex >= 0) rendered_.insert(given.literalIndex);
     }
@@ -416,7 +507,8 @@ Sql Translator::cast(const Expr& expr, Scope& scope) {
     type.info = expr.castType;
     type.known = true;
     // Without a size, CAST makes texts of thirty characters.
-    type.info.nullable = value.type.untypedNull || !value.type.known || value.type.info.nullable || expr.tolerant;
+    type.info.nullable =
+        value.type.untypedNull || !value.type.known || value.type.info.nullable || expr.tolerant;
     return plain(converted(value, type.info, style, expr.tolerant), type);
 }
 
@@ -426,22 +518,32 @@ QString Translator::predicate(const Expr& expr, Scope& scope) {
     switch (expr.kind) {
         case Expr::Kind::And:
         case Expr::Kind::Or:
-            return u'(' + predicate(*expr.args[0], scope) + QLatin1String(expr.kind == Expr::Kind::And ? " AND " : " OR ") +
+            return u'(' + predicate(*expr.args[0], scope) +
+                   QLatin1String(expr.kind == Expr::Kind::And ? " AND " : " OR ") +
                    predicate(*expr.args[1], scope) + u')';
-        case Expr::Kind::Not: return QStringLiteral("(NOT ") + predicate(*expr.args[0], scope) + u')';
-        case Expr::Kind::Compare: return compare(expr.name, translate(*expr.args[0], scope), translate(*expr.args[1], scope));
+        case Expr::Kind::Not:
+            return QStringLiteral("(NOT ") + predicate(*expr.args[0], scope) + u')';
+        case Expr::Kind::Compare:
+            return compare(expr.name, translate(*expr.args[0], scope),
+                           translate(*expr.args[1], scope));
         case Expr::Kind::Between: {
             const Sql value = translate(*expr.args[0], scope);
-            const QString inside = u'(' + compare(QStringLiteral(">="), value, translate(*expr.args[1], scope)) + QStringLiteral(" AND ") +
-                                   compare(QStringLiteral("<="), value, translate(*expr.args[2], scope)) + u')';
+            const QString inside =
+                u'(' + compare(QStringLiteral(">="), value, translate(*expr.args[1], scope)) +
+                QStringLiteral(" AND ") +
+                compare(QStringLiteral("<="), value, translate(*expr.args[2], scope)) + u')';
             return expr.negated ? QStringLiteral("(NOT ") + inside + u')' : inside;
         }
-        case Expr::Kind::In: return inList(expr, scope);
+        case Expr::Kind::In:
+            return inList(expr, scope);
         case Expr::Kind::Like: {
             const Sql value = translate(*expr.args[0], scope);
             const Sql pattern = translate(*expr.args[1], scope);
-            QString text = QStringLiteral("zov_like(") + (pattern.literal ? bound(pattern) : asText(pattern)) + QStringLiteral(", ") + asText(value);
-            if (expr.args.size() > 2) text += QStringLiteral(", ") + use(translate(*expr.args[2], scope));
+            QString text = QStringLiteral("zov_like(") +
+                           (pattern.literal ? bound(pattern) : asText(pattern)) +
+                           QStringLiteral(", ") + asText(value);
+            if (expr.args.size() > 2)
+                text += QStringLiteral(", ") + use(translate(*expr.args[2], scope));
             text += u')';
             return expr.negated ? QStringLiteral("(NOT ") + text + u')' : text;
         }
@@ -449,25 +551,32 @@ QString Translator::predicate(const Expr& expr, Scope& scope) {
             const Sql value = translate(*expr.args[0], scope);
             return u'(' + use(value) + QLatin1String(expr.negated ? " IS NOT NULL)" : " IS NULL)");
         }
-        case Expr::Kind::Exists: return QStringLiteral("EXISTS (") + selectIn(*expr.select, &scope, true).sql + u')';
+        case Expr::Kind::Exists:
+            return QStringLiteral("EXISTS (") + selectIn(*expr.select, &scope, true).sql + u')';
         case Expr::Kind::Quantified: {
             // x > ALL (s): none of s fails; x > ANY (s): one of s fits.
             const Sql value = translate(*expr.args[0], scope);
             TranslatedSelect inner = selectIn(*expr.select, &scope);
             if (inner.columns.size() != 1)
-                failWith(116, QStringLiteral("Only one expression can be specified in the select list when the subquery is "
+                failWith(116, QStringLiteral("Only one expression can be specified in the select "
+                                             "list when the subquery is "
                                              "not introduced with EXISTS."));
             Sql other = plain(QStringLiteral("q.c1"), inner.columns[0].type);
             const QString condition = compare(expr.name, value, other);
             return expr.tolerant
-                       ? QStringLiteral("NOT EXISTS (SELECT 1 FROM (%1) AS q WHERE NOT %2)").arg(inner.sql, condition)
-                       : QStringLiteral("EXISTS (SELECT 1 FROM (%1) AS q WHERE %2)").arg(inner.sql, condition);
+                       ? QStringLiteral("NOT EXISTS (SELECT 1 FROM (%1) AS q WHERE NOT %2)")
+                             .arg(inner.sql, condition)
+                       : QStringLiteral("EXISTS (SELECT 1 FROM (%1) AS q WHERE %2)")
+                             .arg(inner.sql, condition);
         }
         default: {
-            if (expr.kind == Expr::Kind::Literal || expr.kind == Expr::Kind::Column || expr.kind == Expr::Kind::Arithmetic) {
+            if (expr.kind == Expr::Kind::Literal || expr.kind == Expr::Kind::Column ||
+                expr.kind == Expr::Kind::Arithmetic) {
                 DbError error(ado_error::SyntaxError,
-                              QStringLiteral("An expression of non-boolean type specified in a context where a condition is "
-                                             "expected, near '%1'.").arg(expr.token ? expr.token->source.toString() : QString()),
+                              QStringLiteral("An expression of non-boolean type specified in a "
+                                             "context where a condition is "
+                                             "expected, near '%1'.")
+                                  .arg(expr.token ? expr.token->source.toString() : QString()),
                               QStringLiteral("42000"), 4145);
                 throw error;
             }
@@ -481,12 +590,15 @@ void Translator::coerce(const Sql& a, const Sql& b, QString& left, QString& righ
     const ValueType &ta = a.type, &tb = b.type;
     const auto both = [&](const ColumnInfo& type) {
         const auto side = [&](const Sql& sql) {
-            return fitsUnchanged(sql.type, type) && !sql.literal && sql.variable.isEmpty() ? use(sql) : bound(sql, &type);
+            return fitsUnchanged(sql.type, type) && !sql.literal && sql.variable.isEmpty()
+                       ? use(sql)
+                       : bound(sql, &type);
         };
         left = side(a);
         right = side(b);
     };
-    if ((ta.isText() && (tb.isText() || !tb.known)) || (tb.isText() && !ta.known) || (!ta.known && !tb.known)) {
+    if ((ta.isText() && (tb.isText() || !tb.known)) || (tb.isText() && !ta.known) ||
+        (!ta.known && !tb.known)) {
         left = bound(a);
         right = bound(b);
         if (!a.collated && !b.collated) left += QStringLiteral(" COLLATE NOCASE");
@@ -526,7 +638,8 @@ void Translator::coerce(const Sql& a, const Sql& b, QString& left, QString& righ
         const ValueType& other = ta.isNumber() ? tb : ta;
         if (other.isText()) {
             ColumnInfo target = number.info;
-            if (number.isInteger() && number.type() != SqlType::Bit) target = makeType(SqlType::BigInt);
+            if (number.isInteger() && number.type() != SqlType::Bit)
+                target = makeType(SqlType::BigInt);
             if (number.type() == SqlType::Decimal || number.type() == SqlType::Numeric) {
                 target.precision = 38;
                 target.scale = std::max(10, target.scale);
@@ -553,12 +666,17 @@ void Translator::coerce(const Sql& a, const Sql& b, QString& left, QString& righ
     if (tb.isBinary() && ta.isText()) return both(makeType(SqlType::VarBinary, -1));
     left = bound(a);
     right = bound(b);
-    if ((ta.isText() || tb.isText()) && !a.collated && !b.collated) left += QStringLiteral(" COLLATE NOCASE");
+    if ((ta.isText() || tb.isText()) && !a.collated && !b.collated)
+        left += QStringLiteral(" COLLATE NOCASE");
 }
 
 QString Translator::compare(const QString& op, const Sql& a, const Sql& b) {
     QString left, right;
     coerce(a, b, left, right);
+    if ((a.type.isGuid() || b.type.isGuid()) && op != u"=" && op != u"<>") {
+        left = QStringLiteral("zov_gkey(") + left + u')';
+        right = QStringLiteral("zov_gkey(") + right + u')';
+    }
     return u'(' + left + u' ' + op + u' ' + right + u')';
 }
 
@@ -568,12 +686,17 @@ QString Translator::inList(const Expr& expr, Scope& scope) {
     if (expr.select) {
         const TranslatedSelect inner = selectIn(*expr.select, &scope);
         if (inner.columns.size() != 1)
-            failWith(116, QStringLiteral("Only one expression can be specified in the select list when the subquery is not "
+            failWith(116, QStringLiteral("Only one expression can be specified in the select list "
+                                         "when the subquery is not "
                                          "introduced with EXISTS."));
         QString left, right;
         coerce(value, plain(QStringLiteral("c1"), inner.columns[0].type), left, right);
-        if (value.type.isText() && !value.collated && !left.endsWith(QLatin1String(" COLLATE NOCASE"))) left += QStringLiteral(" COLLATE NOCASE");
-        const QString rows = right == u"c1" ? inner.sql : QStringLiteral("SELECT ") + right + QStringLiteral(" FROM (") + inner.sql + u')';
+        if (value.type.isText() && !value.collated &&
+            !left.endsWith(QLatin1String(" COLLATE NOCASE")))
+            left += QStringLiteral(" COLLATE NOCASE");
+        const QString rows = right == u"c1" ? inner.sql
+                                            : QStringLiteral("SELECT ") + right +
+                                                  QStringLiteral(" FROM (") + inner.sql + u')';
         return u'(' + left + word + rows + QStringLiteral("))");
     }
     QString left, list;
@@ -589,7 +712,9 @@ QString Translator::inList(const Expr& expr, Scope& scope) {
     }
     if (uniform) return u'(' + left + word + list + QStringLiteral("))");
     QString any;
-    for (const Sql& item : items) any += (any.isEmpty() ? QString() : QStringLiteral(" OR ")) + compare(QStringLiteral("="), value, item);
+    for (const Sql& item : items)
+        any += (any.isEmpty() ? QString() : QStringLiteral(" OR ")) +
+               compare(QStringLiteral("="), value, item);
     return QLatin1String(expr.negated ? "(NOT (" : "((") + any + QStringLiteral("))");
 }
 

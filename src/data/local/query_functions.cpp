@@ -19,29 +19,42 @@ QString call(const char* name, const QStringList& arguments) {
     return QLatin1String(name) + u'(' + arguments.join(QLatin1String(", ")) + u')';
 }
 
-/// The text type that a function makes of its argument: varchar stays varchar, the rest is nvarchar.
+/// The text type that a function makes of its argument: varchar stays varchar, the rest is
+/// nvarchar.
 ValueType textLike(const ValueType& argument, int size) {
-    const bool narrow = argument.known && (argument.type() == SqlType::Char || argument.type() == SqlType::VarChar ||
-                                           argument.type() == SqlType::Text || argument.isNumber());
-    return knownType(narrow ? SqlType::VarChar : SqlType::NVarChar, size ? size : narrow ? 8000 : 4000);
+    const bool narrow = argument.known &&
+                        (argument.type() == SqlType::Char || argument.type() == SqlType::VarChar ||
+                         argument.type() == SqlType::Text || argument.isNumber());
+    return knownType(narrow ? SqlType::VarChar : SqlType::NVarChar, size     ? size
+                                                                    : narrow ? 8000
+                                                                             : 4000);
 }
 
 enum class Result {
-    Int, BigInt, Float, DateTime, DateTime2, NVarChar, VarChar, Bit, Guid,
+    Int,
+    BigInt,
+    Float,
+    DateTime,
+    DateTime2,
+    NVarChar,
+    VarChar,
+    Bit,
+    Guid,
     First,      ///< the type of the first argument
     FirstText,  ///< a text of the first argument's size
     LongText,   ///< a text as long as there is
-    Numeric38, Variant,
+    Numeric38,
+    Variant,
 };
 
 struct Rule {
     const char* name;
     int least, most;
-    const char* sqlite;   ///< the function called with the arguments in their order
+    const char* sqlite;  ///< the function called with the arguments in their order
     Result result;
-    int size;             ///< of NVarChar and VarChar
-    bool texts;           ///< arguments are texts, others are converted
-    bool bind;            ///< literals become parameters (look-ups by name)
+    int size;    ///< of NVarChar and VarChar
+    bool texts;  ///< arguments are texts, others are converted
+    bool bind;   ///< literals become parameters (look-ups by name)
     int minVersion;
 };
 
@@ -147,17 +160,31 @@ QString datePart(const Expr& expr) {
     static const struct {
         const char* name;
         const char* part;
-    } parts[] = {{"year", "year"}, {"yy", "year"}, {"yyyy", "year"}, {"quarter", "quarter"}, {"qq", "quarter"}, {"q", "quarter"},
-                 {"month", "month"}, {"mm", "month"}, {"m", "month"}, {"dayofyear", "dayofyear"}, {"dy", "dayofyear"}, {"y", "dayofyear"},
-                 {"day", "day"}, {"dd", "day"}, {"d", "day"}, {"week", "week"}, {"wk", "week"}, {"ww", "week"},
-                 {"weekday", "weekday"}, {"dw", "weekday"}, {"w", "weekday"}, {"hour", "hour"}, {"hh", "hour"}, {"minute", "minute"},
-                 {"mi", "minute"}, {"n", "minute"}, {"second", "second"}, {"ss", "second"}, {"s", "second"},
-                 {"millisecond", "millisecond"}, {"ms", "millisecond"}, {"microsecond", "microsecond"}, {"mcs", "microsecond"},
-                 {"nanosecond", "nanosecond"}, {"ns", "nanosecond"}, {"iso_week", "iso_week"}, {"isowk", "iso_week"}};
+    } parts[] = {{"year", "year"},       {"yy", "year"},
+                 {"yyyy", "year"},       {"quarter", "quarter"},
+                 {"qq", "quarter"},      {"q", "quarter"},
+                 {"month", "month"},     {"mm", "month"},
+                 {"m", "month"},         {"dayofyear", "dayofyear"},
+                 {"dy", "dayofyear"},    {"y", "dayofyear"},
+                 {"day", "day"},         {"dd", "day"},
+                 {"d", "day"},           {"week", "week"},
+                 {"wk", "week"},         {"ww", "week"},
+                 {"weekday", "weekday"}, {"dw", "weekday"},
+                 {"w", "weekday"},       {"hour", "hour"},
+                 {"hh", "hour"},         {"minute", "minute"},
+                 {"mi", "minute"},       {"n", "minute"},
+                 {"second", "second"},   {"ss", "second"},
+                 {"s", "second"},        {"millisecond", "millisecond"},
+                 {"ms", "millisecond"},  {"microsecond", "microsecond"},
+                 {"mcs", "microsecond"}, {"nanosecond", "nanosecond"},
+                 {"ns", "nanosecond"},   {"iso_week", "iso_week"},
+                 {"isowk", "iso_week"}};
     const QString word = expr.kind == Expr::Kind::Column && expr.path.isEmpty() ? expr.name
-                         : expr.kind == Expr::Kind::Literal ? expr.token->value : QString();
+                         : expr.kind == Expr::Kind::Literal                     ? expr.token->value
+                                                                                : QString();
     for (const auto& part : parts)
-        if (word.compare(QLatin1String(part.name), Qt::CaseInsensitive) == 0) return quotedText(QLatin1String(part.part));
+        if (word.compare(QLatin1String(part.name), Qt::CaseInsensitive) == 0)
+            return quotedText(QLatin1String(part.part));
     failWith(155, QStringLiteral("'%1' is not a recognized date option.").arg(word));
 }
 
@@ -168,13 +195,16 @@ Sql Translator::windowed(Sql callText, const Expr& expr, Scope& scope) {
     QString over;
     for (const ExprPtr& part : expr.window->partition) {
         const Sql key = translate(*part, scope);
-        over += (over.isEmpty() ? QStringLiteral("PARTITION BY ") : QStringLiteral(", ")) + orderKey(key);
+        over += (over.isEmpty() ? QStringLiteral("PARTITION BY ") : QStringLiteral(", ")) +
+                orderKey(key);
     }
     QString order;
     for (const OrderItem& item : expr.window->order)
-        order += (order.isEmpty() ? QStringLiteral("ORDER BY ") : QStringLiteral(", ")) + orderKey(translate(*item.expr, scope)) +
+        order += (order.isEmpty() ? QStringLiteral("ORDER BY ") : QStringLiteral(", ")) +
+                 orderKey(translate(*item.expr, scope)) +
                  (item.descending ? QStringLiteral(" DESC") : QString());
-    callText.text += QStringLiteral(" OVER (") + over + (over.isEmpty() || order.isEmpty() ? QString() : QStringLiteral(" ")) + order +
+    callText.text += QStringLiteral(" OVER (") + over +
+                     (over.isEmpty() || order.isEmpty() ? QString() : QStringLiteral(" ")) + order +
                      expr.window->frame + u')';
     return callText;
 }
@@ -185,36 +215,47 @@ Sql Translator::aggregate(const Expr& expr, Scope& scope, bool& found) {
     const QString distinct = expr.distinct ? QStringLiteral("DISTINCT ") : QString();
     if (name == u"count" || name == u"count_big") {
         if (expr.args.size() != 1) wrongCount(name, 1);
-        const ValueType type = knownType(name == u"count" ? SqlType::Int : SqlType::BigInt, 0, 0, 0, false);
-        if (expr.args[0]->kind == Expr::Kind::Star) return windowed(made(QStringLiteral("count(*)"), type), expr, scope);
+        const ValueType type =
+            knownType(name == u"count" ? SqlType::Int : SqlType::BigInt, 0, 0, 0, false);
+        if (expr.args[0]->kind == Expr::Kind::Star)
+            return windowed(made(QStringLiteral("count(*)"), type), expr, scope);
         const Sql value = translate(*expr.args[0], scope);
         QString text = use(value);
-        if (expr.distinct && value.type.isText() && !value.collated) text += QStringLiteral(" COLLATE NOCASE");
+        if (expr.distinct && value.type.isText() && !value.collated)
+            text += QStringLiteral(" COLLATE NOCASE");
         return windowed(made(QStringLiteral("count(") + distinct + text + u')', type), expr, scope);
     }
     if (name == u"sum" || name == u"avg") {
         if (expr.args.size() != 1) wrongCount(name, 1);
         const Sql value = translate(*expr.args[0], scope);
         if (value.type.isText() || value.type.isDate())
-            failWith(8117, QStringLiteral("Operand data type %1 is invalid for %2 operator.").arg(sqlTypeName(value.type.type()), name));
+            failWith(8117, QStringLiteral("Operand data type %1 is invalid for %2 operator.")
+                               .arg(sqlTypeName(value.type.type()), name));
         const QString text = distinct + use(value);
         ValueType type = value.type;
         type.info.nullable = true;
-        if (value.type.isInteger() && value.type.type() != SqlType::BigInt) type = knownType(SqlType::Int);
+        if (value.type.isInteger() && value.type.type() != SqlType::BigInt)
+            type = knownType(SqlType::Int);
         if (value.type.type() == SqlType::Decimal || value.type.type() == SqlType::Numeric)
-            type = knownType(value.type.type(), 0, 38, name == u"sum" ? value.type.info.scale : std::max(6, value.type.info.scale));
+            type = knownType(
+                value.type.type(), 0, 38,
+                name == u"sum" ? value.type.info.scale : std::max(6, value.type.info.scale));
         if (value.type.type() == SqlType::SmallMoney) type = knownType(SqlType::Money);
         if (value.type.type() == SqlType::Real) type = knownType(SqlType::Float);
         if (name == u"sum") {
             if (value.type.isExact()) {
                 // Fifteen digits add up in doubles; more are added digit by digit.
-                if (value.type.isWide()) return windowed(made(QStringLiteral("zov_dsum(") + text + u')', type), expr, scope);
+                if (value.type.isWide())
+                    return windowed(made(QStringLiteral("zov_dsum(") + text + u')', type), expr,
+                                    scope);
                 return windowed(made(QStringLiteral("sum(") + text + u')', type), expr, scope);
             }
             return windowed(made(QStringLiteral("sum(") + text + u')', type), expr, scope);
         }
         if (value.type.isInteger() && !expr.window)
-            return made(QStringLiteral("(sum(") + text + QStringLiteral(") / count(") + text + QStringLiteral("))"), type);
+            return made(QStringLiteral("(sum(") + text + QStringLiteral(") / count(") + text +
+                            QStringLiteral("))"),
+                        type);
         return windowed(made(QStringLiteral("avg(") + text + u')', type), expr, scope);
     }
     if (name == u"min" || name == u"max") {
@@ -224,25 +265,33 @@ Sql Translator::aggregate(const Expr& expr, Scope& scope, bool& found) {
         if (value.type.isText() && !value.collated) text += QStringLiteral(" COLLATE NOCASE");
         ValueType type = value.type;
         type.info.nullable = true;
-        const QString function = value.type.isWide() ? (name == u"min" ? QStringLiteral("zov_dmin(") : QStringLiteral("zov_dmax(")) : name + u'(';
+        const QString function =
+            value.type.isWide()
+                ? (name == u"min" ? QStringLiteral("zov_dmin(") : QStringLiteral("zov_dmax("))
+                : name + u'(';
         return windowed(made(function + text + u')', type), expr, scope);
     }
     if (name == u"stdev" || name == u"stdevp" || name == u"var" || name == u"varp") {
         if (expr.args.size() != 1) wrongCount(name, 1);
-        return made(QStringLiteral("zov_") + name + u'(' + distinct + use(translate(*expr.args[0], scope)) + u')', knownType(SqlType::Float));
+        return made(QStringLiteral("zov_") + name + u'(' + distinct +
+                        use(translate(*expr.args[0], scope)) + u')',
+                    knownType(SqlType::Float));
     }
     if (name == u"string_agg") {
         if (expr.args.size() != 2) wrongCount(name, 2);
         const Sql value = translate(*expr.args[0], scope);
-        return made(QStringLiteral("group_concat(") + asText(value) + QStringLiteral(", ") + use(translate(*expr.args[1], scope)) + u')',
+        return made(QStringLiteral("group_concat(") + asText(value) + QStringLiteral(", ") +
+                        use(translate(*expr.args[1], scope)) + u')',
                     textLike(value.type, 0));
     }
-    static const QStringList windowOnly = {QStringLiteral("row_number"), QStringLiteral("rank"), QStringLiteral("dense_rank"),
-                                           QStringLiteral("ntile"), QStringLiteral("lag"), QStringLiteral("lead"),
-                                           QStringLiteral("first_value"), QStringLiteral("last_value")};
+    static const QStringList windowOnly = {
+        QStringLiteral("row_number"),  QStringLiteral("rank"),      QStringLiteral("dense_rank"),
+        QStringLiteral("ntile"),       QStringLiteral("lag"),       QStringLiteral("lead"),
+        QStringLiteral("first_value"), QStringLiteral("last_value")};
     if (windowOnly.contains(name)) {
         if (!expr.window)
-            failWith(10753, QStringLiteral("The function '%1' must have an OVER clause.").arg(name));
+            failWith(10753,
+                     QStringLiteral("The function '%1' must have an OVER clause.").arg(name));
         ValueType type = knownType(SqlType::BigInt);
         QStringList arguments;
         for (size_t i = 0; i < expr.args.size(); ++i) {
@@ -250,7 +299,8 @@ Sql Translator::aggregate(const Expr& expr, Scope& scope, bool& found) {
             if (i == 0 && name != u"ntile") type = value.type;
             arguments.append(use(value));
         }
-        return windowed(made(name + u'(' + arguments.join(QLatin1String(", ")) + u')', type), expr, scope);
+        return windowed(made(name + u'(' + arguments.join(QLatin1String(", ")) + u')', type), expr,
+                        scope);
     }
     found = false;
     return {};
@@ -279,35 +329,66 @@ Sql Translator::function(const Expr& expr, Scope& scope) {
         }
         ValueType type;
         switch (rule->result) {
-            case Result::Int: type = knownType(SqlType::Int); break;
-            case Result::BigInt: type = knownType(SqlType::BigInt); break;
-            case Result::Float: type = knownType(SqlType::Float); break;
-            case Result::DateTime: type = knownType(SqlType::DateTime); break;
-            case Result::DateTime2: type = knownType(SqlType::DateTime2, 0, 27, 7); break;
-            case Result::NVarChar: type = knownType(SqlType::NVarChar, rule->size); break;
-            case Result::VarChar: type = knownType(SqlType::VarChar, rule->size); break;
-            case Result::Bit: type = knownType(SqlType::Bit); break;
-            case Result::Guid: type = knownType(SqlType::UniqueIdentifier); break;
+            case Result::Int:
+                type = knownType(SqlType::Int);
+                break;
+            case Result::BigInt:
+                type = knownType(SqlType::BigInt);
+                break;
+            case Result::Float:
+                type = knownType(SqlType::Float);
+                break;
+            case Result::DateTime:
+                type = knownType(SqlType::DateTime);
+                break;
+            case Result::DateTime2:
+                type = knownType(SqlType::DateTime2, 0, 27, 7);
+                break;
+            case Result::NVarChar:
+                type = knownType(SqlType::NVarChar, rule->size);
+                break;
+            case Result::VarChar:
+                type = knownType(SqlType::VarChar, rule->size);
+                break;
+            case Result::Bit:
+                type = knownType(SqlType::Bit);
+                break;
+            case Result::Guid:
+                type = knownType(SqlType::UniqueIdentifier);
+                break;
             case Result::First:
                 type = first;
-                if (first.isInteger() && first.type() < SqlType::Int) type = knownType(SqlType::Int);
+                if (first.isInteger() && first.type() < SqlType::Int)
+                    type = knownType(SqlType::Int);
                 if (!first.known || first.isText()) type = knownType(SqlType::Float);
-                if ((name == u"floor" || name == u"ceiling") && first.isExact() && first.type() < SqlType::Money) type.info.scale = 0;
+                if ((name == u"floor" || name == u"ceiling") && first.isExact() &&
+                    first.type() < SqlType::Money)
+                    type.info.scale = 0;
                 break;
             case Result::FirstText:
-                if (first.isBinary()) type = knownType(SqlType::VarBinary, first.info.size);
-                else type = textLike(first, first.isText() ? first.info.size : 0);
+                if (first.isBinary())
+                    type = knownType(SqlType::VarBinary, first.info.size);
+                else
+                    type = textLike(first, first.isText() ? first.info.size : 0);
                 if (name == u"substring" || name == u"left" || name == u"right") {
                     const Expr& length = *expr.args[name == u"substring" ? 2 : 1];
-                    if (length.kind == Expr::Kind::Literal && length.token->kind == TokenKind::Number) {
-                        const int wanted = int(std::max<qint64>(1, literalValue(*length.token).toInteger()));
+                    if (length.kind == Expr::Kind::Literal &&
+                        length.token->kind == TokenKind::Number) {
+                        const int wanted =
+                            int(std::max<qint64>(1, literalValue(*length.token).toInteger()));
                         if (type.info.size <= 0 || wanted < type.info.size) type.info.size = wanted;
                     }
                 }
                 break;
-            case Result::LongText: type = textLike(first, first.isText() && first.info.size < 0 ? -1 : 0); break;
-            case Result::Numeric38: type = knownType(SqlType::Numeric, 0, 38, 0); break;
-            case Result::Variant: type = knownType(SqlType::Variant); break;
+            case Result::LongText:
+                type = textLike(first, first.isText() && first.info.size < 0 ? -1 : 0);
+                break;
+            case Result::Numeric38:
+                type = knownType(SqlType::Numeric, 0, 38, 0);
+                break;
+            case Result::Variant:
+                type = knownType(SqlType::Variant);
+                break;
         }
         return made(call(rule->sqlite, arguments), type);
     }
@@ -317,8 +398,10 @@ Sql Translator::function(const Expr& expr, Scope& scope) {
         const Sql value = argument(0), other = argument(1);
         ValueType type = value.type.untypedNull ? other.type : value.type;
         type.info.nullable = value.type.info.nullable && other.type.info.nullable;
-        const QString second = value.type.known && other.type.known && value.type.isText() != other.type.isText()
-                                   ? converted(other, type.info) : use(other);
+        const QString second =
+            value.type.known && other.type.known && value.type.isText() != other.type.isText()
+                ? converted(other, type.info)
+                : use(other);
         Sql result = made(call("coalesce", {use(value), second}), type);
         return result;
     }
@@ -329,7 +412,9 @@ Sql Translator::function(const Expr& expr, Scope& scope) {
         QStringList arguments;
         for (int i = 0; i < count; ++i) {
             const Sql value = argument(i);
-            arguments.append(type.known && value.type.known && value.type.isText() != type.isText() ? converted(value, type.info) : use(value));
+            arguments.append(type.known && value.type.known && value.type.isText() != type.isText()
+                                 ? converted(value, type.info)
+                                 : use(value));
         }
         return made(call("coalesce", arguments), type);
     }
@@ -339,17 +424,23 @@ Sql Translator::function(const Expr& expr, Scope& scope) {
         ValueType type = value.type;
         type.info.nullable = true;
         const QString equal = compare(QStringLiteral("="), value, argument(1));
-        return made(QStringLiteral("(CASE WHEN ") + equal + QStringLiteral(" THEN NULL ELSE ") + use(value) + QStringLiteral(" END)"), type);
+        return made(QStringLiteral("(CASE WHEN ") + equal + QStringLiteral(" THEN NULL ELSE ") +
+                        use(value) + QStringLiteral(" END)"),
+                    type);
     }
     if (name == u"iif") {
         needs(3);
         const Sql yes = argument(1), no = argument(2);
         const ValueType type = commonType(yes.type, no.type);
         const auto branch = [&](const Sql& value) {
-            return type.known && value.type.known && value.type.isText() != type.isText() ? converted(value, type.info) : use(value);
+            return type.known && value.type.known && value.type.isText() != type.isText()
+                       ? converted(value, type.info)
+                       : use(value);
         };
-        return made(QStringLiteral("(CASE WHEN ") + predicate(*expr.args[0], scope) + QStringLiteral(" THEN ") + branch(yes) +
-                        QStringLiteral(" ELSE ") + branch(no) + QStringLiteral(" END)"), type);
+        return made(QStringLiteral("(CASE WHEN ") + predicate(*expr.args[0], scope) +
+                        QStringLiteral(" THEN ") + branch(yes) + QStringLiteral(" ELSE ") +
+                        branch(no) + QStringLiteral(" END)"),
+                    type);
     }
     if (name == u"choose") {
         if (count < 2) wrongCount(name, 2);
@@ -368,7 +459,8 @@ Sql Translator::function(const Expr& expr, Scope& scope) {
         ValueType type = textLike(argument(count - 1).type, 0);
         for (int i = 0; i < count; ++i) {
             const Sql value = argument(i);
-            if (!value.type.known || value.type.isUnicode()) type = knownType(SqlType::NVarChar, 4000);
+            if (!value.type.known || value.type.isUnicode())
+                type = knownType(SqlType::NVarChar, 4000);
             arguments.append(asText(value));
         }
         type.info.nullable = false;
@@ -379,23 +471,46 @@ Sql Translator::function(const Expr& expr, Scope& scope) {
         const Sql value = argument(0);
         const QString text = use(value);
         QString length;
-        if (value.type.isUnicode()) length = QStringLiteral("zov_bytes16(") + text + u')';
-        else if (value.type.isText() || !value.type.known) length = QStringLiteral("zov_len1(") + text + u')';
-        else if (value.type.isBinary()) length = QStringLiteral("length(") + text + u')';
+        if (value.type.isUnicode())
+            length = QStringLiteral("zov_bytes16(") + text + u')';
+        else if (value.type.isText() || !value.type.known)
+            length = QStringLiteral("zov_len1(") + text + u')';
+        else if (value.type.isBinary())
+            length = QStringLiteral("length(") + text + u')';
         else {
             int width = 8;
             switch (value.type.type()) {
-                case SqlType::Bit: case SqlType::TinyInt: width = 1; break;
-                case SqlType::SmallInt: width = 2; break;
-                case SqlType::Int: case SqlType::Real: case SqlType::SmallMoney: case SqlType::SmallDateTime: width = 4; break;
-                case SqlType::Date: width = 3; break;
-                case SqlType::UniqueIdentifier: width = 16; break;
-                case SqlType::Decimal: case SqlType::Numeric:
-                    width = value.type.info.precision <= 9 ? 5 : value.type.info.precision <= 19 ? 9 : value.type.info.precision <= 28 ? 13 : 17;
+                case SqlType::Bit:
+                case SqlType::TinyInt:
+                    width = 1;
                     break;
-                default: break;
+                case SqlType::SmallInt:
+                    width = 2;
+                    break;
+                case SqlType::Int:
+                case SqlType::Real:
+                case SqlType::SmallMoney:
+                case SqlType::SmallDateTime:
+                    width = 4;
+                    break;
+                case SqlType::Date:
+                    width = 3;
+                    break;
+                case SqlType::UniqueIdentifier:
+                    width = 16;
+                    break;
+                case SqlType::Decimal:
+                case SqlType::Numeric:
+                    width = value.type.info.precision <= 9    ? 5
+                            : value.type.info.precision <= 19 ? 9
+                            : value.type.info.precision <= 28 ? 13
+                                                              : 17;
+                    break;
+                default:
+                    break;
             }
-            length = QStringLiteral("(CASE WHEN %1 IS NULL THEN NULL ELSE %2 END)").arg(text).arg(width);
+            length =
+                QStringLiteral("(CASE WHEN %1 IS NULL THEN NULL ELSE %2 END)").arg(text).arg(width);
         }
         return made(length, knownType(SqlType::Int));
     }
@@ -410,18 +525,23 @@ Sql Translator::function(const Expr& expr, Scope& scope) {
         return made(call("zov_round", arguments), type);
     }
     if (name == u"log") {
-        if (count == 2) return made(call("zov_logbase", {use(argument(0)), use(argument(1))}), knownType(SqlType::Float));
+        if (count == 2)
+            return made(call("zov_logbase", {use(argument(0)), use(argument(1))}),
+                        knownType(SqlType::Float));
         needs(1);
         return made(call("ln", {use(argument(0))}), knownType(SqlType::Float));
     }
     if (name == u"rand") return made(QStringLiteral("zov_rand()"), knownType(SqlType::Float));
     if (name == u"getdate" || name == u"current_timestamp" || name == u"getutcdate") {
-        return made(QLatin1String(name == u"getutcdate" ? "zov_now(1, 3)" : "zov_now(0, 3)"), knownType(SqlType::DateTime, 0, 0, 3, false));
+        return made(QLatin1String(name == u"getutcdate" ? "zov_now(1, 3)" : "zov_now(0, 3)"),
+                    knownType(SqlType::DateTime, 0, 0, 3, false));
     }
     if ((name == u"sysdatetime" || name == u"sysutcdatetime") && majorVersion_ >= 10)
-        return made(QLatin1String(name == u"sysutcdatetime" ? "zov_now(1, 7)" : "zov_now(0, 7)"), knownType(SqlType::DateTime2, 0, 27, 7, false));
+        return made(QLatin1String(name == u"sysutcdatetime" ? "zov_now(1, 7)" : "zov_now(0, 7)"),
+                    knownType(SqlType::DateTime2, 0, 27, 7, false));
     if (name == u"sysdatetimeoffset" && majorVersion_ >= 10)
-        return made(QStringLiteral("(zov_now(1, 7) || ' +00:00')"), knownType(SqlType::DateTimeOffset, 0, 34, 7, false));
+        return made(QStringLiteral("(zov_now(1, 7) || ' +00:00')"),
+                    knownType(SqlType::DateTimeOffset, 0, 34, 7, false));
     const auto asDate = [&](int i) {
         Sql value = argument(i);
         if (value.type.isDate()) return value;
@@ -430,7 +550,9 @@ Sql Translator::function(const Expr& expr, Scope& scope) {
     if (name == u"dateadd") {
         needs(3);
         const Sql date = asDate(2);
-        return made(call("zov_dateadd", {datePart(*expr.args[0]), use(argument(1)), use(date), QString::number(packType(date.type.info))}), date.type);
+        return made(call("zov_dateadd", {datePart(*expr.args[0]), use(argument(1)), use(date),
+                                         QString::number(packType(date.type.info))}),
+                    date.type);
     }
     if (name == u"datediff" || name == u"datediff_big") {
         needs(3);
@@ -439,12 +561,15 @@ Sql Translator::function(const Expr& expr, Scope& scope) {
     }
     if (name == u"datepart" || name == u"datename") {
         needs(2);
-        const QString text = call(name == u"datepart" ? "zov_datepart" : "zov_datename", {datePart(*expr.args[0]), use(asDate(1))});
-        return made(text, name == u"datepart" ? knownType(SqlType::Int) : knownType(SqlType::NVarChar, 30));
+        const QString text = call(name == u"datepart" ? "zov_datepart" : "zov_datename",
+                                  {datePart(*expr.args[0]), use(asDate(1))});
+        return made(
+            text, name == u"datepart" ? knownType(SqlType::Int) : knownType(SqlType::NVarChar, 30));
     }
     if (name == u"year" || name == u"month" || name == u"day") {
         needs(1);
-        return made(call("zov_datepart", {quotedText(name), use(asDate(0))}), knownType(SqlType::Int));
+        return made(call("zov_datepart", {quotedText(name), use(asDate(0))}),
+                    knownType(SqlType::Int));
     }
     if (name == u"eomonth") {
         needs(1);
@@ -452,31 +577,45 @@ Sql Translator::function(const Expr& expr, Scope& scope) {
     }
     if (name == u"datefromparts") {
         needs(3);
-        return made(call("zov_datefromparts", {use(argument(0)), use(argument(1)), use(argument(2))}), knownType(SqlType::Date));
+        return made(
+            call("zov_datefromparts", {use(argument(0)), use(argument(1)), use(argument(2))}),
+            knownType(SqlType::Date));
     }
     if (name == u"isdate") {
         needs(1);
-        return made(call("zov_isdate", {asText(argument(0)), dateFormatNumber()}), knownType(SqlType::Int));
+        return made(call("zov_isdate", {asText(argument(0)), dateFormatNumber()}),
+                    knownType(SqlType::Int));
     }
     if (name == u"db_name") {
         if (count > 1) wrongCount(name, 1);
         const ValueType type = knownType(SqlType::NVarChar, 128);
-        return made(count ? call("db_name", {bound(argument(0))}) : global(QStringLiteral("db_name")), type);
+        return made(
+            count ? call("db_name", {bound(argument(0))}) : global(QStringLiteral("db_name")),
+            type);
     }
-    if (name == u"scope_identity") return made(global(QStringLiteral("@@identity")), knownType(SqlType::Numeric, 0, 38, 0));
-    if (name == u"xact_state") return made(global(QStringLiteral("xact_state")), knownType(SqlType::SmallInt));
+    if (name == u"scope_identity")
+        return made(global(QStringLiteral("@@identity")), knownType(SqlType::Numeric, 0, 38, 0));
+    if (name == u"xact_state")
+        return made(global(QStringLiteral("xact_state")), knownType(SqlType::SmallInt));
     if (name.startsWith(QLatin1String("error_"))) {
-        static const QStringList known = {QStringLiteral("error_message"), QStringLiteral("error_number"), QStringLiteral("error_severity"),
-                                          QStringLiteral("error_state"), QStringLiteral("error_line"), QStringLiteral("error_procedure")};
+        static const QStringList known = {
+            QStringLiteral("error_message"),  QStringLiteral("error_number"),
+            QStringLiteral("error_severity"), QStringLiteral("error_state"),
+            QStringLiteral("error_line"),     QStringLiteral("error_procedure")};
         if (known.contains(name))
-            return made(global(name), name == u"error_message" || name == u"error_procedure" ? knownType(SqlType::NVarChar, 4000) : knownType(SqlType::Int));
+            return made(global(name), name == u"error_message" || name == u"error_procedure"
+                                          ? knownType(SqlType::NVarChar, 4000)
+                                          : knownType(SqlType::Int));
     }
     if (name == u"grouping") return made(QStringLiteral("0"), knownType(SqlType::TinyInt));
 
-    DbError error(ado_error::SyntaxError,
-                  majorVersion_ < 9 ? QStringLiteral("'%1' is not a recognized function name.").arg(expr.token->source)
-                                    : QStringLiteral("'%1' is not a recognized built-in function name.").arg(expr.token->source),
-                  QStringLiteral("42000"), 195);
+    DbError error(
+        ado_error::SyntaxError,
+        majorVersion_ < 9
+            ? QStringLiteral("'%1' is not a recognized function name.").arg(expr.token->source)
+            : QStringLiteral("'%1' is not a recognized built-in function name.")
+                  .arg(expr.token->source),
+        QStringLiteral("42000"), 195);
     error.line = expr.token->line;
     throw error;
 }

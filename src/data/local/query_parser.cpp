@@ -8,45 +8,138 @@ namespace zov::local {
 namespace {
 
 const Token endToken;
-constexpr int MaxDepth = 200;
 
 }  // namespace
 
 bool isReservedWord(QStringView word) {
     // Sorted; the words of the language that can't stand as a bare name.
-    static const QLatin1String words[] = {
-        QLatin1String("add"), QLatin1String("all"), QLatin1String("alter"), QLatin1String("and"),
-        QLatin1String("any"), QLatin1String("as"), QLatin1String("asc"), QLatin1String("backup"),
-        QLatin1String("begin"), QLatin1String("between"), QLatin1String("break"), QLatin1String("bulk"),
-        QLatin1String("by"), QLatin1String("case"), QLatin1String("check"), QLatin1String("checkpoint"),
-        QLatin1String("close"), QLatin1String("clustered"), QLatin1String("collate"), QLatin1String("column"),
-        QLatin1String("commit"), QLatin1String("compute"), QLatin1String("constraint"), QLatin1String("continue"),
-        QLatin1String("create"), QLatin1String("cross"), QLatin1String("cursor"), QLatin1String("database"),
-        QLatin1String("dbcc"), QLatin1String("deallocate"), QLatin1String("declare"), QLatin1String("default"),
-        QLatin1String("delete"), QLatin1String("deny"), QLatin1String("desc"), QLatin1String("distinct"),
-        QLatin1String("drop"), QLatin1String("else"), QLatin1String("end"), QLatin1String("escape"),
-        QLatin1String("except"), QLatin1String("exec"), QLatin1String("execute"), QLatin1String("exists"),
-        QLatin1String("fetch"), QLatin1String("for"), QLatin1String("foreign"), QLatin1String("from"),
-        QLatin1String("full"), QLatin1String("function"), QLatin1String("go"), QLatin1String("goto"),
-        QLatin1String("grant"), QLatin1String("group"), QLatin1String("having"), QLatin1String("holdlock"),
-        QLatin1String("identity_insert"), QLatin1String("if"), QLatin1String("in"), QLatin1String("index"),
-        QLatin1String("inner"), QLatin1String("insert"), QLatin1String("intersect"), QLatin1String("into"),
-        QLatin1String("is"), QLatin1String("join"), QLatin1String("key"), QLatin1String("kill"),
-        QLatin1String("left"), QLatin1String("like"), QLatin1String("merge"), QLatin1String("nocheck"),
-        QLatin1String("nonclustered"), QLatin1String("not"), QLatin1String("null"), QLatin1String("of"),
-        QLatin1String("off"), QLatin1String("on"), QLatin1String("open"), QLatin1String("option"),
-        QLatin1String("or"), QLatin1String("order"), QLatin1String("outer"), QLatin1String("over"),
-        QLatin1String("percent"), QLatin1String("primary"), QLatin1String("print"), QLatin1String("proc"),
-        QLatin1String("procedure"), QLatin1String("raiserror"), QLatin1String("references"), QLatin1String("restore"),
-        QLatin1String("return"), QLatin1String("revoke"), QLatin1String("right"), QLatin1String("rollback"),
-        QLatin1String("rowguidcol"), QLatin1String("rule"), QLatin1String("save"), QLatin1String("schema"),
-        QLatin1String("select"), QLatin1String("set"), QLatin1String("shutdown"), QLatin1String("some"),
-        QLatin1String("statistics"), QLatin1String("table"), QLatin1String("then"), QLatin1String("to"),
-        QLatin1String("top"), QLatin1String("tran"), QLatin1String("transaction"), QLatin1String("trigger"),
-        QLatin1String("truncate"), QLatin1String("union"), QLatin1String("unique"), QLatin1String("update"),
-        QLatin1String("use"), QLatin1String("values"), QLatin1String("view"), QLatin1String("waitfor"),
-        QLatin1String("when"), QLatin1String("where"), QLatin1String("while"), QLatin1String("with")};
-    const auto less = [](QLatin1String a, QStringView b) { return b.compare(a, Qt::CaseInsensitive) > 0; };
+    static const QLatin1String words[] = {QLatin1String("add"),
+                                          QLatin1String("all"),
+                                          QLatin1String("alter"),
+                                          QLatin1String("and"),
+                                          QLatin1String("any"),
+                                          QLatin1String("as"),
+                                          QLatin1String("asc"),
+                                          QLatin1String("backup"),
+                                          QLatin1String("begin"),
+                                          QLatin1String("between"),
+                                          QLatin1String("break"),
+                                          QLatin1String("bulk"),
+                                          QLatin1String("by"),
+                                          QLatin1String("case"),
+                                          QLatin1String("check"),
+                                          QLatin1String("checkpoint"),
+                                          QLatin1String("close"),
+                                          QLatin1String("clustered"),
+                                          QLatin1String("collate"),
+                                          QLatin1String("column"),
+                                          QLatin1String("commit"),
+                                          QLatin1String("compute"),
+                                          QLatin1String("constraint"),
+                                          QLatin1String("continue"),
+                                          QLatin1String("create"),
+                                          QLatin1String("cross"),
+                                          QLatin1String("cursor"),
+                                          QLatin1String("database"),
+                                          QLatin1String("dbcc"),
+                                          QLatin1String("deallocate"),
+                                          QLatin1String("declare"),
+                                          QLatin1String("default"),
+                                          QLatin1String("delete"),
+                                          QLatin1String("deny"),
+                                          QLatin1String("desc"),
+                                          QLatin1String("distinct"),
+                                          QLatin1String("drop"),
+                                          QLatin1String("else"),
+                                          QLatin1String("end"),
+                                          QLatin1String("escape"),
+                                          QLatin1String("except"),
+                                          QLatin1String("exec"),
+                                          QLatin1String("execute"),
+                                          QLatin1String("exists"),
+                                          QLatin1String("fetch"),
+                                          QLatin1String("for"),
+                                          QLatin1String("foreign"),
+                                          QLatin1String("from"),
+                                          QLatin1String("full"),
+                                          QLatin1String("function"),
+                                          QLatin1String("go"),
+                                          QLatin1String("goto"),
+                                          QLatin1String("grant"),
+                                          QLatin1String("group"),
+                                          QLatin1String("having"),
+                                          QLatin1String("holdlock"),
+                                          QLatin1String("identity_insert"),
+                                          QLatin1String("if"),
+                                          QLatin1String("in"),
+                                          QLatin1String("index"),
+                                          QLatin1String("inner"),
+                                          QLatin1String("insert"),
+                                          QLatin1String("intersect"),
+                                          QLatin1String("into"),
+                                          QLatin1String("is"),
+                                          QLatin1String("join"),
+                                          QLatin1String("key"),
+                                          QLatin1String("kill"),
+                                          QLatin1String("left"),
+                                          QLatin1String("like"),
+                                          QLatin1String("merge"),
+                                          QLatin1String("nocheck"),
+                                          QLatin1String("nonclustered"),
+                                          QLatin1String("not"),
+                                          QLatin1String("null"),
+                                          QLatin1String("of"),
+                                          QLatin1String("off"),
+                                          QLatin1String("on"),
+                                          QLatin1String("open"),
+                                          QLatin1String("option"),
+                                          QLatin1String("or"),
+                                          QLatin1String("order"),
+                                          QLatin1String("outer"),
+                                          QLatin1String("over"),
+                                          QLatin1String("percent"),
+                                          QLatin1String("primary"),
+                                          QLatin1String("print"),
+                                          QLatin1String("proc"),
+                                          QLatin1String("procedure"),
+                                          QLatin1String("raiserror"),
+                                          QLatin1String("references"),
+                                          QLatin1String("restore"),
+                                          QLatin1String("return"),
+                                          QLatin1String("revoke"),
+                                          QLatin1String("right"),
+                                          QLatin1String("rollback"),
+                                          QLatin1String("rowguidcol"),
+                                          QLatin1String("rule"),
+                                          QLatin1String("save"),
+                                          QLatin1String("schema"),
+                                          QLatin1String("select"),
+                                          QLatin1String("set"),
+                                          QLatin1String("shutdown"),
+                                          QLatin1String("some"),
+                                          QLatin1String("statistics"),
+                                          QLatin1String("table"),
+                                          QLatin1String("then"),
+                                          QLatin1String("to"),
+                                          QLatin1String("top"),
+                                          QLatin1String("tran"),
+                                          QLatin1String("transaction"),
+                                          QLatin1String("trigger"),
+                                          QLatin1String("truncate"),
+                                          QLatin1String("union"),
+                                          QLatin1String("unique"),
+                                          QLatin1String("update"),
+                                          QLatin1String("use"),
+                                          QLatin1String("values"),
+                                          QLatin1String("view"),
+                                          QLatin1String("waitfor"),
+                                          QLatin1String("when"),
+                                          QLatin1String("where"),
+                                          QLatin1String("while"),
+                                          QLatin1String("with")};
+    const auto less = [](QLatin1String a, QStringView b) {
+        return b.compare(a, Qt::CaseInsensitive) > 0;
+    };
     const auto it = std::lower_bound(std::begin(words), std::end(words), word, less);
     return it != std::end(words) && word.compare(*it, Qt::CaseInsensitive) == 0;
 }
@@ -60,24 +153,18 @@ void failNear(const Token& token) {
     else
         text = QStringLiteral("Incorrect syntax near '%1'.")
                    .arg(token.kind == TokenKind::Quoted || token.kind == TokenKind::String
-                            ? token.value : token.source.toString());
+                            ? token.value
+                            : token.source.toString());
     DbError error(ado_error::SyntaxError, text, QStringLiteral("42000"),
                   token.kind == TokenKind::Word && isReservedWord(token.source) ? 156 : 102);
     error.line = token.line;
     throw error;
 }
 
-struct QueryParser::DepthGuard {
-    explicit DepthGuard(QueryParser& parser) : parser(parser) {
-        if (++parser.depth_ > MaxDepth) {
-            --parser.depth_;
-            failWith(191, QStringLiteral("Some part of your SQL statement is nested too deeply. "
-                                         "Rewrite the query or break it up into smaller queries."));
-        }
-    }
-    ~DepthGuard() { --parser.depth_; }
-    QueryParser& parser;
-};
+void QueryParser::tooDeep() {
+    failWith(191, QStringLiteral("Some part of your SQL statement is nested too deeply. "
+                                 "Rewrite the query or break it up into smaller queries."));
+}
 
 const Token& QueryParser::peek(qsizetype ahead) const {
     const qsizetype at = at_ + ahead;
@@ -109,7 +196,8 @@ void QueryParser::expectEnd() {
 
 QString QueryParser::expectName() {
     const Token& token = peek();
-    if (!token.isName() || (token.kind == TokenKind::Word && isReservedWord(token.source))) failHere();
+    if (!token.isName() || (token.kind == TokenKind::Word && isReservedWord(token.source)))
+        failHere();
     ++at_;
     return token.name();
 }
@@ -123,13 +211,14 @@ ExprPtr QueryParser::make(Expr::Kind kind) {
 
 bool QueryParser::parsePath(QStringList& path) {
     const Token& first = peek();
-    if (!first.isName() || (first.kind == TokenKind::Word && (isReservedWord(first.source) || first.source.startsWith(u'@'))))
+    if (!first.isName() || (first.kind == TokenKind::Word &&
+                            (isReservedWord(first.source) || first.source.startsWith(u'@'))))
         return false;
     path.append(first.name());
     ++at_;
     while (is(".")) {
         ++at_;
-        if (is(".")) {   // "db..table": the default schema
+        if (is(".")) {  // "db..table": the default schema
             path.append(QString());
             continue;
         }
@@ -206,7 +295,8 @@ std::unique_ptr<QueryExpr> QueryParser::parseQueryExpr() {
         auto joined = std::make_unique<QueryExpr>();
         joined->operation = is("union") ? QStringLiteral("UNION") : QStringLiteral("EXCEPT");
         ++at_;
-        if (joined->operation == u"UNION" && accept("all")) joined->operation = QStringLiteral("UNION ALL");
+        if (joined->operation == u"UNION" && accept("all"))
+            joined->operation = QStringLiteral("UNION ALL");
         joined->left = std::move(left);
         joined->right = parseQueryTerm();
         left = std::move(joined);
@@ -247,16 +337,19 @@ ExprPtr QueryParser::parseTop() {
         top = parsePrimary();
     }
     if (is("percent") || (is("with") && is("ties", 1)))
-        failWith(0, QStringLiteral("TOP with %1 is not supported by the embedded server.")
-                        .arg(is("percent") ? QStringLiteral("PERCENT") : QStringLiteral("WITH TIES")));
+        failWith(0,
+                 QStringLiteral("TOP with %1 is not supported by the embedded server.")
+                     .arg(is("percent") ? QStringLiteral("PERCENT") : QStringLiteral("WITH TIES")));
     return top;
 }
 
 std::unique_ptr<QuerySpec> QueryParser::parseSpec() {
     expect("select");
     auto spec = std::make_unique<QuerySpec>();
-    if (accept("distinct")) spec->distinct = true;
-    else accept("all");
+    if (accept("distinct"))
+        spec->distinct = true;
+    else
+        accept("all");
     spec->top = parseTop();
     do spec->items.push_back(parseItem());
     while (accept(","));
@@ -283,15 +376,17 @@ SelectItem QueryParser::parseItem() {
         ++at_;
         return item;
     }
-    if (first.kind == TokenKind::Word && first.source.startsWith(u'@') && !first.source.startsWith(QLatin1String("@@")) && is("=", 1)) {
+    if (first.kind == TokenKind::Word && first.source.startsWith(u'@') &&
+        !first.source.startsWith(QLatin1String("@@")) && is("=", 1)) {
         item.variable = first.source.toString();
         at_ += 2;
         item.expr = parseExpression();
         return item;
     }
     // alias = expression
-    const bool nameHere = (first.isName() && !(first.kind == TokenKind::Word && isReservedWord(first.source))) ||
-                          first.kind == TokenKind::String;
+    const bool nameHere =
+        (first.isName() && !(first.kind == TokenKind::Word && isReservedWord(first.source))) ||
+        first.kind == TokenKind::String;
     if (nameHere && is("=", 1)) {
         item.alias = first.kind == TokenKind::String ? first.value : first.name();
         at_ += 2;
@@ -315,7 +410,8 @@ SelectItem QueryParser::parseItem() {
         if (token.kind == TokenKind::String || token.kind == TokenKind::Quoted) {
             item.alias = token.value;
             ++at_;
-        } else if (token.kind == TokenKind::Word && !isReservedWord(token.source) && !token.source.startsWith(u'@')) {
+        } else if (token.kind == TokenKind::Word && !isReservedWord(token.source) &&
+                   !token.source.startsWith(u'@')) {
             item.alias = token.name();
             ++at_;
         }
@@ -328,8 +424,10 @@ std::vector<OrderItem> QueryParser::parseOrderItems() {
     do {
         OrderItem item;
         item.expr = parseExpression();
-        if (accept("desc")) item.descending = true;
-        else accept("asc");
+        if (accept("desc"))
+            item.descending = true;
+        else
+            accept("asc");
         items.push_back(std::move(item));
     } while (accept(","));
     return items;
@@ -376,18 +474,25 @@ std::unique_ptr<TableSource> QueryParser::parseJoined() {
         joined->join = join;
         joined->token = &peek();
         joined->left = std::move(left);
-        // "a JOIN b JOIN c ON .. ON ..": what follows belongs to the right side until its ON is there.
+        // "a JOIN b JOIN c ON .. ON ..": what follows belongs to the right side until its ON is
+        // there.
         joined->right = parseTableFactor();
-        while (join != TableSource::Join::Cross && !is("on") &&
-               (is("join") || is("inner") || is("left") || is("right") || is("full") || is("cross"))) {
+        while (
+            join != TableSource::Join::Cross && !is("on") &&
+            (is("join") || is("inner") || is("left") || is("right") || is("full") || is("cross"))) {
             auto inner = std::make_unique<TableSource>();
             inner->kind = TableSource::Kind::Join;
             inner->token = &peek();
-            if (accept("cross")) inner->join = TableSource::Join::Cross;
-            else if (accept("left")) inner->join = TableSource::Join::Left;
-            else if (accept("right")) inner->join = TableSource::Join::Right;
-            else if (accept("full")) inner->join = TableSource::Join::Full;
-            else accept("inner");
+            if (accept("cross"))
+                inner->join = TableSource::Join::Cross;
+            else if (accept("left"))
+                inner->join = TableSource::Join::Left;
+            else if (accept("right"))
+                inner->join = TableSource::Join::Right;
+            else if (accept("full"))
+                inner->join = TableSource::Join::Full;
+            else
+                accept("inner");
             accept("outer");
             expect("join");
             inner->left = std::move(joined->right);
@@ -409,7 +514,8 @@ std::unique_ptr<TableSource> QueryParser::parseJoined() {
 bool QueryParser::selectAhead() const {
     qsizetype ahead = 0;
     while (is("(", ahead)) ++ahead;
-    return is("select", ahead) || (is("with", ahead) && peek(ahead + 1).isName() && (is("as", ahead + 2) || is("(", ahead + 2)));
+    return is("select", ahead) || (is("with", ahead) && peek(ahead + 1).isName() &&
+                                   (is("as", ahead + 2) || is("(", ahead + 2)));
 }
 
 std::unique_ptr<TableSource> QueryParser::parseTableFactor() {
@@ -459,14 +565,16 @@ std::unique_ptr<TableSource> QueryParser::parseTableFactor() {
     }
     if (!parsePath(source->path)) {
         if (peek().kind == TokenKind::Word && peek().source.startsWith(u'@'))
-            failWith(1087, QStringLiteral("Must declare the table variable \"%1\".").arg(peek().source));
+            failWith(1087,
+                     QStringLiteral("Must declare the table variable \"%1\".").arg(peek().source));
         failHere();
     }
     if (is("(")) {
         // Either hints of old, "T (NOLOCK)", or a function's call.
         const Token& word = peek(1);
-        static const char* const hints[] = {"nolock", "readuncommitted", "holdlock", "updlock", "tablock", "tablockx",
-                                            "paglock", "rowlock", "readpast", "index", "serializable", "xlock"};
+        static const char* const hints[] = {
+            "nolock",  "readuncommitted", "holdlock", "updlock", "tablock",      "tablockx",
+            "paglock", "rowlock",         "readpast", "index",   "serializable", "xlock"};
         for (const char* hint : hints) {
             if (word.is(hint)) {
                 skipHints();
@@ -474,8 +582,11 @@ std::unique_ptr<TableSource> QueryParser::parseTableFactor() {
                 return source;
             }
         }
-        failWith(0, QStringLiteral("The function '%1' can't be read: the embedded server keeps functions as text "
-                                   "and does not run them.").arg(source->path.join(u'.')));
+        failWith(0,
+                 QStringLiteral(
+                     "The function '%1' can't be read: the embedded server keeps functions as text "
+                     "and does not run them.")
+                     .arg(source->path.join(u'.')));
     }
     parseSourceAlias(*source);
     skipHints();
@@ -503,8 +614,9 @@ void QueryParser::parseSourceAlias(TableSource& source) {
     } else {
         const Token& token = peek();
         if (token.kind == TokenKind::Quoted ||
-            (token.kind == TokenKind::Word && !isReservedWord(token.source) && !token.source.startsWith(u'@') &&
-             !token.is("go") && !(token.is("offset") || token.is("throw")))) {
+            (token.kind == TokenKind::Word && !isReservedWord(token.source) &&
+             !token.source.startsWith(u'@') && !token.is("go") &&
+             !(token.is("offset") || token.is("throw")))) {
             source.alias = token.name();
             ++at_;
         }
@@ -637,367 +749,6 @@ std::unique_ptr<DeleteStatement> QueryParser::parseDelete() {
     if (accept("where")) statement->where = parseCondition();
     skipOption();
     return statement;
-}
-
-// --- expressions --------------------------------------------------------------------------------
-
-ExprPtr QueryParser::parseExpression() { return parseAdditive(); }
-ExprPtr QueryParser::parseCondition() { return parseOr(); }
-
-ExprPtr QueryParser::parseOr() {
-    DepthGuard guard(*this);
-    ExprPtr left = parseAnd();
-    while (is("or")) {
-        ExprPtr node = make(Expr::Kind::Or);
-        ++at_;
-        node->args.push_back(std::move(left));
-        node->args.push_back(parseAnd());
-        left = std::move(node);
-    }
-    return left;
-}
-
-ExprPtr QueryParser::parseAnd() {
-    ExprPtr left = parseNot();
-    while (is("and")) {
-        ExprPtr node = make(Expr::Kind::And);
-        ++at_;
-        node->args.push_back(std::move(left));
-        node->args.push_back(parseNot());
-        left = std::move(node);
-    }
-    return left;
-}
-
-ExprPtr QueryParser::parseNot() {
-    DepthGuard guard(*this);
-    if (is("not")) {
-        ExprPtr node = make(Expr::Kind::Not);
-        ++at_;
-        node->args.push_back(parseNot());
-        return node;
-    }
-    return parsePredicate();
-}
-
-ExprPtr QueryParser::parsePredicate() {
-    if (is("exists")) {
-        ExprPtr node = make(Expr::Kind::Exists);
-        ++at_;
-        expect("(");
-        node->select = parseSelect();
-        expect(")");
-        return node;
-    }
-    ExprPtr left = parseAdditive();
-    for (;;) {
-        static const char* const operators[] = {"=", "<>", "!=", "<=", ">=", "<", ">", "!<", "!>"};
-        const char* found = nullptr;
-        for (const char* op : operators)
-            if (is(op)) found = op;
-        if (found) {
-            ExprPtr node = make(Expr::Kind::Compare);
-            ++at_;
-            const QLatin1String op(found);
-            node->name = op == QLatin1String("!=") ? QStringLiteral("<>")
-                         : op == QLatin1String("!<") ? QStringLiteral(">=")
-                         : op == QLatin1String("!>") ? QStringLiteral("<=") : QString(op);
-            node->args.push_back(std::move(left));
-            if (is("all") || is("any") || is("some")) {
-                node->kind = Expr::Kind::Quantified;
-                node->tolerant = is("all");
-                ++at_;
-                expect("(");
-                node->select = parseSelect();
-                expect(")");
-            } else {
-                node->args.push_back(parseAdditive());
-            }
-            left = std::move(node);
-            continue;
-        }
-        if (is("is")) {
-            ExprPtr node = make(Expr::Kind::IsNull);
-            ++at_;
-            node->negated = accept("not");
-            expect("null");
-            node->args.push_back(std::move(left));
-            left = std::move(node);
-            continue;
-        }
-        const bool negated = is("not") && (is("in", 1) || is("like", 1) || is("between", 1));
-        if (negated) ++at_;
-        if (is("in")) {
-            ExprPtr node = make(Expr::Kind::In);
-            ++at_;
-            node->negated = negated;
-            node->args.push_back(std::move(left));
-            expect("(");
-            if (selectAhead()) {
-                node->select = parseSelect();
-            } else {
-                do node->args.push_back(parseAdditive());
-                while (accept(","));
-            }
-            expect(")");
-            left = std::move(node);
-        } else if (is("like")) {
-            ExprPtr node = make(Expr::Kind::Like);
-            ++at_;
-            node->negated = negated;
-            node->args.push_back(std::move(left));
-            node->args.push_back(parseAdditive());
-            if (accept("escape")) node->args.push_back(parseAdditive());
-            left = std::move(node);
-        } else if (is("between")) {
-            ExprPtr node = make(Expr::Kind::Between);
-            ++at_;
-            node->negated = negated;
-            node->args.push_back(std::move(left));
-            node->args.push_back(parseAdditive());
-            expect("and");
-            node->args.push_back(parseAdditive());
-            left = std::move(node);
-        } else {
-            return left;
-        }
-    }
-}
-
-ExprPtr QueryParser::parseAdditive() {
-    DepthGuard guard(*this);
-    ExprPtr left = parseMultiplicative();
-    while (is("+") || is("-") || is("&") || is("|") || is("^")) {
-        ExprPtr node = make(Expr::Kind::Arithmetic);
-        node->name = peek().source.toString();
-        ++at_;
-        node->args.push_back(std::move(left));
-        node->args.push_back(parseMultiplicative());
-        left = std::move(node);
-    }
-    return left;
-}
-
-ExprPtr QueryParser::parseMultiplicative() {
-    ExprPtr left = parseUnary();
-    while (is("*") || is("/") || is("%")) {
-        ExprPtr node = make(Expr::Kind::Arithmetic);
-        node->name = peek().source.toString();
-        ++at_;
-        node->args.push_back(std::move(left));
-        node->args.push_back(parseUnary());
-        left = std::move(node);
-    }
-    return left;
-}
-
-ExprPtr QueryParser::parseUnary() {
-    DepthGuard guard(*this);
-    if (is("-") || is("+") || is("~")) {
-        ExprPtr node = make(Expr::Kind::Unary);
-        node->name = peek().source.toString();
-        ++at_;
-        node->args.push_back(parseUnary());
-        return node;
-    }
-    return parsePostfix();
-}
-
-ExprPtr QueryParser::parsePostfix() {
-    ExprPtr value = parsePrimary();
-    while (is("collate")) {
-        ExprPtr node = make(Expr::Kind::Collate);
-        ++at_;
-        node->name = peek().name();
-        if (!peek().isName()) failHere();
-        ++at_;
-        node->args.push_back(std::move(value));
-        value = std::move(node);
-    }
-    return value;
-}
-
-ExprPtr QueryParser::parsePrimary() {
-    const Token& token = peek();
-    switch (token.kind) {
-        case TokenKind::Number:
-        case TokenKind::String:
-        case TokenKind::Binary: {
-            ExprPtr node = make(Expr::Kind::Literal);
-            node->literalIndex = own_ ? int(at_) : -1;
-            ++at_;
-            return node;
-        }
-        case TokenKind::Operator:
-            if (token.is("(")) {
-                if (selectAhead()) {
-                    ExprPtr node = make(Expr::Kind::Subquery);
-                    ++at_;
-                    node->select = parseSelect();
-                    expect(")");
-                    return node;
-                }
-                ++at_;
-                ExprPtr inner = parseOr();
-                expect(")");
-                return inner;
-            }
-            if (token.is("*")) {
-                ExprPtr node = make(Expr::Kind::Star);
-                ++at_;
-                return node;
-            }
-            failHere();
-        case TokenKind::Word:
-            if (token.source.startsWith(u'@')) {
-                ExprPtr node = make(Expr::Kind::Variable);
-                node->name = token.source.toString();
-                ++at_;
-                return node;
-            }
-            if (token.is("null")) {
-                ExprPtr node = make(Expr::Kind::Null);
-                ++at_;
-                return node;
-            }
-            if (token.is("case")) return parseCase();
-            if ((token.is("left") || token.is("right")) && is("(", 1)) {
-                ++at_;
-                return parseFunction(token);
-            }
-            if (token.is("current_timestamp") || token.is("current_user") || token.is("session_user") ||
-                token.is("system_user") || token.is("user")) {
-                if (!is(".", 1) && !is("(", 1)) {
-                    ExprPtr node = make(Expr::Kind::Function);
-                    node->name = token.source.toString().toLower();
-                    ++at_;
-                    return node;
-                }
-            }
-            if (isReservedWord(token.source)) failHere();
-            return parseNameOrCall();
-        case TokenKind::Quoted: return parseNameOrCall();
-        case TokenKind::End: failHere();
-    }
-    failHere();
-}
-
-ExprPtr QueryParser::parseNameOrCall() {
-    const Token& first = peek();
-    if (first.kind == TokenKind::Word && is("(", 1)) {
-        ++at_;
-        return parseFunction(first);
-    }
-    ExprPtr node = make(Expr::Kind::Column);
-    QStringList path;
-    path.append(first.name());
-    ++at_;
-    while (is(".")) {
-        ++at_;
-        if (is(".")) {
-            path.append(QString());
-        } else if (is("*")) {
-            ++at_;
-            node->kind = Expr::Kind::Star;
-            node->path = path;
-            return node;
-        } else if (peek().isName()) {
-            path.append(peek().name());
-            ++at_;
-        } else {
-            failHere();
-        }
-    }
-    if (is("(") && path.size() > 1)
-        failWith(0, QStringLiteral("The function '%1' can't be called: the embedded server keeps functions as text "
-                                   "and does not run them.").arg(path.join(u'.')));
-    node->name = path.takeLast();
-    node->path = path;
-    return node;
-}
-
-ExprPtr QueryParser::parseFunction(const Token& nameToken) {
-    ExprPtr node = make(Expr::Kind::Function);
-    node->token = &nameToken;
-    node->name = nameToken.source.toString().toLower();
-    expect("(");
-    if (node->name == u"cast" || node->name == u"try_cast") {
-        node->kind = Expr::Kind::Cast;
-        node->tolerant = node->name.startsWith(u't');
-        node->args.push_back(parseExpression());
-        expect("as");
-        node->castType = typeReader_(tokens_, at_, at_);
-        expect(")");
-        return node;
-    }
-    if (node->name == u"convert" || node->name == u"try_convert") {
-        node->kind = Expr::Kind::Cast;
-        node->tolerant = node->name.startsWith(u't');
-        node->castType = typeReader_(tokens_, at_, at_);
-        expect(",");
-        node->args.push_back(parseExpression());
-        if (accept(",")) node->args.push_back(parseExpression());
-        expect(")");
-        return node;
-    }
-    if (!accept(")")) {
-        if (accept("distinct")) node->distinct = true;
-        else if (is("all") && !is("(", 1)) accept("all");
-        // IIF's first argument is a condition.
-        do node->args.push_back(node->name == u"iif" && node->args.empty() ? parseCondition() : parseExpression());
-        while (accept(","));
-        expect(")");
-    }
-    if (accept("over")) node->window = parseWindow();
-    return node;
-}
-
-std::unique_ptr<WindowSpec> QueryParser::parseWindow() {
-    auto window = std::make_unique<WindowSpec>();
-    expect("(");
-    if (is("partition") && is("by", 1)) {
-        at_ += 2;
-        do window->partition.push_back(parseExpression());
-        while (accept(","));
-    }
-    if (is("order") && is("by", 1)) {
-        at_ += 2;
-        window->order = parseOrderItems();
-    }
-    if (is("rows") || is("range")) {
-        while (!is(")")) {
-            static const char* const allowed[] = {"rows", "range", "between", "and", "unbounded", "preceding", "following", "current", "row"};
-            const bool word = std::any_of(std::begin(allowed), std::end(allowed), [&](const char* w) { return is(w); });
-            if (!word && peek().kind != TokenKind::Number) failHere();
-            window->frame += u' ';
-            window->frame += peek().source;
-            ++at_;
-        }
-    }
-    expect(")");
-    return window;
-}
-
-ExprPtr QueryParser::parseCase() {
-    DepthGuard guard(*this);
-    ExprPtr node = make(Expr::Kind::Case);
-    expect("case");
-    if (!is("when")) {
-        node->hasOperand = true;
-        node->args.push_back(parseExpression());
-    }
-    if (!is("when")) failHere();
-    while (accept("when")) {
-        node->args.push_back(node->hasOperand ? parseExpression() : parseCondition());
-        expect("then");
-        node->args.push_back(parseExpression());
-    }
-    if (accept("else")) {
-        node->hasElse = true;
-        node->args.push_back(parseExpression());
-    }
-    expect("end");
-    return node;
 }
 
 }  // namespace zov::local

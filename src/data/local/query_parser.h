@@ -38,7 +38,19 @@ class QueryParser {
     [[noreturn]] void failHere() const;
 
  private:
-    struct DepthGuard;
+    /// Counts how deep the reading has gone, so that hostile nesting can't exhaust the stack.
+    struct DepthGuard {
+        explicit DepthGuard(QueryParser& parser) : parser(parser) {
+            if (++parser.depth_ > MaxDepth) {
+                --parser.depth_;
+                tooDeep();
+            }
+        }
+        ~DepthGuard() { --parser.depth_; }
+        QueryParser& parser;
+    };
+    static constexpr int MaxDepth = 200;
+    [[noreturn]] static void tooDeep();
 
     const Token& peek(qsizetype ahead = 0) const;
     bool is(const char* word, qsizetype ahead = 0) const { return peek(ahead).is(word); }

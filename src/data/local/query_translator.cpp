@@ -10,7 +10,8 @@ namespace {
 constexpr int MaxViewDepth = 32;
 
 [[noreturn]] void noSuchObject(const QStringList& path, const Token* token) {
-    DbError error(ado_error::NoSuchTable, QStringLiteral("Invalid object name '%1'.").arg(path.join(u'.')),
+    DbError error(ado_error::NoSuchTable,
+                  QStringLiteral("Invalid object name '%1'.").arg(path.join(u'.')),
                   QStringLiteral("42S02"), 208);
     if (token) error.line = token->line;
     throw error;
@@ -33,7 +34,9 @@ Translator::Translator(SessionState& session, const Variables* variables)
 
 Translator::~Translator() = default;
 
-Database& Translator::database() { return main_ ? *main_ : *session_.current; }
+Database& Translator::database() {
+    return main_ ? *main_ : *session_.current;
+}
 
 std::set<int> Translator::boundLiterals() const {
     std::set<int> result;
@@ -47,15 +50,21 @@ TranslatedSelect Translator::select(const Select& select) {
     return result;
 }
 
-Sql Translator::expression(const Expr& expr) { return translate(expr, *root_); }
-QString Translator::condition(const Expr& expr) { return predicate(expr, *root_); }
+Sql Translator::expression(const Expr& expr) {
+    return translate(expr, *root_);
+}
+QString Translator::condition(const Expr& expr) {
+    return predicate(expr, *root_);
+}
 
 void Translator::addCommonTables(const std::vector<CommonTable>& with) {
     if (with.empty()) return;
     commonTables(with, *root_);
 }
 
-QString Translator::withClause() const { return rootWith_; }
+QString Translator::withClause() const {
+    return rootWith_;
+}
 
 // --- where names come from ----------------------------------------------------------------------
 
@@ -84,12 +93,15 @@ const Translator::CommonSource* Translator::findCommon(const QString& name, Scop
     return nullptr;
 }
 
-std::shared_ptr<const QueryTable> Translator::requireTable(const QStringList& path, const Token* token, Database** where) {
+std::shared_ptr<const QueryTable> Translator::requireTable(const QStringList& path,
+                                                           const Token* token, Database** where) {
     if (path.size() > 3)
-        failWith(7202, QStringLiteral("Could not find server '%1' in sys.servers. Verify that the correct server name was specified.")
+        failWith(7202, QStringLiteral("Could not find server '%1' in sys.servers. Verify that the "
+                                      "correct server name was specified.")
                            .arg(path.first()));
     Database* database = context_.database;
-    if (path.size() == 3 && !path[0].isEmpty() && path[0].compare(database->name, Qt::CaseInsensitive) != 0) {
+    if (path.size() == 3 && !path[0].isEmpty() &&
+        path[0].compare(database->name, Qt::CaseInsensitive) != 0) {
         if (!session_.store || !session_.store->hasDatabase(path[0])) noSuchObject(path, token);
         database = &session_.store->database(path[0]);
     }
@@ -99,7 +111,8 @@ std::shared_ptr<const QueryTable> Translator::requireTable(const QStringList& pa
     usesTables_ = true;
     QString schema = path.size() > 1 ? path[path.size() - 2] : QString();
     std::shared_ptr<const QueryTable> table;
-    if (schema.isEmpty() && !session_.defaultSchema.isEmpty()) table = cache.table(session_.defaultSchema, path.last());
+    if (schema.isEmpty() && !session_.defaultSchema.isEmpty())
+        table = cache.table(session_.defaultSchema, path.last());
     if (!table) table = cache.table(schema, path.last());
     if (table && table->xtype == u"SN") {
         const QStringList base = splitName(table->text);
@@ -118,18 +131,25 @@ void Translator::addSources(const TableSource& source, Scope& scope) {
             addSources(*source.left, scope);
             addSources(*source.right, scope);
             return;
-        case TableSource::Kind::Named: addNamed(source, scope); break;
+        case TableSource::Kind::Named:
+            addNamed(source, scope);
+            break;
         case TableSource::Kind::Derived: {
-            TranslatedSelect inner = selectIn(*source.select, scope.outer ? scope.outer : root_.get());
+            TranslatedSelect inner =
+                selectIn(*source.select, scope.outer ? scope.outer : root_.get());
             Source added;
             added.sqlAlias = QStringLiteral("t%1").arg(++nextAlias_);
             added.alias = source.alias;
             added.body = u'(' + inner.sql + u')';
-            if (!source.columnAliases.isEmpty() && source.columnAliases.size() != qsizetype(inner.columns.size()))
-                failWith(8158, QStringLiteral("'%1' has more columns than were specified in the column list.").arg(source.alias));
+            if (!source.columnAliases.isEmpty() &&
+                source.columnAliases.size() != qsizetype(inner.columns.size()))
+                failWith(8158, QStringLiteral(
+                                   "'%1' has more columns than were specified in the column list.")
+                                   .arg(source.alias));
             for (size_t i = 0; i < inner.columns.size(); ++i) {
                 SourceColumn column;
-                column.name = source.columnAliases.isEmpty() ? inner.columns[i].name : source.columnAliases[qsizetype(i)];
+                column.name = source.columnAliases.isEmpty() ? inner.columns[i].name
+                                                             : source.columnAliases[qsizetype(i)];
                 column.type = inner.columns[i].type;
                 column.collated = inner.columns[i].collated;
                 column.sql = QStringLiteral("c%1").arg(i + 1);
@@ -148,16 +168,22 @@ void Translator::addSources(const TableSource& source, Scope& scope) {
                 QString values;
                 for (size_t i = 0; i < row.size(); ++i) {
                     const Sql value = translate(*row[i], *root_);
-                    if (types.size() <= i) types.push_back(value.type);
-                    else types[i] = commonType(types[i], value.type);
-                    values += (i ? QStringLiteral(", ") : QString()) + use(value) + QStringLiteral(" AS c%1").arg(i + 1);
+                    if (types.size() <= i)
+                        types.push_back(value.type);
+                    else
+                        types[i] = commonType(types[i], value.type);
+                    values += (i ? QStringLiteral(", ") : QString()) + use(value) +
+                              QStringLiteral(" AS c%1").arg(i + 1);
                 }
-                body += (body.isEmpty() ? QString() : QStringLiteral(" UNION ALL ")) + QStringLiteral("SELECT ") + values;
+                body += (body.isEmpty() ? QString() : QStringLiteral(" UNION ALL ")) +
+                        QStringLiteral("SELECT ") + values;
             }
             added.body = u'(' + body + u')';
             for (size_t i = 0; i < types.size(); ++i) {
                 SourceColumn column;
-                column.name = qsizetype(i) < source.columnAliases.size() ? source.columnAliases[qsizetype(i)] : QString();
+                column.name = qsizetype(i) < source.columnAliases.size()
+                                  ? source.columnAliases[qsizetype(i)]
+                                  : QString();
                 column.type = types[i];
                 column.sql = QStringLiteral("c%1").arg(i + 1);
                 added.columns.push_back(std::move(column));
@@ -170,10 +196,15 @@ void Translator::addSources(const TableSource& source, Scope& scope) {
     const Source& last = scope.sources.back();
     for (size_t i = 0; i + 1 < scope.sources.size(); ++i) {
         const Source& other = scope.sources[i];
-        if (other.alias.compare(last.alias, Qt::CaseInsensitive) == 0 && other.ownName == last.ownName &&
+        if (other.alias.compare(last.alias, Qt::CaseInsensitive) == 0 &&
+            other.ownName == last.ownName &&
             (!last.ownName || other.schema.compare(last.schema, Qt::CaseInsensitive) == 0))
-            failWith(1012, QStringLiteral("The objects \"%1\" and \"%1\" in the FROM clause have the same exposed names. "
-                                          "Use correlation names to distinguish them.").arg(last.alias));
+            failWith(
+                1012,
+                QStringLiteral(
+                    "The objects \"%1\" and \"%1\" in the FROM clause have the same exposed names. "
+                    "Use correlation names to distinguish them.")
+                    .arg(last.alias));
     }
 }
 
@@ -199,13 +230,18 @@ void Translator::addNamed(const TableSource& source, Scope& scope) {
             return;
         }
     }
-    if (const CatalogView* view = source.path.size() <= 3 ? findCatalogView(added.schema, source.path.last(), majorVersion_) : nullptr) {
+    if (const CatalogView* view =
+            source.path.size() <= 3
+                ? findCatalogView(added.schema, source.path.last(), majorVersion_)
+                : nullptr) {
         Database* database = context_.database;
         if (source.path.size() == 3 && !source.path[0].isEmpty() &&
             source.path[0].compare(database->name, Qt::CaseInsensitive) != 0) {
-            if (!session_.store || !session_.store->hasDatabase(source.path[0])) noSuchObject(source.path, source.token);
+            if (!session_.store || !session_.store->hasDatabase(source.path[0]))
+                noSuchObject(source.path, source.token);
             // What is the same for the whole server needs no second database.
-            if (!view->from.contains(QLatin1String("zov_databases"))) database = &session_.store->database(source.path[0]);
+            if (!view->from.contains(QLatin1String("zov_databases")))
+                database = &session_.store->database(source.path[0]);
         }
         added.view = view;
         added.prefix = prefixFor(database);
@@ -244,9 +280,13 @@ void Translator::addNamed(const TableSource& source, Scope& scope) {
 
 void Translator::addView(const QueryTable& view, Database* database, Source& source) {
     if (++viewDepth_ > MaxViewDepth)
-        failWith(217, QStringLiteral("Maximum stored procedure, function, trigger, or view nesting level exceeded (limit 32)."));
+        failWith(217, QStringLiteral("Maximum stored procedure, function, trigger, or view nesting "
+                                     "level exceeded (limit 32)."));
     const auto unreadable = [&](const QString& why) {
-        failWith(4413, QStringLiteral("Could not use view or function '%1' because of binding errors.").arg(view.name) + u' ' + why);
+        failWith(4413,
+                 QStringLiteral("Could not use view or function '%1' because of binding errors.")
+                         .arg(view.name) +
+                     u' ' + why);
     };
     if (view.text.isEmpty()) unreadable(QStringLiteral("Its text is encrypted."));
     ViewSource& kept = views_.emplace_back();
@@ -269,19 +309,22 @@ void Translator::addView(const QueryTable& view, Database* database, Source& sou
     context_.database = database;
     TranslatedSelect inner;
     try {
-        QueryParser parser(tokens, false,
-                           [this](std::span<const Token> list, qsizetype begin, qsizetype& end) {
-                               return parseDataType(session_, list, begin, end);
-                           },
-                           qsizetype(at + 1));
+        QueryParser parser(
+            tokens, false,
+            [this](std::span<const Token> list, qsizetype begin, qsizetype& end) {
+                return parseDataType(session_, list, begin, end);
+            },
+            qsizetype(at + 1));
         kept.select = parser.parseSelect();
-        Scope wall;   // names around the view are not seen within
+        Scope wall;  // names around the view are not seen within
         inner = selectIn(*kept.select, &wall);
     } catch (DbError& error) {
         context_ = saved;
         if (error.native == 208 || error.native == 207 || error.native == 4104) {
             // The server names what is missing, and then the view that wanted it.
-            error.description += QStringLiteral(" Could not use view or function '%1' because of binding errors.").arg(view.name);
+            error.description +=
+                QStringLiteral(" Could not use view or function '%1' because of binding errors.")
+                    .arg(view.name);
         }
         throw;
     }
@@ -290,7 +333,8 @@ void Translator::addView(const QueryTable& view, Database* database, Source& sou
     source.body = u'(' + inner.sql + u')';
     for (size_t i = 0; i < inner.columns.size(); ++i) {
         SourceColumn column;
-        column.name = qsizetype(i) < columnNames.size() ? columnNames[qsizetype(i)] : inner.columns[i].name;
+        column.name =
+            qsizetype(i) < columnNames.size() ? columnNames[qsizetype(i)] : inner.columns[i].name;
         column.type = inner.columns[i].type;
         column.collated = inner.columns[i].collated;
         column.sql = QStringLiteral("c%1").arg(i + 1);
@@ -298,7 +342,8 @@ void Translator::addView(const QueryTable& view, Database* database, Source& sou
     }
 }
 
-void Translator::addTable(const std::shared_ptr<const QueryTable>& table, const QString& alias, bool bareColumns) {
+void Translator::addTable(const std::shared_ptr<const QueryTable>& table, const QString& alias,
+                          bool bareColumns) {
     Source added;
     added.alias = alias.isEmpty() ? table->name : alias;
     added.ownName = alias.isEmpty();
@@ -328,12 +373,13 @@ QString Translator::sourceText(Source& source) {
     }
     if (list.isEmpty()) list = QStringLiteral("1");
     QString text = QStringLiteral("(SELECT ") + list + u' ' + source.view->from + u')';
-    if (!source.prefix.isEmpty()) text.replace(QLatin1String("\"zov$"), source.prefix + QStringLiteral("\"zov$"));
+    if (!source.prefix.isEmpty())
+        text.replace(QLatin1String("\"zov$"), source.prefix + QStringLiteral("\"zov$"));
     return text + QStringLiteral(" AS ") + source.sqlAlias;
 }
 
-QString Translator::fromText(const TableSource& source, Scope& scope, size_t& index, std::vector<QString>& conditions,
-                             bool innerOnly) {
+QString Translator::fromText(const TableSource& source, Scope& scope, size_t& index,
+                             std::vector<QString>& conditions, bool innerOnly) {
     if (source.kind != TableSource::Kind::Join) return sourceText(scope.sources[index++]);
     const QString left = fromText(*source.left, scope, index, conditions, innerOnly);
     QString right = fromText(*source.right, scope, index, conditions, innerOnly);
@@ -344,11 +390,18 @@ QString Translator::fromText(const TableSource& source, Scope& scope, size_t& in
     if (source.right->kind == TableSource::Kind::Join) right = u'(' + right + u')';
     const char* word = " JOIN ";
     switch (source.join) {
-        case TableSource::Join::Left: word = " LEFT JOIN "; break;
-        case TableSource::Join::Right: word = " RIGHT JOIN "; break;
-        case TableSource::Join::Full: word = " FULL JOIN "; break;
+        case TableSource::Join::Left:
+            word = " LEFT JOIN ";
+            break;
+        case TableSource::Join::Right:
+            word = " RIGHT JOIN ";
+            break;
+        case TableSource::Join::Full:
+            word = " FULL JOIN ";
+            break;
         case TableSource::Join::Inner:
-        case TableSource::Join::Cross: break;
+        case TableSource::Join::Cross:
+            break;
     }
     QString text = left + QLatin1String(word) + right;
     if (source.on) text += QStringLiteral(" ON ") + predicate(*source.on, scope);
@@ -358,8 +411,8 @@ QString Translator::fromText(const TableSource& source, Scope& scope, size_t& in
 QString Translator::fromClause(const std::vector<std::unique_ptr<TableSource>>& from, Scope& scope,
                                std::vector<QString>& conditions) {
     if (from.empty()) return {};
-    // ON conditions may use columns of catalogue views, which are written with the columns that have
-    // been used by then: one pass notes them, the second writes.
+    // ON conditions may use columns of catalogue views, which are written with the columns that
+    // have been used by then: one pass notes them, the second writes.
     const auto write = [&](std::vector<QString>& into) {
         QString text;
         size_t index = 0;
@@ -384,7 +437,8 @@ void Translator::commonTables(const std::vector<CommonTable>& with, Scope& scope
         common.sqlName = QStringLiteral("w%1").arg(++nextAlias_);
         const auto takeColumns = [&](const TranslatedSelect& select) {
             common.columns = select.columns;
-            for (qsizetype i = 0; i < table.columns.size() && i < qsizetype(common.columns.size()); ++i)
+            for (qsizetype i = 0; i < table.columns.size() && i < qsizetype(common.columns.size());
+                 ++i)
                 common.columns[size_t(i)].name = table.columns[i];
         };
         // A table that reads itself takes its columns from its first part.
@@ -400,8 +454,10 @@ void Translator::commonTables(const std::vector<CommonTable>& with, Scope& scope
         QString names;
         for (size_t i = 0; i < inner.columns.size(); ++i)
             names += (i ? QStringLiteral(", ") : QString()) + QStringLiteral("c%1").arg(i + 1);
-        const QString text = common.sqlName + u'(' + names + QStringLiteral(") AS (") + inner.sql + u')';
-        rootWith_ += (rootWith_.isEmpty() ? QStringLiteral("WITH RECURSIVE ") : QStringLiteral(", ")) + text;
+        const QString text =
+            common.sqlName + u'(' + names + QStringLiteral(") AS (") + inner.sql + u')';
+        rootWith_ +=
+            (rootWith_.isEmpty() ? QStringLiteral("WITH RECURSIVE ") : QStringLiteral(", ")) + text;
     }
 }
 
@@ -418,16 +474,19 @@ TranslatedSelect Translator::selectIn(const Select& select, Scope* outer, bool e
     return result;
 }
 
-TranslatedSelect Translator::queryExpr(const QueryExpr& expr, Scope* outer, const Select* orders, bool existsOnly) {
+TranslatedSelect Translator::queryExpr(const QueryExpr& expr, Scope* outer, const Select* orders,
+                                       bool existsOnly) {
     if (expr.spec) return spec(*expr.spec, outer, orders, existsOnly, false);
     const auto part = [&](const QueryExpr& side) {
-        TranslatedSelect text = side.spec ? spec(*side.spec, outer, nullptr, false, true) : queryExpr(side, outer, nullptr, false);
+        TranslatedSelect text = side.spec ? spec(*side.spec, outer, nullptr, false, true)
+                                          : queryExpr(side, outer, nullptr, false);
         return text;
     };
     TranslatedSelect left = part(*expr.left);
     TranslatedSelect right = part(*expr.right);
     if (left.columns.size() != right.columns.size())
-        failWith(205, QStringLiteral("All queries combined using a UNION, INTERSECT or EXCEPT operator must have an equal "
+        failWith(205, QStringLiteral("All queries combined using a UNION, INTERSECT or EXCEPT "
+                                     "operator must have an equal "
                                      "number of expressions in their target lists."));
     if (!expr.right->spec) right.sql = QStringLiteral("SELECT * FROM (") + right.sql + u')';
     TranslatedSelect result;
@@ -454,14 +513,17 @@ QString Translator::limitClause(const Expr* top, const Select* select, Scope& sc
         return QStringLiteral(" LIMIT ") + count;
     }
     if (!select || !select->offset) return {};
-    return QStringLiteral(" LIMIT ") + (select->fetch ? number(*select->fetch) : QStringLiteral("-1")) +
+    return QStringLiteral(" LIMIT ") +
+           (select->fetch ? number(*select->fetch) : QStringLiteral("-1")) +
            QStringLiteral(" OFFSET ") + number(*select->offset);
 }
 
 QString Translator::orderKey(const Sql& sql) {
     const QString text = use(sql);
     if (sql.type.isWide()) return QStringLiteral("zov_dkey(") + text + u')';
-    if ((sql.type.isText() || !sql.type.known) && !sql.collated) return text + QStringLiteral(" COLLATE NOCASE");
+    if (sql.type.isGuid()) return QStringLiteral("zov_gkey(") + text + u')';
+    if ((sql.type.isText() || !sql.type.known) && !sql.collated)
+        return text + QStringLiteral(" COLLATE NOCASE");
     return text;
 }
 
@@ -475,14 +537,18 @@ QString Translator::orderClause(const std::vector<OrderItem>& items, Scope& scop
             bool good = false;
             ordinal = expr.token->source.toLongLong(&good) - 1;
             if (!good || ordinal < 0 || ordinal >= qsizetype(columns.size()))
-                failWith(108, QStringLiteral("The ORDER BY position number %1 is out of range of the number of items in the "
-                                             "select list.").arg(expr.token->source));
+                failWith(108, QStringLiteral("The ORDER BY position number %1 is out of range of "
+                                             "the number of items in the "
+                                             "select list.")
+                                  .arg(expr.token->source));
             rendered_.insert(expr.literalIndex);
         } else if (expr.kind == Expr::Kind::Column && expr.path.isEmpty()) {
-            // Names of the select list go first, those given there before those that came with a column.
+            // Names of the select list go first, those given there before those that came with a
+            // column.
             for (const bool aliased : {true, false}) {
                 for (size_t i = 0; i < columns.size() && ordinal < 0; ++i)
-                    if (columns[i].aliased == aliased && columns[i].name.compare(expr.name, Qt::CaseInsensitive) == 0)
+                    if (columns[i].aliased == aliased &&
+                        columns[i].name.compare(expr.name, Qt::CaseInsensitive) == 0)
                         ordinal = qsizetype(i);
                 if (ordinal >= 0) break;
             }
@@ -490,14 +556,17 @@ QString Translator::orderClause(const std::vector<OrderItem>& items, Scope& scop
         QString key;
         if (ordinal >= 0) {
             const OutputColumn& column = columns[size_t(ordinal)];
-            if (column.type.isWide() && !compound) {
-                key = QStringLiteral("zov_dkey(") + column.sql + u')';
+            if ((column.type.isWide() || column.type.isGuid()) && !compound) {
+                key = QLatin1String(column.type.isGuid() ? "zov_gkey(" : "zov_dkey(") + column.sql +
+                      u')';
             } else {
                 key = QString::number(ordinal + 1);
-                if ((column.type.isText() || !column.type.known) && !column.collated) key += QStringLiteral(" COLLATE NOCASE");
+                if ((column.type.isText() || !column.type.known) && !column.collated)
+                    key += QStringLiteral(" COLLATE NOCASE");
             }
         } else if (compound) {
-            failWith(104, QStringLiteral("ORDER BY items must appear in the select list if the statement contains a UNION, "
+            failWith(104, QStringLiteral("ORDER BY items must appear in the select list if the "
+                                         "statement contains a UNION, "
                                          "INTERSECT or EXCEPT operator."));
         } else {
             key = orderKey(translate(expr, scope));
@@ -508,7 +577,8 @@ QString Translator::orderClause(const std::vector<OrderItem>& items, Scope& scop
     return text;
 }
 
-TranslatedSelect Translator::spec(const QuerySpec& spec, Scope* outer, const Select* orders, bool existsOnly, bool inCompound) {
+TranslatedSelect Translator::spec(const QuerySpec& spec, Scope* outer, const Select* orders,
+                                  bool existsOnly, bool inCompound) {
     Scope scope;
     scope.outer = outer;
     for (const auto& source : spec.from) addSources(*source, scope);
@@ -527,8 +597,10 @@ TranslatedSelect Translator::spec(const QuerySpec& spec, Scope* outer, const Sel
         bool any = false;
         for (Source& source : scope.sources) {
             if (!star.path.isEmpty()) {
-                const bool named = source.alias.compare(star.path.last(), Qt::CaseInsensitive) == 0 &&
-                                   (star.path.size() == 1 || source.schema.compare(star.path[star.path.size() - 2], Qt::CaseInsensitive) == 0);
+                const bool named =
+                    source.alias.compare(star.path.last(), Qt::CaseInsensitive) == 0 &&
+                    (star.path.size() == 1 || source.schema.compare(star.path[star.path.size() - 2],
+                                                                    Qt::CaseInsensitive) == 0);
                 if (!named) continue;
             }
             any = true;
@@ -542,8 +614,10 @@ TranslatedSelect Translator::spec(const QuerySpec& spec, Scope* outer, const Sel
             }
         }
         if (!any) {
-            if (star.path.isEmpty()) failWith(263, QStringLiteral("Must specify table to select from."));
-            failWith(107, QStringLiteral("The column prefix '%1' does not match with a table name or alias name used in the query.")
+            if (star.path.isEmpty())
+                failWith(263, QStringLiteral("Must specify table to select from."));
+            failWith(107, QStringLiteral("The column prefix '%1' does not match with a table name "
+                                         "or alias name used in the query.")
                               .arg(star.path.join(u'.')));
         }
     };
@@ -561,7 +635,8 @@ TranslatedSelect Translator::spec(const QuerySpec& spec, Scope* outer, const Sel
             addColumn(name, value, item.alias.has_value());
         }
         if (!result.assignments.empty() && result.assignments.size() != result.columns.size())
-            failWith(141, QStringLiteral("A SELECT statement that assigns a value to a variable must not be combined with "
+            failWith(141, QStringLiteral("A SELECT statement that assigns a value to a variable "
+                                         "must not be combined with "
                                          "data-retrieval operations."));
     }
 
@@ -574,7 +649,8 @@ TranslatedSelect Translator::spec(const QuerySpec& spec, Scope* outer, const Sel
         if (key.type.isText() && !key.collated) text += QStringLiteral(" COLLATE NOCASE");
         group += (group.isEmpty() ? QStringLiteral(" GROUP BY ") : QStringLiteral(", ")) + text;
     }
-    const QString having = spec.having ? QStringLiteral(" HAVING ") + predicate(*spec.having, scope) : QString();
+    const QString having =
+        spec.having ? QStringLiteral(" HAVING ") + predicate(*spec.having, scope) : QString();
     QString order = orders ? orderClause(orders->orderBy, scope, result.columns, false) : QString();
     const QString limit = limitClause(spec.top.get(), orders, scope);
     // The sources are written last: by now it is known which columns of the catalogue are used.
@@ -592,28 +668,33 @@ TranslatedSelect Translator::spec(const QuerySpec& spec, Scope* outer, const Sel
         list += QStringLiteral(" AS c%1").arg(i + 1);
     }
     if (list.isEmpty()) list = QStringLiteral("1");
-    result.sql = (spec.distinct ? QStringLiteral("SELECT DISTINCT ") : QStringLiteral("SELECT ")) + list + from;
+    result.sql = (spec.distinct ? QStringLiteral("SELECT DISTINCT ") : QStringLiteral("SELECT ")) +
+                 list + from;
     for (const QString& condition : conditions)
         where = where.isEmpty() ? condition : where + QStringLiteral(" AND ") + condition;
     if (!where.isEmpty()) result.sql += QStringLiteral(" WHERE ") + where;
     result.sql += group + having + order + limit;
-    if (inCompound && !limit.isEmpty()) result.sql = QStringLiteral("SELECT * FROM (") + result.sql + u')';
+    if (inCompound && !limit.isEmpty())
+        result.sql = QStringLiteral("SELECT * FROM (") + result.sql + u')';
     return result;
 }
 
 QString Translator::updateSources(const QStringList& target, const Token* token,
-                                  const std::vector<std::unique_ptr<TableSource>>& from, const Expr* where,
-                                  std::shared_ptr<const QueryTable>& table, QString& targetAlias,
+                                  const std::vector<std::unique_ptr<TableSource>>& from,
+                                  const Expr* where, std::shared_ptr<const QueryTable>& table,
+                                  QString& targetAlias,
                                   const std::function<void()>& translateValues) {
     Scope& scope = *root_;
     // UPDATE a SET ... FROM t AS a: the target may be one of the sources' aliases.
-    const std::function<const TableSource*(const TableSource&)> find = [&](const TableSource& source) -> const TableSource* {
+    const std::function<const TableSource*(const TableSource&)> find =
+        [&](const TableSource& source) -> const TableSource* {
         if (source.kind == TableSource::Kind::Join) {
             const TableSource* left = find(*source.left);
             return left ? left : find(*source.right);
         }
         if (source.kind != TableSource::Kind::Named) return nullptr;
-        const bool byAlias = target.size() == 1 && source.alias.compare(target[0], Qt::CaseInsensitive) == 0;
+        const bool byAlias =
+            target.size() == 1 && source.alias.compare(target[0], Qt::CaseInsensitive) == 0;
         const bool byName = source.path.last().compare(target.last(), Qt::CaseInsensitive) == 0 &&
                             (source.alias.isEmpty() || target.size() > 1 || byAlias);
         return byAlias || byName ? &source : nullptr;
@@ -628,7 +709,8 @@ QString Translator::updateSources(const QStringList& target, const Token* token,
         table = requireTable(target, token, &database);
     }
     if (table->xtype != u"U")
-        failWith(4406, QStringLiteral("Update or insert of view or function '%1' failed: the embedded server changes tables only.")
+        failWith(4406, QStringLiteral("Update or insert of view or function '%1' failed: the "
+                                      "embedded server changes tables only.")
                            .arg(table->name));
     prefixFor(database);
     QString text;
@@ -641,7 +723,8 @@ QString Translator::updateSources(const QStringList& target, const Token* token,
     if (named) {
         const QString wanted = named->alias.isEmpty() ? named->path.last() : named->alias;
         for (const Source& source : scope.sources)
-            if (source.alias.compare(wanted, Qt::CaseInsensitive) == 0) targetAlias = source.sqlAlias;
+            if (source.alias.compare(wanted, Qt::CaseInsensitive) == 0)
+                targetAlias = source.sqlAlias;
     }
     translateValues();
     const QString filter = where ? predicate(*where, scope) : QString();
@@ -651,12 +734,14 @@ QString Translator::updateSources(const QStringList& target, const Token* token,
         scope.sources.pop_front();
         scope.sources.push_back(own);
         text = fromClause(from, scope, conditions);
-        text = (text.isEmpty() ? QStringLiteral(" FROM ") : text + QStringLiteral(", ")) + table->sqlName + QStringLiteral(" AS ") + targetAlias;
+        text = (text.isEmpty() ? QStringLiteral(" FROM ") : text + QStringLiteral(", ")) +
+               table->sqlName + QStringLiteral(" AS ") + targetAlias;
     } else {
         text = fromClause(from, scope, conditions);
     }
     QString all = filter;
-    for (const QString& condition : conditions) all = all.isEmpty() ? condition : all + QStringLiteral(" AND ") + condition;
+    for (const QString& condition : conditions)
+        all = all.isEmpty() ? condition : all + QStringLiteral(" AND ") + condition;
     if (!all.isEmpty()) text += QStringLiteral(" WHERE ") + all;
     return text;
 }

@@ -16,7 +16,7 @@ namespace zov::local {
 
 /// A translated expression.
 struct Sql {
-    QString text;                   ///< empty for a literal or a variable until it is used
+    QString text;  ///< empty for a literal or a variable until it is used
     ValueType type;
     bool collated = false;          ///< compares as T-SQL text by itself (a column, COLLATE)
     const Expr* literal = nullptr;  ///< a bare literal
@@ -28,7 +28,7 @@ struct OutputColumn {
     QString name;
     ValueType type;
     bool collated = false;
-    bool aliased = false;           ///< named in the select list
+    bool aliased = false;  ///< named in the select list
     QString sql;
 };
 
@@ -50,10 +50,11 @@ class Translator {
 
     /// Brings a table into the scope of expression() and condition() (UPDATE, DELETE, computed
     /// columns). `bareColumns`: columns are written without the table's alias.
-    void addTable(const std::shared_ptr<const QueryTable>& table, const QString& alias, bool bareColumns);
-    /// FROM of an UPDATE or DELETE: the sources, and which of them is the target. Returns the text of
-    /// FROM and WHERE; `targetAlias` gets the SQLite alias of the target.
-    /// `translateValues` is called when the sources are known and before their text is written.
+    void addTable(const std::shared_ptr<const QueryTable>& table, const QString& alias,
+                  bool bareColumns);
+    /// FROM of an UPDATE or DELETE: the sources, and which of them is the target. Returns the text
+    /// of FROM and WHERE; `targetAlias` gets the SQLite alias of the target. `translateValues` is
+    /// called when the sources are known and before their text is written.
     QString updateSources(const QStringList& target, const Token* token,
                           const std::vector<std::unique_ptr<TableSource>>& from, const Expr* where,
                           std::shared_ptr<const QueryTable>& table, QString& targetAlias,
@@ -66,7 +67,8 @@ class Translator {
     QString use(const Sql& sql);
 
     /// The user's table or view of that name; throws 208.
-    std::shared_ptr<const QueryTable> requireTable(const QStringList& path, const Token* token, Database** database = nullptr);
+    std::shared_ptr<const QueryTable> requireTable(const QStringList& path, const Token* token,
+                                                   Database** database = nullptr);
 
     const std::vector<ParameterSource>& parameters() const { return parameters_; }
     /// The tokens that became parameters and whose own text matters no more.
@@ -90,17 +92,17 @@ class Translator {
         ValueType type;
         bool collated = false;
         bool used = false;
-        QString sql;             ///< the column behind the source's alias
+        QString sql;  ///< the column behind the source's alias
     };
     struct Source {
-        QString alias;           ///< what references call it
-        QString schema;          ///< when it has no alias of its own
-        bool ownName = false;    ///< no alias was given: schema.name finds it as well
+        QString alias;         ///< what references call it
+        QString schema;        ///< when it has no alias of its own
+        bool ownName = false;  ///< no alias was given: schema.name finds it as well
         QString sqlAlias;
         std::deque<SourceColumn> columns;
         const CatalogView* view = nullptr;
-        QString prefix;          ///< of an attached database
-        QString body;            ///< what stands in FROM, for all but catalogue views
+        QString prefix;  ///< of an attached database
+        QString body;    ///< what stands in FROM, for all but catalogue views
         bool bare = false;
     };
     struct CommonSource {
@@ -112,22 +114,27 @@ class Translator {
         std::deque<Source> sources;
         QHash<QString, CommonSource> common;
     };
-    struct Context {             // the database that bare names belong to
+    struct Context {  // the database that bare names belong to
         Database* database = nullptr;
     };
 
     TranslatedSelect selectIn(const Select& select, Scope* outer, bool existsOnly = false);
-    TranslatedSelect queryExpr(const QueryExpr& expr, Scope* outer, const Select* orders, bool existsOnly);
-    TranslatedSelect spec(const QuerySpec& spec, Scope* outer, const Select* orders, bool existsOnly, bool inCompound);
+    TranslatedSelect queryExpr(const QueryExpr& expr, Scope* outer, const Select* orders,
+                               bool existsOnly);
+    TranslatedSelect spec(const QuerySpec& spec, Scope* outer, const Select* orders,
+                          bool existsOnly, bool inCompound);
     QString limitClause(const Expr* top, const Select* select, Scope& scope);
-    QString orderClause(const std::vector<OrderItem>& items, Scope& scope, const std::vector<OutputColumn>& columns, bool compound);
+    QString orderClause(const std::vector<OrderItem>& items, Scope& scope,
+                        const std::vector<OutputColumn>& columns, bool compound);
     void commonTables(const std::vector<CommonTable>& with, Scope& scope);
 
     void addSources(const TableSource& source, Scope& scope);
     void addNamed(const TableSource& source, Scope& scope);
     void addView(const QueryTable& view, Database* database, Source& source);
-    QString fromText(const TableSource& source, Scope& scope, size_t& index, std::vector<QString>& conditions, bool innerOnly);
-    QString fromClause(const std::vector<std::unique_ptr<TableSource>>& from, Scope& scope, std::vector<QString>& conditions);
+    QString fromText(const TableSource& source, Scope& scope, size_t& index,
+                     std::vector<QString>& conditions, bool innerOnly);
+    QString fromClause(const std::vector<std::unique_ptr<TableSource>>& from, Scope& scope,
+                       std::vector<QString>& conditions);
     QString sourceText(Source& source);
     QString prefixFor(Database* database);
     const CommonSource* findCommon(const QString& name, Scope* scope);
@@ -157,7 +164,7 @@ class Translator {
     int majorVersion_;
     Context context_;
     Database* main_ = nullptr;
-    std::vector<std::pair<QString, QString>> attachments_;   // alias, file
+    std::vector<std::pair<QString, QString>> attachments_;  // alias, file
     QHash<QString, QString> attachedNames_;
     std::vector<ParameterSource> parameters_;
     std::set<int> bound_, rendered_;

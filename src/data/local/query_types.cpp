@@ -12,20 +12,52 @@ ColumnInfo makeType(SqlType type, int size, int precision, int scale, bool nulla
     info.scale = scale;
     info.nullable = nullable;
     switch (type) {
-        case SqlType::Money: info.precision = 19; info.scale = 4; break;
-        case SqlType::SmallMoney: info.precision = 10; info.scale = 4; break;
-        case SqlType::Bit: info.precision = 1; break;
-        case SqlType::TinyInt: info.precision = 3; break;
-        case SqlType::SmallInt: info.precision = 5; break;
-        case SqlType::Int: info.precision = 10; break;
-        case SqlType::BigInt: info.precision = 19; break;
-        case SqlType::DateTime: info.scale = 3; break;
+        case SqlType::Money:
+            info.precision = 19;
+            info.scale = 4;
+            break;
+        case SqlType::SmallMoney:
+            info.precision = 10;
+            info.scale = 4;
+            break;
+        case SqlType::Bit:
+            info.precision = 1;
+            break;
+        case SqlType::TinyInt:
+            info.precision = 3;
+            break;
+        case SqlType::SmallInt:
+            info.precision = 5;
+            break;
+        case SqlType::Int:
+            info.precision = 10;
+            break;
+        case SqlType::BigInt:
+            info.precision = 19;
+            break;
+        case SqlType::DateTime:
+            info.scale = 3;
+            break;
         case SqlType::Text:
         case SqlType::NText:
         case SqlType::Image:
-        case SqlType::Xml: info.size = -1; break;
-        case SqlType::RowVersion: info.size = 8; break;
-        default: break;
+        case SqlType::Xml:
+            info.size = -1;
+            break;
+        case SqlType::RowVersion:
+            info.size = 8;
+            break;
+        case SqlType::Char:
+        case SqlType::VarChar:
+        case SqlType::NChar:
+        case SqlType::NVarChar:
+        case SqlType::Binary:
+        case SqlType::VarBinary:
+            // The catalogue's prec of these is their length again.
+            info.precision = info.scale = 0;
+            break;
+        default:
+            break;
     }
     return info;
 }
@@ -45,43 +77,74 @@ ValueType unknownType() {
 
 int typePrecedence(SqlType type) {
     switch (type) {
-        case SqlType::Variant: return 30;
-        case SqlType::Xml: return 29;
-        case SqlType::DateTimeOffset: return 28;
-        case SqlType::DateTime2: return 27;
-        case SqlType::DateTime: return 26;
-        case SqlType::SmallDateTime: return 25;
-        case SqlType::Date: return 24;
-        case SqlType::Time: return 23;
-        case SqlType::Float: return 22;
-        case SqlType::Real: return 21;
+        case SqlType::Variant:
+            return 30;
+        case SqlType::Xml:
+            return 29;
+        case SqlType::DateTimeOffset:
+            return 28;
+        case SqlType::DateTime2:
+            return 27;
+        case SqlType::DateTime:
+            return 26;
+        case SqlType::SmallDateTime:
+            return 25;
+        case SqlType::Date:
+            return 24;
+        case SqlType::Time:
+            return 23;
+        case SqlType::Float:
+            return 22;
+        case SqlType::Real:
+            return 21;
         case SqlType::Decimal:
-        case SqlType::Numeric: return 20;
-        case SqlType::Money: return 19;
-        case SqlType::SmallMoney: return 18;
-        case SqlType::BigInt: return 17;
-        case SqlType::Int: return 16;
-        case SqlType::SmallInt: return 15;
-        case SqlType::TinyInt: return 14;
-        case SqlType::Bit: return 13;
-        case SqlType::NText: return 12;
-        case SqlType::Text: return 11;
-        case SqlType::Image: return 10;
-        case SqlType::RowVersion: return 9;
-        case SqlType::UniqueIdentifier: return 8;
-        case SqlType::NVarChar: return 7;
-        case SqlType::NChar: return 6;
-        case SqlType::VarChar: return 5;
-        case SqlType::Char: return 4;
-        case SqlType::VarBinary: return 3;
-        case SqlType::Binary: return 2;
+        case SqlType::Numeric:
+            return 20;
+        case SqlType::Money:
+            return 19;
+        case SqlType::SmallMoney:
+            return 18;
+        case SqlType::BigInt:
+            return 17;
+        case SqlType::Int:
+            return 16;
+        case SqlType::SmallInt:
+            return 15;
+        case SqlType::TinyInt:
+            return 14;
+        case SqlType::Bit:
+            return 13;
+        case SqlType::NText:
+            return 12;
+        case SqlType::Text:
+            return 11;
+        case SqlType::Image:
+            return 10;
+        case SqlType::RowVersion:
+            return 9;
+        case SqlType::UniqueIdentifier:
+            return 8;
+        case SqlType::NVarChar:
+            return 7;
+        case SqlType::NChar:
+            return 6;
+        case SqlType::VarChar:
+            return 5;
+        case SqlType::Char:
+            return 4;
+        case SqlType::VarBinary:
+            return 3;
+        case SqlType::Binary:
+            return 2;
     }
     return 0;
 }
 
 namespace {
 
-int largerSize(int a, int b) { return a < 0 || b < 0 ? -1 : std::max(a, b); }
+int largerSize(int a, int b) {
+    return a < 0 || b < 0 ? -1 : std::max(a, b);
+}
 
 ValueType cappedDecimal(int precision, int scale, SqlType type, bool nullable) {
     // Above 38 digits the fraction gives way, down to six digits.
@@ -143,7 +206,8 @@ ValueType arithmeticType(QChar op, const ValueType& a, const ValueType& b) {
         return unknownType();
     }
     const bool nullable = a.info.nullable || b.info.nullable;
-    const SqlType winner = typePrecedence(b.type()) > typePrecedence(a.type()) ? b.type() : a.type();
+    const SqlType winner =
+        typePrecedence(b.type()) > typePrecedence(a.type()) ? b.type() : a.type();
     if (winner == SqlType::Decimal || winner == SqlType::Numeric) {
         int p1, s1, p2, s2;
         decimalShape(a, p1, s1);
@@ -190,37 +254,68 @@ ColumnInfo typeFromCatalogue(int xtype, int length, int precision, int scale, bo
         return makeType(type, size, precision, scale, nullable);
     };
     switch (xtype) {
-        case 34: return make(SqlType::Image);
-        case 35: return make(SqlType::Text);
-        case 36: return make(SqlType::UniqueIdentifier);
-        case 40: return makeType(SqlType::Date, 0, 0, 0, nullable);
-        case 41: return make(SqlType::Time);
-        case 42: return make(SqlType::DateTime2);
-        case 43: return make(SqlType::DateTimeOffset);
-        case 48: return make(SqlType::TinyInt);
-        case 52: return make(SqlType::SmallInt);
-        case 56: return make(SqlType::Int);
-        case 58: return makeType(SqlType::SmallDateTime, 0, 0, 0, nullable);
-        case 59: return makeType(SqlType::Real, 0, 0, 0, nullable);
-        case 60: return make(SqlType::Money);
-        case 61: return make(SqlType::DateTime);
-        case 62: return makeType(SqlType::Float, 0, 0, 0, nullable);
-        case 98: return make(SqlType::Variant);
-        case 99: return make(SqlType::NText);
-        case 104: return make(SqlType::Bit);
-        case 106: return make(SqlType::Decimal);
-        case 108: return make(SqlType::Numeric);
-        case 122: return make(SqlType::SmallMoney);
-        case 127: return make(SqlType::BigInt);
-        case 165: return make(SqlType::VarBinary, length);
-        case 167: return make(SqlType::VarChar, length);
-        case 173: return make(SqlType::Binary, length);
-        case 175: return make(SqlType::Char, length);
-        case 189: return make(SqlType::RowVersion, 8);
-        case 231: return make(SqlType::NVarChar, length < 0 ? -1 : length / 2);
-        case 239: return make(SqlType::NChar, length / 2);
-        case 241: return make(SqlType::Xml);
-        default: return make(SqlType::VarBinary, length);
+        case 34:
+            return make(SqlType::Image);
+        case 35:
+            return make(SqlType::Text);
+        case 36:
+            return make(SqlType::UniqueIdentifier);
+        case 40:
+            return makeType(SqlType::Date, 0, 0, 0, nullable);
+        case 41:
+            return make(SqlType::Time);
+        case 42:
+            return make(SqlType::DateTime2);
+        case 43:
+            return make(SqlType::DateTimeOffset);
+        case 48:
+            return make(SqlType::TinyInt);
+        case 52:
+            return make(SqlType::SmallInt);
+        case 56:
+            return make(SqlType::Int);
+        case 58:
+            return makeType(SqlType::SmallDateTime, 0, 0, 0, nullable);
+        case 59:
+            return makeType(SqlType::Real, 0, 0, 0, nullable);
+        case 60:
+            return make(SqlType::Money);
+        case 61:
+            return make(SqlType::DateTime);
+        case 62:
+            return makeType(SqlType::Float, 0, 0, 0, nullable);
+        case 98:
+            return make(SqlType::Variant);
+        case 99:
+            return make(SqlType::NText);
+        case 104:
+            return make(SqlType::Bit);
+        case 106:
+            return make(SqlType::Decimal);
+        case 108:
+            return make(SqlType::Numeric);
+        case 122:
+            return make(SqlType::SmallMoney);
+        case 127:
+            return make(SqlType::BigInt);
+        case 165:
+            return make(SqlType::VarBinary, length);
+        case 167:
+            return make(SqlType::VarChar, length);
+        case 173:
+            return make(SqlType::Binary, length);
+        case 175:
+            return make(SqlType::Char, length);
+        case 189:
+            return make(SqlType::RowVersion, 8);
+        case 231:
+            return make(SqlType::NVarChar, length < 0 ? -1 : length / 2);
+        case 239:
+            return make(SqlType::NChar, length / 2);
+        case 241:
+            return make(SqlType::Xml);
+        default:
+            return make(SqlType::VarBinary, length);
     }
 }
 

@@ -27,11 +27,15 @@ struct ValueType {
     bool isExact() const {
         return known && info.type >= SqlType::Decimal && info.type <= SqlType::SmallMoney;
     }
-    bool isFloat() const { return known && (info.type == SqlType::Real || info.type == SqlType::Float); }
+    bool isFloat() const {
+        return known && (info.type == SqlType::Real || info.type == SqlType::Float);
+    }
     /// Its values may have more digits than a double holds, and are then kept as text.
     bool isWide() const {
-        return known && (info.type == SqlType::Decimal || info.type == SqlType::Numeric ||
-                         info.type == SqlType::Money) && info.precision > 15;
+        return known &&
+               (info.type == SqlType::Decimal || info.type == SqlType::Numeric ||
+                info.type == SqlType::Money) &&
+               info.precision > 15;
     }
     bool isUnicode() const {
         return known && (info.type == SqlType::NChar || info.type == SqlType::NVarChar ||
@@ -40,8 +44,10 @@ struct ValueType {
 };
 
 /// A column type with the size, precision and scale that belong to it.
-ColumnInfo makeType(SqlType type, int size = 0, int precision = 0, int scale = 0, bool nullable = true);
-ValueType knownType(SqlType type, int size = 0, int precision = 0, int scale = 0, bool nullable = true);
+ColumnInfo makeType(SqlType type, int size = 0, int precision = 0, int scale = 0,
+                    bool nullable = true);
+ValueType knownType(SqlType type, int size = 0, int precision = 0, int scale = 0,
+                    bool nullable = true);
 ValueType unknownType();
 
 /// Higher wins when two types meet; SQL Server's order.

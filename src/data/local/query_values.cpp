@@ -14,7 +14,9 @@ void failWith(qint32 native, const QString& text, qint32 number, const QString& 
     throw DbError(number, text, sqlState, native);
 }
 
-StoredValue StoredValue::null() { return {}; }
+StoredValue StoredValue::null() {
+    return {};
+}
 
 StoredValue StoredValue::ofInteger(qint64 value, SqlType type) {
     StoredValue result;
@@ -36,18 +38,25 @@ StoredValue StoredValue::ofText(const QString& text) {
     StoredValue result;
     result.kind = Kind::Text;
     result.bytes = text.toUtf8();
-    result.type = makeType(SqlType::NVarChar, text.size() > 4000 ? -1 : int(std::max<qsizetype>(1, text.size())));
+    result.type = makeType(SqlType::NVarChar,
+                           text.size() > 4000 ? -1 : int(std::max<qsizetype>(1, text.size())));
     return result;
 }
 
-QString StoredValue::text() const { return valueText(*this); }
+QString StoredValue::text() const {
+    return valueText(*this);
+}
 
 qint64 StoredValue::toInteger() const {
     switch (kind) {
-        case Kind::Integer: return integer;
-        case Kind::Real: return qint64(std::llround(real));
-        case Kind::Text: return QString::fromUtf8(bytes).trimmed().toLongLong();
-        default: return 0;
+        case Kind::Integer:
+            return integer;
+        case Kind::Real:
+            return qint64(std::llround(real));
+        case Kind::Text:
+            return QString::fromUtf8(bytes).trimmed().toLongLong();
+        default:
+            return 0;
     }
 }
 
@@ -74,8 +83,8 @@ void Variables::assign(const SessionState& session, const QString& name, const S
     it->type = type;
 }
 
-StoredValue convertValue(const SessionState& session, const StoredValue& value, const ColumnInfo& type,
-                         bool cut) {
+StoredValue convertValue(const SessionState& session, const StoredValue& value,
+                         const ColumnInfo& type, bool cut) {
     return convertStored(value, type, cut, session.dateFormat);
 }
 
@@ -136,7 +145,8 @@ DecimalText DecimalText::ofValue(const StoredValue& value) {
         case StoredValue::Kind::Text:
             parse(value.bytes, result);
             break;
-        default: break;
+        default:
+            break;
     }
     return result;
 }
@@ -194,7 +204,8 @@ StoredValue DecimalText::stored(const ColumnInfo& type) const {
         ++trailing;
     }
     const int fraction = digits.isEmpty() ? 0 : scale - trailing;
-    // A double gives back fifteen digits as they were; a whole number as long as it has no fraction.
+    // A double gives back fifteen digits as they were; a whole number as long as it has no
+    // fraction.
     if (significant > 15) {
         result.kind = StoredValue::Kind::Text;
         result.bytes = canonical();
@@ -276,7 +287,8 @@ QString valueText(const StoredValue& value, int style) {
                 return QString::fromLatin1(text.left(e + 2) + exponent);
             }
             return floatText(value.real, 6);
-        case Kind::Text: return QString::fromUtf8(value.bytes);
+        case Kind::Text:
+            return QString::fromUtf8(value.bytes);
         case Kind::Blob: {
             if (style == 1 || style == 2) {
                 const QString hex = QString::fromLatin1(value.bytes.toHex().toUpper());
@@ -284,7 +296,8 @@ QString valueText(const StoredValue& value, int style) {
             }
             return QString::fromLatin1(value.bytes);
         }
-        case Kind::Null: break;
+        case Kind::Null:
+            break;
     }
     return {};
 }
@@ -294,8 +307,9 @@ StoredValue literalValue(const Token& token) {
         StoredValue value = StoredValue::ofText(token.value);
         const bool unicode = token.source.startsWith(u'N') || token.source.startsWith(u'n');
         if (!unicode)
-            value.type = makeType(SqlType::VarChar,
-                                  token.value.size() > 8000 ? -1 : int(std::max<qsizetype>(1, token.value.size())));
+            value.type = makeType(
+                SqlType::VarChar,
+                token.value.size() > 8000 ? -1 : int(std::max<qsizetype>(1, token.value.size())));
         value.type.nullable = false;
         return value;
     }
@@ -306,7 +320,10 @@ StoredValue literalValue(const Token& token) {
         if (hex.contains('\\')) hex.replace("\\\r\n", "").replace("\\\n", "");
         if (hex.size() % 2) hex.prepend('0');
         value.bytes = QByteArray::fromHex(hex);
-        value.type = makeType(SqlType::VarBinary, value.bytes.size() > 8000 ? -1 : int(std::max<qsizetype>(1, value.bytes.size())), 0, 0, false);
+        value.type = makeType(
+            SqlType::VarBinary,
+            value.bytes.size() > 8000 ? -1 : int(std::max<qsizetype>(1, value.bytes.size())), 0, 0,
+            false);
         return value;
     }
     QByteArray text = token.source.toLatin1();
@@ -335,8 +352,10 @@ StoredValue literalValue(const Token& token) {
     const qsizetype whole = std::max<qsizetype>(0, decimal.digits.size() - decimal.scale);
     const int precision = int(std::max<qsizetype>(1, whole + decimal.scale));
     if (precision > 38)
-        failWith(1007, QStringLiteral("The number '%1' is out of the range for numeric representation "
-                                      "(maximum precision 38).").arg(token.source));
+        failWith(1007,
+                 QStringLiteral("The number '%1' is out of the range for numeric representation "
+                                "(maximum precision 38).")
+                     .arg(token.source));
     return decimal.stored(makeType(SqlType::Numeric, 0, precision, decimal.scale, false));
 }
 
@@ -353,51 +372,74 @@ QString typeWord(const StoredValue& value) {
 [[noreturn]] void cannotConvert(const StoredValue& value, const ColumnInfo& to) {
     if (value.kind == Kind::Text && isTextType(value.type.type)) {
         if (to.type <= SqlType::BigInt)
-            failWith(245, QStringLiteral("Conversion failed when converting the %1 value '%2' to data type %3.")
-                              .arg(typeWord(value), QString::fromUtf8(value.bytes), sqlTypeName(to.type)),
-                     ado_number::CannotConvert, QStringLiteral("22018"));
+            failWith(
+                245,
+                QStringLiteral(
+                    "Conversion failed when converting the %1 value '%2' to data type %3.")
+                    .arg(typeWord(value), QString::fromUtf8(value.bytes), sqlTypeName(to.type)),
+                ado_number::CannotConvert, QStringLiteral("22018"));
         if (isDateTimeType(to.type))
-            failWith(241, QStringLiteral("Conversion failed when converting date and/or time from character string."),
-                     ado_number::CannotConvert, QStringLiteral("22007"));
+            failWith(
+                241,
+                QStringLiteral(
+                    "Conversion failed when converting date and/or time from character string."),
+                ado_number::CannotConvert, QStringLiteral("22007"));
         if (to.type == SqlType::UniqueIdentifier)
-            failWith(8169, QStringLiteral("Conversion failed when converting from a character string to uniqueidentifier."),
+            failWith(8169,
+                     QStringLiteral("Conversion failed when converting from a character string to "
+                                    "uniqueidentifier."),
                      ado_number::CannotConvert, QStringLiteral("42000"));
         if (to.type == SqlType::Money || to.type == SqlType::SmallMoney)
-            failWith(235, QStringLiteral("Cannot convert a char value to money. The char value has incorrect syntax."),
-                     ado_number::CannotConvert, QStringLiteral("22018"));
-        failWith(8114, QStringLiteral("Error converting data type %1 to %2.").arg(typeWord(value), sqlTypeName(to.type)),
+            failWith(
+                235,
+                QStringLiteral(
+                    "Cannot convert a char value to money. The char value has incorrect syntax."),
+                ado_number::CannotConvert, QStringLiteral("22018"));
+        failWith(8114,
+                 QStringLiteral("Error converting data type %1 to %2.")
+                     .arg(typeWord(value), sqlTypeName(to.type)),
                  ado_number::CannotConvert, QStringLiteral("42000"));
     }
-    failWith(529, QStringLiteral("Explicit conversion from data type %1 to %2 is not allowed.")
-                      .arg(typeWord(value), sqlTypeName(to.type)),
+    failWith(529,
+             QStringLiteral("Explicit conversion from data type %1 to %2 is not allowed.")
+                 .arg(typeWord(value), sqlTypeName(to.type)),
              ado_number::CannotConvert);
 }
 
 [[noreturn]] void overflow(const StoredValue& value, const ColumnInfo& to) {
     if (to.type <= SqlType::SmallInt && value.kind == Kind::Integer)
-        failWith(220, QStringLiteral("Arithmetic overflow error for data type %1, value = %2.")
-                          .arg(sqlTypeName(to.type)).arg(value.integer),
+        failWith(220,
+                 QStringLiteral("Arithmetic overflow error for data type %1, value = %2.")
+                     .arg(sqlTypeName(to.type))
+                     .arg(value.integer),
                  ado_number::Overflow, QStringLiteral("22003"));
-    failWith(8115, QStringLiteral("Arithmetic overflow error converting %1 to data type %2.")
-                       .arg(value.kind == Kind::Integer && value.type.type <= SqlType::BigInt
-                                ? QStringLiteral("expression") : typeWord(value),
-                            sqlTypeName(to.type)),
+    failWith(8115,
+             QStringLiteral("Arithmetic overflow error converting %1 to data type %2.")
+                 .arg(value.kind == Kind::Integer && value.type.type <= SqlType::BigInt
+                          ? QStringLiteral("expression")
+                          : typeWord(value),
+                      sqlTypeName(to.type)),
              ado_number::Overflow, QStringLiteral("22003"));
 }
 
 bool inRange(qint64 value, SqlType type) {
     switch (type) {
-        case SqlType::TinyInt: return value >= 0 && value <= 255;
-        case SqlType::SmallInt: return value >= -32768 && value <= 32767;
-        case SqlType::Int: return value >= std::numeric_limits<qint32>::min() &&
-                                  value <= std::numeric_limits<qint32>::max();
-        default: return true;
+        case SqlType::TinyInt:
+            return value >= 0 && value <= 255;
+        case SqlType::SmallInt:
+            return value >= -32768 && value <= 32767;
+        case SqlType::Int:
+            return value >= std::numeric_limits<qint32>::min() &&
+                   value <= std::numeric_limits<qint32>::max();
+        default:
+            return true;
     }
 }
 
 constexpr qint64 DaysTo1900 = 693595;
 
-bool ticksOf(const StoredValue& value, const QString& dateFormat, int style, qint64& ticks, qint16& offset) {
+bool ticksOf(const StoredValue& value, const QString& dateFormat, int style, qint64& ticks,
+             qint16& offset) {
     offset = 0;
     if (value.kind == Kind::Integer) {
         ticks = (DaysTo1900 + value.integer) * TicksPerDay;
@@ -409,24 +451,42 @@ bool ticksOf(const StoredValue& value, const QString& dateFormat, int style, qin
     }
     if (value.kind != Kind::Text) return false;
     if (isDateTimeType(value.type.type)) {
-        if (!parseIsoTicks(value.bytes.constData(), value.bytes.size(), ticks, offset)) return false;
+        if (!parseIsoTicks(value.bytes.constData(), value.bytes.size(), ticks, offset))
+            return false;
         if (value.type.type == SqlType::Time) ticks += DaysTo1900 * TicksPerDay;
         return true;
     }
     QString order = dateFormat;
     switch (style % 100) {
-        case 1: case 10: if (style) order = QStringLiteral("mdy"); break;
-        case 3: case 4: case 5: case 6: case 13: order = QStringLiteral("dmy"); break;
-        case 2: case 11: case 12: order = QStringLiteral("ymd"); break;
-        default: break;
+        case 1:
+        case 10:
+            if (style) order = QStringLiteral("mdy");
+            break;
+        case 3:
+        case 4:
+        case 5:
+        case 6:
+        case 13:
+            order = QStringLiteral("dmy");
+            break;
+        case 2:
+        case 11:
+        case 12:
+            order = QStringLiteral("ymd");
+            break;
+        default:
+            break;
     }
     return parseDateText(QString::fromUtf8(value.bytes), order, ticks, offset);
 }
 
-StoredValue toIntegerType(const StoredValue& value, const ColumnInfo& to, const QString& dateFormat) {
+StoredValue toIntegerType(const StoredValue& value, const ColumnInfo& to,
+                          const QString& dateFormat) {
     qint64 number = 0;
     switch (value.kind) {
-        case Kind::Integer: number = value.integer; break;
+        case Kind::Integer:
+            number = value.integer;
+            break;
         case Kind::Real:
             if (to.type != SqlType::Bit && !(std::abs(value.real) < 9.3e18)) overflow(value, to);
             number = to.type == SqlType::Bit ? value.real != 0 : qint64(value.real);
@@ -441,32 +501,42 @@ StoredValue toIntegerType(const StoredValue& value, const ColumnInfo& to, const 
             }
             const QByteArray text = value.bytes.trimmed();
             if (to.type == SqlType::Bit) {
-                if (text.compare("true", Qt::CaseInsensitive) == 0) { number = 1; break; }
+                if (text.compare("true", Qt::CaseInsensitive) == 0) {
+                    number = 1;
+                    break;
+                }
                 if (text.compare("false", Qt::CaseInsensitive) == 0 || text.isEmpty()) break;
             }
             if (text.isEmpty() && isTextType(value.type.type)) break;
             DecimalText decimal;
             if (!DecimalText::parse(text, decimal)) cannotConvert(value, to);
-            if (isTextType(value.type.type) && (text.contains('.') || text.contains('e') || text.contains('E')))
+            if (isTextType(value.type.type) &&
+                (text.contains('.') || text.contains('e') || text.contains('E')))
                 cannotConvert(value, to);
             const qsizetype whole = decimal.digits.size() - decimal.scale;
             bool fits = whole <= 0;
-            if (whole > 0) number = decimal.digits.left(whole).toLongLong(&fits) * (decimal.negative ? -1 : 1);
+            if (whole > 0)
+                number = decimal.digits.left(whole).toLongLong(&fits) * (decimal.negative ? -1 : 1);
             if (!fits || !inRange(number, to.type)) {
                 if (isTextType(value.type.type))
-                    failWith(248, QStringLiteral("The conversion of the %1 value '%2' overflowed an %3 column.")
-                                      .arg(typeWord(value), QString::fromUtf8(text), sqlTypeName(to.type)),
-                             ado_number::Overflow, QStringLiteral("22003"));
+                    failWith(
+                        248,
+                        QStringLiteral(
+                            "The conversion of the %1 value '%2' overflowed an %3 column.")
+                            .arg(typeWord(value), QString::fromUtf8(text), sqlTypeName(to.type)),
+                        ado_number::Overflow, QStringLiteral("22003"));
                 overflow(value, to);
             }
             break;
         }
         case Kind::Blob:
             // The last bytes count, the highest first.
-            for (const char c : value.bytes.right(8)) number = qint64(quint64(number) << 8 | quint8(c));
+            for (const char c : value.bytes.right(8))
+                number = qint64(quint64(number) << 8 | quint8(c));
             if (to.type == SqlType::Int) number = qint32(number);
             break;
-        case Kind::Null: break;
+        case Kind::Null:
+            break;
     }
     if (to.type == SqlType::Bit) number = number != 0;
     if (!inRange(number, to.type)) overflow(value, to);
@@ -494,7 +564,9 @@ StoredValue toDecimalType(const StoredValue& value, const ColumnInfo& to) {
         decimal = DecimalText::ofValue(value);
     }
     decimal.rescale(money ? 4 : to.scale);
-    const int precision = to.type == SqlType::Money ? 19 : to.type == SqlType::SmallMoney ? 10 : to.precision;
+    const int precision = to.type == SqlType::Money        ? 19
+                          : to.type == SqlType::SmallMoney ? 10
+                                                           : to.precision;
     if (decimal.digits.size() > precision) overflow(value, to);
     return decimal.stored(to);
 }
@@ -504,8 +576,12 @@ StoredValue toFloatType(const StoredValue& value, const ColumnInfo& to) {
     result.kind = Kind::Real;
     result.type = to;
     switch (value.kind) {
-        case Kind::Integer: result.real = double(value.integer); break;
-        case Kind::Real: result.real = value.real; break;
+        case Kind::Integer:
+            result.real = double(value.integer);
+            break;
+        case Kind::Real:
+            result.real = value.real;
+            break;
         case Kind::Text: {
             bool good = false;
             const QByteArray text = value.bytes.trimmed();
@@ -521,22 +597,27 @@ StoredValue toFloatType(const StoredValue& value, const ColumnInfo& to) {
             if (!good) cannotConvert(value, to);
             break;
         }
-        default: cannotConvert(value, to);
+        default:
+            cannotConvert(value, to);
     }
     if (to.type == SqlType::Real) result.real = double(float(result.real));
     return result;
 }
 
-StoredValue toDateType(const StoredValue& value, const ColumnInfo& to, const QString& dateFormat, int style) {
+StoredValue toDateType(const StoredValue& value, const ColumnInfo& to, const QString& dateFormat,
+                       int style) {
     qint64 ticks = 0;
     qint16 offset = 0;
     if (!ticksOf(value, dateFormat, style, ticks, offset)) cannotConvert(value, to);
     const qint64 days = ticks / TicksPerDay;
     const bool tooEarly = (to.type == SqlType::DateTime && days < daysFromCivil(1753, 1, 1)) ||
-                          (to.type == SqlType::SmallDateTime && (days < DaysTo1900 || days >= daysFromCivil(2079, 6, 7)));
+                          (to.type == SqlType::SmallDateTime &&
+                           (days < DaysTo1900 || days >= daysFromCivil(2079, 6, 7)));
     if (tooEarly)
-        failWith(242, QStringLiteral("The conversion of a %1 data type to a %2 data type resulted in an out-of-range value.")
-                          .arg(typeWord(value), sqlTypeName(to.type)),
+        failWith(242,
+                 QStringLiteral("The conversion of a %1 data type to a %2 data type resulted in an "
+                                "out-of-range value.")
+                     .arg(typeWord(value), sqlTypeName(to.type)),
                  ado_number::CannotConvert, QStringLiteral("22007"));
     StoredValue result;
     result.kind = Kind::Text;
@@ -549,15 +630,19 @@ StoredValue toTextType(const StoredValue& value, const ColumnInfo& to, bool cut,
     StoredValue result;
     result.kind = Kind::Text;
     result.type = to;
-    const bool plainText = value.kind == Kind::Text && (isTextType(value.type.type) || value.type.type == SqlType::UniqueIdentifier);
+    const bool plainText =
+        value.kind == Kind::Text &&
+        (isTextType(value.type.type) || value.type.type == SqlType::UniqueIdentifier);
     const bool fixed = to.type == SqlType::Char || to.type == SqlType::NChar;
     // What fits byte for byte needs no look at single letters.
     if (plainText && !fixed && (to.size <= 0 || value.bytes.size() <= to.size)) {
         result.bytes = value.bytes;
         return result;
     }
-    QString text = value.kind == Kind::Blob && (to.type == SqlType::NVarChar || to.type == SqlType::NChar) && style == 0
-                       ? QString(reinterpret_cast<const QChar*>(value.bytes.constData()), value.bytes.size() / 2)
+    QString text = value.kind == Kind::Blob &&
+                           (to.type == SqlType::NVarChar || to.type == SqlType::NChar) && style == 0
+                       ? QString(reinterpret_cast<const QChar*>(value.bytes.constData()),
+                                 value.bytes.size() / 2)
                        : valueText(value, style);
     if (to.size > 0 && text.size() > to.size) {
         if (cut) {
@@ -583,7 +668,9 @@ StoredValue toBinaryType(const StoredValue& value, const ColumnInfo& to, bool cu
     result.type = to;
     const bool fixed = to.type == SqlType::Binary || to.type == SqlType::RowVersion;
     switch (value.kind) {
-        case Kind::Blob: result.bytes = value.bytes; break;
+        case Kind::Blob:
+            result.bytes = value.bytes;
+            break;
         case Kind::Text: {
             const QString text = QString::fromUtf8(value.bytes);
             if (value.type.type == SqlType::UniqueIdentifier) {
@@ -597,19 +684,24 @@ StoredValue toBinaryType(const StoredValue& value, const ColumnInfo& to, bool cu
                 result.bytes = bytes;
             } else if ((style == 1 && text.startsWith(u"0x", Qt::CaseInsensitive)) || style == 2) {
                 result.bytes = QByteArray::fromHex((style == 1 ? text.mid(2) : text).toLatin1());
-            } else if (value.type.type == SqlType::NVarChar || value.type.type == SqlType::NChar || value.type.type == SqlType::NText) {
-                result.bytes = QByteArray(reinterpret_cast<const char*>(text.utf16()), text.size() * 2);
+            } else if (value.type.type == SqlType::NVarChar || value.type.type == SqlType::NChar ||
+                       value.type.type == SqlType::NText) {
+                result.bytes =
+                    QByteArray(reinterpret_cast<const char*>(text.utf16()), text.size() * 2);
             } else {
                 result.bytes = text.toLatin1();
             }
             break;
         }
         case Kind::Integer: {
-            const int width = value.type.type == SqlType::BigInt ? 8 : value.type.type == SqlType::SmallInt ? 2
-                              : value.type.type <= SqlType::TinyInt ? 1 : 4;
+            const int width = value.type.type == SqlType::BigInt     ? 8
+                              : value.type.type == SqlType::SmallInt ? 2
+                              : value.type.type <= SqlType::TinyInt  ? 1
+                                                                     : 4;
             const int wanted = fixed && to.size > 0 ? to.size : width;
             for (int shift = wanted * 8 - 8; shift >= 0; shift -= 8)
-                result.bytes += shift < 64 ? char(quint64(value.integer) >> shift) : char(value.integer < 0 ? -1 : 0);
+                result.bytes += shift < 64 ? char(quint64(value.integer) >> shift)
+                                           : char(value.integer < 0 ? -1 : 0);
             return result;
         }
         case Kind::Real: {
@@ -618,10 +710,12 @@ StoredValue toBinaryType(const StoredValue& value, const ColumnInfo& to, bool cu
             for (int shift = 56; shift >= 0; shift -= 8) result.bytes += char(bits >> shift);
             break;
         }
-        case Kind::Null: break;
+        case Kind::Null:
+            break;
     }
     if (to.size > 0 && cut) result.bytes.truncate(to.size);
-    if (fixed && result.bytes.size() < to.size) result.bytes.append(to.size - result.bytes.size(), '\0');
+    if (fixed && result.bytes.size() < to.size)
+        result.bytes.append(to.size - result.bytes.size(), '\0');
     return result;
 }
 
@@ -632,7 +726,8 @@ StoredValue toGuid(const StoredValue& value, const ColumnInfo& to) {
     if (value.kind == Kind::Blob && value.bytes.size() == 16) {
         const QByteArray& b = value.bytes;
         QByteArray ordered;
-        for (const int at : {3, 2, 1, 0, 5, 4, 7, 6, 8, 9, 10, 11, 12, 13, 14, 15}) ordered += b[at];
+        for (const int at : {3, 2, 1, 0, 5, 4, 7, 6, 8, 9, 10, 11, 12, 13, 14, 15})
+            ordered += b[at];
         QByteArray hex = ordered.toHex().toUpper();
         for (const int at : {20, 16, 12, 8}) hex.insert(at, '-');
         result.bytes = hex;
@@ -668,7 +763,8 @@ StoredValue convertStored(const StoredValue& value, const ColumnInfo& type, bool
         case SqlType::SmallInt:
         case SqlType::Int:
         case SqlType::BigInt:
-            if (value.kind == Kind::Integer && type.type != SqlType::Bit && inRange(value.integer, type.type)) {
+            if (value.kind == Kind::Integer && type.type != SqlType::Bit &&
+                inRange(value.integer, type.type)) {
                 StoredValue result = value;
                 result.type = type;
                 return result;
@@ -677,28 +773,35 @@ StoredValue convertStored(const StoredValue& value, const ColumnInfo& type, bool
         case SqlType::Decimal:
         case SqlType::Numeric:
         case SqlType::Money:
-        case SqlType::SmallMoney: return toDecimalType(value, type);
+        case SqlType::SmallMoney:
+            return toDecimalType(value, type);
         case SqlType::Real:
-        case SqlType::Float: return toFloatType(value, type);
+        case SqlType::Float:
+            return toFloatType(value, type);
         case SqlType::Date:
         case SqlType::Time:
         case SqlType::SmallDateTime:
         case SqlType::DateTime:
         case SqlType::DateTime2:
-        case SqlType::DateTimeOffset: return toDateType(value, type, dateFormat, style);
+        case SqlType::DateTimeOffset:
+            return toDateType(value, type, dateFormat, style);
         case SqlType::Char:
         case SqlType::VarChar:
         case SqlType::Text:
         case SqlType::NChar:
         case SqlType::NVarChar:
         case SqlType::NText:
-        case SqlType::Xml: return toTextType(value, type, cut, style);
+        case SqlType::Xml:
+            return toTextType(value, type, cut, style);
         case SqlType::Binary:
         case SqlType::VarBinary:
         case SqlType::Image:
-        case SqlType::RowVersion: return toBinaryType(value, type, cut, style);
-        case SqlType::UniqueIdentifier: return toGuid(value, type);
-        case SqlType::Variant: break;
+        case SqlType::RowVersion:
+            return toBinaryType(value, type, cut, style);
+        case SqlType::UniqueIdentifier:
+            return toGuid(value, type);
+        case SqlType::Variant:
+            break;
     }
     StoredValue result = value;
     if (type.type == SqlType::Variant && isDateTimeType(value.type.type)) result.type = value.type;

@@ -17,10 +17,11 @@ inline constexpr qint32 Overflow = qint32(0x80040E57);
                            qint32 number = ado_error::SyntaxError,
                            const QString& sqlState = QStringLiteral("42000"));
 
-/// A date as people write it: ISO forms, yyyymmdd, three numbers in the order of `dateFormat` ("mdy",
-/// "dmy", "ymd"), month names, times with AM/PM, an offset. The empty text is 1900-01-01. Ticks as in
-/// field_text.h. False when it can't be read.
-bool parseDateText(QStringView text, const QString& dateFormat, qint64& ticks, qint16& offsetMinutes);
+/// A date as people write it: ISO forms, yyyymmdd, three numbers in the order of `dateFormat`
+/// ("mdy", "dmy", "ymd"), month names, times with AM/PM, an offset. The empty text is 1900-01-01.
+/// Ticks as in field_text.h. False when it can't be read.
+bool parseDateText(QStringView text, const QString& dateFormat, qint64& ticks,
+                   qint16& offsetMinutes);
 /// The stored form of a moment in a type of the date family; rounds as the type does.
 QByteArray formatTicks(qint64 ticks, qint16 offsetMinutes, const ColumnInfo& type);
 /// A moment as CONVERT writes it in one of its styles; `type` decides the default one (style 0).
@@ -29,15 +30,15 @@ QString dateToText(qint64 ticks, qint16 offsetMinutes, const ColumnInfo& type, i
 /// A decimal number digit by digit: the value is digits / 10^scale.
 struct DecimalText {
     bool negative = false;
-    QByteArray digits;   ///< without leading zeros; empty for zero
+    QByteArray digits;  ///< without leading zeros; empty for zero
     int scale = 0;
 
-    static bool parse(QByteArrayView text, DecimalText& result);   ///< "-12.50", "1e3"
+    static bool parse(QByteArrayView text, DecimalText& result);  ///< "-12.50", "1e3"
     static DecimalText ofValue(const StoredValue& value);
     /// Rounds half away from zero, or fills up with zeros.
     void rescale(int newScale);
-    QByteArray plain() const;          ///< with all its digits behind the point
-    QByteArray canonical() const;      ///< without trailing zeros behind the point
+    QByteArray plain() const;      ///< with all its digits behind the point
+    QByteArray canonical() const;  ///< without trailing zeros behind the point
     StoredValue stored(const ColumnInfo& type) const;
 };
 

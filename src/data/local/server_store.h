@@ -20,11 +20,11 @@ namespace zov::local {
 
 /// What the server-wide catalogue tells of a database.
 struct DatabaseFacts {
-    int dbid = 0;              ///< master 1, tempdb 2, model 3, msdb 4, users' from 5
+    int dbid = 0;  ///< master 1, tempdb 2, model 3, msdb 4, users' from 5
     QString name;
-    QString file;              ///< full path; empty for a system database that has no file yet
-    QString created;           ///< "yyyy-MM-dd HH:mm:ss.fff"
-    int compatibility = 160;   ///< 80 on a version 8 server
+    QString file;             ///< full path; empty for a system database that has no file yet
+    QString created;          ///< "yyyy-MM-dd HH:mm:ss.fff"
+    int compatibility = 160;  ///< 80 on a version 8 server
     QString collation;
     bool isSystem = false;
 };
@@ -32,8 +32,9 @@ struct DatabaseFacts {
 class ServerStore {
  public:
     /// `dataSource` is "local:NAME" or "local:/a/path", with "?version=8.00.2039" behind it for a
-    /// server of another version than the default one; the version counts when the folder is made. A
-    /// folder that doesn't exist is made when `createServer` is set, else throws DbError 0x80004005.
+    /// server of another version than the default one; the version counts when the folder is made.
+    /// A folder that doesn't exist is made when `createServer` is set, else throws DbError
+    /// 0x80004005.
     static std::unique_ptr<ServerStore> open(const QString& dataSource, bool createServer);
     ~ServerStore();
     ServerStore(const ServerStore&) = delete;
@@ -75,9 +76,9 @@ class ServerStore {
 
     // Transactions of the session (BEGIN TRAN ...). Within a load they nest into it.
     void beginTransaction();
-    void commitTransaction();      ///< throws 3902 without a transaction
-    void rollbackTransaction();    ///< throws 3903 without a transaction
-    int transactionCount() const { return transactionCount_; }   ///< @@TRANCOUNT
+    void commitTransaction();    ///< throws 3902 without a transaction
+    void rollbackTransaction();  ///< throws 3903 without a transaction
+    int transactionCount() const { return transactionCount_; }  ///< @@TRANCOUNT
 
     // One statement: what it changed is undone when it fails.
     void beginStatement();
@@ -85,8 +86,8 @@ class ServerStore {
     /// To be called before `database` is changed, within a statement.
     void willWrite(Database& database);
 
-    /// To be called before a batch: a change that another session made to a database makes the query
-    /// side forget what it knew of it.
+    /// To be called before a batch: a change that another session made to a database makes the
+    /// query side forget what it knew of it.
     void noticeForeignChanges();
 
  private:
@@ -110,9 +111,9 @@ class ServerStore {
     QString folder_;
     QString serverName_;
     QString productVersion_;
-    std::map<QString, std::unique_ptr<Entry>> open_;   // by folded name
-    std::vector<std::unique_ptr<Entry>> gone_;         // closed; sessions may still point at them
-    std::map<QString, QString> dropped_;               // in this load: folded name -> file
+    std::map<QString, std::unique_ptr<Entry>> open_;  // by folded name
+    std::vector<std::unique_ptr<Entry>> gone_;        // closed; sessions may still point at them
+    std::map<QString, QString> dropped_;              // in this load: folded name -> file
     std::set<QString> createdAtOpen_;
     bool folderMade_ = false;
     bool inLoad_ = false;
@@ -120,8 +121,8 @@ class ServerStore {
     int transactionCount_ = 0;
 };
 
-/// Throws DbError with SQLite's own text unless `code` is a success; a full disk, a read-only folder
-/// and a locked file are told in plain words.
+/// Throws DbError with SQLite's own text unless `code` is a success; a full disk, a read-only
+/// folder and a locked file are told in plain words.
 void checkSqlite(sqlite3* handle, int code);
 /// Runs statements without rows; throws DbError.
 void execSql(sqlite3* handle, const QString& sql);

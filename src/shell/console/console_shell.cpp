@@ -53,6 +53,9 @@ void ConsoleShell::writeLines(const QString& text) {
 
 void ConsoleShell::showError(const QString& text) {
     ++errors_;
+    // A run that fails the same way again and again says so once.
+    if (text == lastError_) return;
+    lastError_ = text;
     writeLines(text);
 }
 

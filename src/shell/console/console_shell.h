@@ -50,6 +50,7 @@ class ConsoleShell : public Shell {
     QString programName_;
     std::function<void(const QString&)> write_;
     bool terminal_;
+    QString lastError_;
     int progressLength_ = 0;
     QElapsedTimer sinceProgress_;
     int errors_ = 0;

@@ -8,7 +8,9 @@
 
 #include <CLI/CLI.hpp>
 
-#include <csignal>
+#include <signal.h>
+#include <unistd.h>
+
 #include <cstdio>
 #include <string>
 #include <thread>
@@ -53,7 +55,7 @@ int main(int argc, char** argv) {
         std::thread([] {
             while (std::getchar() != EOF) {
             }
-            std::raise(SIGTERM);
+            ::kill(::getpid(), SIGTERM);
         }).detach();
     }
     int signal = 0;

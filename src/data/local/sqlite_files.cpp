@@ -1,0 +1,177 @@
+#include "data/local/sqlite_files.h"
+
+#include <QCryptographicHash>
+#include <QDir>
+#include <QUrl>
+
+namespace zov::local {
+namespace {
+constexpr int BusyTimeoutMs = 10'000;
+}  // namespace
+
+QString fold(const QString& name) {
+    return name.toCaseFolded();
+}
+
+DbError nativeError(qint32 native, const QString& text, qint32 number) {
+    return DbError(number, text, QStringLiteral("42000"), native);
+}
+
+int systemId(const QString& folded) {
+    static const char* const names[] = {"master", "tempdb", "model", "msdb"};
+    for (int i = 0; i < 4; ++i)
+        if (folded == QLatin1String(names[i])) return i + 1;
+    return 0;
+}
+
+// File names: letters, digits, "-" and "_" as they are, everything else as %XX of UTF-8. A name
+// that is reserved on Windows or too long for a file system gets a form that can't clash with
+// another.
+QString fileNameOf(const QString& name) {
+    QString encoded = QString::fromLatin1(QUrl::toPercentEncoding(name, QByteArray(), "."));
+    encoded.replace(u'.', QLatin1String("%2E")).replace(u'~', QLatin1String("%7E"));
+    static const QStringList reserved = {
+        QStringLiteral("con"),  QStringLiteral("prn"),  QStringLiteral("aux"),
+        QStringLiteral("nul"),  QStringLiteral("com1"), QStringLiteral("com2"),
+        QStringLiteral("com3"), QStringLiteral("com4"), QStringLiteral("lpt1"),
+        QStringLiteral("lpt2"), QStringLiteral("lpt3")};
+    if (reserved.contains(encoded, Qt::CaseInsensitive))
+        encoded = QStringLiteral("%") + QString::number(encoded[0].unicode(), 16).toUpper() +
+                  encoded.mid(1);
+    if (encoded.size() > 180) {
+        const QByteArray hash =
+            QCryptographicHash::hash(fold(name).toUtf8(), QCryptographicHash::Sha1).toHex();
+        encoded = encoded.left(100).section(u'%', 0, -2) + u'~' + QString::fromLatin1(hash);
+    }
+    return encoded + QStringLiteral(".db");
+}
+
+sqlite3* openFile(const QString& file, int flags, const QString& uriTail) {
+    sqlite3* handle = nullptr;
+    QByteArray path = QDir::toNativeSeparators(file).toUtf8();
+    if (!uriTail.isEmpty()) {
+        path = QUrl::fromLocalFile(file).toEncoded() + uriTail.toUtf8();
+        flags |= SQLITE_OPEN_URI;
+    }
+    const int code =
+        sqlite3_open_v2(path.constData(), &handle, flags | SQLITE_OPEN_NOMUTEX, nullptr);
+    if (code != SQLITE_OK) {
+        try {
+            checkSqlite(handle, code);
+        } catch (...) {
+            sqlite3_close_v2(handle);
+            throw;
+        }
+    }
+    sqlite3_extended_result_codes(handle, 1);
+    sqlite3_busy_timeout(handle, BusyTimeoutMs);
+    // Without these SQLite would take an unknown "column" for a text.
+    sqlite3_db_config(handle, SQLITE_DBCONFIG_DQS_DML, 0, nullptr);
+    sqlite3_db_config(handle, SQLITE_DBCONFIG_DQS_DDL, 0, nullptr);
+    return handle;
+}
+
+bool readFacts(sqlite3* handle, DatabaseFacts& facts) {
+    sqlite3_stmt* statement = nullptr;
+    if (sqlite3_prepare_v2(handle, "SELECT name, value FROM \"zov$facts\"", -1, &statement,
+                           nullptr) != SQLITE_OK)
+        return false;
+    while (sqlite3_step(statement) == SQLITE_ROW) {
+        const QByteArray key(reinterpret_cast<const char*>(sqlite3_column_text(statement, 0)));
+        const QString value =
+            QString::fromUtf8(reinterpret_cast<const char*>(sqlite3_column_text(statement, 1)));
+        if (key == "dbid") facts.dbid = value.toInt();
+        if (key == "name") facts.name = value;
+        if (key == "created") facts.created = value;
+        if (key == "collation") facts.collation = value;
+        if (key == "compatibility") facts.compatibility = value.toInt();
+    }
+    sqlite3_finalize(statement);
+    return true;
+}
+
+bool readFileFacts(const QString& file, DatabaseFacts& facts) {
+    sqlite3* handle = nullptr;
+    try {
+        handle = openFile(file, SQLITE_OPEN_READWRITE);
+    } catch (const DbError&) {
+        return false;
+    }
+    const bool found = readFacts(handle, facts);
+    sqlite3_close_v2(handle);
+    return found;
+}
+
+QString nameOfFile(const QFileInfo& file) {
+    const QString encoded = file.completeBaseName();
+    if (!encoded.contains(u'~')) return QUrl::fromPercentEncoding(encoded.toUtf8());
+    DatabaseFacts facts;
+    return readFileFacts(file.filePath(), facts) ? facts.name : QString();
+}
+
+void removeDatabaseFiles(const QString& file) {
+    for (const char* tail : {"", "-wal", "-shm", "-journal"})
+        QFile::remove(file + QLatin1String(tail));
+}
+
+int compatibilityOf(const QString& version) {
+    const int major = version.section(u'.', 0, 0).toInt();
+    return major > 0 ? major * 10 : 160;
+}
+
+void checkSqlite(sqlite3* handle, int code) {
+    switch (code & 0xff) {
+        case SQLITE_OK:
+        case SQLITE_ROW:
+        case SQLITE_DONE:
+            return;
+        case SQLITE_FULL:
+            throw nativeError(1101,
+                              QStringLiteral("The disk is full; the database's file could not "
+                                             "grow. Free some space and try again."),
+                              ado_error::Unspecified);
+        case SQLITE_BUSY:
+        case SQLITE_LOCKED:
+            throw nativeError(1222,
+                              QStringLiteral("Lock request time out period exceeded. Another "
+                                             "session is changing this database."),
+                              ado_error::Timeout);
+        case SQLITE_READONLY:
+            throw nativeError(3906, QStringLiteral("Failed to update the database because it is "
+                                                   "read-only: its file or its folder can't be "
+                                                   "written to."));
+        case SQLITE_INTERRUPT:
+            throw DbError(ado_error::Cancelled, QStringLiteral("Operation canceled."),
+                          QStringLiteral("HY008"));
+        case SQLITE_NOTADB:
+        case SQLITE_CORRUPT:
+            throw nativeError(824,
+                              QStringLiteral("The database's file is damaged or is no database "
+                                             "file (%1).")
+                                  .arg(QString::fromUtf8(sqlite3_errmsg(handle))),
+                              ado_error::Unspecified);
+        case SQLITE_CANTOPEN:
+            throw nativeError(5120,
+                              QStringLiteral("Unable to open the database's file: check that "
+                                             "its folder can be written to."),
+                              ado_error::Unspecified);
+        case SQLITE_IOERR:
+            throw nativeError(823,
+                              QStringLiteral("The operating system reported an error while the "
+                                             "database's file was read or written (%1).")
+                                  .arg(QString::fromUtf8(sqlite3_errmsg(handle))),
+                              ado_error::Unspecified);
+        default:
+            throw nativeError(
+                0, QString::fromUtf8(handle ? sqlite3_errmsg(handle) : sqlite3_errstr(code)));
+    }
+}
+
+void execSql(sqlite3* handle, const char* sql) {
+    checkSqlite(handle, sqlite3_exec(handle, sql, nullptr, nullptr, nullptr));
+}
+void execSql(sqlite3* handle, const QString& sql) {
+    execSql(handle, sql.toUtf8().constData());
+}
+
+}  // namespace zov::local

@@ -1,0 +1,32 @@
+// SQLite files as databases: opening one, the names of files, the facts that a file tells of
+// itself, and SQLite's errors in plain words.
+#pragma once
+
+#include "data/local/server_store.h"
+
+#include <QFileInfo>
+
+namespace zov::local {
+
+/// Names of databases are compared in this form.
+QString fold(const QString& name);
+DbError nativeError(qint32 native, const QString& text, qint32 number = ado_error::SyntaxError);
+/// The id of master, tempdb, model and msdb; 0 for any other (folded) name.
+int systemId(const QString& folded);
+/// The file of a database, without its folder.
+QString fileNameOf(const QString& name);
+/// The name that a file stands for; empty when it is no database of ours.
+QString nameOfFile(const QFileInfo& file);
+/// With the logs beside it.
+void removeDatabaseFiles(const QString& file);
+/// 80 of "8.00.2039".
+int compatibilityOf(const QString& version);
+
+/// `flags` as sqlite3_open_v2 takes them; `uriTail` ("?immutable=1") goes behind the file's
+/// address.
+sqlite3* openFile(const QString& file, int flags, const QString& uriTail = {});
+/// False when the file isn't one of ours or can't be read.
+bool readFacts(sqlite3* handle, DatabaseFacts& facts);
+bool readFileFacts(const QString& file, DatabaseFacts& facts);
+
+}  // namespace zov::local
