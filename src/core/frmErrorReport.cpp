@@ -18,7 +18,7 @@ QString frmErrorReport::caption() const {
 }
 
 QString frmErrorReport::plainText() const {
-    QString line = ErrDesc.trimmed();
+    QString line = ErrDesc.simplified();
     line += QStringLiteral(" (error %1 in %2:%3").arg(ErrNum).arg(ModuleName, ProcName);
     const QString extra = ExtraDesc.trimmed();
     if (!extra.isEmpty()) line += QStringLiteral("; ") + extra;

@@ -43,7 +43,8 @@ bool readScript(const QString& file, Script& script, LoadOutcome& outcome) {
 
 class Loader {
  public:
-    Loader(const LoadOptions& options, LoadOutcome& outcome) : options_(options), outcome_(outcome) {}
+    Loader(const LoadOptions& options, LoadOutcome& outcome)
+        : options_(options), outcome_(outcome) {}
 
     void connect(const ServerInfo& server, const QString& database) {
         connection_.ConnectionString = BuildConnectionString(server, database);
@@ -55,8 +56,9 @@ class Loader {
 
     void replace(const QString& database) {
         if (!undoable_)
-            throw DbError(ado_error::Unspecified,
-                          QStringLiteral("Replacing a whole database works on the embedded server alone."));
+            throw DbError(
+                ado_error::Unspecified,
+                QStringLiteral("Replacing a whole database works on the embedded server alone."));
         QString name = database;
         name.replace(u']', QLatin1StringView("]]"));
         execute(QStringLiteral("USE master DROP DATABASE [%1] CREATE DATABASE [%1]").arg(name));
@@ -83,8 +85,10 @@ class Loader {
         outcome_.kept = !failed;
         outcome_.undone = undoable_;
         if (!undoable_ || !session_) return;
-        if (failed) session_->rollbackLoad();
-        else session_->commitLoad();
+        if (failed)
+            session_->rollbackLoad();
+        else
+            session_->commitLoad();
     }
 
  private:

@@ -250,5 +250,57 @@ TEST_F(Selects, AStatementOfOneShapeIsReadAnewForEachLiteral) {
     EXPECT_THROW(LocalServer::rows(*other, QStringLiteral("SELECT * FROM Changing")), DbError);
 }
 
+TEST_F(Selects, TornStatementsEndInAnErrorAndNothingElse) {
+    const char* const statements[] = {
+        "SELECT TOP 2 c.Name AS n, COUNT(*) FROM Customers c LEFT JOIN Orders o ON o.CustomerId = "
+        "c.Id WHERE c.Id IN (1, 2) AND "
+        "c.Name LIKE 'a%' GROUP BY c.Name HAVING COUNT(*) > 0 ORDER BY 2 DESC",
+        "SELECT CASE WHEN Id BETWEEN 1 AND 3 THEN 'x' ELSE CAST(Id AS varchar(5)) END FROM (SELECT "
+        "Id FROM Orders UNION ALL SELECT 1) t "
+        "WHERE EXISTS (SELECT * FROM Customers WHERE City IS NOT NULL)",
+        "WITH w (a) AS (SELECT Id FROM Orders) SELECT a, ROW_NUMBER() OVER (ORDER BY a DESC) FROM "
+        "w WHERE NOT a = ALL (SELECT 1)",
+        "INSERT INTO Customers (Id, Name) SELECT Id + 100, N'x' FROM Orders WHERE 1 = 0",
+        "UPDATE c SET Name = 'z', City = DEFAULT FROM Customers c JOIN Orders o ON o.Id = c.Id "
+        "WHERE o.Total > $1.5 AND 1 = 0",
+        "DELETE TOP (1) FROM Customers WHERE Id = -1 AND DATEDIFF(day, '20200101', GETDATE()) > "
+        "1e3",
+    };
+    int torn = 0, refused = 0;
+    for (const char* statement : statements) {
+        const QStringList words = QString::fromLatin1(statement).split(u' ');
+        for (qsizetype i = 0; i < words.size(); ++i) {
+            QStringList without = words, twice = words, cut = words.mid(0, i);
+            without.removeAt(i);
+            twice.insert(i, words[i]);
+            for (const QStringList& text : {without, twice, cut}) {
+                // What still is a statement may change rows: none of that is kept.
+                const std::string outcome =
+                    server->error(QStringLiteral("BEGIN TRAN ") + text.join(u' '));
+                server->error(QStringLiteral("IF @@TRANCOUNT > 0 ROLLBACK TRAN"));
+                ++torn;
+                refused += outcome != "no error";
+            }
+        }
+    }
+    EXPECT_GT(torn, 400);
+    EXPECT_GT(refused, torn / 2);
+    EXPECT_EQ(server->value(QStringLiteral(
+                  "SELECT (SELECT COUNT(*) FROM Customers), (SELECT COUNT(*) FROM Orders)")),
+              "4|4");
+    // Nesting without end is refused before the stack is.
+    EXPECT_EQ(
+        server
+            ->error(QStringLiteral("SELECT ") + QString(20000, u'(') + u'1' + QString(20000, u')'))
+            .substr(0, 4),
+        "191:");
+    EXPECT_EQ(
+        server
+            ->error(QStringLiteral("SELECT ") +
+                    QString(20000, u'-').replace(QStringLiteral("--"), QStringLiteral("- ")) + u'1')
+            .substr(0, 4),
+        "191:");
+}
+
 }  // namespace
 }  // namespace zov::local

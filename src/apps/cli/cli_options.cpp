@@ -263,6 +263,14 @@ std::optional<Options> parseCommandLine(int argc, char** argv, int& status) {
     app.require_subcommand(1);
     app.get_formatter()->column_width(34);
     describeCommands(app, options, fields, choices);
+    const auto known = app.get_subcommands(
+        [&](const CLI::App* command) { return argc > 1 && command->check_name(argv[1]); });
+    if (argc > 1 && argv[1][0] != '-' && known.empty()) {
+        std::fprintf(stderr, "zovrand-cli: there is no command \"%s\"\n  See zovrand-cli --help.\n",
+                     argv[1]);
+        status = Trouble;
+        return std::nullopt;
+    }
     try {
         app.parse(argc, argv);
     } catch (const CLI::Success& success) {

@@ -103,8 +103,8 @@ void chooseObjects(const Options& options, StructureRunRequest& request) {
     request.selective = true;
     request.sourceObjects = namesOnSide(chosen, request.kinds, SourcePanel, request.sourceDb);
     request.targetObjects = namesOnSide(chosen, request.kinds, TargetPanel, request.targetDb);
-    // A run refuses everything while one side's list is empty: names that only one side has are asked
-    // for on both.
+    // A run refuses everything while one side's list is empty: names that only one side has are
+    // asked for on both.
     if (request.sourceObjects.isEmpty()) request.sourceObjects = request.targetObjects;
     if (request.targetObjects.isEmpty()) request.targetObjects = request.sourceObjects;
     for (const QString& name : chosen) {
@@ -133,8 +133,10 @@ void writeReport(const Options& options, const QString& report) {
     }
     const QString folder = QFileInfo(options.outputFile).absolutePath();
     if (!QFileInfo(folder).isDir())
-        throw Failure(QStringLiteral("The report can't be written: there is no folder %1. Make it, or choose "
-                                     "another place.").arg(folder));
+        throw Failure(
+            QStringLiteral("The report can't be written: there is no folder %1. Make it, or choose "
+                           "another place.")
+                .arg(folder));
     const QString trouble = writeFileAtomically(options.outputFile, withCrLf(report).toUtf8());
     if (!trouble.isEmpty()) {
         throw Failure(trouble +

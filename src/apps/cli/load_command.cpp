@@ -39,13 +39,15 @@ int runLoad(const Options& options, ConsoleShell& console) {
     }
     if (outcome.stopped) console.showError(QStringLiteral("Stopped."));
     // A file that can't be read is no matter of its statements.
-    const bool mendable = !outcome.stopped && !outcome.problems.empty() && outcome.problems.front().line > 0;
+    const bool mendable =
+        !outcome.stopped && !outcome.problems.empty() && outcome.problems.front().line > 0;
     console.showNote(
         outcome.undone
             ? QStringLiteral("Nothing was loaded: %1 is as it was before.").arg(database) +
-                  (mendable ? QStringLiteral(" Mend the script, or go on behind such statements with "
-                                             "--keep-going.")
-                            : QString())
+                  (mendable
+                       ? QStringLiteral(" Mend the script, or go on behind such statements with "
+                                        "--keep-going.")
+                       : QString())
             : QStringLiteral("The batches before it have been run in %1 and stay done.")
                   .arg(database));
     return Trouble;

@@ -66,12 +66,16 @@ void ColumnCells::markNull() {
     nulls_[byte] = quint8(nulls_[byte] | (1u << (count_ & 7)));
 }
 
-void ColumnCells::endVariable(qsizetype end) {
+void ColumnCells::checkArena(qsizetype end) const {
     if (end > qsizetype(std::numeric_limits<quint32>::max()))
         throw DbError(ado_error::Unspecified,
                       QStringLiteral("Column '%1' holds more text than fits into one result in memory. "
                                      "Use server-side cursors, or read fewer rows.")
                           .arg(info_.name));
+}
+
+void ColumnCells::endVariable(qsizetype end) {
+    checkArena(end);
     ends_.append(quint32(end));
 }
 

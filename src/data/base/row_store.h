@@ -92,6 +92,31 @@ class ColumnCells {
     /// A whole block of fixed-width cells at once: `values` holds `rows` values of the storage's
     /// own width, `isNull` (may be null) one byte a row.
     void appendFixedBlock(const void* values, const quint8* isNull, qsizetype rows);
+    /// A whole block of texts: cell i begins at `cells + i * stride` and holds `byteLengths[i]` bytes
+    /// of UTF-16, -1 for a null.
+    template <typename Length>
+    void appendTextBlock(const char* cells, qsizetype stride, const Length* byteLengths,
+                         qsizetype rows) {
+        qsizetype total = 0;
+        for (qsizetype i = 0; i < rows; ++i)
+            if (byteLengths[i] > 0) total += qsizetype(byteLengths[i]) / 2;
+        checkArena(chars_.size() + total);
+        quint32 end = quint32(chars_.size());
+        char16_t* to = chars_.extend(total);
+        quint32* ends = ends_.extend(rows);
+        for (qsizetype i = 0; i < rows; ++i) {
+            const qsizetype length = qsizetype(byteLengths[i]) / 2;
+            if (byteLengths[i] < 0) {
+                markNull();
+            } else if (length) {
+                std::memcpy(to, cells + i * stride, size_t(length) * 2);
+                to += length;
+                end += quint32(length);
+            }
+            ends[i] = end;
+            ++count_;
+        }
+    }
 
     bool isNull(qsizetype row) const {
         return row < nulls_.size() * 8 && ((nulls_[row >> 3] >> (row & 7)) & 1);
@@ -130,6 +155,8 @@ class ColumnCells {
     }
     void markNull();
     void endVariable(qsizetype end);
+    /// Throws when a text or binary arena would grow past what its ends can count.
+    void checkArena(qsizetype end) const;
 
     ColumnInfo info_;
     Storage storage_;

@@ -1,6 +1,7 @@
 #include "data/local/query_cache.h"
 
 #include "data/local/definitions.h"
+#include "data/local/server_store.h"
 
 #include "data/local/query_values.h"
 
@@ -241,6 +242,17 @@ void throwQueryError(sqlite3* handle, int code, const ExecutionControl* control)
             QStringLiteral(
                 "The database is locked by another session. Wait until it is done, and try again."),
             QStringLiteral("HYT00"), 1222);
+    switch (code & 0xFF) {
+        case SQLITE_FULL:
+        case SQLITE_READONLY:
+        case SQLITE_IOERR:
+        case SQLITE_CANTOPEN:
+        case SQLITE_CORRUPT:
+        case SQLITE_NOTADB:
+            checkSqlite(handle, code);   // told in plain words
+            break;
+        default: break;
+    }
     if (text == u"integer overflow")
         throw DbError(
             ado_number::Overflow,

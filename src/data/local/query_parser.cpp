@@ -272,6 +272,9 @@ SelectPtr QueryParser::parseSelect() {
         }
     }
     if (is("for") && is("browse", 1)) at_ += 2;
+    if (is("for") && (is("xml", 1) || is("json", 1)))
+        failWith(0, QStringLiteral("FOR %1 is not supported by the embedded server.")
+                        .arg(peek(1).source.toString().toUpper()));
     skipOption();
     return select;
 }

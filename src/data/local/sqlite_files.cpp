@@ -141,7 +141,7 @@ void checkSqlite(sqlite3* handle, int code) {
                                                    "read-only: its file or its folder can't be "
                                                    "written to."));
         case SQLITE_INTERRUPT:
-            throw DbError(ado_error::Cancelled, QStringLiteral("Operation canceled."),
+            throw DbError(ado_error::Cancelled, QStringLiteral("Operation was canceled."),
                           QStringLiteral("HY008"));
         case SQLITE_NOTADB:
         case SQLITE_CORRUPT:

@@ -163,7 +163,7 @@ void BatchStream::checkLimits() {
         fail(40000, QStringLiteral("The batch was stopped: a loop in it does not seem to end."));
     if (!session_.control) return;
     if (session_.control->cancelled)
-        throw DbError(ado_error::Cancelled, QStringLiteral("Operation canceled."),
+        throw DbError(ado_error::Cancelled, QStringLiteral("Operation was canceled."),
                       QStringLiteral("HY008"));
     if (session_.control->limited && (steps_ & 63) == 0 &&
         std::chrono::steady_clock::now() > session_.control->deadline)

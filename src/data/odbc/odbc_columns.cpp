@@ -179,13 +179,17 @@ qint64 ticksOf(const ResultColumn& column, const char* data) {
     return ticks + daysFromCivil(value.year, value.month, value.day) * TicksPerDay;
 }
 
+qint64 scaledOf(const ResultColumn& column, const char* data, qsizetype length) {
+    qint64 value = 0;
+    if (!parseScaled(data, length, column.info.scale, value))
+        refuseCell(column, "has more digits than the column");
+    return value;
+}
+
 void appendDecimal(const ResultColumn& column, const char* data, qsizetype length,
                    ColumnCells& to) {
     if (to.storage() == Storage::Scaled64) {
-        qint64 value = 0;
-        if (!parseScaled(data, length, column.info.scale, value))
-            refuseCell(column, "has more digits than the column");
-        to.appendInteger(value);
+        to.appendInteger(scaledOf(column, data, length));
         return;
     }
     QString canonical;
@@ -332,30 +336,47 @@ void appendCell(const ResultColumn& column, const char* data, qsizetype length, 
 
 void appendBlock(ResultColumn& column, qsizetype rows, ColumnCells& to) {
     const qsizetype width = column.cellBytes;
+    const char* cells = column.cells.data();
+    const SQLLEN* lengths = column.lengths.data();
     const bool isText = column.form == CellForm::Text;
-    const bool isVariable = isText || column.form == CellForm::Bytes ||
-                            column.form == CellForm::Decimal ||
-                            column.form == CellForm::StampOffset;
-    if (column.form == CellForm::Fixed) {
-        std::vector<quint8> nulls;
-        for (qsizetype row = 0; row < rows; ++row) {
-            if (column.lengths[size_t(row)] != SQL_NULL_DATA) continue;
-            if (nulls.empty()) nulls.resize(size_t(rows));
-            nulls[size_t(row)] = 1;
-            std::memset(column.cells.data() + row * width, 0, size_t(width));
-        }
-        to.appendFixedBlock(column.cells.data(), nulls.empty() ? nullptr : nulls.data(), rows);
+    // What a driver reports beyond the room it had was cut off.
+    if (isText || column.form == CellForm::Bytes || column.form == CellForm::Decimal ||
+        column.form == CellForm::StampOffset) {
+        const qsizetype most = column.form == CellForm::Bytes ? width
+                               : isText                       ? width - 2
+                                                              : width - 1;
+        for (qsizetype row = 0; row < rows; ++row)
+            if (lengths[row] != SQL_NULL_DATA && (lengths[row] < 0 || lengths[row] > most))
+                refuseCell(column, "is longer than the column");
+    }
+    if (isText) {
+        to.appendTextBlock(cells, width, lengths, rows);
         return;
     }
-    // What a driver reports beyond the room it had was cut off.
-    const qsizetype most = column.form == CellForm::Bytes ? width : isText ? width - 2 : width - 1;
-    for (qsizetype row = 0; row < rows; ++row) {
-        const SQLLEN length = column.lengths[size_t(row)];
-        const bool isNull = length == SQL_NULL_DATA;
-        if (isVariable && !isNull && (length < 0 || length > most))
-            refuseCell(column, "is longer than the column");
-        appendCell(column, column.cells.data() + row * width, length, isNull, to);
+    const bool isScaled = column.form == CellForm::Decimal && to.storage() == Storage::Scaled64;
+    const bool isTicks = column.form == CellForm::Stamp || column.form == CellForm::TimeOfDay;
+    if (!isScaled && !isTicks && column.form != CellForm::Fixed) {
+        for (qsizetype row = 0; row < rows; ++row)
+            appendCell(column, cells + row * width, lengths[row], lengths[row] == SQL_NULL_DATA,
+                       to);
+        return;
     }
+    std::vector<quint8> nulls;
+    std::vector<qint64> values(isScaled || isTicks ? size_t(rows) : 0);
+    for (qsizetype row = 0; row < rows; ++row) {
+        char* cell = column.cells.data() + row * width;
+        if (lengths[row] == SQL_NULL_DATA) {
+            if (nulls.empty()) nulls.resize(size_t(rows));
+            nulls[size_t(row)] = 1;
+            std::memset(cell, 0, size_t(width));
+        } else if (isScaled) {
+            values[size_t(row)] = scaledOf(column, cell, lengths[row]);
+        } else if (isTicks) {
+            values[size_t(row)] = ticksOf(column, cell);
+        }
+    }
+    to.appendFixedBlock(values.empty() ? static_cast<const void*>(cells) : values.data(),
+                        nulls.empty() ? nullptr : nulls.data(), rows);
 }
 
 }  // namespace zov::odbc

@@ -56,11 +56,24 @@ DbError connectFailure(DbError error, const ServerAddress& server, const Connect
     return told;
 }
 
+/// The driver says only that the server went away; which one, and what helps, stands behind it.
+DbError lostConnection(const DbError& error, const QString& server) {
+    DbError told(
+        error.number,
+        error.description + QStringLiteral("\r\nThe connection to %1 was lost. Try again when the "
+                                           "server can be reached.")
+                                .arg(server),
+        error.sqlState, error.native);
+    told.line = error.line;
+    told.connectionLost = true;
+    return told;
+}
+
 }  // namespace
 
 Session::Session(const QString& connectionString, const ServerAddress& server,
                  const ConnectionSpec& spec)
-    : connection_(SQL_HANDLE_DBC, environment()), key_(connectionString) {
+    : connection_(SQL_HANDLE_DBC, environment()), key_(connectionString), server_(spec.dataSource) {
     SQLSetConnectAttrW(handle(), SQL_ATTR_LOGIN_TIMEOUT,
                        pointerOf(SQLULEN(std::max(0, spec.connectTimeout))), SQL_IS_UINTEGER);
     SQLWCHAR completed[8];
@@ -141,7 +154,7 @@ DbError Session::failure(SQLSMALLINT handleType, SQLHANDLE statement) {
         dead == SQL_CD_TRUE)
         error.connectionLost = true;
     if (wasCancelled() && !error.connectionLost) error.number = ado_error::Cancelled;
-    return error;
+    return error.connectionLost ? lostConnection(error, server_) : error;
 }
 
 bool Session::makeFresh() {

@@ -49,6 +49,7 @@ class Session {
 
     Handle connection_;
     QString key_;
+    QString server_;  ///< as the user named it
     QString database_;  // where the login landed
     bool readsAnyColumn_ = false;
     bool reusable_ = true;
