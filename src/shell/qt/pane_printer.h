@@ -1,0 +1,21 @@
+// Prints a text with a header line and page numbers: to the default printer, to a
+// PDF, with a preview.
+#pragma once
+
+#include <QString>
+
+class QWidget;
+
+namespace zov::qt {
+
+class TextPaneWidget;
+
+/// The pane's text with its coloured lines. False when the user gave up or there is no printer that
+/// could take it (which is told).
+bool printPaneText(const TextPaneWidget& pane, const QString& title, const QString& header,
+                   QWidget* parent);
+
+/// A plain text under a document name, with the same pages and preview.
+bool printText(const QString& text, const QString& documentName, QWidget* parent);
+
+}  // namespace zov::qt

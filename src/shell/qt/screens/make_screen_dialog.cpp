@@ -1,0 +1,42 @@
+// Which dialog shows which screen.
+#include "shell/qt/screens/compare_all_dialog.h"
+#include "shell/qt/screens/error_report_dialog.h"
+#include "shell/qt/screens/filter_dialog.h"
+#include "shell/qt/screens/object_dialogs.h"
+#include "shell/qt/screens/options_dialog.h"
+#include "shell/qt/screens/report_dialog.h"
+#include "shell/qt/screens/server_dialogs.h"
+#include "shell/qt/screens/view_dialogs.h"
+
+namespace zov::qt {
+namespace {
+
+template <typename Dialog, typename Logic>
+bool tryDialog(Screen& screen, QWidget* parent, std::unique_ptr<ScreenDialog>& dialog) {
+    auto* logic = dynamic_cast<Logic*>(&screen);
+    if (logic) dialog = std::make_unique<Dialog>(*logic, parent);
+    return logic != nullptr;
+}
+
+}  // namespace
+
+std::unique_ptr<ScreenDialog> makeScreenDialog(Screen& screen, QWidget* parent) {
+    std::unique_ptr<ScreenDialog> dialog;
+    (void)(tryDialog<AddServerDialog, frmAddServer>(screen, parent, dialog) ||
+           tryDialog<DeleteServerDialog, frmDeleteServer>(screen, parent, dialog) ||
+           tryDialog<ErrorReportDialog, frmErrorReport>(screen, parent, dialog) ||
+           tryDialog<FilterDialog, frmFilterBySchema>(screen, parent, dialog) ||
+           tryDialog<CompareAllDialog, frmCompareAllTables>(screen, parent, dialog) ||
+           tryDialog<ReportDialog, frmReport>(screen, parent, dialog) ||
+           tryDialog<SearchDialog, frmSearchForObject_Gen>(screen, parent, dialog) ||
+           tryDialog<ListObjectsDialog, frmListObjects>(screen, parent, dialog) ||
+           tryDialog<IgnoreColumnsDialog, frmIgnoreColumnsAdd>(screen, parent, dialog) ||
+           tryDialog<IgnoredColumnsListDialog, frmIgnoreColumnsView>(screen, parent, dialog) ||
+           tryDialog<ColorSchemaDialog, frmColorSchema>(screen, parent, dialog) ||
+           tryDialog<CompareTextDialog, frmCompareText>(screen, parent, dialog) ||
+           tryDialog<TipDialog, frmTip>(screen, parent, dialog) ||
+           tryDialog<OptionsDialog, frmOptions>(screen, parent, dialog));
+    return dialog;
+}
+
+}  // namespace zov::qt

@@ -1,0 +1,81 @@
+#include "shell/qt/screens/report_dialog.h"
+
+#include <QFontDatabase>
+#include <QLineEdit>
+#include <QPlainTextEdit>
+#include <QPushButton>
+#include <QShortcut>
+#include <QVBoxLayout>
+
+namespace zov::qt {
+
+ReportDialog::ReportDialog(frmReport& screen, QWidget* parent)
+    : ScreenDialog(screen, parent), screen_(screen) {
+    text_ = new QPlainTextEdit;
+    text_->setReadOnly(true);
+    text_->setTabChangesFocus(true);
+    text_->setLineWrapMode(QPlainTextEdit::NoWrap);
+    text_->setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
+    text_->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
+    text_->setAccessibleName(QStringLiteral("Report"));
+    findText_ = new QLineEdit;
+    findText_->setPlaceholderText(QStringLiteral("Find in the report (Ctrl+F)"));
+    auto* copy = new QPushButton(QStringLiteral("Copy To &Clipboard"));
+    auto* file = new QPushButton(QStringLiteral("Copy To &File"));
+    save_ = new QPushButton(QStringLiteral("&Save"));
+    auto* print = new QPushButton(QStringLiteral("&Print"));
+    auto* exit = new QPushButton(QStringLiteral("E&xit"));
+    exit->setDefault(true);
+    auto* buttons = new QHBoxLayout;
+    buttons->addWidget(findText_, 1);
+    for (QPushButton* button : {copy, file, save_, print, exit}) buttons->addWidget(button);
+    auto* layout = new QVBoxLayout(this);
+    layout->addWidget(text_, 1);
+    layout->addLayout(buttons);
+    setMinimumSize(640, 360);
+    resize(860, 640);
+    setSizeGripEnabled(true);
+
+    name(QStringLiteral("txtReport"), text_);
+    name(QStringLiteral("findText"), findText_);
+    name(QStringLiteral("cmdCopyClip"), copy);
+    name(QStringLiteral("cmdCopyToFile"), file);
+    name(QStringLiteral("cmdSave"), save_);
+    name(QStringLiteral("cmdPrint"), print);
+    name(QStringLiteral("cmdExit"), exit);
+    connect(copy, &QPushButton::clicked, this, [this] { screen_.cmdCopyClip(); });
+    connect(file, &QPushButton::clicked, this, [this] { screen_.cmdCopyToFile(); });
+    connect(print, &QPushButton::clicked, this, [this] { screen_.cmdPrint(); });
+    connect(exit, &QPushButton::clicked, this, [this] { screen_.cmdExit(); });
+    exit->setAutoDefault(false);
+    connect(findText_, &QLineEdit::returnPressed, this, [this] { find(true); });
+    connect(new QShortcut(QKeySequence::Find, this), &QShortcut::activated, this, [this] {
+        findText_->setFocus();
+        findText_->selectAll();
+    });
+    connect(new QShortcut(QKeySequence::FindNext, this), &QShortcut::activated, this,
+            [this] { find(true); });
+    connect(new QShortcut(QKeySequence::FindPrevious, this), &QShortcut::activated, this,
+            [this] { find(false); });
+}
+
+void ReportDialog::refreshFields() {
+    setWindowTitle(screen_.caption());
+    text_->setPlainText(screen_.txtReport);
+    save_->setVisible(screen_.cmdSaveVisible);
+    save_->setEnabled(screen_.cmdSaveEnabled);
+    if (!screen_.cmdSaveEnabled)
+        save_->setToolTip(QStringLiteral("Saving a run as a process is not in this version yet."));
+    text_->setFocus();
+}
+
+void ReportDialog::find(bool forward) {
+    const QString wanted = findText_->text();
+    const QTextDocument::FindFlags flags =
+        forward ? QTextDocument::FindFlags() : QTextDocument::FindBackward;
+    if (wanted.isEmpty() || text_->find(wanted, flags)) return;
+    text_->moveCursor(forward ? QTextCursor::Start : QTextCursor::End);
+    text_->find(wanted, flags);
+}
+
+}  // namespace zov::qt

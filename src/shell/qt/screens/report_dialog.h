@@ -1,0 +1,28 @@
+// The report screen: the text in a monospaced pane with search, copy, save, print.
+#pragma once
+
+#include "reports/frmReport.h"
+#include "shell/qt/screen_dialog.h"
+
+class QLineEdit;
+class QPlainTextEdit;
+class QPushButton;
+
+namespace zov::qt {
+
+class ReportDialog : public ScreenDialog {
+    Q_OBJECT
+ public:
+    ReportDialog(frmReport& screen, QWidget* parent);
+    void refreshFields() override;
+
+ private:
+    void find(bool forward);
+
+    frmReport& screen_;
+    QPlainTextEdit* text_;
+    QLineEdit* findText_;
+    QPushButton* save_;
+};
+
+}  // namespace zov::qt

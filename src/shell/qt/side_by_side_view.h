@@ -1,0 +1,37 @@
+// Two texts side by side, row for row, with the changed words of a changed line
+// marked. Paints the visible rows only, so that long texts cost nothing.
+#pragma once
+
+#include "structcompare/line_diff.h"
+
+#include <QAbstractScrollArea>
+
+namespace zov::qt {
+
+class SideBySideView : public QAbstractScrollArea {
+    Q_OBJECT
+ public:
+    explicit SideBySideView(QWidget* parent = nullptr);
+    void setTexts(const QStringList& source, const QStringList& target,
+                  const std::vector<AlignedRow>& rows);
+    /// Scrolls to the next (previous) run of different rows; false when there is none.
+    bool goToDifference(bool forward);
+    int differenceCount() const;
+
+ protected:
+    void paintEvent(QPaintEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
+
+ private:
+    void fitScrollBars();
+    void paintSide(QPainter& painter, int row, int side, const QRect& box) const;
+    int rowHeight() const;
+
+    QStringList source_;
+    QStringList target_;
+    std::vector<AlignedRow> rows_;
+    int widest_ = 0;  ///< characters
+    int current_ = -1;
+};
+
+}  // namespace zov::qt
