@@ -3,7 +3,7 @@
 
 build_packages=(
   g++ cmake ninja-build ccache
-  qt6-base-dev libqt6svg6-dev libgl-dev
+  qt6-base-dev qt6-svg-dev libgl-dev fonts-dejavu-core
   unixodbc-dev libsqlite3-dev libcli11-dev
   tdsodbc
 )

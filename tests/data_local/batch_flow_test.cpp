@@ -80,7 +80,8 @@ const Case Cases[] = {
      "gone"},
     {"KnownWithoutEffect",
      "checkpoint exec sp_dboption 'shop', 'autoclose', 'true' set transaction isolation level read "
-     "uncommitted set ansi_nulls, quoted_identifier on set lock_timeout -1 dbcc checkdb print "
+     "uncommitted set ansi_nulls, quoted_identifier on set lock_timeout -1 if 1 = "
+     "fulltextserviceproperty('IsFullTextInstalled') print 'x' dbcc checkdb print "
      "'end'",
      "end"},
     {"BatchCallsAProcedureFirst",

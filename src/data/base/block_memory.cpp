@@ -1,15 +1,15 @@
 #include "data/base/block_memory.h"
 
-#include <cstdint>
 #include <cstdlib>
 #include <cstring>
 #include <new>
 
 // The address sanitizer sees overruns only in memory that malloc gave.
-#if defined(__linux__) && !defined(__SANITIZE_ADDRESS__)
-#define ZOV_PAGED_BLOCKS
+#if defined(__linux__) && !defined(__SANITIZE_ADDRESS__) && __SIZEOF_POINTER__ == 8
+#define ZOV_RESERVED_BLOCKS
 #include <sys/mman.h>
-#include <unistd.h>
+
+#include <cstdint>
 #endif
 
 namespace zov {
@@ -23,59 +23,80 @@ void* resizeSmall(void* block, std::size_t bytes) {
 
 }  // namespace
 
-#ifdef ZOV_PAGED_BLOCKS
+#ifdef ZOV_RESERVED_BLOCKS
 
 namespace {
 
-constexpr std::size_t LargeBlock = 256 * 1024;
+constexpr std::size_t LargeBlock = std::size_t(2) << 20;
+constexpr std::size_t HugePage = std::size_t(2) << 20;
+constexpr std::size_t SmallPage = 4096;
+constexpr std::size_t FirstReservation = std::size_t(16) << 20;
 
-std::size_t wholePages(std::size_t bytes) {
-    static const std::size_t page = std::size_t(sysconf(_SC_PAGESIZE));
-    return (bytes + page - 1) / page * page;
+bool isLarge(std::size_t bytes) {
+    return bytes >= LargeBlock;
 }
 
-// Faulting pages in one by one costs several times their zeroing, most of all in virtual machines.
-void touchPages(void* block, std::size_t from, std::size_t to) {
-#ifdef MADV_POPULATE_WRITE
-    if (to > from) madvise(static_cast<char*>(block) + from, to - from, MADV_POPULATE_WRITE);
-#else
-    (void)block, (void)from, (void)to;
-#endif
+/// Address space for a block of this size; only touched pages of it take memory. A block grows four
+/// times before it moves, and the size tells the reservation, so nothing else is kept.
+std::size_t reservationFor(std::size_t bytes) {
+    std::size_t reserved = FirstReservation;
+    while (reserved < bytes) reserved *= 4;
+    return reserved;
+}
+
+char* reserve(std::size_t bytes) {
+    void* region = mmap(nullptr, bytes + HugePage, PROT_READ | PROT_WRITE,
+                        MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0);
+    if (region == MAP_FAILED) throw std::bad_alloc();
+    // Cut to a huge page's border on both sides: one fault then brings two megabytes.
+    char* const start = static_cast<char*>(region);
+    const std::size_t before =
+        (HugePage - reinterpret_cast<std::uintptr_t>(start) % HugePage) % HugePage;
+    if (before) munmap(start, before);
+    if (before != HugePage) munmap(start + before + bytes, HugePage - before);
+    madvise(start + before, bytes, MADV_HUGEPAGE);
+    return start + before;
 }
 
 }  // namespace
 
 void* resizeBlock(void* block, std::size_t oldBytes, std::size_t newBytes) {
-    const bool wasLarge = block && oldBytes >= LargeBlock;
-    const bool isLarge = newBytes >= LargeBlock;
-    if (!wasLarge && !isLarge) return resizeSmall(block, newBytes);
-    if (!isLarge) {
+    const bool wasLarge = block && isLarge(oldBytes);
+    if (!wasLarge && !isLarge(newBytes)) return resizeSmall(block, newBytes);
+    if (!wasLarge) {
+        char* fresh = reserve(reservationFor(newBytes));
+        if (block) std::memcpy(fresh, block, oldBytes < newBytes ? oldBytes : newBytes);
+        std::free(block);
+        return fresh;
+    }
+    if (!isLarge(newBytes)) {
         void* small = resizeSmall(nullptr, newBytes);
         std::memcpy(small, block, newBytes);
         freeBlock(block, oldBytes);
         return small;
     }
-    const std::size_t wanted = wholePages(newBytes);
-    if (wasLarge) {
-        const std::size_t had = wholePages(oldBytes);
-        void* moved = wanted == had ? block : mremap(block, had, wanted, MREMAP_MAYMOVE);
-        if (moved == MAP_FAILED) throw std::bad_alloc();
-        touchPages(moved, had, wanted);
-        return moved;
+    char* const start = static_cast<char*>(block);
+    const std::size_t had = reservationFor(oldBytes);
+    const std::size_t wanted = reservationFor(newBytes);
+    if (wanted > had) {
+        char* fresh = reserve(wanted);
+        if (mremap(block, had, had, MREMAP_MAYMOVE | MREMAP_FIXED, fresh) == MAP_FAILED) {
+            munmap(fresh, wanted);
+            throw std::bad_alloc();
+        }
+        return fresh;
     }
-    void* fresh = mmap(nullptr, wanted, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
-    if (fresh == MAP_FAILED) throw std::bad_alloc();
-    touchPages(fresh, 0, wanted);
-    if (block) {
-        std::memcpy(fresh, block, oldBytes);
-        std::free(block);
+    if (wanted < had) munmap(start + wanted, had - wanted);
+    if (newBytes < oldBytes) {
+        const std::size_t kept = (newBytes + SmallPage - 1) / SmallPage * SmallPage;
+        if (kept < wanted) madvise(start + kept, wanted - kept, MADV_DONTNEED);
     }
-    return fresh;
+    return block;
 }
 
 void freeBlock(void* block, std::size_t bytes) noexcept {
-    if (block && bytes >= LargeBlock)
-        munmap(block, wholePages(bytes));
+    if (block && isLarge(bytes))
+        munmap(block, reservationFor(bytes));
     else
         std::free(block);
 }

@@ -1,6 +1,6 @@
 // The memory of row stores: blocks that grow often and get large. On Linux large
-// ones come straight from the system, so that growing moves page tables instead of
-// bytes and new pages arrive many at a time; elsewhere malloc does.
+// ones reserve address space ahead, so that growing copies nothing, in huge pages,
+// so that a fault brings two megabytes; elsewhere malloc does.
 #pragma once
 
 #include <cstddef>

@@ -131,6 +131,7 @@ const Rule rules[] = {
     {"databasepropertyex", 2, 2, "databasepropertyex", Result::Variant, 0, false, true, 0},
     {"databaseproperty", 2, 2, "databasepropertyex", Result::Int, 0, false, true, 0},
     {"serverproperty", 1, 1, "serverproperty", Result::Variant, 0, false, true, 0},
+    {"fulltextserviceproperty", 1, 1, "serverproperty", Result::Int, 0, false, true, 0},
     {"ident_seed", 1, 1, "ident_seed", Result::Numeric38, 0, false, true, 0},
     {"ident_incr", 1, 1, "ident_incr", Result::Numeric38, 0, false, true, 0},
     {"ident_current", 1, 1, "ident_current", Result::Numeric38, 0, false, true, 0},
