@@ -13,6 +13,16 @@ if(ZOV_SANITIZE)
   target_link_options(zov_options INTERFACE -fsanitize=address,undefined)
 endif()
 
+# The headers that nearly every file includes, compiled once.
+file(GENERATE OUTPUT ${CMAKE_BINARY_DIR}/pch/empty.cpp CONTENT "")
+function(zov_precompiled NAME)
+  add_library(${NAME} STATIC ${CMAKE_BINARY_DIR}/pch/empty.cpp)
+  set_source_files_properties(${CMAKE_BINARY_DIR}/pch/empty.cpp PROPERTIES GENERATED TRUE)
+  target_link_libraries(${NAME} PUBLIC zov_options Qt6::Core)
+  target_precompile_headers(${NAME} PRIVATE
+    <QString> <QStringList> <QHash> <QVariant> <algorithm> <functional> <map> <memory> <vector> ${ARGN})
+endfunction()
+
 # zov_library(NAME FOLDER [LINK libs...]): the sources directly in FOLDER.
 # A folder that has no source yet becomes an interface library.
 function(zov_library NAME FOLDER)
@@ -21,6 +31,7 @@ function(zov_library NAME FOLDER)
   if(sources)
     add_library(${NAME} STATIC ${sources})
     target_link_libraries(${NAME} PUBLIC zov_options ${ARG_LINK})
+    target_precompile_headers(${NAME} REUSE_FROM zov_pch)
   else()
     add_library(${NAME} INTERFACE)
     target_link_libraries(${NAME} INTERFACE zov_options ${ARG_LINK})
@@ -37,6 +48,7 @@ function(zov_tests NAME FOLDER)
   endif()
   add_executable(${NAME} ${sources})
   target_link_libraries(${NAME} PRIVATE zov_test_support ${ARG_LINK} GTest::gmock)
+  target_precompile_headers(${NAME} REUSE_FROM zov_test_pch)
   target_compile_definitions(${NAME} PRIVATE
     ZOV_TEST_DATA="${CMAKE_CURRENT_SOURCE_DIR}" ZOV_SOURCE_ROOT="${CMAKE_SOURCE_DIR}")
   add_test(NAME ${NAME} COMMAND ${NAME})

@@ -74,7 +74,7 @@ void fillDatabases(Recordset& rs, const ServerInfo& server, ChoiceList& pvlDb, i
         rs.MoveFirst();
         return 0;
     });
-    while (!rs.isEof()) {
+    while (!rs.isEof() && !globals().gblnStop) {
         ++progress.databaseNumber;
         const QString name = retriedOnce(progress, [&] { return rs.field(0).text(); });
         if (!globals().gblnFilterOfflineDbs || CanConnectToDb(server, name, index))
@@ -161,19 +161,26 @@ bool ServerInfoSet(Panels& panels, PanelWindow& window) {
 void InitializeDisplay(bool pblnLoadMRUDb, Panels& panels, PanelWindow& window) {
     ClearPanel(panels.source);
     ClearPanel(panels.target);
+    // A filter belongs to the database that was shown; the load may choose another one.
+    ResetFilter(SourcePanel);
+    ResetFilter(TargetPanel);
     window.setConnectPicture(PictureDisconnected);
     if (!ServerInfoSet(panels, window)) return;
     window.setConnectPicture(PictureConnecting);
     bool connected = false;
-    for (int index : {SourcePanel, TargetPanel})
+    for (int index : {SourcePanel, TargetPanel}) {
         connected |= LoadServer(globals().gtCurrentServers[index], panels[index], panels.cmbType,
                                 pblnLoadMRUDb, index, panels.texts);
+        // Who gave up waiting for one server doesn't want to wait for the other.
+        if (globals().gblnStop) break;
+    }
     window.setConnectPicture(connected ? PictureConnected : PictureDisconnected);
 }
 
 bool LoadServer(ServerInfo& Server, Panel& panel, ChoiceList& cmbType, bool pblnLoadMRUDb,
                 int Index, ObjectTexts& texts) {
     LoadProgress progress;
+    globals().gblnStop = false;
     LogWrite(QStringLiteral("Begin LoadServer, p_Serv.strName = ") + Server.Name);
     const bool loaded = guarded(
         Module, "LoadServer", false,
@@ -206,8 +213,10 @@ bool LoadServer(ServerInfo& Server, Panel& panel, ChoiceList& cmbType, bool pbln
                     progress.database = Server.MRUDb;
                 }
             }
+            if (globals().gblnStop) return false;
             progress.step = 7;
             LoadOwners(Server, progress.database, panel.cmbOwners);
+            if (globals().gblnStop) return false;
             progress.step = 8;
             const ObjectType type = selectedType(cmbType);
             progress.step = 9;
@@ -217,7 +226,7 @@ bool LoadServer(ServerInfo& Server, Panel& panel, ChoiceList& cmbType, bool pbln
                         Index, &texts);
             progress.step = 11;
             shell().pumpEvents();
-            return true;
+            return !globals().gblnStop;
         },
         [&] {
             return QStringLiteral("Server name: ") + Server.Name + QStringLiteral(", ver. ") +

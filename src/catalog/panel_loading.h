@@ -52,6 +52,7 @@ bool CanConnectToDb(const ServerInfo& Server, const QString& DbName, int Index);
 
 /// True when there is a server to connect to; otherwise says so and offers the Add Server screen.
 bool ServerInfoSet(Panels& panels, PanelWindow& window);
+/// Clears both panels with their filters and loads them from the current servers.
 void InitializeDisplay(bool pblnLoadMRUDb, Panels& panels, PanelWindow& window);
 void ClearPanel(Panel& panel);
 

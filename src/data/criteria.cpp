@@ -2,7 +2,6 @@
 
 #include "data/base/db_error.h"
 #include "data/base/field_text.h"
-#include "data/row_source.h"
 
 #include <QRegularExpression>
 #include <QUuid>
@@ -10,11 +9,12 @@
 namespace zov {
 namespace {
 
-constexpr qint32 WrongArguments = 3001;
+constexpr qint32 WrongArguments = criteria_error::Unreadable;
 
 class CriteriaReader {
  public:
-    CriteriaReader(const RowSource& rows, const QString& text) : rows_(rows), text_(text) {}
+    CriteriaReader(const std::vector<ColumnInfo>& columns, const QString& text)
+        : columns_(columns), text_(text) {}
 
     std::vector<Criterion> read() {
         std::vector<Criterion> criteria;
@@ -44,7 +44,7 @@ class CriteriaReader {
     Criterion readOne() {
         Criterion criterion;
         const QString name = readName();
-        criterion.column = rows_.columnIndex(name);
+        criterion.column = columnIndex(name);
         if (criterion.column < 0)
             throw DbError(WrongArguments, QStringLiteral("There is no column \"%1\" in the result.").arg(name));
         criterion.op = readOperator();
@@ -53,12 +53,18 @@ class CriteriaReader {
         if (criterion.op == CriterionOperator::Like)
             criterion.pattern = value;
         else
-            criterion.value = readAs(rows_.columns()[size_t(criterion.column)], value);
+            criterion.value = readAs(columns_[size_t(criterion.column)], value);
         if (!quoted && value.compare(u"NULL", Qt::CaseInsensitive) == 0) {
-            criterion.value = RowStore({rows_.columns()[size_t(criterion.column)]});
+            criterion.value = RowStore({columns_[size_t(criterion.column)]});
             criterion.value->column(0).appendNull();
         }
         return criterion;
+    }
+
+    int columnIndex(const QString& name) const {
+        for (size_t i = 0; i < columns_.size(); ++i)
+            if (columns_[i].name.compare(name, Qt::CaseInsensitive) == 0) return int(i);
+        return -1;
     }
 
     QString readName() {
@@ -113,7 +119,7 @@ class CriteriaReader {
         return value;
     }
 
-    const RowSource& rows_;
+    const std::vector<ColumnInfo>& columns_;
     const QString& text_;
     qsizetype at_ = 0;
 };
@@ -206,8 +212,8 @@ std::optional<RowStore> readAs(const ColumnInfo& column, QStringView text) {
     return store;
 }
 
-std::vector<Criterion> parseCriteria(const RowSource& rows, const QString& text) {
-    return CriteriaReader(rows, text).read();
+std::vector<Criterion> parseCriteria(const std::vector<ColumnInfo>& columns, const QString& text) {
+    return CriteriaReader(columns, text).read();
 }
 
 bool meetsCriterion(const RowStore& rows, qsizetype row, const Criterion& criterion) {

@@ -11,7 +11,9 @@
 
 namespace zov {
 
-class RowSource;
+namespace criteria_error {
+inline constexpr qint32 Unreadable = 3001;  ///< ADO's "arguments are of the wrong type"
+}
 
 enum class CriterionOperator { Equal, NotEqual, Less, LessEqual, Greater, GreaterEqual, Like };
 
@@ -26,7 +28,7 @@ struct Criterion {
 
 /// Reads criteria joined by AND. A column that isn't there or a text that is no criterion throws
 /// DbError 3001 (ADO's "arguments are of the wrong type") and names what was found.
-std::vector<Criterion> parseCriteria(const RowSource& rows, const QString& text);
+std::vector<Criterion> parseCriteria(const std::vector<ColumnInfo>& columns, const QString& text);
 
 /// `text` as a value of the column's type, in row 0 of a store of one column; nothing when it can't
 /// be read as that.

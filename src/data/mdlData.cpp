@@ -8,6 +8,7 @@
 #include <QRandomGenerator>
 
 #include <cstdlib>
+#include <mutex>
 
 namespace zov {
 namespace {
@@ -36,10 +37,15 @@ QString connectionString(const ServerInfo& server, const QString& database, bool
     return text;
 }
 
-std::shared_ptr<Connection> openConnection(const QString& connectionString) {
+std::shared_ptr<Connection> newConnection(const QString& connectionString) {
     auto connection = std::make_shared<Connection>();
     connection->ConnectionString = connectionString;
     connection->CursorLocation = globals().glngCursorLocation;
+    return connection;
+}
+
+std::shared_ptr<Connection> openConnection(const QString& connectionString) {
+    const std::shared_ptr<Connection> connection = newConnection(connectionString);
     connection->Open();
     return connection;
 }
@@ -73,14 +79,58 @@ void takeOutputs(const Command& command, const CommandResult& result,
     }
 }
 
-std::unique_ptr<Recordset> openRecordset(Command& command) {
+std::unique_ptr<Recordset> openRecordset(Command& command, qint32 cursorLocation,
+                                         qint32 cacheSize) {
     auto rs = std::make_unique<Recordset>();
-    rs->CursorLocation = globals().glngCursorLocation;
-    if (rs->CursorLocation == adUseServer) rs->CacheSize = globals().glngCacheSize;
+    rs->CursorLocation = cursorLocation;
+    if (rs->CursorLocation == adUseServer) rs->CacheSize = cacheSize;
     rs->Open(command);
     if (rs->isOpen() && rs->CursorLocation == adUseClient) rs->disconnect();
     return rs;
 }
+
+/// A query on its way to a server and back. It owns all that it touches, since it may be left
+/// behind while it still waits.
+class Query {
+ public:
+    Query(const QString& connectionString, Command command)
+        : command_(std::move(command)),
+          cursorLocation_(globals().glngCursorLocation),
+          cacheSize_(globals().glngCacheSize) {
+        connection_ = newConnection(connectionString);
+    }
+
+    void run() {
+        connection_->Open();
+        {
+            const std::lock_guard lock(guard_);
+            running_ = connection_->sessionForNewCommand();
+        }
+        if (!command_.CommandText.isEmpty()) {
+            command_.ActiveConnection = connection_;
+            rows = openRecordset(command_, cursorLocation_, cacheSize_);
+        }
+        const std::lock_guard lock(guard_);
+        running_.reset();
+    }
+
+    /// From another thread, while run() runs.
+    void cancel() {
+        const std::lock_guard lock(guard_);
+        if (running_) running_->cancel();
+    }
+
+    const Command& command() const { return command_; }
+    std::unique_ptr<Recordset> rows;
+
+ private:
+    Command command_;
+    std::shared_ptr<Connection> connection_;
+    qint32 cursorLocation_;
+    qint32 cacheSize_;
+    std::mutex guard_;
+    std::shared_ptr<ProviderConnection> running_;
+};
 
 }  // namespace
 
@@ -94,17 +144,22 @@ qint32 GetAdoRS(const ServerInfo& Server, int CommandType, const QString& Comman
     const WaitPointer wait;
     Rs.reset();
     try {
-        const auto connection = openConnection(BuildConnectionString(Server, Database));
-        if (CommandText.isEmpty()) return 0;
-        Command command = commandOn(connection, CommandType, CommandText);
+        Command command = commandOn(nullptr, CommandType, CommandText);
         const std::vector<QString> names = addParameters(command, InParams, Outputs);
-        Rs = openRecordset(command);
-        takeOutputs(command, Rs->result(), names, Outputs);
+        const auto query =
+            std::make_shared<Query>(BuildConnectionString(Server, Database), std::move(command));
+        if (!shell().runBlocking([query] { query->run(); }, [query] { query->cancel(); }))
+            throw DbError(ado_error::Cancelled, QStringLiteral("Operation was canceled."));
+        if (CommandText.isEmpty()) return 0;
+        Rs = std::move(query->rows);
+        takeOutputs(query->command(), Rs->result(), names, Outputs);
         return Rs->result().returnValue;
     } catch (...) {
         const CaughtError error = caughtError();
         if (Failure) *Failure = {error.number, error.description};
-        if (!globals().gblnSuppressConnErrors) {
+        // Who gave up waiting knows it; the operation around the query ends at its next named point.
+        if (error.number == ado_error::Cancelled) globals().gblnStop = true;
+        if (!globals().gblnSuppressConnErrors && error.number != ado_error::Cancelled) {
             reportCaughtError(Module, "GetAdoRS",
                               QStringLiteral("Server connection failed; cursor location = %1")
                                   .arg(globals().glngCursorLocation));
@@ -119,7 +174,7 @@ qint32 GetAdoRS_OnConnection(const std::shared_ptr<Connection>& Connection, int 
     Rs.reset();
     try {
         Command command = commandOn(Connection, CommandType, CommandText);
-        Rs = openRecordset(command);
+        Rs = openRecordset(command, globals().glngCursorLocation, globals().glngCacheSize);
         return Rs->result().returnValue;
     } catch (...) {
         if (!globals().gblnSuppressConnErrors) {
@@ -137,7 +192,12 @@ qint32 GetAdoRS_OnConnection(const std::shared_ptr<Connection>& Connection, int 
 bool ADO_Connection_Open(std::shared_ptr<Connection>& Connection, const ServerInfo& Server,
                          const QString& Database) {
     return guarded(Module, "ADO_Connection_Open", false, [&] {
-        Connection = openConnection(connectionString(Server, Database, true));
+        auto fresh = newConnection(connectionString(Server, Database, true));
+        if (!shell().runBlocking([fresh] { fresh->Open(); }, [] {})) {
+            globals().gblnStop = true;
+            return false;
+        }
+        Connection = fresh;
         return true;
     });
 }
@@ -200,7 +260,8 @@ QString AddAdoParameter(Command& Command, const QVariant& Value, int Direction) 
 }
 
 bool NullExistsInColumn(const ServerInfo& Server, const QString& Database, const QString& Table,
-                        const QString& Column) {
+                        const QString& Column, bool* Failed) {
+    if (Failed) *Failed = true;
     return guarded(Module, "NullExistsInColumn", false, [&] {
         const QString text = QStringLiteral("IF EXISTS (SELECT TOP (1) [") + Column +
                              QStringLiteral("] FROM [") + Table + QStringLiteral("] WHERE [") +
@@ -209,6 +270,7 @@ bool NullExistsInColumn(const ServerInfo& Server, const QString& Database, const
         if (GetAdoRS(Server, adCmdText, text, rs, Database) == -1 || !rs || rs->isEof()) return false;
         const bool exists = rs->field(0).toInt64() == 1;
         rs->Close();
+        if (Failed) *Failed = false;
         return exists;
     });
 }

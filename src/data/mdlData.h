@@ -51,8 +51,9 @@ qint32 ExecAdoCmd(const ServerInfo& Server, int CommandType, const QString& Comm
 /// empty name. Kinds other than text, 32-bit integer, double, boolean, date or null end the program.
 QString AddAdoParameter(Command& Command, const QVariant& Value, int Direction);
 
+/// False, too, when the server could not say (which is reported); `Failed`, when given, tells.
 bool NullExistsInColumn(const ServerInfo& Server, const QString& Database, const QString& Table,
-                        const QString& Column);
+                        const QString& Column, bool* Failed = nullptr);
 
 /// The stored source of a programmable object: the rows of syscomments, joined.
 QString GetObjectTextFromComments(const ServerInfo& Server, const QString& Database,

@@ -7,6 +7,8 @@
 #include "data/row_source.h"
 #include "util/text.h"
 
+#include <algorithm>
+
 namespace zov {
 
 struct Recordset::Cursor {
@@ -24,8 +26,34 @@ struct Recordset::Cursor {
         return true;
     }
 
+    // Whether an index can answer the filter.
+    bool filtersByEquality() const {
+        if (filter.empty() || rows->isStreaming()) return false;
+        return std::all_of(filter.begin(), filter.end(), isEquality);
+    }
+    static bool isEquality(const Criterion& criterion) {
+        return criterion.op == CriterionOperator::Equal && criterion.value;
+    }
+    /// The first row at or behind `from` that the index has; it need not be visible.
+    static qsizetype indexedRow(RowSource& rows, const std::vector<Criterion>& criteria,
+                                qsizetype from) {
+        std::vector<int> columns;
+        std::vector<CellView> wanted;
+        for (const Criterion& criterion : criteria) {
+            columns.push_back(criterion.column);
+            wanted.push_back(criterion.value->cell(0, 0));
+        }
+        return rows.findEqual(columns, wanted, from);
+    }
+
     // To the first visible row at or behind the current one, through further windows of a stream.
     void settleForward() {
+        if (filtersByEquality()) {
+            const qsizetype found = indexedRow(*rows, filter, std::max<qsizetype>(row, 0));
+            row = found < 0 ? count() : found;
+            return;
+        }
+        row = std::max(row, rows->firstLiveRow());
         for (;;) {
             while (row < count() && !isVisible(row)) ++row;
             if (row < count() || !rows->nextWindow(windowRows)) return;
@@ -108,7 +136,9 @@ bool Recordset::isEof() const { return !isOpen() || cursor_->row >= cursor_->cou
 
 void Recordset::MoveFirst() {
     if (!isOpen()) return;
-    cursor_->rows->spoolFromStart();
+    // A stream that has not gone beyond its first rows needn't be read to its end for that.
+    if (!cursor_->rows->isStreaming() || cursor_->rows->droppedRows() > 0)
+        cursor_->rows->spoolFromStart();
     cursor_->row = 0;
     cursor_->settleForward();
 }
@@ -165,12 +195,11 @@ const CommandResult& Recordset::result() const {
 
 void Recordset::Find(const QString& criterion) {
     if (!isOpen()) return;
-    const std::vector<Criterion> criteria = parseCriteria(*cursor_->rows, criterion);
-    if (criteria.size() == 1 && criteria[0].op == CriterionOperator::Equal && criteria[0].value &&
-        !cursor_->rows->isStreaming()) {
-        const CellView wanted = criteria[0].value->cell(0, 0);
+    const std::vector<Criterion> criteria = parseCriteria(cursor_->rows->columns(), criterion);
+    if (!cursor_->rows->isStreaming() &&
+        std::all_of(criteria.begin(), criteria.end(), Cursor::isEquality)) {
         qsizetype found = std::max<qsizetype>(cursor_->row, 0);
-        while ((found = cursor_->rows->findEqual(criteria[0].column, wanted, found)) >= 0 &&
+        while ((found = Cursor::indexedRow(*cursor_->rows, criteria, found)) >= 0 &&
                !cursor_->isVisible(found))
             ++found;
         cursor_->row = found < 0 ? cursor_->count() : found;
@@ -187,18 +216,45 @@ void Recordset::FindEqual(int fieldIndex, QStringView text) {
     if (!isOpen()) return;
     cursor_->rows->spool();
     const std::optional<RowStore> wanted = readAs(cursor_->rows->columns()[size_t(fieldIndex)], text);
-    qsizetype found = wanted ? std::max<qsizetype>(cursor_->row, 0) : -1;
-    while (found >= 0 && (found = cursor_->rows->findEqual(fieldIndex, wanted->cell(0, 0), found)) >= 0 &&
-           !cursor_->isVisible(found))
+    if (!wanted) {
+        cursor_->row = cursor_->count();
+        return;
+    }
+    const CellView cell = wanted->cell(0, 0);
+    FindEqual(std::span(&fieldIndex, 1), std::span(&cell, 1));
+}
+
+void Recordset::FindEqual(std::span<const int> fieldIndexes, std::span<const CellView> cells) {
+    if (!isOpen()) return;
+    cursor_->rows->spool();
+    qsizetype found = std::max<qsizetype>(cursor_->row, 0);
+    while ((found = cursor_->rows->findEqual(fieldIndexes, cells, found)) >= 0 &&
+           !cursor_->filter.empty() && !cursor_->isVisible(found))
         ++found;
     cursor_->row = found < 0 ? cursor_->count() : found;
+}
+
+bool Recordset::TakeWindow(RowStore& rows) {
+    if (!isOpen()) return false;
+    RowSource& source = *cursor_->rows;
+    while (source.store().rowCount() == 0)
+        if (!source.nextWindow(1)) return false;
+    source.takeWindow(rows);
+    cursor_->row = 0;
+    return true;
+}
+
+void Recordset::MoveBehindLast() {
+    if (!isOpen()) return;
+    cursor_->rows->spool();
+    cursor_->row = cursor_->count();
 }
 
 void Recordset::Filter(const QString& criteria) {
     if (!isOpen()) return;
     cursor_->rows->spoolFromStart();
     cursor_->filter.clear();
-    if (!criteria.trimmed().isEmpty()) cursor_->filter = parseCriteria(*cursor_->rows, criteria);
+    if (!criteria.trimmed().isEmpty()) cursor_->filter = parseCriteria(cursor_->rows->columns(), criteria);
     cursor_->row = 0;
     cursor_->settleForward();
 }

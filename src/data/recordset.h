@@ -1,6 +1,6 @@
 // ADO's Recordset: a static cursor. Client-side it holds all rows and no
 // connection; server-side it streams blocks and holds its connection, until
-// RecordCount or MoveFirst needs all rows and spools the rest into memory.
+// RecordCount or a MoveFirst from further on needs all rows and spools the rest into memory.
 #pragma once
 
 #include "data/base/row_store.h"
@@ -10,6 +10,7 @@
 
 #include <memory>
 #include <optional>
+#include <span>
 
 namespace zov {
 
@@ -82,9 +83,18 @@ class Recordset {
     void Find(const QString& criterion);
     /// Same, for equality with a value that is at hand; `text` is read as the column's type.
     void FindEqual(int fieldIndex, QStringView text);
+    /// Same, for several fields at once, each with a cell of its own type or, both being integers or
+    /// decimals, of another width or scale. A null finds a null.
+    void FindEqual(std::span<const int> fieldIndexes, std::span<const CellView> cells);
+    /// To the end, where no row is current.
+    void MoveBehindLast();
     /// Shows only the rows that meet every criterion (joined by AND); empty shows all. Goes to the
     /// first row.
     void Filter(const QString& criteria);
+
+    /// Hands the rows over window by window, for who keeps them otherwise: puts those at hand in place
+    /// of `rows` (whose memory may be used again) and goes on to the next. False at the end.
+    bool TakeWindow(RowStore& rows);
 
     /// A second cursor over the same rows, with its own position and no filter. Deletions are seen
     /// by both.

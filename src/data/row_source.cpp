@@ -4,23 +4,48 @@
 
 #include <QHash>
 
-#include <cmath>
+#include <algorithm>
+#include <bit>
 
 namespace zov {
 namespace {
 
-constexpr qsizetype WindowRows = 1024;
-constexpr qsizetype WindowStep = 128;
-constexpr qsizetype WindowBytes = 4 << 20;
+constexpr qsizetype FirstWindowRows = 1024;
+constexpr int WindowsWithoutThread = 2;
 
-// Numbers of every storage meet in a double: equal numbers are equal there too.
-double numberOf(const CellView& cell) {
-    switch (cell.storage) {
-        case Storage::Float32:
-        case Storage::Float64: return cell.real;
-        case Storage::Scaled64: return double(cell.integer) / std::pow(10.0, cell.column->scale);
-        default: return double(cell.integer);
+size_t mixed(quint64 value) {
+    value *= 0x9E3779B97F4A7C15ULL;
+    return size_t(value ^ (value >> 32));
+}
+
+// 12.50 and 12.5, 3.00 and 3 are the same number.
+size_t hashDecimal(qint64 digits, int scale) {
+    for (; scale > 0 && digits % 10 == 0; --scale) digits /= 10;
+    return mixed(quint64(digits) + quint64(scale) * 0x51ED270B0F1A3D5BULL);
+}
+
+size_t combinedHash(size_t hash, const CellView& cell) {
+    return mixed(hash ^ (hashCell(cell) + 0x9E3779B97F4A7C15ULL + (hash << 6)));
+}
+
+// As case-insensitive comparing sees the letters: folded one by one.
+size_t hashText(QStringView text) {
+    quint64 hash = 14695981039346656037ULL;
+    const char16_t* c = text.utf16();
+    for (qsizetype i = 0; i < text.size(); ++i) {
+        char32_t letter = c[i];
+        if (letter < 128) {
+            if (letter >= U'A' && letter <= U'Z') letter |= 0x20;
+        } else if (QChar::isHighSurrogate(letter) && i + 1 < text.size() &&
+                   QChar::isLowSurrogate(c[i + 1])) {
+            letter = QChar::toCaseFolded(QChar::surrogateToUcs4(c[i], c[i + 1]));
+            ++i;
+        } else {
+            letter = QChar::toCaseFolded(letter);
+        }
+        hash = (hash ^ letter) * 1099511628211ULL;
     }
+    return mixed(hash);
 }
 
 }  // namespace
@@ -31,30 +56,20 @@ size_t hashCell(const CellView& cell) {
         case Storage::Int8:
         case Storage::Int16:
         case Storage::Int32:
-        case Storage::Int64:
-        case Storage::Scaled64:
+        case Storage::Int64: return hashDecimal(cell.integer, 0);
+        case Storage::Scaled64: return hashDecimal(cell.integer, cell.column->scale);
         case Storage::Float32:
-        case Storage::Float64: return qHash(numberOf(cell));
+        case Storage::Float64: return qHash(cell.real);
         case Storage::Ticks:
         case Storage::TicksOffset:
-            return qHash(cell.integer - qint64(cell.offsetMinutes) * 60 * TicksPerSecond);
+            return mixed(quint64(cell.integer - qint64(cell.offsetMinutes) * 60 * TicksPerSecond));
         case Storage::Bytes:
         case Storage::Guid: return qHash(cell.bytes);
         case Storage::Text: break;
     }
-    size_t hash = 5381;
-    const QStringView text = cell.text;
-    for (qsizetype i = 0; i < text.size(); ++i) {
-        char16_t c = text[i].unicode();
-        if (c < 128) {
-            if (c >= u'A' && c <= u'Z') c |= 0x20;
-        } else {
-            // Beyond ASCII one folded character may stand for several; all get the same hash.
-            c = 0x80;
-        }
-        hash = hash * 33 + c;
-    }
-    return hash;
+    // Long decimals are kept as texts and compared as numbers are written.
+    if (isNumericType(cell.column->type)) return hashText(cellText(cell));
+    return hashText(cell.text);
 }
 
 RowSource::RowSource(std::shared_ptr<ProviderConnection> session, CommandSpec command)
@@ -93,33 +108,50 @@ void RowSource::finishStream() {
     if (dropped_ == 0) session_.reset();
 }
 
-qsizetype RowSource::fetchBlock(qsizetype atLeast) {
-    // In small steps, so that rows of megabytes don't fill the memory for the sake of a round number.
-    const qsizetype wanted = std::max(atLeast, WindowRows);
-    qsizetype fetched = 0;
-    while (fetched < wanted) {
-        const qsizetype step = std::min(WindowStep, wanted - fetched);
-        const qsizetype got = stream_->fetch(store_, step);
-        fetched += got;
-        if (got == 0) {
-            finishStream();
-            break;
-        }
-        if (fetched >= atLeast && store_.reservedBytes() > WindowBytes) break;
-    }
-    return fetched;
-}
-
 bool RowSource::nextWindow(qsizetype atLeast) {
     if (!stream_) return false;
     dropped_ += store_.rowCount();
+    deleted_.clear();
+    firstLive_ = 0;
+    indexes_.clear();
+    // Most results are small, and not worth a thread.
+    if (!ahead_ && ++windows_ > WindowsWithoutThread)
+        ahead_ = std::make_unique<ReadAhead>(*stream_, *session_, columns_);
+    if (ahead_) {
+        if (ahead_->next(store_)) return true;
+        ahead_.reset();
+        store_.clear();
+        finishStream();
+        return false;
+    }
+    store_.clear();
+    if (fetchWindow(*stream_, store_, std::max(atLeast, FirstWindowRows), atLeast) > 0) return true;
+    finishStream();
+    return false;
+}
+
+void RowSource::takeWindow(RowStore& rows) {
+    dropped_ += store_.rowCount();
+    std::swap(store_, rows);
+    if (store_.columnCount() == 0) store_ = RowStore(columns_);
+    store_.clear();
+}
+
+void RowSource::forgetRows() {
     store_.clear();
     deleted_.clear();
-    return fetchBlock(atLeast) > 0;
+    firstLive_ = 0;
+    indexes_.clear();
 }
 
 void RowSource::spool() {
     if (!stream_) return;
+    indexes_.clear();
+    if (ahead_) {
+        ahead_->stop();
+        for (RowStore window; ahead_->next(window);) store_.append(window);
+        ahead_.reset();
+    }
     while (stream_->fetch(store_, 16384) > 0) {
     }
     finishStream();
@@ -134,47 +166,70 @@ void RowSource::spoolFromStart() {
     if (!session_)
         throw DbError(ado_error::Unspecified,
                       QStringLiteral("The rows at the start of this result were let go already."));
+    ahead_.reset();
+    windows_ = 0;
     if (stream_) stream_->close();
     stream_.reset();
     dropped_ = 0;
-    deleted_.clear();
+    forgetRows();
     deletedCount_ = 0;
     start();
     spool();
 }
 
 void RowSource::close() {
+    ahead_.reset();
     if (stream_) stream_->close();
     stream_.reset();
     session_.reset();
 }
 
 void RowSource::markDeleted(qsizetype row) {
-    if (qsizetype(deleted_.size()) <= row) deleted_.resize(size_t(row) + 1);
+    if (qsizetype(deleted_.size()) <= row) deleted_.resize(size_t(store_.rowCount()));
     if (!deleted_[size_t(row)]) ++deletedCount_;
     deleted_[size_t(row)] = true;
+    while (isDeleted(firstLive_)) ++firstLive_;
 }
 
-qsizetype RowSource::findEqual(int column, const CellView& wanted, qsizetype from) {
-    const ColumnCells& cells = store_.column(column);
-    HashIndex& index = indexes_[column];
-    if (qsizetype(index.next.size()) != cells.count()) {
-        index.first.clear();
-        index.first.reserve(size_t(cells.count()));
-        index.next.assign(size_t(cells.count()), -1);
-        for (qsizetype row = cells.count() - 1; row >= 0; --row) {
-            const auto [at, fresh] = index.first.try_emplace(hashCell(cells.cell(row)), qint32(row));
-            if (fresh) continue;
-            index.next[size_t(row)] = at->second;
-            at->second = qint32(row);
-        }
+RowSource::HashIndex& RowSource::indexOver(std::span<const int> columns) {
+    for (HashIndex& index : indexes_)
+        if (std::equal(columns.begin(), columns.end(), index.columns.begin(), index.columns.end()))
+            return index;
+    HashIndex& index = indexes_.emplace_back();
+    index.columns.assign(columns.begin(), columns.end());
+    const qsizetype rows = store_.rowCount();
+    index.first.assign(std::bit_ceil(size_t(std::max<qsizetype>(rows, 1))), -1);
+    index.next.assign(size_t(rows), -1);
+    const size_t mask = index.first.size() - 1;
+    for (qsizetype row = rows - 1; row >= 0; --row) {
+        size_t hash = 0;
+        for (const int column : columns) hash = combinedHash(hash, store_.cell(row, column));
+        qint32& first = index.first[hash & mask];
+        index.next[size_t(row)] = first;
+        first = qint32(row);
     }
-    const auto found = index.first.find(hashCell(wanted));
-    if (found == index.first.end()) return -1;
-    for (qint32 row = found->second; row >= 0; row = index.next[size_t(row)]) {
-        if (row >= from && !isDeleted(row) &&
-            equalCells(cells.cell(row), wanted, Qt::CaseInsensitive))
-            return row;
+    return index;
+}
+
+qsizetype RowSource::findEqual(std::span<const int> columns, std::span<const CellView> wanted,
+                               qsizetype from) {
+    HashIndex& index = indexOver(columns);
+    size_t hash = 0;
+    for (const CellView& cell : wanted) hash = combinedHash(hash, cell);
+    qint32* link = &index.first[hash & (index.first.size() - 1)];
+    while (*link >= 0) {
+        const qint32 row = *link;
+        qint32& next = index.next[size_t(row)];
+        if (isDeleted(row)) {
+            *link = next;
+            continue;
+        }
+        link = &next;
+        if (row < from) continue;
+        bool equal = true;
+        for (size_t i = 0; i < columns.size() && equal; ++i)
+            equal = equalCells(store_.cell(row, columns[i]), wanted[i], Qt::CaseInsensitive);
+        if (equal) return row;
     }
     return -1;
 }

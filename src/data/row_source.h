@@ -3,9 +3,10 @@
 #pragma once
 
 #include "data/connection.h"
+#include "data/read_ahead.h"
 
 #include <memory>
-#include <unordered_map>
+#include <span>
 #include <vector>
 
 namespace zov {
@@ -25,8 +26,12 @@ class RowSource {
     const RowStore& store() const { return store_; }
     bool isStreaming() const { return stream_ != nullptr; }
 
-    /// Drops the current window and reads the next; false at the end of the rows.
+    /// Drops the current window and reads the next; false at the end of the rows. From the third
+    /// window on a thread reads ahead.
     bool nextWindow(qsizetype atLeast);
+    /// Puts the current window in place of `rows`, whose memory may be used again. What follows is
+    /// nextWindow().
+    void takeWindow(RowStore& rows);
     /// Reads the rest of the stream behind the current window.
     void spool();
     /// Makes all rows, those of dropped windows too, available from row 0: spools, and where windows
@@ -42,38 +47,48 @@ class RowSource {
     }
     void markDeleted(qsizetype row);
     qsizetype deletedCount() const { return deletedCount_; }
+    /// All rows before this one are deleted.
+    qsizetype firstLiveRow() const { return firstLive_; }
 
-    /// The first row at or behind `from`, not deleted, whose cell equals `wanted` (texts ignoring
-    /// case); -1 when there is none. Needs all rows in memory; the first call for a column builds a
-    /// hash over it.
-    qsizetype findEqual(int column, const CellView& wanted, qsizetype from);
+    /// The first row at or behind `from`, not deleted, whose cells equal `wanted` (texts ignoring
+    /// case, a null a null), one for each of the columns; -1 when there is none. Needs all rows in
+    /// memory; the first call for a set of columns builds a hash over it.
+    qsizetype findEqual(std::span<const int> columns, std::span<const CellView> wanted,
+                        qsizetype from);
 
     const CommandResult& result() const { return result_; }
 
  private:
     void start();
     void finishStream();
-    qsizetype fetchBlock(qsizetype atLeast);
 
-    /// For each row the next one of the same hash, ascending.
+    /// Rows by the hash of some columns: for each bucket the first row, for each row the next one of
+    /// its bucket, ascending. Deleted rows are taken out when they are met.
     struct HashIndex {
-        std::unordered_map<size_t, qint32> first;
+        std::vector<int> columns;
+        std::vector<qint32> first;  // a power of two of them
         std::vector<qint32> next;
     };
+    HashIndex& indexOver(std::span<const int> columns);
+    void forgetRows();
 
     std::shared_ptr<ProviderConnection> session_;
     CommandSpec command_;
     std::unique_ptr<ResultStream> stream_;
     std::vector<ColumnInfo> columns_;
+    std::unique_ptr<ReadAhead> ahead_;  // goes before the stream that it reads
+    int windows_ = 0;
     RowStore store_;
     qsizetype dropped_ = 0;
     std::vector<bool> deleted_;
     qsizetype deletedCount_ = 0;
-    std::unordered_map<int, HashIndex> indexes_;
+    qsizetype firstLive_ = 0;
+    std::vector<HashIndex> indexes_;
     CommandResult result_;
 };
 
-/// A hash under which cells that compareCells() calls equal (texts ignoring case) are the same.
+/// A hash under which cells that compareCells() calls equal (texts ignoring case) are the same, among
+/// cells of one type, and among integers and decimals of any width and scale.
 size_t hashCell(const CellView& cell);
 
 }  // namespace zov

@@ -5,10 +5,10 @@
 #include "reports/copy_to_file.h"
 #include "scripting/mdlQueryCode.h"
 #include "shell/shell.h"
-#include "util/atomic_file.h"
 #include "util/text.h"
 
 #include <QDir>
+#include <QTemporaryFile>
 
 #include <algorithm>
 
@@ -57,7 +57,16 @@ bool frmIgnoreColumnsAdd::load(const ServerInfo& server, const QString& db, cons
                                qint32 objectId) {
     key_ = GetObjectKeyName(server.Name, db, table);
     TableStructure structure;
-    if (!GetTableStructure(server, db, table, structure, false, mode_, objectId, {})) return false;
+    if (!GetTableStructure(server, db, table, DoubleSingleQuotes(table), structure, false, mode_,
+                           objectId, {}))
+        return false;
+    if (structure.columns.empty()) {
+        shell().messageBox(QStringLiteral("The columns of table '%1' can't be read.\r\n\r\nPlease "
+                                          "refresh the list of tables: it may have been dropped.")
+                               .arg(table),
+                           Caption);
+        return false;
+    }
     QStringList ignored;
     GetIgnoredColumnsList(mode_, key_, ignored);
     pvlSqlObj.clear();
@@ -147,9 +156,19 @@ void frmIgnoreColumnsView::cmdSendToNotepad() {
         shell().messageBox(QStringLiteral("There is nothing to copy to file."));
         return;
     }
-    // The desktop's own text editor opens it.
-    const QString path = QDir::tempPath() + QStringLiteral("/zov_ignored_columns.txt");
-    if (writeFileAtomically(path, listing().toUtf8()).isEmpty()) shell().openWithDesktop(path);
+    // The desktop's own text editor opens it, and may do so after this program has ended.
+    QTemporaryFile file(QDir::tempPath() + QStringLiteral("/zov_ignored_columns_XXXXXX.txt"));
+    file.setAutoRemove(false);
+    const QByteArray text = listing().toUtf8();
+    if (!file.open() || file.write(text) != text.size() || !file.flush()) {
+        shell().messageBox(QStringLiteral("The list can't be written for the editor: ") +
+                               file.errorString() + QStringLiteral(".\r\n\r\nUse 'Copy To File' "
+                                                                   "to save it elsewhere."),
+                           Caption, BoxIcon::Exclamation);
+        return;
+    }
+    file.close();
+    shell().openWithDesktop(file.fileName());
 }
 
 }  // namespace zov

@@ -13,6 +13,14 @@ namespace {
 constexpr qint32 LeastRows = 10;
 constexpr qint32 LeastCacheSize = 1;
 
+bool isSettingStored(const QString& name) {
+    const Setting* setting = findSetting(name);
+    const auto read = [&](qint32 whenMissing) {
+        return RegGetDWordValue(RegRoot::CurrentUser, setting->key, setting->name, whenMissing);
+    };
+    return read(0) == read(1);
+}
+
 }  // namespace
 
 bool frmOptions::ShowUp() {
@@ -70,34 +78,47 @@ void frmOptions::SaveData() {
     guardedRun("frmOptions", "SaveData", [&] {
         Globals& g = globals();
         const RegistryBatch together;
-        const auto save = [](const char* setting, bool value) {
-            writeBooleanSetting(QString::fromLatin1(setting), value);
+        const Values& v = values;
+        const Values& before = loaded_;
+        // What the user left alone stays as it is stored: another instance may have changed it.
+        const auto saveNumber = [](const char* name, qint32 value, qint32 was) {
+            const QString setting = QString::fromLatin1(name);
+            if (value != was || !isSettingStored(setting)) writeSetting(setting, value);
             return value;
         };
-        const auto saveNumber = [](const char* setting, qint32 value) {
-            writeSetting(QString::fromLatin1(setting), value);
-            return value;
+        const auto save = [&](const char* name, bool value, bool was) {
+            return saveNumber(name, value ? 1 : 0, was ? 1 : 0) == 1;
         };
-        g.glngMaxRowsInDiffTable = saveNumber("MaxRowsInDiffTable", values.txtMaxRows);
-        g.gblnCaseSensitive = save("CaseSensitive", values.chkCaseSensitive);
-        g.gblnDataCaseSensitive = save("DataCaseSensitive", values.chkDataCaseSensitive);
-        g.gblnIgnoreWhitespace = save("IgnoreWhitespace", values.chkIgnoreWhitespaces);
-        g.gblnIgnoreComments = save("IgnoreComments", values.chkIgnoreComments);
-        g.gblnIgnoreIndexes = save("IgnoreIndexes", values.chkIgnoreIndexes);
-        g.gblnIgnoreSysObjects = save("IgnoreSysObjects", values.chkIgnoreSysObjects);
-        save("ShowDataCompOpt", values.chkDataComp);
-        g.gblnIgnoreColSeq = save("IgnoreColSeq", values.chkIgnoreColSeq);
-        g.glngCacheSize = saveNumber("CacheSize", values.txtCacheSize);
+        g.glngMaxRowsInDiffTable =
+            saveNumber("MaxRowsInDiffTable", v.txtMaxRows, before.txtMaxRows);
+        g.gblnCaseSensitive = save("CaseSensitive", v.chkCaseSensitive, before.chkCaseSensitive);
+        g.gblnDataCaseSensitive =
+            save("DataCaseSensitive", v.chkDataCaseSensitive, before.chkDataCaseSensitive);
+        g.gblnIgnoreWhitespace =
+            save("IgnoreWhitespace", v.chkIgnoreWhitespaces, before.chkIgnoreWhitespaces);
+        g.gblnIgnoreComments =
+            save("IgnoreComments", v.chkIgnoreComments, before.chkIgnoreComments);
+        g.gblnIgnoreIndexes = save("IgnoreIndexes", v.chkIgnoreIndexes, before.chkIgnoreIndexes);
+        g.gblnIgnoreSysObjects =
+            save("IgnoreSysObjects", v.chkIgnoreSysObjects, before.chkIgnoreSysObjects);
+        save("ShowDataCompOpt", v.chkDataComp, before.chkDataComp);
+        g.gblnIgnoreColSeq = save("IgnoreColSeq", v.chkIgnoreColSeq, before.chkIgnoreColSeq);
+        g.glngCacheSize = saveNumber("CacheSize", v.txtCacheSize, before.txtCacheSize);
         g.glngCursorLocation =
-            save("CursorConnectionUseServer", values.serverSide) ? adUseServer : adUseClient;
-        g.glngTimeout = saveNumber("Timeout", values.txtTimeout);
-        save("AutoConnect", values.chkAutoConnect);
-        save("PreserveDbSel", values.chkPreserveDbSel);
-        g.gblnAutoSelTargetObj = save("AutoSelTargetObj", values.chkAutoSelTargetObj);
-        g.gblnAnalyzeConstraints = save("AnalyzeConstraints", values.chkAnalyzeConstraints);
-        g.gblnAutoSaveSchemas = save("AutoSaveSchemas", values.chkAutoSaveSchemas);
-        g.gblnFilterOfflineDbs = save("FilterOfflineDbs", values.chkFilterOfflineDbs);
-        g.gblnShowOwners = save("ShowOwners", values.chkShowOwners);
+            save("CursorConnectionUseServer", v.serverSide, before.serverSide) ? adUseServer
+                                                                               : adUseClient;
+        g.glngTimeout = saveNumber("Timeout", v.txtTimeout, before.txtTimeout);
+        save("AutoConnect", v.chkAutoConnect, before.chkAutoConnect);
+        save("PreserveDbSel", v.chkPreserveDbSel, before.chkPreserveDbSel);
+        g.gblnAutoSelTargetObj =
+            save("AutoSelTargetObj", v.chkAutoSelTargetObj, before.chkAutoSelTargetObj);
+        g.gblnAnalyzeConstraints =
+            save("AnalyzeConstraints", v.chkAnalyzeConstraints, before.chkAnalyzeConstraints);
+        g.gblnAutoSaveSchemas =
+            save("AutoSaveSchemas", v.chkAutoSaveSchemas, before.chkAutoSaveSchemas);
+        g.gblnFilterOfflineDbs =
+            save("FilterOfflineDbs", v.chkFilterOfflineDbs, before.chkFilterOfflineDbs);
+        g.gblnShowOwners = save("ShowOwners", v.chkShowOwners, before.chkShowOwners);
         loaded_ = values;
         saved_ = true;
     });

@@ -11,10 +11,13 @@ bool CopyToFile(const QString& Text, const QString& DefaultName, QString& Path,
                 const QString& GivenPath) {
     if (Text.isEmpty()) return false;
     Path = GivenPath;
-    if (Path.isEmpty())
-        Path = shell().askSavePath(
-            QStringLiteral("Specify Target File"), QStringLiteral("*.*"),
-            globals().gstrUserDataFolder + DefaultName + QStringLiteral(".txt"));
+    if (Path.isEmpty()) {
+        // An object's name may hold what would be a folder here.
+        QString name = DefaultName;
+        name.replace(u'/', u'_').replace(u'\\', u'_');
+        Path = shell().askSavePath(QStringLiteral("Specify Target File"), QStringLiteral("*.*"),
+                                   globals().gstrUserDataFolder + name + QStringLiteral(".txt"));
+    }
     if (Path.isEmpty()) return false;
     const QString failure = writeFileAtomically(Path, Text.toUtf8());
     if (failure.isEmpty()) return true;

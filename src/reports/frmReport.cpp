@@ -5,6 +5,9 @@
 #include "reports/copy_to_file.h"
 #include "shell/shell.h"
 
+#include <QDir>
+#include <QFile>
+
 namespace zov {
 namespace {
 
@@ -33,9 +36,19 @@ void frmReport::show() {
     txtReport = globals().gstrReport;
     reopen();
     shell().showModal(*this);
+    Form_Unload();
+}
+
+// Print drivers of old leave their files in the current folder, which is the program's own.
+void frmReport::Form_Unload() {
+    const QDir folder = QDir::current();
+    for (const QString& name : folder.entryList({QStringLiteral("*.tmp")}, QDir::Files))
+        QFile::remove(folder.filePath(name));
 }
 
 void frmReport::cmdCopyClip() {
+    if (busy_) return;
+    const ScopedValue<bool> busy(busy_, true);
     shell().setClipboardText(txtReport);
 }
 
@@ -44,13 +57,18 @@ void frmReport::cmdCopyToFile() {
     const ScopedValue<bool> busy(busy_, true);
     guardedRun(Module, "cmdCopyToFile_Click", [&] {
         QString path;
-        CopyToFile(txtReport, QStringLiteral("Report"), path, fields.ExportPath);
+        CopyToFile(txtReport, QStringLiteral("Report"), path,
+                   fields.Replay ? fields.ExportPath : QString());
     });
 }
 
 void frmReport::cmdPrint() {
     if (busy_) return;
     const ScopedValue<bool> busy(busy_, true);
+    PrintReport();
+}
+
+void frmReport::PrintReport() {
     guardedRun(Module, "PrintReport", [&] {
         if (installedPrinter)
             installedPrinter->printReport(QStringLiteral("Zovrand Report"), txtReport);

@@ -31,6 +31,8 @@ class frmReport : public Screen {
 
  private:
     void show();
+    void Form_Unload();
+    void PrintReport();
 
     bool busy_ = false;
 };

@@ -26,11 +26,27 @@ class Shell {
                             BoxIcon icon = BoxIcon::Information) = 0;
     /// A question with Yes and No.
     virtual bool askYesNo(const QString& text, const QString& title = {}) = 0;
+    /// The same; Enter says No.
+    virtual bool askYesNoDefaultNo(const QString& text, const QString& title = {}) {
+        return askYesNo(text, title);
+    }
     /// A question with Yes, No and Cancel.
     virtual BoxAnswer askYesNoCancel(const QString& text, const QString& title = {}) = 0;
 
     /// Serves waiting events; cheap enough to be called once per record or object.
     virtual void pumpEvents() = 0;
+
+    /// Runs work that may wait long for a server, and comes back when it is done; what it throws
+    /// comes out here. A desktop runs it in another thread and stays alive meanwhile: when the user
+    /// wants no more it calls `cancel` (in the caller's thread, while the work runs), and if that
+    /// doesn't end the work soon it leaves it behind and gives false. So the work must own, by
+    /// shared pointers, all that it touches. Without a desktop the work simply runs.
+    virtual bool runBlocking(const std::function<void()>& work,
+                             const std::function<void()>& cancel) {
+        (void)cancel;
+        work();
+        return true;
+    }
 
     virtual void setClipboardText(const QString& text) = 0;
     /// Opens a file or an address with the desktop's own program for it.

@@ -17,6 +17,12 @@ ObjectType ObjectTypeOfBox(int index) {
     return ObjectType{};
 }
 
+QString EncodeObjTypes(const ObjectKindBoxes& boxes) {
+    QStringList states;
+    for (const bool box : boxes) states += box ? QStringLiteral("1") : QStringLiteral("0");
+    return states.join(u',');
+}
+
 int comparedKindCount() {
     return globals().gblnAnalyzeConstraints ? 7 : 6;
 }

@@ -29,6 +29,9 @@ struct SavedRun {
 void CompStruct_BulkSel_SimpleDet_All(CompareAllWindow& window, int index, bool selective,
                                       bool details);
 
+/// "Compare All Objects": every kind is ticked at first, for a report on the whole databases.
+void CompareAllObjects(CompareAllWindow& window);
+
 /// `saved` is null when a user started the run.
 void MenuCompareAll_Click(CompareAllWindow& window, int index, const QString& sourceDb,
                           const QString& targetDb, bool selective, bool details,

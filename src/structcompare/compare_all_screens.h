@@ -49,15 +49,33 @@ class ObjectChooser {
                         QStringList& SourceNames, QStringList& TargetNames) = 0;
 };
 
-/// What the report screen is opened with, beside the text in gstrReport.
+/// What a run is called in saved processes.
+namespace comparison_code {
+inline constexpr qint32 Data = 0;      ///< CompType: rows
+inline constexpr qint32 MetaData = 1;  ///< CompType: structure
+// CompSubType.
+inline constexpr qint32 AllObjects = 10;
+inline constexpr qint32 Bulk = 20;
+inline constexpr qint32 Selective = 30;
+inline constexpr qint32 Individual = 35;
+inline constexpr qint32 SingleTable = 40;    ///< rows of one pair of tables
+inline constexpr qint32 SelectedTables = 50; ///< rows of chosen tables
+inline constexpr qint32 AllTables = 60;      ///< rows of all tables
+}  // namespace comparison_code
+
+/// What the report screen is opened with, beside the text in gstrReport: everything that a saved
+/// process would need.
 struct ComparisonReport {
     QString Caption;
     QString ServerName1, ServerName2, DbName1, DbName2;
+    QString TableName1, TableName2;  ///< the two objects of a pair, whatever their type
     qint32 CompType = 0;
     qint32 CompSubType = 0;
     qint32 CompSubSubType = 0;
+    /// The kinds, "1" or "0", eight in all, joined by commas in the order of the boxes.
     QString EncObjTypes;
     qint32 CompMethod = -1;
+    QString ObjId1, ObjId2;
     QStringList SourceNames, TargetNames;
     bool Replay = false;
     QString ExportPath;

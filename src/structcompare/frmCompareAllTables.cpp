@@ -11,7 +11,7 @@ namespace zov {
 bool frmCompareAllTables::ShowUp(const Request& request) {
     request_ = request;
     Caption = request.Caption;
-    visibleBoxes = comparedKindCount();
+    visibleBoxes = request.offeredBoxes < 0 ? comparedKindCount() : request.offeredBoxes;
     for (int box = 0; box < visibleBoxes; ++box)
         chkObjType[size_t(box)] = ObjectTypeOfBox(box) == request.Type;
     if (!request.EncObjTypes.isEmpty()) ApplyObjTypeChecks(request.EncObjTypes);
@@ -27,7 +27,7 @@ void frmCompareAllTables::Form_Activate() {
 
 void frmCompareAllTables::cmdCompare_Click() {
     if (running_) return;
-    const auto end = chkObjType.begin() + comparedKindCount();
+    const auto end = chkObjType.begin() + visibleBoxes;
     if (std::find(chkObjType.begin(), end, true) == end) {
         shell().messageBox(
             QStringLiteral("Please select at least one object type to be compared."));

@@ -20,6 +20,9 @@ class frmCompareAllTables : public Screen, public CompareAllForm {
         ObjectType Type{};
         /// The boxes' states joined by commas; takes the place of `Type` when not empty.
         QString EncObjTypes;
+        /// Boxes that are offered, from the first; -1 for all that there are. Rows are compared of
+        /// tables alone.
+        int offeredBoxes = -1;
         /// A saved process runs: the comparison starts by itself.
         bool startAtOnce = false;
         Run run;

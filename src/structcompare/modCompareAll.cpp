@@ -445,9 +445,7 @@ void StructureComparison::addClosing(const KindState& kind, bool bothEmpty) {
 StructureRun CompareAll_Structure(CompareAllForm& form, const StructureRunRequest& request,
                                   ComparePanels& panels) {
     StructureRun result;
-    QStringList boxes;
-    for (const bool box : request.kinds) boxes += box ? QStringLiteral("1") : QStringLiteral("0");
-    result.objectTypesChosen = boxes.join(u',');
+    result.objectTypesChosen = EncodeObjTypes(request.kinds);
 
     globals().gstrReport.clear();
     guardedRun("modCompareAll", "CompareAll_Structure", [&] {

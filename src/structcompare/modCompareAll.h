@@ -39,6 +39,8 @@ StructureRun CompareAll_Structure(CompareAllForm& form, const StructureRunReques
 
 /// The type of a box; a box, and a value that is no type (0), for an index out of range.
 ObjectType ObjectTypeOfBox(int index);
+/// The boxes' states, "1" or "0", joined by commas.
+QString EncodeObjTypes(const ObjectKindBoxes& boxes);
 /// Boxes that a run looks at: constraints take part only as a type of their own.
 int comparedKindCount();
 

@@ -50,6 +50,25 @@ QString cutBefore(const QString& line, QStringView word) {
     return at > 0 ? line.left(at) : line;
 }
 
+void Mark_Differences_PerSourceLine(CompLine& line, std::vector<CompLine>& target,
+                                    const QHash<QString, size_t>& firstWithWord) {
+    const QString upper = simpleUpper(line.strText);
+    // A blank line keeps no verdict.
+    if (Trim(upper).isEmpty()) return;
+    const QString word = firstWordOf(upper);
+    const auto found = firstWithWord.constFind(word);
+    if (found == firstWithWord.constEnd()) {
+        line.lngMark = MarkDeleted;
+        return;
+    }
+    CompLine& partner = target[*found];
+    const QString other = simpleUpper(partner.strText);
+    const bool whole = word == u"CONSTRAINT" || word == u"INDEX";
+    const bool same =
+        upper == other || (!whole && StripExtraColInfo(upper) == StripExtraColInfo(other));
+    line.lngMark = partner.lngMark = same ? MarkNotChanged : MarkChanged;
+}
+
 }  // namespace
 
 quint32 colorOfMark(qint32 mark) {
@@ -117,23 +136,9 @@ void Mark_Differences_Tables(std::vector<CompLine>& source, std::vector<CompLine
         const QString upper = simpleUpper(target[t - 1].strText);
         if (!Trim(upper).isEmpty()) firstWithWord.insert(firstWordOf(upper), t - 1);
     }
-    for (CompLine& line : source) {
-        const QString upper = simpleUpper(line.strText);
-        // A blank line keeps no verdict.
-        if (Trim(upper).isEmpty()) continue;
-        const QString word = firstWordOf(upper);
-        const auto found = firstWithWord.constFind(word);
-        if (found == firstWithWord.constEnd()) {
-            line.lngMark = MarkDeleted;
-            continue;
-        }
-        CompLine& partner = target[*found];
-        const QString other = simpleUpper(partner.strText);
-        const bool whole = word == u"CONSTRAINT" || word == u"INDEX";
-        const bool same =
-            upper == other || (!whole && StripExtraColInfo(upper) == StripExtraColInfo(other));
-        line.lngMark = partner.lngMark = same ? MarkNotChanged : MarkChanged;
-    }
+    for (CompLine& line : source)
+        guardedRun(Module, "Mark_Differences_PerSourceLine",
+                   [&] { Mark_Differences_PerSourceLine(line, target, firstWithWord); });
 }
 
 QString StripExtraColInfo(const QString& line) {
@@ -173,6 +178,15 @@ MarkedLines Mark_Differences(TextPane& source, TextPane& target, bool& error,
         PaintLines(target, lines.target);
     });
     return lines;
+}
+
+void TxText_CopyToClipboard(TextPane& pane) {
+    guardedRun(Module, "TxText_CopyToClipboard", [&] {
+        std::vector<CompLine> lines;
+        bool error = false;
+        TXText_ConvTextToArray(pane, lines, error);
+        if (!error && !lines.empty()) shell().setClipboardText(TXText_ConvArrayToText(lines));
+    });
 }
 
 QString TXText_ConvArrayToText(const std::vector<CompLine>& lines) {

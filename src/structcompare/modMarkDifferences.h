@@ -41,6 +41,10 @@ void Mark_Differences_Tables(std::vector<CompLine>& source, std::vector<CompLine
 /// A column's line, upper-cased, without its constraint and its default.
 QString StripExtraColInfo(const QString& line);
 
+/// Puts a pane's text on the clipboard line by line, each with CR LF behind it; colours are left
+/// behind. An empty pane leaves the clipboard as it is.
+void TxText_CopyToClipboard(TextPane& pane);
+
 /// The text of a line array, each line with CR LF behind it.
 QString TXText_ConvArrayToText(const std::vector<CompLine>& lines);
 

@@ -5,6 +5,7 @@
 #include "core/modIgnoreColumns.h"
 #include "scripting/modNew.h"
 #include "shell/shell.h"
+#include "structcompare/modCompareAll.h"
 #include "structcompare/modCompareObjects.h"
 #include "structcompare/modIgnoreColumnsOrder.h"
 #include "structcompare/modMarkDifferences.h"
@@ -13,32 +14,20 @@
 namespace zov {
 namespace {
 
-constexpr int StructureComparison = 2;
-
 QString fullName(const ServerInfo& server, const QString& db, const QString& object) {
     const QString name = server.Name + u'.' + db;
     return object.isEmpty() ? name : name + u'.' + object;
 }
 
-// A table with ignored columns is read again without them. True when it has any.
+// A table with ignored columns is read again without them, by its name. True when it has any.
 bool readWithoutIgnoredColumns(const ServerInfo& server, const QString& db, const QString& object,
-                               const QString& key, QString& text) {
+                               qint32 id, const QString& key, QString& text) {
     QStringList columns;
-    if (GetIgnoredColumnsList(StructureComparison, key, columns) == 0) return false;
-    text = GetTableStructureWithIndexes(server, object, db, true, nullptr, 0);
+    if (GetIgnoredColumnsList(IgnoreMode::StructureComparison, key, columns) == 0) return false;
+    // A name that the list shows with its schema is no table's name: that one is found by its id.
+    const bool qualified = partBehindLastDot(object) != object;
+    text = GetTableStructureWithIndexes(server, object, db, true, nullptr, qualified ? id : 0);
     return true;
-}
-
-bool areIdentical(const SelectedPair& pair, const QString& sourceText, const QString& targetText,
-                  TextPane& source, TextPane& target) {
-    const Globals& settings = globals();
-    if (settings.gblnIgnoreWhitespace ? CompareProcs_IgnoreWhiteSpace(sourceText, targetText)
-                                      : sourceText == targetText)
-        return true;
-    // From here on the panes are looked at: their columns are all there, ignored ones too.
-    if (settings.gblnIgnoreColSeq && CompareProcs_IgnoreColumnsOrder(source, target)) return true;
-    return pair.objectType == ObjectType::Procedure &&
-           CompareProcs_IgnoreOwnerInName(source, target);
 }
 
 QString verdictText(const SelectedPair& pair, bool identical, bool columnsIgnored) {
@@ -57,17 +46,6 @@ QString verdictText(const SelectedPair& pair, bool identical, bool columnsIgnore
     return text;
 }
 
-class BusyScope {
- public:
-    explicit BusyScope(PairComparisonWindow& window) : window_(window) { window_.setBusy(true); }
-    ~BusyScope() { window_.setBusy(false); }
-    BusyScope(const BusyScope&) = delete;
-    BusyScope& operator=(const BusyScope&) = delete;
-
- private:
-    PairComparisonWindow& window_;
-};
-
 }  // namespace
 
 QString SelectedPair::sourceFullName() const {
@@ -77,10 +55,39 @@ QString SelectedPair::targetFullName() const {
     return fullName(targetServer, targetDb, targetObject);
 }
 
+bool AreIdentical(ObjectType type, const QString& sourceText, const QString& targetText,
+                  const TextPane& source, const TextPane& target) {
+    const Globals& settings = globals();
+    if (settings.gblnIgnoreWhitespace ? CompareProcs_IgnoreWhiteSpace(sourceText, targetText)
+                                      : sourceText == targetText)
+        return true;
+    // From here on the panes are looked at: their columns are all there, ignored ones too.
+    if (settings.gblnIgnoreColSeq && CompareProcs_IgnoreColumnsOrder(source, target)) return true;
+    return type == ObjectType::Procedure && CompareProcs_IgnoreOwnerInName(source, target);
+}
+
+ComparisonReport reportOf(const SelectedPair& pair) {
+    ObjectKindBoxes kind{};
+    for (int box = 0; box < int(kind.size()); ++box)
+        kind[size_t(box)] = ObjectTypeOfBox(box) == pair.objectType;
+    ComparisonReport report;
+    report.Caption = QStringLiteral("Comparison Report");
+    report.ServerName1 = pair.sourceServer.Name;
+    report.ServerName2 = pair.targetServer.Name;
+    report.DbName1 = pair.sourceDb;
+    report.DbName2 = pair.targetDb;
+    report.TableName1 = pair.sourceObject;
+    report.TableName2 = pair.targetObject;
+    report.CompType = comparison_code::MetaData;
+    report.CompSubType = comparison_code::Individual;
+    report.EncObjTypes = EncodeObjTypes(kind);
+    return report;
+}
+
 bool CompareSelProcs(PairComparisonWindow& window, TextPane& source, TextPane& target,
                      bool useGivenText, const QString& givenSource, const QString& givenTarget) {
     return guarded("frmMain", "CompareSelProcs", false, [&] {
-        const BusyScope busy(window);
+        const ScopedValue<bool> busy(window.Busy(), true);
         bool identical = false;
         SelectedPair pair;
         {
@@ -97,15 +104,15 @@ bool CompareSelProcs(PairComparisonWindow& window, TextPane& source, TextPane& t
             if (pair.objectType == ObjectType::Table) {
                 const bool inSource =
                     readWithoutIgnoredColumns(pair.sourceServer, pair.sourceDb, pair.sourceObject,
-                                              pair.sourceFullName(), sourceText);
+                                              pair.sourceId, pair.sourceFullName(), sourceText);
                 const bool inTarget =
                     readWithoutIgnoredColumns(pair.targetServer, pair.targetDb, pair.targetObject,
-                                              pair.targetFullName(), targetText);
+                                              pair.targetId, pair.targetFullName(), targetText);
                 columnsIgnored = inSource || inTarget;
             }
             if (pair.objectType == ObjectType::View)
                 AdjustCreateViewStatements(sourceText, targetText);
-            identical = areIdentical(pair, sourceText, targetText, source, target);
+            identical = AreIdentical(pair.objectType, sourceText, targetText, source, target);
             if (!identical) {
                 bool error = false;
                 Mark_Differences(source, target, error, pair.objectType);

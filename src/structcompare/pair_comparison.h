@@ -6,6 +6,7 @@
 #include "catalog/mdlObjects.h"
 #include "core/server_info.h"
 #include "shell/controls.h"
+#include "structcompare/compare_all_screens.h"
 
 namespace zov {
 
@@ -36,13 +37,21 @@ class PairComparisonWindow {
     /// Reads the selection of both panels.
     virtual SelectedPair GetNamesOfSelected() = 0;
     /// The window's re-entrancy flag.
-    virtual void setBusy(bool busy) = 0;
+    virtual bool& Busy() = 0;
     /// Opens the report screen on globals().gstrReport.
     virtual void showComparisonReport(const SelectedPair& pair) = 0;
     /// The comparison belongs to a print job: it prints both panes and shows no report.
     virtual bool isPrintJob() const = 0;
     virtual void printBothPanes() = 0;
 };
+
+/// Whether two texts are the same but for what the settings leave out. `source` and `target` are the
+/// panes that show the objects: tests that go by lines look there.
+bool AreIdentical(ObjectType type, const QString& sourceText, const QString& targetText,
+                  const TextPane& source, const TextPane& target);
+
+/// The record of a finished pair comparison for the report screen.
+ComparisonReport reportOf(const SelectedPair& pair);
 
 /// Compares the panes' texts, or the given ones (highlighted sections). True when identical.
 bool CompareSelProcs(PairComparisonWindow& window, TextPane& source, TextPane& target,

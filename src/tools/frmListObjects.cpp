@@ -43,14 +43,18 @@ QStringList frmListObjects::tickedNames(int Index) const {
     return names;
 }
 
-void frmListObjects::cmdSelectAll(int Index) {
-    for (Row& row : pvlSqlObj[Index]) row.ticked = true;
+void frmListObjects::tickAll(bool ticked) {
+    for (std::vector<Row>& rows : pvlSqlObj)
+        for (Row& row : rows) row.ticked = ticked;
     refresh();
 }
 
-void frmListObjects::cmdDeselectAll(int Index) {
-    for (Row& row : pvlSqlObj[Index]) row.ticked = false;
-    refresh();
+void frmListObjects::cmdSelectAll() {
+    tickAll(true);
+}
+
+void frmListObjects::cmdDeselectAll() {
+    tickAll(false);
 }
 
 void frmListObjects::cmdOK() {

@@ -27,12 +27,14 @@ class frmListObjects : public Screen, public ObjectChooser {
     };
     std::vector<Row> pvlSqlObj[2];
 
-    void cmdSelectAll(int Index);
-    void cmdDeselectAll(int Index);
+    /// Both lists at once.
+    void cmdSelectAll();
+    void cmdDeselectAll();
     void cmdOK();
     void cmdCancel();
 
  private:
+    void tickAll(bool ticked);
     QStringList tickedNames(int Index) const;
 
     bool done_ = false;

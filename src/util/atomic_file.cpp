@@ -26,29 +26,44 @@ QString ensureFolder(const QString& path) {
 
 }  // namespace
 
-QString writeFileAtomically(const QString& path, const QByteArray& bytes, FileAccess access) {
-    if (const QString trouble = ensureFolder(path); !trouble.isEmpty()) return trouble;
-    QSaveFile file(path);
+AtomicFile::AtomicFile(const QString& path, FileAccess access)
+    : path_(path), failure_(ensureFolder(path)) {
+    if (!failure_.isEmpty()) return;
+    file_ = std::make_unique<QSaveFile>(path);
     // Unbuffered: with a buffer a disk that fills is noticed when the file is closed for renaming,
     // and the cut file takes the place of the old one all the same (Qt 6.4).
-    if (!file.open(QIODevice::WriteOnly | QIODevice::Unbuffered)) {
-        return cannotWrite(path, file.errorString());
+    if (!file_->open(QIODevice::WriteOnly | QIODevice::Unbuffered)) {
+        failure_ = cannotWrite(path, file_->errorString());
+    } else if (access == FileAccess::OwnerOnly) {
+        file_->setPermissions(QFileDevice::ReadOwner | QFileDevice::WriteOwner);
     }
-    if (access == FileAccess::OwnerOnly) {
-        file.setPermissions(QFileDevice::ReadOwner | QFileDevice::WriteOwner);
-    }
-    for (qsizetype done = 0; done < bytes.size();) {
-        const qint64 written = file.write(bytes.constData() + done, bytes.size() - done);
+}
+
+AtomicFile::~AtomicFile() = default;
+
+bool AtomicFile::write(const QByteArray& bytes) {
+    for (qsizetype done = 0; failure_.isEmpty() && done < bytes.size();) {
+        const qint64 written = file_->write(bytes.constData() + done, bytes.size() - done);
         if (written <= 0) {
-            const QString reason = file.errorString();
-            file.cancelWriting();
-            file.commit();
-            return cannotWrite(path, reason);
+            failure_ = cannotWrite(path_, file_->errorString());
+            file_->cancelWriting();
+            file_->commit();
+            break;
         }
         done += qsizetype(written);
     }
-    if (!file.commit()) return cannotWrite(path, file.errorString());
-    return {};
+    return failure_.isEmpty();
+}
+
+QString AtomicFile::commit() {
+    if (failure_.isEmpty() && !file_->commit()) failure_ = cannotWrite(path_, file_->errorString());
+    return failure_;
+}
+
+QString writeFileAtomically(const QString& path, const QByteArray& bytes, FileAccess access) {
+    AtomicFile file(path, access);
+    file.write(bytes);
+    return file.commit();
 }
 
 QString readWholeFile(const QString& path, QByteArray& bytes, bool* exists) {

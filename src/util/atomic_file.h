@@ -9,6 +9,9 @@
 #include <QString>
 
 #include <functional>
+#include <memory>
+
+class QSaveFile;
 
 namespace zov {
 
@@ -22,6 +25,26 @@ enum class FileAccess {
 /// that names the path and the reason; empty on success.
 QString writeFileAtomically(const QString& path, const QByteArray& bytes,
                             FileAccess access = FileAccess::Default);
+
+/// The same for what is too long to be held at once: pieces go to the temporary file, and commit()
+/// puts it in the place of the old one. An object that goes without it leaves the old file alone.
+class AtomicFile {
+ public:
+    explicit AtomicFile(const QString& path, FileAccess access = FileAccess::Default);
+    ~AtomicFile();
+
+    /// False when this piece or an earlier one could not be written.
+    bool write(const QByteArray& bytes);
+    /// Why the file can't be written, as above; empty while all is well.
+    const QString& failure() const { return failure_; }
+    /// failure() at the end of all.
+    QString commit();
+
+ private:
+    QString path_;
+    QString failure_;
+    std::unique_ptr<QSaveFile> file_;
+};
 
 /// Reads a whole file. A missing file is empty and no failure; `exists` tells. The result is a
 /// sentence as above, empty on success.

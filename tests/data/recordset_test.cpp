@@ -161,18 +161,18 @@ INSTANTIATE_TEST_SUITE_P(ServerSideOnly, ServerSide, ::testing::Values(2));
 
 TEST_P(ServerSide, StreamsInWindowsAndAsksAgainOnlyToGoBack) {
     if (GetParam() != 2) return;
-    Recordset rs = open(numbersTable(10000));
-    EXPECT_LT(rs.rowStore().rowCount(), 3000);
+    Recordset rs = open(numbersTable(100000));
+    EXPECT_LT(rs.rowStore().rowCount(), 10000);
     int count = 0;
     for (; !rs.isEof(); rs.MoveNext()) {
         ASSERT_EQ(rs.field(0).toInt64(), count++);
-        ASSERT_LT(rs.rowStore().rowCount(), 3000);
+        ASSERT_LT(rs.rowStore().rowCount(), 10000);
     }
-    EXPECT_EQ(count, 10000);
+    EXPECT_EQ(count, 100000);
     EXPECT_EQ(journal.count(QStringLiteral("execute SELECT")), 1);
     rs.MoveFirst();
     EXPECT_EQ(rs.field(0).text(), "0");
-    EXPECT_EQ(rs.RecordCount(), 10000);
+    EXPECT_EQ(rs.RecordCount(), 100000);
     EXPECT_EQ(journal.count(QStringLiteral("execute SELECT")), 2);
 }
 

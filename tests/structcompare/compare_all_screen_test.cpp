@@ -102,6 +102,26 @@ TEST_F(CompareAllScreen, TheMenusOpenTheReportWithItsCodes) {
     EXPECT_EQ(shell_.waitDepth, 0);
 }
 
+TEST_F(CompareAllScreen, AllObjectsAreEveryKindThatIsCompared) {
+    for (const bool constraints : {false, true}) {
+        globals().gblnAnalyzeConstraints = constraints;
+        report_.shown.clear();
+        CompareAllObjects(window_);
+        ASSERT_EQ(report_.shown.size(), 1u);
+        const ComparisonReport& report = report_.shown.front();
+        EXPECT_EQ(report.CompSubType, 10);
+        EXPECT_EQ(report.CompSubSubType, 0);
+        EXPECT_EQ(report.EncObjTypes.toStdString(),
+                  constraints ? "1,1,1,1,1,1,1,0" : "1,1,1,1,1,1,0,0");
+        EXPECT_TRUE(report_.text.contains(QStringLiteral("Comparison of relationships")));
+    }
+    databaseLists_[1].selectIndex(-1);
+    shell_.takeLines();
+    CompareAllObjects(window_);
+    EXPECT_EQ(shell_.takeLines().join(u'\n').toStdString(),
+              "information [Cannot Compare]: Cannot compare - the list of databases is empty.");
+}
+
 TEST_F(CompareAllScreen, ASavedProcessAsksNobody) {
     shell_.onScreen = [](Screen& screen) {
         dynamic_cast<frmCompareAllTables&>(screen).Form_Activate();

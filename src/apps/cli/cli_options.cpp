@@ -65,6 +65,23 @@ IgnoreComments, IgnoreIndexes, IgnoreColSeq, IgnoreSysObjects, AnalyzeConstraint
 
 Exit status: 0 identical, 1 differences found, 2 trouble.)";
 
+const char* const DataExamples = R"(Examples:
+  zovrand-cli data --source local:shop --source-db Shop --target db1 --target-db Shop
+      compares the rows of all tables, each by its stored settings
+  zovrand-cli data --source A --source-db Shop --target B --target-db Shop
+                   --table Orders --key OrderID --export orders.htm
+  zovrand-cli data --source A --source-db Shop --target B --target-db Shop
+                   --table "Order Details" --key OrderID,ProductID --ignore Changed
+  zovrand-cli data --source A --source-db Shop --target B --target-db Shop
+                   --table Log --method record --sort At,Id --offset 100 --target-offset 100
+
+By record, the first row of one table is compared with the first of the other, and so on;
+by key, each row with the one that has its key. Columns are paired by their places.
+The settings that count: DataCaseSensitive (1 or 0), MaxRowsInDiffTable, and
+CursorConnectionUseServer (1: rows are streamed and not kept, by record).
+
+Exit status: 0 identical, 1 differences found, 2 trouble.)";
+
 const char* const TypeHelp =
     "tables, procedures, functions, views, triggers, relationships, constraints or permissions";
 
@@ -124,6 +141,26 @@ void addServer(CLI::App* command, Options& options, Fields& fields) {
     addSettings(command, options, fields);
 }
 
+/// Both sides of a comparison.
+void addServers(CLI::App* command, Options& options, Fields& fields) {
+    command->add_option("--source", fields.text(options.server.server), "Source server")
+        ->type_name("SERVER")
+        ->required();
+    command->add_option("--source-db", fields.text(options.server.database), "Source database")
+        ->type_name("DB");
+    command->add_option("--target", fields.text(options.target.server), "Target server")
+        ->type_name("SERVER")
+        ->required();
+    command->add_option("--target-db", fields.text(options.target.database), "Target database")
+        ->type_name("DB");
+    addLogin(command, options, fields);
+    command
+        ->add_option("--target-login", fields.text(options.target.login),
+                     "Login for the target when it isn't --login's; its password comes from "
+                     "ZOVRAND_TARGET_PASSWORD, else from the same place")
+        ->type_name("USER");
+}
+
 void addType(CLI::App* command, Options& options, Fields& fields) {
     command
         ->add_option("-t,--type", fields.text(options.type),
@@ -169,6 +206,60 @@ void describeServerCommands(CLI::App& app, Options& options, Fields& fields, Cho
     choices.emplace_back(remove, Command::ServerRemove);
 }
 
+void describeData(CLI::App& app, Options& options, Fields& fields, Choices& choices) {
+    CLI::App* data =
+        app.add_subcommand("data", "Compare the rows of one table, of chosen ones or of all");
+    addServers(data, options, fields);
+    const auto text = [&](const char* option, QString& to, const char* type, const char* help) {
+        return data->add_option(option, fields.text(to), help)->type_name(type);
+    };
+    CLI::Option* table = text("--table", options.table, "NAME", "Compare this table");
+    text("--target-table", options.targetTable, "NAME",
+         "The target's table when it has another name")
+        ->needs(table);
+    data->add_option("--select", fields.list(options.select),
+                     "Compare these tables; a name that holds a comma in brackets")
+        ->type_name("NAME,...")
+        ->allow_extra_args(false)
+        ->excludes(table);
+    text("--method", options.method, "METHOD", "record or key; key when --key is given")
+        ->needs(table)
+        ->check(CLI::IsMember({"record", "key"}));
+    CLI::Option* key =
+        text("--key", options.key, "COLUMN,...", "Key columns, one to three")->needs(table);
+    text("--target-key", options.targetKey, "COLUMN,...", "The target's, when they have other names")
+        ->needs(key);
+    CLI::Option* sort =
+        text("--sort", options.sort, "COLUMN,...", "Sort by these, one to three")->needs(table);
+    text("--target-sort", options.targetSort, "COLUMN,...",
+         "The target's, when they have other names")
+        ->needs(sort);
+    data->add_option("--offset", options.offset, "Start from this record of the source (by record)")
+        ->type_name("N")
+        ->check(CLI::Range(0, 2147483647))
+        ->needs(table);
+    data->add_option("--target-offset", options.targetOffset, "The same for the target")
+        ->type_name("N")
+        ->check(CLI::Range(0, 2147483647))
+        ->needs(table);
+    CLI::Option* ignore =
+        text("--ignore", options.ignore, "COLUMN,...", "Leave these columns out")->needs(table);
+    text("--target-ignore", options.targetIgnore, "COLUMN,...",
+         "The target's, when they have other names")
+        ->needs(ignore);
+    data->add_option("--limit", options.limit, "Most rows that an export shows (500)")
+        ->type_name("N")
+        ->check(CLI::Range(1, 100000000))
+        ->needs(table);
+    text("--export", options.exportFile, "FILE", "Write the rows that differ to FILE.htm or FILE.csv")
+        ->needs(table);
+    text("-o,--output", options.outputFile, "FILE",
+         "Write the summary or report to this file instead of standard output");
+    addSettings(data, options, fields);
+    data->footer(DataExamples);
+    choices.emplace_back(data, Command::Data);
+}
+
 void describeCommands(CLI::App& app, Options& options, Fields& fields, Choices& choices) {
     describeServerCommands(app, options, fields, choices);
 
@@ -212,22 +303,7 @@ void describeCommands(CLI::App& app, Options& options, Fields& fields, Choices& 
 
     CLI::App* compare = app.add_subcommand(
         "compare", "Compare the structure of two databases and print the report");
-    compare->add_option("--source", fields.text(options.server.server), "Source server")
-        ->type_name("SERVER")
-        ->required();
-    compare->add_option("--source-db", fields.text(options.server.database), "Source database")
-        ->type_name("DB");
-    compare->add_option("--target", fields.text(options.target.server), "Target server")
-        ->type_name("SERVER")
-        ->required();
-    compare->add_option("--target-db", fields.text(options.target.database), "Target database")
-        ->type_name("DB");
-    addLogin(compare, options, fields);
-    compare
-        ->add_option("--target-login", fields.text(options.target.login),
-                     "Login for the target when it isn't --login's; its password comes from "
-                     "ZOVRAND_TARGET_PASSWORD, else from the same place")
-        ->type_name("USER");
+    addServers(compare, options, fields);
     compare
         ->add_option("-t,--types", fields.text(options.types),
                      "Kinds of objects, joined by commas; all when left out")
@@ -245,6 +321,7 @@ void describeCommands(CLI::App& app, Options& options, Fields& fields, Choices& 
     addSettings(compare, options, fields);
     compare->footer(CompareExamples);
     choices.emplace_back(compare, Command::Compare);
+    describeData(app, options, fields, choices);
 }
 
 }  // namespace
@@ -254,8 +331,8 @@ std::optional<Options> parseCommandLine(int argc, char** argv, int& status) {
     Fields fields;
     Choices choices;
     CLI::App app(
-        "Compares the structure of Microsoft SQL Server databases, on real servers and on "
-        "an embedded one.",
+        "Compares the structure and the rows of Microsoft SQL Server databases, on real servers "
+        "and on an embedded one.",
         "zovrand-cli");
     app.set_version_flag("--version", "zovrand-cli " + ProgramVersionText().toStdString() +
                                           " build " + std::to_string(ProgramBuildNumber));

@@ -14,7 +14,7 @@ inline constexpr int Identical = 0;  ///< or done
 inline constexpr int Different = 1;
 inline constexpr int Trouble = 2;
 
-enum class Command { ServerAdd, ServerList, ServerRemove, Load, Query, List, Text, Compare };
+enum class Command { ServerAdd, ServerList, ServerRemove, Load, Query, List, Text, Compare, Data };
 
 /// How one server is named on the command line.
 struct ServerArguments {
@@ -50,6 +50,17 @@ struct Options {
     QStringList select;  ///< as given, each may hold several names
     bool details = false;
     QString outputFile;
+
+    // data; what is empty (or -1) is left to the tables' stored settings
+    QString table;        ///< empty: all tables, or those of `select`
+    QString targetTable;  ///< empty: the same name
+    QString method;       ///< "record" or "key"
+    QString key, targetKey;
+    QString sort, targetSort;
+    QString ignore, targetIgnore;
+    int offset = -1, targetOffset = -1;
+    int limit = -1;
+    QString exportFile;
 };
 
 /// Reads the command line. No result: `status` is what the program ends with (help was printed, or

@@ -5,6 +5,7 @@
 #include "apps/cli/cli_options.h"
 #include "catalog/mdlObjects.h"
 #include "core/server_info.h"
+#include "structcompare/compare_all_screens.h"
 
 #include <QString>
 
@@ -44,6 +45,25 @@ void reachServer(ServerInfo& server, const QString& database, int panel);
 QString explainDbError(const DbError& error, const ServerInfo& server, const QString& database,
                        bool connected);
 
+/// The two sides of a comparison.
+struct ComparedServers {
+    ServerInfo source, target;
+    QString sourceDb, targetDb;
+};
+/// The servers that a command line compares; throws Failure.
+ComparedServers chooseServers(const Options& options);
+/// reachServer for both.
+void reachServers(const ComparedServers& servers);
+/// What a panel would list; failures are told, and give an empty list.
+std::vector<ObjectListRow> listedObjects(ObjectType type, int panel, const QString& database);
+/// The objects that --select names, as both sides have them, without schema. False when all are
+/// compared; throws Failure for a name that neither side has.
+bool chooseObjects(const Options& options, const ObjectKindBoxes& kinds,
+                   const ComparedServers& servers, QStringList& sourceObjects,
+                   QStringList& targetObjects);
+/// To standard output, or to the file of -o; throws Failure.
+void writeReport(const Options& options, const QString& report);
+
 /// "tables", "table", in any case; throws Failure.
 ObjectType objectTypeFromName(const QString& name);
 /// "a,[b,c],d" to its names; a name in brackets has its brackets taken off, "]]" within is one.
@@ -64,5 +84,6 @@ int runQuery(const Options& options, ConsoleShell& console);
 int runList(const Options& options, ConsoleShell& console);
 int runText(const Options& options, ConsoleShell& console);
 int runCompare(const Options& options, ConsoleShell& console);
+int runData(const Options& options, ConsoleShell& console);
 
 }  // namespace zov::cli

@@ -35,6 +35,8 @@ int run(const Options& options, ConsoleShell& console) {
             return runText(options, console);
         case Command::Compare:
             return runCompare(options, console);
+        case Command::Data:
+            return runData(options, console);
     }
     return Trouble;
 }

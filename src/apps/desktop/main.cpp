@@ -3,31 +3,66 @@
 #include "core/mdlMain.h"
 #include "core/product.h"
 #include "data/server_list.h"
+#include "shell/qt/appearance.h"
 #include "shell/qt/desktop_screens.h"
 #include "shell/qt/main_window.h"
 #include "shell/qt/qt_shell.h"
+#include "shell/qt/start_options.h"
 
 #include <QApplication>
+#include <QDir>
+
+#include <cstdio>
+#include <cstdlib>
 
 int main(int argc, char** argv) {
+    // Help and mistakes are told before a display is needed.
+    QStringList given;
+    for (int i = 1; i < argc; ++i) given += QString::fromLocal8Bit(argv[i]);
+    if (const zov::qt::StartOptions early = zov::qt::parseStartOptions(given);
+        !early.message.isEmpty() && !given.join(u' ').contains(u"-platform")) {
+        std::fputs(early.message.toLocal8Bit().constData(), early.exitStatus ? stderr : stdout);
+        return early.exitStatus;
+    }
+
     QApplication application(argc, argv);
     QApplication::setApplicationName(zov::product::Name);
+    QApplication::setApplicationVersion(zov::ProgramVersionText());
     QApplication::setDesktopFileName(QStringLiteral("zovrand"));
-    Q_INIT_RESOURCE(icons);
+    zov::qt::initDesktopResources();
+
+    const zov::qt::StartOptions options =
+        zov::qt::parseStartOptions(QApplication::arguments().mid(1));
+    if (!options.message.isEmpty()) {
+        std::fputs(options.message.toLocal8Bit().constData(), options.exitStatus ? stderr : stdout);
+        return options.exitStatus;
+    }
 
     zov::qt::QtShell shell;
     zov::installShell(&shell);
-    zov::RunStartUp(QApplication::arguments().mid(1).join(u' '),
-                    [] { zov::LoadServersFromRegistry(); });
+    zov::RunStartUp(options.rest, [] { zov::LoadServersFromRegistry(); });
+    // Leftovers of reports are looked for in the current folder: the program's own, not the user's.
+    QDir::setCurrent(zov::globals().gstrAppPath);
+    if (!options.palette.isEmpty())
+        zov::qt::storeAppearance(zov::qt::appearanceFromText(options.palette));
+    zov::qt::applyAppearance(zov::qt::storedAppearance());
+    zov::qt::storeEmbeddedServers(options);
 
-    zov::qt::DesktopScreens screens;
-    zov::qt::MainWindow window(screens);
-    screens.setWindow(&window);
-    zov::installReportPrinter(&screens);
-    shell.setMainWindow(&window);
-    window.controller().Form_Load();
-    window.show();
-    const int status = QApplication::exec();
+    int status = 0;
+    {
+        zov::qt::DesktopScreens screens;
+        zov::qt::MainWindow window(screens);
+        screens.setWindow(&window);
+        zov::installReportPrinter(&screens);
+        shell.setMainWindow(&window);
+        window.openAtStart(options);
+        window.controller().Form_Load();
+        window.show();
+        status = QApplication::exec();
+        zov::installReportPrinter(nullptr);
+    }
     zov::installShell(nullptr);
+    // A connection that was given up may still wait for its server in a thread of its own.
+    if (shell.hasAbandonedWork()) std::_Exit(status);
     return status;
 }

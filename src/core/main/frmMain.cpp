@@ -2,30 +2,32 @@
 
 #include "catalog/modOwner.h"
 #include "catalog/modSchema.h"
-#include "core/error_report.h"
 #include "core/globals.h"
 #include "core/main/main_screens.h"
 #include "core/mdlMain.h"
+#include "datacompare/modCompareData.h"
+#include "core/registry.h"
 #include "core/settings.h"
 #include "data/data_access_check.h"
 #include "data/frmAddServer.h"
 #include "data/frmDeleteServer.h"
 #include "data/server_list.h"
+#include "reports/copy_to_file.h"
 #include "scripting/modNew.h"
 #include "scripting/modSql.h"
+#include "shell/memory_controls.h"
 #include "shell/shell.h"
+#include "structcompare/compare_all_menu.h"
+#include "structcompare/modMarkDifferences.h"
 #include "util/text.h"
 
 namespace zov {
 namespace {
 
 constexpr const char* Module = "frmMain";
-constexpr int StructureComparisons = 2;
-constexpr int DataComparisons = 1;
 
-QString cannotCompare() {
-    return QStringLiteral("Cannot Compare");
-}
+const QString CannotCompare = QStringLiteral("Cannot Compare");
+const QString AllOwners = QStringLiteral("All Owners");
 
 // Silences a list's selection events while the program changes it.
 class ListOff {
@@ -39,34 +41,34 @@ class ListOff {
     ObjectList& list_;
 };
 
-void selectByName(ObjectList& list, const QString& name) {
-    for (int row = 0; row < list.rowCount(); ++row) {
-        if (list.row(row).name == name) {
-            list.selectRow(row);
-            return;
-        }
-    }
+// What is selected, as far as the pane's text depends on it.
+std::pair<int, int> selectionOf(const ObjectList& list) {
+    return {list.selectedIndex(), list.selectedCount()};
+}
+
+int rowOfName(const ObjectList& list, const QString& name) {
+    for (int row = 0; row < list.rowCount(); ++row)
+        if (list.row(row).name == name) return row;
+    return -1;
 }
 
 }  // namespace
 
 void frmMain::Form_Load() {
-    guardedRun(Module, "Form_Load", [&] {
-        const WaitPointer wait;
+    whileBusy("Form_Load", [&] {
         SetInitialServers();
         LoadObjectTypesCombo(view_.panels().cmbType);
         refillServerBoxes();
         view_.setConnectPicture(PictureDisconnected);
         view_.setOwnerControlsVisible(globals().gblnShowOwners);
+        view_.setStatusText(QStringLiteral("Connect to the servers   "));
         if (GetAutoConnect()) {
             if (!dataAccessUsable()) return;
-            InitializeDisplay(true, view_.panels(), *this);
+            initializeDisplay(true);
         }
         ResetFilter(SourcePanel);
         ResetFilter(TargetPanel);
-        Filtering_UpdateDisplay(FilterType::Owner, *this);
-        Filtering_UpdateDisplay(FilterType::Schema, *this);
-        Loaded = true;
+        showFilters();
     });
     // Whatever failed above was told; the window is there and works.
     Loaded = true;
@@ -77,8 +79,17 @@ void frmMain::Form_Activate() {
     activated_ = true;
     guardedRun(Module, "Form_Activate", [&] {
         if (readBooleanSetting(QStringLiteral("ShowTipOfDay"))) screens_.showTip();
-        ServerInfoSet(view_.panels(), *this);
+        serverInfoSet();
     });
+}
+
+void frmMain::tellSettingsFailure() {
+    const QString failure = takeSettingsFailure();
+    if (failure.isEmpty() || settingsFailureTold_) return;
+    settingsFailureTold_ = true;
+    shell().messageBox(failure + QStringLiteral("\r\n\r\nWhat was changed holds until the program "
+                                                "ends. Make the place writable to keep it."),
+                       QStringLiteral("Settings Not Stored"), BoxIcon::Exclamation);
 }
 
 bool frmMain::dataAccessUsable() {
@@ -97,11 +108,33 @@ bool frmMain::addServer() {
     return true;
 }
 
+bool frmMain::serverInfoSet() {
+    const ScopedValue<bool> busy(Busy_, true);
+    const bool set = ServerInfoSet(view_.panels(), *this);
+    showFilters();
+    return set;
+}
+
+void frmMain::initializeDisplay(bool pblnLoadMRUDb) {
+    const ScopedValue<bool> busy(Busy_, true);
+    const WaitPointer wait;
+    InitializeDisplay(pblnLoadMRUDb, view_.panels(), *this);
+    showFilters();
+}
+
+void frmMain::showFilters() {
+    Filtering_UpdateDisplay(FilterType::Owner, *this);
+    Filtering_UpdateDisplay(FilterType::Schema, *this);
+}
+
 const ServerInfo& frmMain::server(int Index) {
     return globals().gtCurrentServers[Index];
 }
 QString frmMain::database(int Index) {
     return view_.panels()[Index].pvlDb.text();
+}
+bool frmMain::anyDatabase() {
+    return !database(SourcePanel).isEmpty() || !database(TargetPanel).isEmpty();
 }
 
 ObjectType frmMain::selectedType() {
@@ -130,42 +163,45 @@ SelectedPair frmMain::GetNamesOfSelected() {
 }
 
 void frmMain::cmdConnect_Click() {
-    if (!Loaded || Busy_) return;
-    guardedRun(Module, "cmdConnect_Click", [&] {
-        const ScopedValue<bool> busy(Busy_, true);
-        if (dataAccessUsable()) InitializeDisplay(true, view_.panels(), *this);
+    if (!Loaded) return;
+    whileBusy("cmdConnect_Click", [&] {
+        if (dataAccessUsable()) initializeDisplay(true);
     });
 }
 
 void frmMain::cmbServer_Click(int Index) {
     Panel& panel = view_.panels()[Index];
-    if (panel.cmbServer.Tag == u"OFF" || Busy_) return;
-    guardedRun(Module, "cmbServer_Click", [&] {
-        const ScopedValue<bool> busy(Busy_, true);
+    if (panel.cmbServer.Tag == u"OFF") return;
+    whileBusy("cmbServer_Click", [&] {
         ServerInfo chosen;
         chosen.Name = panel.cmbServer.text();
         if (chosen.Name.isEmpty()) return;
-        GetServerInfoByName(chosen);
+        if (!GetServerInfoByName(chosen)) {
+            // Another instance took it off the list: the panel stays with its server.
+            panel.cmbServer.Tag = QStringLiteral("OFF");
+            panel.cmbServer.setText(server(Index).Name);
+            panel.cmbServer.Tag.clear();
+            return;
+        }
         globals().gtCurrentServers[Index] = chosen;
         ResetFilter(Index);
-        Filtering_UpdateDisplay(FilterType::Schema, *this);
+        showFilters();
         ClearPanel(panel);
         const bool loaded = LoadServer(globals().gtCurrentServers[Index], panel,
                                        view_.panels().cmbType, true, Index, view_.panels().texts);
-        if (loaded) view_.setConnectPicture(PictureConnected);
+        view_.setConnectPicture(loaded || anyDatabase() ? PictureConnected : PictureDisconnected);
     });
 }
 
 void frmMain::pvlDb_Click(int Index) {
     Panel& panel = view_.panels()[Index];
-    if (panel.pvlDb.Tag == u"OFF" || Busy_) return;
-    guardedRun(Module, "pvlDb_Click", [&] {
-        const ScopedValue<bool> busy(Busy_, true);
+    if (panel.pvlDb.Tag == u"OFF") return;
+    whileBusy("pvlDb_Click", [&] {
         const QString name = Trim(panel.pvlDb.text());
         if (name.isEmpty()) return;
         DatabaseChanged(globals().gtCurrentServers[Index], name, panel, view_.panels().cmbType,
                         Index, view_.panels().texts);
-        Filtering_UpdateDisplay(FilterType::Schema, *this);
+        showFilters();
     });
 }
 
@@ -175,31 +211,54 @@ void frmMain::cmbType_Click() {
 
 void frmMain::cmbOwners_Click(int Index) {
     Panel& panel = view_.panels()[Index];
-    if (panel.cmbOwners.Tag == u"OFF" || Busy_) return;
-    guardedRun(Module, "cmbOwners_Click", [&] {
-        const ScopedValue<bool> busy(Busy_, true);
+    if (panel.cmbOwners.Tag == u"OFF") return;
+    whileBusy("cmbOwners_Click", [&] {
         zov::cmbOwners_Click(server(Index), panel, view_.panels().cmbType, Index,
                              view_.panels().texts);
     });
 }
 
 void frmMain::pvlSqlObj_Click(int Index) {
-    Panel& panel = view_.panels()[Index];
-    if (panel.pvlSqlObj.Tag == u"OFF") return;
-    guardedRun(Module, "pvlSqlObj_Click", [&] {
-        refreshPaneText(Index);
-        if (!Loaded || Busy_ || Index != SourcePanel || !globals().gblnAutoSelTargetObj) return;
-        const int row = panel.pvlSqlObj.selectedIndex();
-        if (row < 0) return;
-        const QString name = panel.pvlSqlObj.row(row).name;
-        if (!name.isEmpty()) selectByName(view_.panels().target.pvlSqlObj, name);
+    ObjectList& list = view_.panels()[Index].pvlSqlObj;
+    // A load shows the text of what it selects by itself.
+    if (list.Tag == u"OFF") return;
+    whileBusy("pvlSqlObj_Click", [&] {
+        if (list.selectedCount() == 0 && list.rowCount() > 0) {
+            const ListOff off(list);
+            list.selectRow(0);
+        }
+        // Another row may be chosen while the server is asked for this one.
+        std::pair<int, int> shown;
+        do {
+            shown = selectionOf(list);
+            refreshPaneText(Index);
+        } while (shown != selectionOf(list));
+        if (!Loaded || Index != SourcePanel || !globals().gblnAutoSelTargetObj) return;
+        const int row = list.selectedIndex();
+        if (row >= 0) selectByName(TargetPanel, list.row(row).name);
     });
 }
 
 void frmMain::refreshPaneText(int Index) {
     Panel& panel = view_.panels()[Index];
+    // Taken off again by the routine: a row that it selects is shown once.
+    panel.pvlSqlObj.Tag = QStringLiteral("OFF");
     UpdateProcedureTextBox(server(Index), panel.txtTXProc, panel.pvlSqlObj, selectedType(),
                            database(Index), {}, 0, Index);
+}
+
+void frmMain::showObject(int Index, int row) {
+    ObjectList& list = view_.panels()[Index].pvlSqlObj;
+    {
+        const ListOff off(list);
+        list.selectRow(row);
+    }
+    refreshPaneText(Index);
+}
+
+void frmMain::selectByName(int Index, const QString& name) {
+    const int row = name.isEmpty() ? -1 : rowOfName(view_.panels()[Index].pvlSqlObj, name);
+    if (row >= 0) showObject(Index, row);
 }
 
 void frmMain::cmdFilter_Click(int Index, FilterType Type) {
@@ -213,39 +272,43 @@ void frmMain::srtFiltering_Click(int Index) {
     if (!Busy_) RemoveFilter(Index, FilterType::Schema, *this);
 }
 
+void frmMain::cmdViewData_Click(int Index) {
+    whileBusy("cmdViewData_Click", [&] {
+        TableChoice choice;
+        if (CanViewAnalyzeData(0, Index, choice))
+            screens_.viewData(Index, choice.database, choice.table, choice.extendedName, choice.id);
+    });
+}
+
 void frmMain::cmdCopyClip_Click(int Index) {
-    shell().setClipboardText(view_.panels()[Index].txtTXProc.text());
+    TxText_CopyToClipboard(view_.panels()[Index].txtTXProc);
 }
 
 void frmMain::cmdCopyToFile_Click(int Index) {
     Panel& panel = view_.panels()[Index];
     const int row = panel.pvlSqlObj.selectedIndex();
-    screens_.copyToFile(panel.txtTXProc.text(),
-                        row < 0 ? QString() : panel.pvlSqlObj.row(row).name);
+    QString path;
+    CopyToFile(panel.txtTXProc.text(), row < 0 ? QString() : panel.pvlSqlObj.row(row).name, path);
 }
 
 void frmMain::ObjectTypeChanged(int Mode, int Value, int PanelBits) {
     ChoiceList& box = view_.panels().cmbType;
-    if (Busy_ || box.Tag == u"OFF") return;
-    guardedRun(Module, "ObjectTypeChanged", [&] {
-        const ScopedValue<bool> busy(Busy_, true);
-        if (!ServerInfoSet(view_.panels(), *this)) return;
+    if (box.Tag == u"OFF") return;
+    whileBusy("ObjectTypeChanged", [&] {
+        if (!serverInfoSet()) return;
         const ObjectType type = Mode == 20 ? ObjectTypeFromPosition(Value) : selectedType();
         QString plural = GetObjectTypeName(type, true);
         if (plural.isEmpty()) plural = QStringLiteral("objects");
         view_.setCompareToolTip(QStringLiteral("Compare selected ") + plural +
                                 QStringLiteral(" (F7)"));
         view_.setListToolTips(QStringLiteral("List of all ") + plural);
+        if (!anyDatabase()) return initializeDisplay(false);
         Panels& panels = view_.panels();
-        if (panels.source.pvlDb.text().isEmpty() && panels.target.pvlDb.text().isEmpty()) {
-            InitializeDisplay(false, panels, *this);
-            return;
-        }
         for (int Index = SourcePanel; Index <= TargetPanel; ++Index) {
-            if (!(PanelBits & (1 << Index)) || panels[Index].pvlDb.text().isEmpty()) continue;
+            if (!(PanelBits & (1 << Index)) || database(Index).isEmpty()) continue;
             {
                 const ListOff off(panels[Index].pvlSqlObj);
-                panels[Index].pvlSqlObj.selectRow(-1);
+                panels[Index].pvlSqlObj.selectRow(0);
             }
             LoadObjects(server(Index), panels[Index].pvlSqlObj, panels[Index].txtTXProc, type,
                         database(Index), true, {}, Index, &panels.texts);
@@ -254,13 +317,13 @@ void frmMain::ObjectTypeChanged(int Mode, int Value, int PanelBits) {
 }
 
 void frmMain::RefreshDisplayForPanel(int Index) {
+    if (Busy_) return;
     ObjectList& list = view_.panels()[Index].pvlSqlObj;
     const int row = list.selectedIndex();
     const QString name = row < 0 ? QString() : list.row(row).name;
-    // A filter button holds the window busy while it refreshes its panel.
-    const ScopedValue<bool> idle(Busy_, false);
     ObjectTypeChanged(10, 1, Index + 1);
-    if (!name.isEmpty()) selectByName(list, name);
+    const int now = list.selectedIndex();
+    if (now < 0 || list.row(now).name != name) selectByName(Index, name);
 }
 
 void frmMain::RefreshSourceTarget(int Index) {
@@ -268,59 +331,62 @@ void frmMain::RefreshSourceTarget(int Index) {
 }
 
 void frmMain::showComparisonReport(const SelectedPair& pair) {
-    ComparisonReport report;
-    report.Caption = QStringLiteral("Comparison Report");
-    report.ServerName1 = pair.sourceServer.Name;
-    report.ServerName2 = pair.targetServer.Name;
-    report.DbName1 = pair.sourceDb;
-    report.DbName2 = pair.targetDb;
-    report.SourceNames = {pair.sourceObject};
-    report.TargetNames = {pair.targetObject};
-    screens_.reportScreen().ShowUp(report);
+    screens_.ShowUp(reportOf(pair));
 }
 
 void frmMain::printBothPanes() {
-    view_.printPane(SourcePanel, QStringLiteral("Source: "), GetNamesOfSelected().sourceFullName());
-    view_.printPane(TargetPanel, QStringLiteral("Target: "), GetNamesOfSelected().targetFullName());
+    printed_ = PrintStructure(SourcePanel, true, QStringLiteral("Source: ")) &&
+               PrintStructure(TargetPanel, true, QStringLiteral("Target: "));
 }
 
 void frmMain::cmdCompare_Click() {
+    whileBusy("cmdCompare_Click", [&] {
+        if (CanCompare())
+            CompareSelProcs(*this, view_.panels().source.txtTXProc,
+                            view_.panels().target.txtTXProc);
+    });
+}
+
+// The run has lists and panes of its own for its scratch: what the user looks at stays as it is.
+void frmMain::compareDatabases(const char* handler,
+                               const std::function<void(CompareAllWindow&)>& run) {
+    if (!dataAccessUsable()) return;
     if (Busy_) return;
-    Panels& panels = view_.panels();
-    if (panels.source.pvlDb.text().isEmpty() || panels.target.pvlDb.text().isEmpty()) {
-        shell().messageBox(QStringLiteral("Cannot compare - the list of databases is empty."),
-                           cannotCompare());
-        return;
-    }
-    CompareSelProcs(*this, panels.source.txtTXProc, panels.target.txtTXProc);
+    const ScopedValue<bool> busy(Busy_, true);
+    guardedRun(Module, handler, [&] {
+        MemoryObjectList lists[2];
+        MemoryTextPane panes[2];
+        ComparePanels scratch{{lists[SourcePanel], panes[SourcePanel]},
+                              {lists[TargetPanel], panes[TargetPanel]}};
+        Panels& panels = view_.panels();
+        CompareAllWindow window{panels.source.pvlDb, panels.target.pvlDb, scratch,
+                                screens_.listObjects(), screens_};
+        run(window);
+    });
 }
 
 void frmMain::compareBulk(int kindIndex, bool selective, bool details) {
-    if (Busy_ || !dataAccessUsable()) return;
-    Panels& panels = view_.panels();
-    const auto restore = [&](int Index, const QString& name) {
-        if (panels[Index].pvlDb.text().isEmpty()) return;
-        RefreshDisplayForPanel(Index);
-        selectByName(panels[Index].pvlSqlObj, name);
-    };
-    const SelectedPair before = GetNamesOfSelected();
-    {
-        const ScopedValue<bool> busy(Busy_, true);
-        screens_.compareAll(panels, kindIndex, selective, details);
-    }
-    // The run used the lists and panes as its scratch.
-    restore(SourcePanel, before.sourceObject);
-    restore(TargetPanel, before.targetObject);
+    compareDatabases("CompStruct_BulkSel_SimpleDet_All", [&](CompareAllWindow& window) {
+        CompStruct_BulkSel_SimpleDet_All(window, kindIndex, selective, details);
+    });
 }
 
 void frmMain::cmdCompareAll_Click() {
-    static const ObjectType order[] = {
-        ObjectType::Table,   ObjectType::Procedure,    ObjectType::Function,  ObjectType::View,
-        ObjectType::Trigger, ObjectType::Relationship, ObjectType::Constraint};
-    int index = 0;
-    for (int i = 0; i < int(std::size(order)); ++i)
-        if (order[i] == selectedType()) index = i;
-    compareBulk(index, false, false);
+    compareDatabases("cmdCompareAll_Click", CompareAllObjects);
+}
+
+void frmMain::CompareData() {
+    if (!dataAccessUsable() || Busy_) return;
+    const ScopedValue<bool> busy(Busy_, true);
+    guardedRun(Module, "CompareData", [&] {
+        SelectedPair pair;
+        if (!CanCompareData(pair)) return;
+        bool showOptions = false;
+        PerformDataComparison(
+            {CompareDataTable{pair.sourceServer, pair.sourceDb, pair.sourceObject, pair.sourceId},
+             CompareDataTable{pair.targetServer, pair.targetDb, pair.targetObject, pair.targetId}},
+            showOptions, false, true);
+    });
 }
 
 void frmMain::MenuRemoveServer() {
@@ -331,7 +397,7 @@ void frmMain::MenuRemoveServer() {
     frmDeleteServer screen;
     if (!screen.ShowUp()) return;
     refillServerBoxes();
-    InitializeDisplay(false, view_.panels(), *this);
+    initializeDisplay(false);
 }
 
 void frmMain::MenuToolsOptions() {
@@ -341,23 +407,28 @@ void frmMain::MenuToolsOptions() {
     const qint32 oldCache = settings.glngCacheSize;
     const bool hadConstraints = settings.gblnAnalyzeConstraints;
     if (!screens_.showOptions()) return;
+    settingsFailureTold_ = false;
     Panels& panels = view_.panels();
     if (settings.gblnShowOwners != hadOwners) {
         view_.setOwnerControlsVisible(settings.gblnShowOwners);
-        if (settings.gblnShowOwners) {
-            if (panels.source.pvlDb.text().isEmpty() && panels.target.pvlDb.text().isEmpty()) {
-                InitializeDisplay(false, panels, *this);
-            } else {
-                for (int Index = SourcePanel; Index <= TargetPanel; ++Index)
+        if (settings.gblnShowOwners && !anyDatabase()) {
+            initializeDisplay(false);
+        } else if (settings.gblnShowOwners) {
+            for (int Index = SourcePanel; Index <= TargetPanel; ++Index)
+                if (!database(Index).isEmpty())
                     LoadOwners(server(Index), database(Index), panels[Index].cmbOwners);
-            }
         }
     }
     if (settings.glngCursorLocation != oldLocation) {
         shell().messageBox(
             QStringLiteral("Cursor location setting was changed.\r\n\r\nPlease click OK and wait "
                            "while the connections are refreshed."));
-        InitializeDisplay(false, panels, *this);
+        if (!server(SourcePanel).Name.isEmpty() && !server(TargetPanel).Name.isEmpty()) {
+            const QString owners[] = {panels.source.cmbOwners.text(),
+                                      panels.target.cmbOwners.text()};
+            initializeDisplay(false);
+            takeOwnersBack(owners);
+        }
     }
     if (settings.glngCacheSize != oldCache && settings.glngCursorLocation != adUseServer)
         shell().messageBox(
@@ -368,14 +439,45 @@ void frmMain::MenuToolsOptions() {
             QStringLiteral("Setting 'Treat Constraints as a separate object type' changed.\r\n\r\n"
                            "Please click OK and wait while the display is refreshed."));
         LoadObjectTypesCombo(panels.cmbType);
-        InitializeDisplay(false, panels, *this);
+        initializeDisplay(false);
+        ConstraintsMenuItems_MaintainVisibility();
     }
+}
+
+// The owner that narrowed a list before its panel was loaded anew.
+void frmMain::takeOwnersBack(const QString (&owners)[2]) {
+    for (int Index = SourcePanel; Index <= TargetPanel; ++Index) {
+        ChoiceList& box = view_.panels()[Index].cmbOwners;
+        if (owners[Index].isEmpty() || owners[Index] == AllOwners) continue;
+        for (int item = 0; item < box.count(); ++item) {
+            if (box.itemText(item) != owners[Index]) continue;
+            box.Tag = QStringLiteral("OFF");
+            box.selectIndex(item);
+            box.Tag.clear();
+            zov::cmbOwners_Click(server(Index), view_.panels()[Index], view_.panels().cmbType,
+                                 Index, view_.panels().texts);
+            break;
+        }
+    }
+}
+
+// The entries for constraints are always there: their place is given by the object types' box and
+// by the boxes of the bulk comparison.
+bool frmMain::ConstraintsMenuItems_MaintainVisibility() {
+    return true;
 }
 
 void frmMain::MenuToolsFindInDb(int Index) {
     if (!CanSearchForObject(Index)) return;
-    const QString name = screens_.searchForObject(Index, selectedType());
-    if (!name.isEmpty()) selectByName(view_.panels()[Index].pvlSqlObj, name);
+    const QString name = screens_.searchForObject(Index, selectedType(), database(Index));
+    if (name.isEmpty()) return;
+    if (rowOfName(view_.panels()[Index].pvlSqlObj, name) < 0)
+        shell().messageBox(QStringLiteral("'%1' isn't in the panel's list any more or was left out "
+                                          "of it.\r\n\r\nRefresh the panel and choose all owners to "
+                                          "see it.")
+                               .arg(name),
+                           QStringLiteral("Cannot View"));
+    selectByName(Index, name);
 }
 
 void frmMain::MenuSqlCreate(int Index) {
@@ -411,25 +513,36 @@ bool frmMain::hasText(int Index) const {
     return !view_.panels()[Index].txtTXProc.text().isEmpty();
 }
 
+bool frmMain::PrintStructure(int Index, bool silent, const QString& title) {
+    if (!silent && !hasText(Index)) {
+        shell().messageBox(
+            QStringLiteral("Cannot continue - there is no structure displayed for selected table."),
+            QStringLiteral("Cannot Continue"));
+        return false;
+    }
+    const SelectedPair pair = GetNamesOfSelected();
+    return view_.printPane(Index, title,
+                           Index == SourcePanel ? pair.sourceFullName() : pair.targetFullName(),
+                           silent);
+}
+
 void frmMain::MenuPopUpPrint(int Index) {
-    if (!hasText(Index)) {
+    PrintStructure(Index, false,
+                   Index == SourcePanel ? QStringLiteral("Source: ") : QStringLiteral("Target: "));
+}
+
+void frmMain::ignoreColumns(int Index) {
+    if (!dataAccessUsable() || !TablesAreActive()) return;
+    const SelectedPair pair = GetNamesOfSelected();
+    const bool isSource = Index == SourcePanel;
+    const QString table = isSource ? pair.sourceObject : pair.targetObject;
+    if (table.isEmpty()) {
         shell().messageBox(
             QStringLiteral("Cannot continue - there is no structure displayed for selected table."),
             QStringLiteral("Cannot Continue"));
         return;
     }
-    const SelectedPair pair = GetNamesOfSelected();
-    if (Index == SourcePanel)
-        view_.printPane(Index, QStringLiteral("Source: "), pair.sourceFullName());
-    else
-        view_.printPane(Index, QStringLiteral("Target: "), pair.targetFullName());
-}
-
-void frmMain::ignoreColumns(int Index) {
-    if (!TablesAreActive()) return;
-    const SelectedPair pair = GetNamesOfSelected();
-    const bool isSource = Index == SourcePanel;
-    screens_.ignoreColumns(Index, database(Index), isSource ? pair.sourceObject : pair.targetObject,
+    screens_.ignoreColumns(Index, database(Index), table,
                            isSource ? pair.sourceId : pair.targetId);
 }
 
@@ -441,7 +554,7 @@ void frmMain::visualizeDifferences() {
 
 void frmMain::CompareAndPrintAllTables() {
     Panels& panels = view_.panels();
-    const auto refuse = [](const QString& text) { shell().messageBox(text, cannotCompare()); };
+    const auto refuse = [](const QString& text) { shell().messageBox(text, CannotCompare); };
     if (server(SourcePanel).Name.isEmpty())
         return refuse(QStringLiteral("Please select Source server first."));
     if (server(TargetPanel).Name.isEmpty())
@@ -451,12 +564,20 @@ void frmMain::CompareAndPrintAllTables() {
         return refuse(QStringLiteral("Cannot compare - the list of databases is empty."));
     if (server(SourcePanel).Name == server(TargetPanel).Name && source == target)
         return refuse(QStringLiteral("Cannot compare - Source and Target database are the same."));
+    // The lists hold tables only while these are the active objects.
+    if (!TablesAreActive()) return;
     if (panels.source.pvlSqlObj.rowCount() == 0)
         return refuse(QStringLiteral("Cannot compare - there are no tables in Source database."));
     if (panels.target.pvlSqlObj.rowCount() == 0)
         return refuse(QStringLiteral("Cannot compare - there are no tables in Target database."));
     const ScopedValue<bool> printing(printJob_, true);
-    screens_.compareAndPrint();
+    screens_.compareAndPrint(*this);
+}
+
+bool frmMain::compareAndPrintPair() {
+    printed_ = false;
+    CompareSelProcs(*this, view_.panels().source.txtTXProc, view_.panels().target.txtTXProc);
+    return printed_;
 }
 
 }  // namespace zov

@@ -5,8 +5,11 @@
 
 #include "catalog/panel_filtering.h"
 #include "catalog/panel_loading.h"
+#include "core/error_report.h"
 #include "core/globals.h"
 #include "core/main/command_table.h"
+#include "reports/frmCompareAndPrint.h"
+#include "shell/shell.h"
 #include "structcompare/pair_comparison.h"
 
 namespace zov {
@@ -24,16 +27,21 @@ class MainWindowView {
     virtual void setOwnerControlsVisible(bool visible) = 0;
     virtual void setStatusText(const QString& text) = 0;
     virtual void focusTypeBox() = 0;
-    /// Prints a pane's text with a header; false when printing was given up.
-    virtual bool printPane(int Index, const QString& title, const QString& header) = 0;
+    /// Prints a pane's text with a header; false when printing was given up or there is no printer
+    /// (which is told). `silent`: at once on the default printer, nothing is asked.
+    virtual bool printPane(int Index, const QString& title, const QString& header, bool silent) = 0;
     virtual void showHelp(int topic) = 0;
     virtual void showAbout() = 0;
     virtual void closeWindow() = 0;
 };
 
 class MainScreens;
+struct CompareAllWindow;
 
-class frmMain : public PanelWindow, public PairComparisonWindow, public FilterWindow {
+class frmMain : public PanelWindow,
+                public PairComparisonWindow,
+                public FilterWindow,
+                public CompareAndPrintWindow {
  public:
     frmMain(MainWindowView& view, MainScreens& screens) : view_(view), screens_(screens) {}
 
@@ -42,9 +50,12 @@ class frmMain : public PanelWindow, public PairComparisonWindow, public FilterWi
     /// The first activation: tip of the day, the first server, a saved process of the command line.
     void Form_Activate();
 
-    /// The dispatch of all commands; `Panel` is the pane of a pop-up command. Unknown ids do
-    /// nothing.
+    /// The dispatch of all commands; `Panel` is the pane of a pop-up command. Unknown ids, submenus
+    /// and commands that aren't built do nothing; nor does a command while another one is at work,
+    /// but for help and the way out.
     void ExecuteAction(int Id, int Panel = SourcePanel);
+    /// Whether a pop-up command belongs into the menu of a pane for the active object type.
+    bool isInPaneMenu(int Id);
     /// Whether a command can be offered now: it is built, and a pop-up command has text to work on.
     bool isOffered(int Id) const;
 
@@ -59,6 +70,8 @@ class frmMain : public PanelWindow, public PairComparisonWindow, public FilterWi
     void srtFiltering_Click(int Index);
     void cmdCopyClip_Click(int Index);
     void cmdCopyToFile_Click(int Index);
+    /// "View Data": the rows of the panel's selected table.
+    void cmdViewData_Click(int Index);
 
     /// Mode 10: the type of `cmbType`; mode 20: list position `Value`. `PanelBits`: 1 Source, 2
     /// Target.
@@ -71,6 +84,11 @@ class frmMain : public PanelWindow, public PairComparisonWindow, public FilterWi
     bool ProgrammableObjectsAreActive();
     bool CanFilter(int Index, FilterType Type) override;
     bool CanSearchForObject(int Index);
+    /// Two databases, and objects in one of them at least.
+    bool CanCompare();
+    /// CanCompare for the data of the two selected tables. Asks when their structures differ.
+    bool CanCompareData(SelectedPair& pair);
+    bool CanDisplayDbInfo(int Index);
     /// What viewing and analysing work on.
     struct TableChoice {
         ServerInfo server;
@@ -86,14 +104,14 @@ class frmMain : public PanelWindow, public PairComparisonWindow, public FilterWi
     ObjectType selectedType();
     SelectedPair GetNamesOfSelected() override;
 
-    // PanelWindow, PairComparisonWindow, FilterWindow.
+    // PanelWindow, PairComparisonWindow, FilterWindow, CompareAndPrintWindow.
     void setConnectPicture(int picture) override { view_.setConnectPicture(picture); }
     bool addServer() override;
     bool dataAccessUsable() override;
-    void setBusy(bool busy) override { Busy_ = busy; }
     void showComparisonReport(const SelectedPair& pair) override;
     bool isPrintJob() const override { return printJob_; }
     void printBothPanes() override;
+    /// The re-entrancy flag: while it is set, events of the window do nothing.
     bool& Busy() override { return Busy_; }
     const ServerInfo& server(int Index) override;
     QString database(int Index) override;
@@ -103,32 +121,65 @@ class frmMain : public PanelWindow, public PairComparisonWindow, public FilterWi
     void setFilterMark(int Index, bool visible, const QString& toolTip) override {
         view_.setFilterMark(Index, visible, toolTip);
     }
+    const ObjectList& objects(int Index) override { return view_.panels()[Index].pvlSqlObj; }
+    void showObject(int Index, int row) override;
+    bool compareAndPrintPair() override;
 
     bool Loaded = false;
 
  private:
+    /// An event's handler that loads or compares: nothing while another one does, and the mark for
+    /// its own length. A failure goes to the common report under the handler's name.
+    template <typename Body>
+    void whileBusy(const char* handler, Body body) {
+        if (Busy_) return;
+        const ScopedValue<bool> busy(Busy_, true);
+        {
+            const WaitPointer wait;
+            guardedRun("frmMain", handler, body);
+        }
+        tellSettingsFailure();
+    }
+    /// Says once, and after the options each time, that the settings could not be stored.
+    void tellSettingsFailure();
+
     void refillServerBoxes();
+    void initializeDisplay(bool pblnLoadMRUDb);
+    void showFilters();
+    bool serverInfoSet();
+    bool anyDatabase();
+    void selectByName(int Index, const QString& name);
+    void takeOwnersBack(const QString (&owners)[2]);
     void MenuRemoveServer();
     void MenuToolsOptions();
     void MenuToolsFindInDb(int Index);
     void MenuSqlCreate(int Index);
     void BuildSQLCreateStatement(int Index);
     void MenuPopUpPrint(int Index);
+    bool PrintStructure(int Index, bool silent, const QString& title);
     void CompareAndPrintAllTables();
     void compareBulk(int kindIndex, bool selective, bool details);
+    void compareDatabases(const char* handler,
+                          const std::function<void(CompareAllWindow&)>& run);
+    bool ConstraintsMenuItems_MaintainVisibility();
     void cmdCompare_Click();
     void cmdCompareAll_Click();
+    /// The rows of the two selected tables, as the options screen or their stored settings say.
+    void CompareData();
     void refreshPaneText(int Index);
     void ignoreColumns(int Index);
     void visualizeDifferences();
     void executeDebugAction(int Id, int Index);
     bool hasText(int Index) const;
+    bool showsNothing(int Index) const;
 
     MainWindowView& view_;
     MainScreens& screens_;
     bool Busy_ = false;
     bool activated_ = false;
     bool printJob_ = false;
+    bool settingsFailureTold_ = false;
+    bool printed_ = false;  ///< what printBothPanes could do
 };
 
 }  // namespace zov

@@ -5,16 +5,18 @@
 #include "core/main/frmMain.h"
 #include "core/main/main_screens.h"
 #include "core/mdlMain.h"
+#include "core/modIgnoreColumns.h"
+#include "datacompare/compare_all_data.h"
 #include "scripting/mdlQueryCode.h"
 #include "shell/shell.h"
+
+#include <QSet>
 
 namespace zov {
 namespace {
 
 namespace cmd = command;
 
-constexpr int DataComparisons = 1;
-constexpr int StructureComparisons = 2;
 constexpr int SupportTopic = 230;
 
 // The kind of a bulk command, or -1 when the id is not of that group.
@@ -24,6 +26,17 @@ int kindOf(int id, int first) {
 }
 
 }  // namespace
+
+bool frmMain::isInPaneMenu(int Id) {
+    const CommandEntry* entry = findCommand(Id);
+    if (!entry || entry->menu != CommandMenu::PanePopUp) return false;
+    const ObjectType type = selectedType();
+    if (Id == cmd::IgnoreColumns) return type == ObjectType::Table;
+    if (Id == cmd::References)
+        return type == ObjectType::Procedure || type == ObjectType::Function ||
+               type == ObjectType::View;
+    return true;
+}
 
 bool frmMain::isOffered(int Id) const {
     const CommandEntry* entry = findCommand(Id);
@@ -36,86 +49,103 @@ bool frmMain::isOffered(int Id) const {
 void frmMain::ExecuteAction(int Id, int Panel) {
     const CommandEntry* entry = findCommand(Id);
     if (!entry || !entry->isBuilt || entry->isSubmenu) return;
-    guardedRun("frmMain", "ExecuteAction", [&] {
-        if (const int kind = kindOf(Id, cmd::FirstBulkSimple); kind >= 0)
-            return compareBulk(kind, false, false);
-        if (const int kind = kindOf(Id, cmd::FirstBulkDetails); kind >= 0)
-            return compareBulk(kind, false, true);
-        if (const int kind = kindOf(Id, cmd::FirstSelective); kind >= 0)
-            return compareBulk(kind, true, false);
-        if (const int kind = kindOf(Id, cmd::FirstSelectiveDetails); kind >= 0)
-            return compareBulk(kind, true, true);
-        if (entry->menu == CommandMenu::Debug) return executeDebugAction(Id, Panel);
-        switch (Id) {
-            case cmd::Connect:
-                return cmdConnect_Click();
-            case cmd::RefreshSource:
-                return RefreshSourceTarget(SourcePanel);
-            case cmd::RefreshTarget:
-                return RefreshSourceTarget(TargetPanel);
-            case cmd::Exit:
-                return view_.closeWindow();
-            case cmd::CompareSelected:
-                return cmdCompare_Click();
-            case cmd::CompareAll:
-                return cmdCompareAll_Click();
-            case cmd::CompareAndPrint:
-                if (ServerInfoSet(view_.panels(), *this)) CompareAndPrintAllTables();
-                return;
-            case cmd::CreateSource:
-                return MenuSqlCreate(SourcePanel);
-            case cmd::CreateTarget:
-                return MenuSqlCreate(TargetPanel);
-            case cmd::AddServer:
-                if (dataAccessUsable() && addServer())
-                    InitializeDisplay(false, view_.panels(), *this);
-                return;
-            case cmd::RemoveServer:
-                return MenuRemoveServer();
-            case cmd::FindInSource:
-                return MenuToolsFindInDb(SourcePanel);
-            case cmd::FindInTarget:
-                return MenuToolsFindInDb(TargetPanel);
-            case cmd::IgnoredData:
-                return screens_.viewIgnoredColumns(DataComparisons);
-            case cmd::IgnoredStructure:
-                return screens_.viewIgnoredColumns(StructureComparisons);
-            case cmd::Options:
-                return MenuToolsOptions();
-            case cmd::HelpIndex:
-                return view_.showHelp(0);
-            case cmd::TipOfTheDay:
-                return screens_.showTip();
-            case cmd::TechnicalSupport:
-                return view_.showHelp(SupportTopic);
-            case cmd::About:
-                return view_.showAbout();
-            case cmd::PaneRefresh:
-                return refreshPaneText(Panel);
-            case cmd::ColorSchema:
-                return screens_.showColorSchema();
-            case cmd::Visualize:
-                return visualizeDifferences();
-            case cmd::IgnoreColumns:
-                return ignoreColumns(Panel);
-            case cmd::HighlightedSections:
-                return CompareHighlightedSections(*this, view_.panels().source.txtTXProc,
-                                                  view_.panels().target.txtTXProc);
-            case cmd::PaneCreate:
-                return MenuSqlCreate(Panel);
-            case cmd::Print:
-                return MenuPopUpPrint(Panel);
-            case cmd::PrintBoth:
+    if (Busy_ && entry->menu != CommandMenu::Help && Id != cmd::Exit) return;
+    if (const int kind = kindOf(Id, cmd::FirstBulkSimple); kind >= 0)
+        return compareBulk(kind, false, false);
+    if (const int kind = kindOf(Id, cmd::FirstBulkDetails); kind >= 0)
+        return compareBulk(kind, false, true);
+    if (const int kind = kindOf(Id, cmd::FirstSelective); kind >= 0)
+        return compareBulk(kind, true, false);
+    if (const int kind = kindOf(Id, cmd::FirstSelectiveDetails); kind >= 0)
+        return compareBulk(kind, true, true);
+    if (entry->menu == CommandMenu::Debug)
+        return whileBusy("executeDebugAction", [&] { executeDebugAction(Id, Panel); });
+
+    const auto run = [this](const char* handler, auto body) { whileBusy(handler, body); };
+    switch (Id) {
+        case cmd::Connect:
+            return cmdConnect_Click();
+        case cmd::RefreshSource:
+            return RefreshSourceTarget(SourcePanel);
+        case cmd::RefreshTarget:
+            return RefreshSourceTarget(TargetPanel);
+        case cmd::Exit:
+            return view_.closeWindow();
+        case cmd::CompareSelected:
+            return cmdCompare_Click();
+        case cmd::CompareAll:
+            return cmdCompareAll_Click();
+        case cmd::CompareAndPrint:
+            return run("CompareAndPrintAllTables", [&] {
+                if (serverInfoSet()) CompareAndPrintAllTables();
+            });
+        case cmd::DataPair:
+            return CompareData();
+        case cmd::DataSelected:
+            return compareDatabases("MenuDataCompSelective", MenuDataCompSelective);
+        case cmd::DataAll:
+            return compareDatabases("DataCompareAll", [&](CompareAllWindow& window) {
+                if (CanCompare()) DataCompareAll(window);
+            });
+        case cmd::CreateSource:
+            return run("MenuSqlCreate", [&] { MenuSqlCreate(SourcePanel); });
+        case cmd::CreateTarget:
+            return run("MenuSqlCreate", [&] { MenuSqlCreate(TargetPanel); });
+        case cmd::AddServer:
+            return run("MenuAddServer", [&] {
+                if (dataAccessUsable() && addServer()) initializeDisplay(false);
+            });
+        case cmd::RemoveServer:
+            return run("MenuRemoveServer", [&] { MenuRemoveServer(); });
+        case cmd::FindInSource:
+            return run("MenuToolsFindInDb", [&] { MenuToolsFindInDb(SourcePanel); });
+        case cmd::FindInTarget:
+            return run("MenuToolsFindInDb", [&] { MenuToolsFindInDb(TargetPanel); });
+        case cmd::IgnoredData:
+            return run("MenuToolsIgnoredColumns",
+                       [&] { screens_.viewIgnoredColumns(IgnoreMode::DataComparison); });
+        case cmd::IgnoredStructure:
+            return run("MenuToolsIgnoredColumns",
+                       [&] { screens_.viewIgnoredColumns(IgnoreMode::StructureComparison); });
+        case cmd::Options:
+            return run("MenuToolsOptions", [&] { MenuToolsOptions(); });
+        case cmd::HelpIndex:
+            return view_.showHelp(0);
+        case cmd::TipOfTheDay:
+            return run("MenuTipOfTheDay", [&] { screens_.showTip(); });
+        case cmd::TechnicalSupport:
+            return view_.showHelp(SupportTopic);
+        case cmd::About:
+            return view_.showAbout();
+        case cmd::PaneRefresh:
+            return run("MenuPopUpRefresh", [&] { refreshPaneText(Panel); });
+        case cmd::ColorSchema:
+            return run("MenuPopUpColorSchema", [&] { screens_.showColorSchema(); });
+        case cmd::Visualize:
+            return run("MenuPopUpVisualize", [&] { visualizeDifferences(); });
+        case cmd::IgnoreColumns:
+            return run("MenuPopUpIgnoreColumns", [&] { ignoreColumns(Panel); });
+        case cmd::HighlightedSections:
+            return CompareHighlightedSections(*this, view_.panels().source.txtTXProc,
+                                              view_.panels().target.txtTXProc);
+        case cmd::PaneCreate:
+            return run("BuildSQLCreateStatement", [&] { MenuSqlCreate(Panel); });
+        case cmd::Print:
+            return run("MenuPopUpPrint", [&] { MenuPopUpPrint(Panel); });
+        case cmd::PrintBoth:
+            return run("MenuPopUpPrintSourceAndTarget", [&] {
                 MenuPopUpPrint(SourcePanel);
-                return MenuPopUpPrint(TargetPanel);
-            default:
-                return;
-        }
-    });
+                MenuPopUpPrint(TargetPanel);
+            });
+        default:
+            return;
+    }
 }
 
 void frmMain::executeDebugAction(int Id, int Index) {
-    if (database(Index).isEmpty() && Id != cmd::DebugErrorReport && Id != cmd::DebugOptionsNew) {
+    static const QSet<int> withoutServer = {cmd::DebugErrorReport, cmd::DebugOptionsNew,
+                                            cmd::DebugOptions, cmd::DebugStripComments};
+    if (database(Index).isEmpty() && !withoutServer.contains(Id)) {
         shell().messageBox(QStringLiteral("Please connect to the server first."));
         return;
     }
@@ -141,6 +171,10 @@ void frmMain::executeDebugAction(int Id, int Index) {
                 GetIndexes(server(Index), pair.sourceObject, database(Index), false, {}, nullptr));
         case cmd::DebugServerVersion:
             return shell().messageBox(GetServerVersion(server(Index)));
+        case cmd::DebugStripComments:
+            return screens_.stripComments(view_.panels()[Index].txtTXProc.text());
+        case cmd::DebugOptions:
+            return screens_.showDebugOptions();
         case cmd::DebugOptionsNew:
             return MenuToolsOptions();
         case cmd::DebugErrorReport:

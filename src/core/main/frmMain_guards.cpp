@@ -11,6 +11,9 @@ void tell(const QString& text, const QString& title) {
     shell().messageBox(text, title);
 }
 
+/// What a pane shows of a list that is empty or has several rows selected.
+const QString NothingToShow = QStringLiteral("<<Nothing to show>>");
+
 const QString ToSelectOtherType = QStringLiteral("(using mouse or by pressing key F6) and select ");
 
 }  // namespace
@@ -88,6 +91,51 @@ bool frmMain::CanSearchForObject(int Index) {
     return true;
 }
 
+bool frmMain::showsNothing(int Index) const {
+    return !hasText(Index) || view_.panels()[Index].txtTXProc.text() == NothingToShow;
+}
+
+bool frmMain::CanCompare() {
+    if (!dataAccessUsable()) return false;
+    const QString title = QStringLiteral("Cannot Compare");
+    if (database(SourcePanel).isEmpty() || database(TargetPanel).isEmpty()) {
+        tell(QStringLiteral("Cannot compare - the list of databases is empty."), title);
+        return false;
+    }
+    if (showsNothing(SourcePanel) && showsNothing(TargetPanel)) {
+        tell(QStringLiteral("Cannot compare - the list of objects is empty."), title);
+        return false;
+    }
+    return true;
+}
+
+bool frmMain::CanCompareData(SelectedPair& pair) {
+    if (!CanCompare() || !TablesAreActive()) return false;
+    const Panels& panels = view_.panels();
+    const bool oneEach = panels.source.pvlSqlObj.selectedCount() == 1 &&
+                         panels.target.pvlSqlObj.selectedCount() == 1;
+    if (!oneEach) {
+        tell(QStringLiteral("Cannot compare - the list of objects is empty."),
+             QStringLiteral("Cannot Compare"));
+        return false;
+    }
+    pair = GetNamesOfSelected();
+    const TextPane& source = panels.source.txtTXProc;
+    const TextPane& target = panels.target.txtTXProc;
+    return AreIdentical(ObjectType::Table, source.text(), target.text(), source, target) ||
+           shell().askYesNo(QStringLiteral("Compared tables have different structures.\r\n\r\nDo "
+                                           "you still want to compare them?"),
+                            QStringLiteral("Different Structures"));
+}
+
+bool frmMain::CanDisplayDbInfo(int Index) {
+    if (!dataAccessUsable()) return false;
+    if (!database(Index).isEmpty()) return true;
+    tell(QStringLiteral("Cannot display database info - the list of databases is empty."),
+         QStringLiteral("Cannot Display Info"));
+    return false;
+}
+
 bool frmMain::CanViewAnalyzeData(int Action, int Index, TableChoice& choice) {
     if (!dataAccessUsable()) return false;
     if (Action != 0 && Action != 1) {
@@ -117,7 +165,8 @@ bool frmMain::CanViewAnalyzeData(int Action, int Index, TableChoice& choice) {
     choice.schema = dot < 0 ? QString() : object.name.left(dot);
     choice.table = object.name.mid(dot + 1);
     choice.id = object.id;
-    choice.extendedName = GetExtendedObjectName(choice.server, choice.database, object.name,
+    // By its id: two schemas may have a table of this name.
+    choice.extendedName = GetExtendedObjectName(choice.server, choice.database, choice.table,
                                                 ObjectType::Table, object.id);
     return true;
 }

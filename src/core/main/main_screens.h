@@ -1,36 +1,45 @@
-// The screens that the main window's commands open and that stand in folders of
-// their own: handed in at start-up, so that the controller stays testable.
+// The screens that the main window's commands open, in one place: the controller
+// decides when, the shell shows them. They stand in folders of their own.
 #pragma once
 
-#include "catalog/panel_loading.h"
-#include "structcompare/compare_all_screens.h"
+#include "reports/frmCompareAndPrint.h"
+#include "reports/frmReport.h"
+#include "tools/frmListObjects.h"
 
 namespace zov {
 
-class MainScreens {
+class MainScreens : public ReportScreen {
  public:
-    virtual ~MainScreens() = default;
+    ~MainScreens() override = default;
+
     /// True when the options were saved.
-    virtual bool showOptions() = 0;
+    bool showOptions();
     /// The chosen name, empty when nothing was chosen.
-    virtual QString searchForObject(int Panel, ObjectType Type) = 0;
-    /// True when the table's list of ignored columns was changed.
-    virtual bool ignoreColumns(int Panel, const QString& Db, const QString& Table,
-                               qint32 ObjectId) = 0;
-    /// `Mode` 1 data comparisons, 2 structure comparisons.
-    virtual void viewIgnoredColumns(int Mode) = 0;
-    virtual void showColorSchema() = 0;
-    virtual void visualizeDifferences(const QString& sourceName, const QString& sourceText,
-                                      const QString& targetName, const QString& targetText) = 0;
-    virtual void showTip() = 0;
+    QString searchForObject(int Panel, ObjectType Type, const QString& Db);
+    /// The table's columns that structure comparisons leave out. True when their list was changed.
+    bool ignoreColumns(int Panel, const QString& Db, const QString& Table, qint32 ObjectId);
+    /// `Mode` as in IgnoreMode: data or structure comparisons.
+    void viewIgnoredColumns(qint32 Mode);
+    /// The rows of a table; `QualifiedTable` is its name in statements.
+    void viewData(int Panel, const QString& Db, const QString& Table, const QString& QualifiedTable,
+                  qint32 ObjectId);
+    void showColorSchema();
+    /// The test screens of the Debug menu.
+    void stripComments(const QString& text);
+    void showDebugOptions();
+    void visualizeDifferences(const QString& sourceName, const QString& sourceText,
+                              const QString& targetName, const QString& targetText);
+    void showTip();
     /// The report screen on globals().gstrReport, without a Save button.
-    virtual void showGenericReport(const QString& Caption) = 0;
-    virtual ReportScreen& reportScreen() = 0;
-    virtual ObjectChooser& listObjects() = 0;
-    virtual void copyToFile(const QString& text, const QString& defaultName) = 0;
-    /// The bulk structure comparison with its screens, on the panels' lists and panes.
-    virtual void compareAll(Panels& panels, int kindIndex, bool selective, bool details) = 0;
-    virtual void compareAndPrint() = 0;
+    void showGenericReport(const QString& Caption);
+    void compareAndPrint(CompareAndPrintWindow& window);
+    ObjectChooser& listObjects() { return chooser_; }
+
+    /// The report of a comparison, on globals().gstrReport.
+    void ShowUp(const ComparisonReport& report) override;
+
+ private:
+    frmListObjects chooser_;
 };
 
 }  // namespace zov

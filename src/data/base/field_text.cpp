@@ -290,6 +290,17 @@ QString cellText(const CellView& cell) {
     return text;
 }
 
+void appendFieldText(const CellView& cell, QString& to) {
+    if (cell.isNull) to += u"Null";
+    else appendCellText(cell, to);
+}
+
+QString FieldText(const CellView& cell) {
+    QString text;
+    appendFieldText(cell, text);
+    return text;
+}
+
 int compareCells(const CellView& a, const CellView& b, Qt::CaseSensitivity texts) {
     if (a.isNull || b.isNull) return order(!a.isNull, !b.isNull);
     const Kind ka = kindOf(a), kb = kindOf(b);

@@ -16,6 +16,11 @@ namespace zov {
 QString cellText(const CellView& cell);
 void appendCellText(const CellView& cell, QString& to);
 
+/// The same with "Null" for a null: the one text under which a value of a user's table is compared,
+/// sought and shown.
+QString FieldText(const CellView& cell);
+void appendFieldText(const CellView& cell, QString& to);
+
 /// Two cells by value: numbers across widths and scales, texts to the letter or ignoring case.
 /// Cells of kinds that have no common order are compared by their texts. Nulls sort first and are
 /// equal to each other.

@@ -190,6 +190,27 @@ CellView ColumnCells::cell(qsizetype row) const {
     return view;
 }
 
+void ColumnCells::append(const ColumnCells& other) {
+    const auto join = [](auto& to, const auto& from) {
+        if (from.size())
+            std::memcpy(to.extend(from.size()), from.data(), size_t(from.size()) * sizeof(from[0]));
+    };
+    checkArena(chars_.size() + other.chars_.size());
+    checkArena(raw_.size() + other.raw_.size());
+    const quint32 before = quint32(storage_ == Storage::Text ? chars_.size() : raw_.size());
+    const qsizetype firstEnd = ends_.size();
+    join(ends_, other.ends_);
+    for (qsizetype i = firstEnd; i < ends_.size(); ++i) ends_[i] += before;
+    join(fixed_, other.fixed_);
+    join(chars_, other.chars_);
+    join(raw_, other.raw_);
+    join(offsets_, other.offsets_);
+    for (qsizetype row = 0; row < other.count_; ++row) {
+        if (other.isNull(row)) markNull();
+        ++count_;
+    }
+}
+
 void ColumnCells::clear() {
     count_ = 0;
     fixed_.truncate(0);
@@ -217,6 +238,10 @@ qsizetype ColumnCells::reservedBytes() const {
 RowStore::RowStore(const std::vector<ColumnInfo>& columns) {
     columns_.reserve(columns.size());
     for (const ColumnInfo& column : columns) columns_.emplace_back(column);
+}
+
+void RowStore::append(const RowStore& other) {
+    for (size_t i = 0; i < columns_.size(); ++i) columns_[i].append(other.columns_[i]);
 }
 
 void RowStore::clear() {

@@ -140,6 +140,8 @@ class ColumnCells {
     QByteArrayView bytes(qsizetype row) const;
     CellView cell(qsizetype row) const;
 
+    /// Appends all cells of a column of the same type.
+    void append(const ColumnCells& other);
     /// Forgets the rows and keeps the memory.
     void clear();
     void shrinkToFit();
@@ -180,6 +182,8 @@ class RowStore {
     ColumnCells& column(int index) { return columns_[size_t(index)]; }
     const ColumnCells& column(int index) const { return columns_[size_t(index)]; }
     CellView cell(qsizetype row, int column) const { return columns_[size_t(column)].cell(row); }
+    /// Appends all rows of a store with the same columns.
+    void append(const RowStore& other);
     void clear();
     void shrinkToFit();
     qsizetype reservedBytes() const;

@@ -1,16 +1,24 @@
-// `cmbServer`, `cmbType`, `cmbOwners`: a combo box behind the ChoiceList interface.
+// `cmbServer`, `cmbType`, `cmbOwners`, `pvlDb`: a combo box behind the ChoiceList
+// interface. While the window is busy it takes no clicks and keys, so that it never
+// shows a choice that was not followed.
 #pragma once
 
 #include "shell/controls.h"
 
 #include <QComboBox>
+#include <QEvent>
+
+#include <functional>
 
 namespace zov::qt {
 
 class ChoiceCombo : public QComboBox, public ChoiceList {
     Q_OBJECT
  public:
-    using QComboBox::QComboBox;
+    explicit ChoiceCombo(QWidget* parent = nullptr) : QComboBox(parent) {
+        // The wheel scrolls what is under it; it changes a box only once that has the focus.
+        setFocusPolicy(Qt::StrongFocus);
+    }
 
     void clear() override { QComboBox::clear(); }
     void addItem(const QString& text, qint32 itemData = 0) override {
@@ -26,6 +34,30 @@ class ChoiceCombo : public QComboBox, public ChoiceList {
         setCurrentIndex(findText(text, Qt::MatchExactly | Qt::MatchCaseSensitive));
     }
     void setRedraw(bool on) override { setUpdatesEnabled(on); }
+
+    /// Asked at each click and key: true while nothing may be chosen.
+    std::function<bool()> isLocked;
+
+ protected:
+    bool event(QEvent* event) override {
+        switch (event->type()) {
+            case QEvent::Wheel:
+                if (hasFocus() && !locked()) break;
+                event->ignore();
+                return true;
+            case QEvent::MouseButtonPress:
+            case QEvent::KeyPress:
+                if (!locked()) break;
+                event->ignore();
+                return true;
+            default:
+                break;
+        }
+        return QComboBox::event(event);
+    }
+
+ private:
+    bool locked() const { return isLocked && isLocked(); }
 };
 
 }  // namespace zov::qt

@@ -1,9 +1,12 @@
 #include "shell/qt/help_window.h"
 
+#include "shell/qt/mark_colors.h"
+
 #include <QCoreApplication>
 #include <QDir>
 #include <QFileInfo>
 #include <QPointer>
+#include <QShortcut>
 #include <QTextBrowser>
 #include <QToolBar>
 #include <QVBoxLayout>
@@ -16,13 +19,27 @@ class HelpWindow : public QWidget {
     HelpWindow() : QWidget(nullptr, Qt::Window), browser_(new QTextBrowser(this)) {
         setWindowTitle(QStringLiteral("Zovrand Help"));
         setObjectName(QStringLiteral("helpWindow"));
+        setWindowIcon(QIcon(QStringLiteral(":/icons/help.svg")));
         auto* bar = new QToolBar(this);
-        const auto add = [&](const QString& text, auto slot) {
-            connect(bar->addAction(text), &QAction::triggered, browser_, slot);
+        bar->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
+        const auto add = [&](const char* icon, const QString& text, const QKeySequence& keys,
+                             auto slot) {
+            QAction* action = bar->addAction(
+                QIcon(QStringLiteral(":/icons/%1.svg").arg(QLatin1String(icon))), text);
+            action->setShortcut(keys);
+            connect(action, &QAction::triggered, browser_, slot);
+            return action;
         };
-        add(QStringLiteral("Contents"), [this] { open(QStringLiteral("index")); });
-        add(QStringLiteral("Back"), &QTextBrowser::backward);
-        add(QStringLiteral("Forward"), &QTextBrowser::forward);
+        add("home", QStringLiteral("Contents"), Qt::ALT | Qt::Key_Home,
+            [this] { open(QStringLiteral("index")); });
+        QAction* back = add("back", QStringLiteral("Back"), QKeySequence::Back,
+                            [this] { browser_->backward(); });
+        QAction* forward = add("forward", QStringLiteral("Forward"), QKeySequence::Forward,
+                               [this] { browser_->forward(); });
+        back->setEnabled(false);
+        forward->setEnabled(false);
+        connect(browser_, &QTextBrowser::backwardAvailable, back, &QAction::setEnabled);
+        connect(browser_, &QTextBrowser::forwardAvailable, forward, &QAction::setEnabled);
         auto* layout = new QVBoxLayout(this);
         layout->setContentsMargins(0, 0, 0, 0);
         layout->setSpacing(0);
@@ -30,13 +47,21 @@ class HelpWindow : public QWidget {
         layout->addWidget(browser_);
         browser_->setOpenExternalLinks(true);
         browser_->setSearchPaths({helpFolder()});
-        resize(760, 620);
+        browser_->document()->setDocumentMargin(18);
+        connect(new QShortcut(Qt::Key_Escape, this), &QShortcut::activated, this, &QWidget::close);
+        resize(820, 680);
+        browser_->setFocus();
     }
 
     void open(const QString& page) {
         QString file = helpFolder() + page + QStringLiteral(".html");
         if (!QFileInfo::exists(file)) file = helpFolder() + QStringLiteral("index.html");
-        browser_->setSource(QUrl::fromLocalFile(file));
+        if (QFileInfo::exists(file))
+            browser_->setSource(QUrl::fromLocalFile(file));
+        else
+            browser_->setPlainText(
+                QStringLiteral("The help pages weren't found beside the program. Installing it "
+                               "anew puts them back."));
     }
 
  private:
@@ -57,10 +82,11 @@ QString helpFolder() {
 
 void showHelpPage(const QString& page, QWidget* parent) {
     static QPointer<HelpWindow> window;
+    // A modal screen blocks windows that came before it: its help is a new one, above it.
+    if (window && parent && parent->isModal()) delete window.data();
     if (!window) {
         window = new HelpWindow;
         window->setAttribute(Qt::WA_DeleteOnClose);
-        // A modal screen blocks windows that are not its own.
         if (parent && parent->isModal()) window->setWindowModality(Qt::ApplicationModal);
     }
     window->open(page);

@@ -4,6 +4,8 @@
 
 #include "core/main/frmMain.h"
 #include "core/main/main_screens.h"
+#include "shell/qt/pane_alignment.h"
+#include "shell/qt/start_options.h"
 
 #include <QMainWindow>
 
@@ -13,11 +15,13 @@
 class QLabel;
 class QLineEdit;
 class QSplitter;
+class QToolBar;
 class QToolButton;
 
 namespace zov::qt {
 
 class ChoiceCombo;
+class FindBar;
 class ObjectListView;
 class TextPaneWidget;
 
@@ -29,6 +33,11 @@ class MainWindow : public QMainWindow, public MainWindowView {
 
     frmMain& controller() { return controller_; }
     TextPaneWidget* pane(int Index) { return sides_[Index].text; }
+    ObjectListView* list(int Index) { return sides_[Index].objects; }
+    /// Runs a command as its menu entry does; `Index` is the pane of a pop-up command.
+    void runCommand(int id, int Index = SourcePanel);
+    /// What the first activation opens the panels with.
+    void openAtStart(const StartOptions& options) { start_ = options; }
 
     // MainWindowView.
     Panels& panels() override { return *panels_; }
@@ -40,12 +49,15 @@ class MainWindow : public QMainWindow, public MainWindowView {
     void setOwnerControlsVisible(bool visible) override;
     void setStatusText(const QString& text) override;
     void focusTypeBox() override;
-    bool printPane(int Index, const QString& title, const QString& header) override;
+    bool printPane(int Index, const QString& title, const QString& header, bool silent) override;
     void showHelp(int topic) override;
     void showAbout() override;
     void closeWindow() override { close(); }
 
     QAction* action(int commandId) const;
+    QString statusText() const;
+    /// Goes to the next or previous difference of the compared texts; says so when there is none.
+    void goToDifference(bool forward);
 
  protected:
     void showEvent(QShowEvent* event) override;
@@ -56,25 +68,32 @@ class MainWindow : public QMainWindow, public MainWindowView {
         ChoiceCombo* server = nullptr;
         ChoiceCombo* database = nullptr;
         ChoiceCombo* owners = nullptr;
-        QWidget* ownersRow = nullptr;
+        QLabel* ownersLabel = nullptr;
         ObjectListView* objects = nullptr;
         TextPaneWidget* text = nullptr;
-        QLabel* header = nullptr;
+        QLabel* filterText = nullptr;
+        QLabel* objectName = nullptr;
         QToolButton* filterMark = nullptr;
-        QWidget* findBar = nullptr;
-        QLineEdit* findText = nullptr;
+        FindBar* findBar = nullptr;
+        QLabel* count = nullptr;
     };
 
     QWidget* makeTopPanel(int Index);
     QWidget* makeTextPanel(int Index);
-    QWidget* makeFindBar(int Index);
     void makeMenus();
     void makeToolBar();
+    void makeStatusBar();
+    void makeShortcuts();
     void connectSide(int Index);
+    void setTabOrders();
     void showPaneMenu(int Index, const QPoint& at);
-    void goToDifference(bool forward);
+    void showCounts();
+    void showObjectName(int Index);
+    /// The pane that keys mean: the one with the focus, or that of the panel with the focus.
+    int activePane() const;
     void openFindBar();
-    void findInPane(int Index, bool forward);
+    /// The lines that stand for each other, as long as both panes show compared texts.
+    const PaneAlignment& alignment();
     void scrollTogether(int from);
     void restoreLayout();
     void saveLayout();
@@ -82,11 +101,18 @@ class MainWindow : public QMainWindow, public MainWindowView {
     Side sides_[2];
     ChoiceCombo* type_ = nullptr;
     QSplitter* splitter_ = nullptr;
+    QSplitter* tops_ = nullptr;
+    QSplitter* texts_ = nullptr;
     QLabel* status_ = nullptr;
     std::map<int, QAction*> actions_;
     std::unique_ptr<Panel> panel_[2];
     std::unique_ptr<Panels> panels_;
     frmMain controller_;
+    StartOptions start_;
+    PaneAlignment alignment_;
+    bool alignmentIsOld_ = true;
+    bool comparedEqual_ = false;
+    int atStop_ = -1;  ///< the difference that was gone to, of alignment_.stops()
     bool scrolling_ = false;
     bool shownOnce_ = false;
 };

@@ -12,6 +12,10 @@ namespace zov::qt {
 /// palette's own base colour.
 QColor shownMarkColor(quint32 bgr, const QPalette& palette);
 
+/// A stored text colour, 0xBBGGRR. Black is the palette's own; on a dark palette the others become
+/// light enough to be read.
+QColor shownTextColor(quint32 bgr, const QPalette& palette);
+
 bool isDarkPalette(const QPalette& palette);
 
 }  // namespace zov::qt

@@ -2,16 +2,33 @@
 
 #include <QHeaderView>
 #include <QLocale>
+#include <QPainter>
+#include <QSortFilterProxyModel>
 
 namespace zov::qt {
 namespace {
-
-enum Column { NameColumn, DateColumn, IdColumn, ColumnCount };
 
 // "#,###": nothing for zero.
 QString groupedId(qint32 id) {
     return id == 0 ? QString() : QLocale(QLocale::English, QLocale::UnitedStates).toString(id);
 }
+
+class ShownOrder : public QSortFilterProxyModel {
+ public:
+    using QSortFilterProxyModel::QSortFilterProxyModel;
+
+ protected:
+    bool lessThan(const QModelIndex& left, const QModelIndex& right) const override {
+        const auto* rows = static_cast<const ObjectListModel*>(sourceModel());
+        const ObjectListRow& a = rows->row(left.row());
+        const ObjectListRow& b = rows->row(right.row());
+        if (left.column() == ObjectListModel::IdColumn && a.id != b.id) return a.id < b.id;
+        // Dates are written year first: their texts sort as they do.
+        if (left.column() == ObjectListModel::DateColumn && a.refDate != b.refDate)
+            return a.refDate < b.refDate;
+        return a.name.compare(b.name, Qt::CaseInsensitive) < 0;
+    }
+};
 
 }  // namespace
 
@@ -29,6 +46,8 @@ QVariant ObjectListModel::data(const QModelIndex& index, int role) const {
     if (role == Qt::ToolTipRole)
         return QStringLiteral("Id: %1, Name: %2, Ref. Date: %3")
             .arg(groupedId(row.id), row.name, row.refDate);
+    if (role == Qt::TextAlignmentRole && index.column() == IdColumn)
+        return int(Qt::AlignRight | Qt::AlignVCenter);
     if (role != Qt::DisplayRole) return {};
     switch (index.column()) {
         case NameColumn:
@@ -59,22 +78,39 @@ void ObjectListModel::removeRowAt(int row) {
 }
 
 ObjectListView::ObjectListView(QWidget* parent)
-    : QTreeView(parent), model_(new ObjectListModel(this)) {
-    setModel(model_);
+    : QTreeView(parent), model_(new ObjectListModel(this)), shown_(new ShownOrder(this)) {
+    shown_->setSourceModel(model_);
+    setModel(shown_);
     setRootIsDecorated(false);
     setUniformRowHeights(true);
-    setAlternatingRowColors(true);
     setSelectionMode(ExtendedSelection);
     setAllColumnsShowFocus(true);
+    setTabKeyNavigation(false);
+    setIndentation(0);
     header()->setStretchLastSection(false);
-    header()->setSectionResizeMode(NameColumn, QHeaderView::Stretch);
-    header()->setSectionResizeMode(DateColumn, QHeaderView::Interactive);
-    header()->setSectionResizeMode(IdColumn, QHeaderView::Interactive);
-    setColumnHidden(IdColumn, true);
+    header()->setSectionResizeMode(ObjectListModel::NameColumn, QHeaderView::Stretch);
+    header()->setSectionResizeMode(ObjectListModel::DateColumn, QHeaderView::Interactive);
+    header()->setSectionResizeMode(ObjectListModel::IdColumn, QHeaderView::Interactive);
+    header()->resizeSection(
+        ObjectListModel::DateColumn,
+        fontMetrics().horizontalAdvance(QStringLiteral("0000-00-00 00:00:00.000")) + 16);
+    header()->setSectionsMovable(false);
+    header()->setHighlightSections(false);
+    // In the server's order, until the user asks for another one; a third click gives it back.
+    header()->setSortIndicatorClearable(true);
+    header()->setSortIndicator(-1, Qt::AscendingOrder);
+    setSortingEnabled(true);
+    setColumnHidden(ObjectListModel::IdColumn, true);
 }
 
 void ObjectListView::setRows(std::vector<ObjectListRow> rows) {
     model_->setRows(std::move(rows));
+    emit rowsChanged();
+}
+
+void ObjectListView::removeRow(int index) {
+    model_->removeRowAt(index);
+    emit rowsChanged();
 }
 
 int ObjectListView::selectedCount() const {
@@ -82,10 +118,10 @@ int ObjectListView::selectedCount() const {
 }
 
 int ObjectListView::selectedIndex() const {
-    int first = -1;
+    QModelIndex first;
     for (const QModelIndex& index : selectionModel()->selectedRows())
-        if (first < 0 || index.row() < first) first = index.row();
-    return first;
+        if (!first.isValid() || index.row() < first.row()) first = index;
+    return shown_->mapToSource(first).row();
 }
 
 void ObjectListView::selectRow(int index) {
@@ -93,15 +129,30 @@ void ObjectListView::selectRow(int index) {
         selectionModel()->clearSelection();
         return;
     }
-    const QModelIndex at = model_->index(index, NameColumn);
-    setCurrentIndex(at);
+    const QModelIndex at = shown_->mapFromSource(model_->index(index, ObjectListModel::NameColumn));
+    selectionModel()->setCurrentIndex(
+        at, QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows);
     scrollTo(at);
+}
+
+void ObjectListView::setEmptyText(const QString& text) {
+    emptyText_ = text;
+    viewport()->update();
 }
 
 void ObjectListView::selectionChanged(const QItemSelection& selected,
                                       const QItemSelection& deselected) {
     QTreeView::selectionChanged(selected, deselected);
     if (Tag != u"OFF") emit objectSelected();
+}
+
+void ObjectListView::paintEvent(QPaintEvent* event) {
+    QTreeView::paintEvent(event);
+    if (model_->rowCount() > 0 || emptyText_.isEmpty()) return;
+    QPainter painter(viewport());
+    painter.setPen(palette().color(QPalette::PlaceholderText));
+    painter.drawText(viewport()->rect().adjusted(16, 16, -16, -16),
+                     Qt::AlignHCenter | Qt::AlignTop | Qt::TextWordWrap, emptyText_);
 }
 
 }  // namespace zov::qt

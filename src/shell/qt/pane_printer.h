@@ -11,9 +11,9 @@ namespace zov::qt {
 class TextPaneWidget;
 
 /// The pane's text with its coloured lines. False when the user gave up or there is no printer that
-/// could take it (which is told).
+/// could take it (which is told). `silent`: at once on the default printer, without a preview.
 bool printPaneText(const TextPaneWidget& pane, const QString& title, const QString& header,
-                   QWidget* parent);
+                   bool silent, QWidget* parent);
 
 /// A plain text under a document name, with the same pages and preview.
 bool printText(const QString& text, const QString& documentName, QWidget* parent);

@@ -11,11 +11,23 @@
 #include <QMessageBox>
 #include <QUrl>
 
+// The macro stands outside of namespaces: it declares a function of the global one.
+static void initIcons() {
+    Q_INIT_RESOURCE(icons);
+}
+
 namespace zov::qt {
+
+void initDesktopResources() {
+    initIcons();
+}
+
 namespace {
 
 // Sixty times a second is as often as anybody can see.
 constexpr qint64 PumpMilliseconds = 16;
+// What Windows answers when no program is registered for a file; elsewhere no number says why.
+constexpr int NoProgramForFile = 31;
 
 QMessageBox::Icon iconOf(BoxIcon icon) {
     switch (icon) {
@@ -73,12 +85,26 @@ void QtShell::messageBox(const QString& text, const QString& title, BoxIcon icon
     box.exec();
 }
 
-bool QtShell::askYesNo(const QString& text, const QString& title) {
+namespace {
+
+bool askWithDefault(QMessageBox::StandardButton button, const QString& text, const QString& title,
+                    QWidget* parent) {
     const ArrowPointer arrow;
     QMessageBox box(QMessageBox::Question, title.isEmpty() ? product::Name : title, text,
-                    QMessageBox::Yes | QMessageBox::No, parentForDialogs());
+                    QMessageBox::Yes | QMessageBox::No, parent);
     box.setTextFormat(Qt::PlainText);
+    box.setDefaultButton(button);
     return box.exec() == QMessageBox::Yes;
+}
+
+}  // namespace
+
+bool QtShell::askYesNo(const QString& text, const QString& title) {
+    return askWithDefault(QMessageBox::Yes, text, title, parentForDialogs());
+}
+
+bool QtShell::askYesNoDefaultNo(const QString& text, const QString& title) {
+    return askWithDefault(QMessageBox::No, text, title, parentForDialogs());
 }
 
 BoxAnswer QtShell::askYesNoCancel(const QString& text, const QString& title) {
@@ -102,14 +128,21 @@ void QtShell::pumpEvents() {
     sincePump_.restart();
 }
 
+bool QtShell::runBlocking(const std::function<void()>& work, const std::function<void()>& cancel) {
+    return background_.run(work, cancel, parentForDialogs());
+}
+
 void QtShell::setClipboardText(const QString& text) {
     QApplication::clipboard()->setText(text);
 }
 
 void QtShell::openWithDesktop(const QString& fileOrUrl) {
     const bool isFile = QFileInfo::exists(fileOrUrl);
-    QDesktopServices::openUrl(isFile ? QUrl::fromLocalFile(fileOrUrl)
-                                     : QUrl(fileOrUrl, QUrl::TolerantMode));
+    if (QDesktopServices::openUrl(isFile ? QUrl::fromLocalFile(fileOrUrl)
+                                         : QUrl(fileOrUrl, QUrl::TolerantMode)))
+        return;
+    messageBox(QStringLiteral("Error on LaunchProgram: %1").arg(NoProgramForFile), {},
+               BoxIcon::Exclamation);
 }
 
 QString QtShell::askSavePath(const QString& title, const QString& filter,

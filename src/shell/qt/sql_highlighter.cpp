@@ -51,12 +51,12 @@ SqlHighlighter::SqlHighlighter(QTextDocument* document) : QSyntaxHighlighter(doc
 }
 
 void SqlHighlighter::setDark(bool dark) {
-    keyword_.setForeground(QColor(dark ? 0x7AB8FF : 0x0033B3));
+    keyword_.setForeground(QColor(dark ? 0x8CC4FF : 0x0029A0));
     keyword_.setFontWeight(QFont::DemiBold);
-    string_.setForeground(QColor(dark ? 0xE0A070 : 0xA31515));
-    comment_.setForeground(QColor(dark ? 0x8FBF8F : 0x2E7D32));
+    string_.setForeground(QColor(dark ? 0xE8B088 : 0x8F1010));
+    comment_.setForeground(QColor(dark ? 0x9CCB9C : 0x11501A));
     comment_.setFontItalic(true);
-    number_.setForeground(QColor(dark ? 0xB5CEA8 : 0x7A3E9D));
+    number_.setForeground(QColor(dark ? 0xB5CEA8 : 0x5E2A80));
     name_.setForeground(QColor(dark ? 0xD0D0F0 : 0x3B3B6D));
     rehighlight();
 }

@@ -3,9 +3,15 @@
 #include "shell/qt/mark_colors.h"
 #include "shell/qt/sql_highlighter.h"
 
+#include "util/text.h"
+
+#include <QApplication>
 #include <QFontDatabase>
 #include <QPainter>
+#include <QScrollBar>
 #include <QTextBlock>
+
+#include <algorithm>
 
 namespace zov::qt {
 namespace {
@@ -49,8 +55,13 @@ TextPaneWidget::TextPaneWidget(QWidget* parent)
 
 void TextPaneWidget::setText(const QString& text) {
     text_ = text;
+    // Not the document's own plain text, which turns hard blanks into plain ones.
+    plain_ = withLf(text);
     lineColors_.clear();
-    setPlainText(text);
+    differenceStart_ = differenceEnd_ = 0;
+    setExtraSelections({});
+    setPlainText(plain_);
+    emit textReplaced();
 }
 
 int TextPaneWidget::lineStart(int line) const {
@@ -75,6 +86,7 @@ void TextPaneWidget::select(int start, int end) {
 }
 
 void TextPaneWidget::setSelectionBackColor(quint32 color) {
+    emit marked();
     // Lines are painted whole, in one pass, when the pane is drawn.
     const int first = document()->findBlock(selectionStart_).blockNumber();
     const int last = document()->findBlock(std::max(selectionStart_, selectionEnd_)).blockNumber();
@@ -87,21 +99,43 @@ quint32 TextPaneWidget::lineColor(int line) const {
     return found == lineColors_.end() ? White : found->second;
 }
 
-bool TextPaneWidget::isDifferent(int line) const {
-    return lineColor(line) != White;
+std::vector<quint32> TextPaneWidget::lineColors() const {
+    std::vector<quint32> colors(size_t(lineCount()), White);
+    for (const auto& [line, color] : lineColors_)
+        if (line < int(colors.size())) colors[size_t(line)] = color;
+    return colors;
 }
 
-bool TextPaneWidget::goToDifference(bool forward) {
-    const int step = forward ? 1 : -1;
-    int line = textCursor().blockNumber();
-    // Out of the run that the caret stands in, on to the next one, and to that run's first line.
-    while (line >= 0 && line < blockCount() && isDifferent(line)) line += step;
-    while (line >= 0 && line < blockCount() && !isDifferent(line)) line += step;
-    if (line < 0 || line >= blockCount()) return false;
-    while (line > 0 && isDifferent(line - 1)) --line;
-    setCaret(document()->findBlockByNumber(line).position());
-    centerCursor();
-    return true;
+void TextPaneWidget::showDifference(int first, int end) {
+    differenceStart_ = first;
+    differenceEnd_ = end;
+    setCaret(document()->findBlockByNumber(std::clamp(first, 0, blockCount() - 1)).position());
+    // A third from the top: what follows a difference says more than what stands before it.
+    const int visible =
+        std::max(1, viewport()->height() / std::max(1, fontMetrics().lineSpacing()));
+    verticalScrollBar()->setValue(std::max(0, first - visible / 3));
+    lineNumbers_->update();
+}
+
+int TextPaneWidget::highlightAll(const QString& wanted) {
+    QList<QTextEdit::ExtraSelection> found;
+    constexpr int Enough = 2000;
+    if (!wanted.isEmpty()) {
+        QTextCharFormat format;
+        format.setBackground(isDarkPalette(palette()) ? QColor(0x7A5C00) : QColor(0xFFE08A));
+        QTextCursor at = document()->find(wanted, 0);
+        while (!at.isNull() && found.size() < Enough) {
+            found.append({at, format});
+            at = document()->find(wanted, at);
+        }
+    }
+    setExtraSelections(found);
+    return int(found.size());
+}
+
+void TextPaneWidget::setEmptyText(const QString& text) {
+    emptyText_ = text;
+    viewport()->update();
 }
 
 int TextPaneWidget::lineNumberWidth() const {
@@ -128,6 +162,12 @@ void TextPaneWidget::paintEvent(QPaintEvent* event) {
         }
     }
     QPlainTextEdit::paintEvent(event);
+    if (!text_.isEmpty() || emptyText_.isEmpty()) return;
+    QPainter painter(viewport());
+    painter.setFont(QApplication::font());
+    painter.setPen(palette().color(QPalette::PlaceholderText));
+    painter.drawText(viewport()->rect().adjusted(16, 16, -16, -16),
+                     Qt::AlignHCenter | Qt::AlignTop | Qt::TextWordWrap, emptyText_);
 }
 
 void TextPaneWidget::paintLineNumbers(QPaintEvent* event) {
@@ -139,8 +179,12 @@ void TextPaneWidget::paintLineNumbers(QPaintEvent* event) {
     for (QTextBlock block = firstVisibleBlock(); block.isValid(); block = block.next()) {
         const QRectF box = blockBoundingGeometry(block).translated(contentOffset());
         if (box.top() > event->rect().bottom()) break;
+        const int line = block.blockNumber();
+        if (line >= differenceStart_ && line < differenceEnd_)
+            painter.fillRect(QRectF(lineNumbers_->width() - 3, box.top(), 3, box.height()),
+                             palette().color(QPalette::Highlight));
         painter.drawText(QRectF(0, box.top(), lineNumbers_->width() - 6, box.height()),
-                         Qt::AlignRight | Qt::AlignTop, QString::number(block.blockNumber() + 1));
+                         Qt::AlignRight | Qt::AlignTop, QString::number(line + 1));
     }
 }
 

@@ -8,6 +8,7 @@
 #include <QPlainTextEdit>
 
 #include <unordered_map>
+#include <vector>
 
 namespace zov::qt {
 
@@ -19,7 +20,7 @@ class TextPaneWidget : public QPlainTextEdit, public TextPane {
     explicit TextPaneWidget(QWidget* parent = nullptr);
 
     QString text() const override { return text_; }
-    QString plainText() const override { return toPlainText(); }
+    QString plainText() const override { return plain_; }
     void setText(const QString& text) override;
     int lineCount() const override { return text_.isEmpty() ? 0 : blockCount(); }
     int lineStart(int line) const override;
@@ -29,15 +30,28 @@ class TextPaneWidget : public QPlainTextEdit, public TextPane {
     void setSelectionBackColor(quint32 color) override;
     void setFocus() override { QPlainTextEdit::setFocus(); }
 
-    /// Moves the caret to the next (or previous) run of lines that are marked as different, from
-    /// the caret on; false when there is none.
-    bool goToDifference(bool forward);
+    /// Whether a comparison has painted lines of this text.
     bool hasMarks() const { return !lineColors_.empty(); }
     /// The colour of a line as stored, 0xBBGGRR; white when it has none.
     quint32 lineColor(int line) const;
+    /// The colours of all lines.
+    std::vector<quint32> lineColors() const;
+    /// Shows these lines, from 0 to one behind the last, as the difference that the user is at: a
+    /// bar beside their numbers. Scrolls to them; no lines at all only scrolls.
+    void showDifference(int first, int end);
+    /// Marks every place that holds this text in any case; empty marks none. Gives their number.
+    int highlightAll(const QString& wanted);
+    /// What an empty pane says in its place.
+    void setEmptyText(const QString& text);
 
     void paintLineNumbers(QPaintEvent* event);
     int lineNumberWidth() const;
+
+ signals:
+    /// Another text is shown; marks are gone.
+    void textReplaced();
+    /// A comparison begins to paint lines.
+    void marked();
 
  protected:
     void resizeEvent(QResizeEvent* event) override;
@@ -45,15 +59,18 @@ class TextPaneWidget : public QPlainTextEdit, public TextPane {
     void changeEvent(QEvent* event) override;
 
  private:
-    bool isDifferent(int line) const;
     void applyPalette();
 
     QString text_;
+    QString plain_;
+    QString emptyText_;
     SqlHighlighter* highlighter_;
     QWidget* lineNumbers_;
     int selectionStart_ = 0;
     int selectionEnd_ = 0;
     std::unordered_map<int, quint32> lineColors_;
+    int differenceStart_ = 0;
+    int differenceEnd_ = 0;
 };
 
 }  // namespace zov::qt

@@ -101,26 +101,25 @@ ListObjectsDialog::ListObjectsDialog(frmListObjects& screen, QWidget* parent)
         QListWidget* list = lists_[Index] = new QListWidget;
         list->setAccessibleName(side + QStringLiteral(" objects"));
         grid->addWidget(list, 2, Index);
-        auto* all = new QPushButton(QStringLiteral("&Select All"));
-        auto* none = new QPushButton(QStringLiteral("&Deselect All"));
-        grid->addLayout(buttonRow({all, none}), 3, Index);
         name(QStringLiteral("pvlSqlObj_%1").arg(Index), list);
-        name(QStringLiteral("cmdSelectAll_%1").arg(Index), all);
-        name(QStringLiteral("cmdDeselectAll_%1").arg(Index), none);
         connect(list, &QListWidget::itemChanged, this, [=, this](QListWidgetItem* item) {
             if (!filling_)
                 screen_.pvlSqlObj[Index][size_t(list->row(item))].ticked =
                     item->checkState() == Qt::Checked;
         });
-        connect(all, &QPushButton::clicked, this, [=, this] { screen_.cmdSelectAll(Index); });
-        connect(none, &QPushButton::clicked, this, [=, this] { screen_.cmdDeselectAll(Index); });
     }
+    auto* all = new QPushButton(QStringLiteral("&Select All"));
+    auto* none = new QPushButton(QStringLiteral("&Deselect All"));
+    name(QStringLiteral("cmdSelectAll"), all);
+    name(QStringLiteral("cmdDeselectAll"), none);
+    connect(all, &QPushButton::clicked, this, [this] { screen_.cmdSelectAll(); });
+    connect(none, &QPushButton::clicked, this, [this] { screen_.cmdDeselectAll(); });
     auto* ok = new QPushButton(QStringLiteral("&OK"));
     auto* cancel = new QPushButton(QStringLiteral("&Cancel"));
     ok->setDefault(true);
     auto* layout = new QVBoxLayout(this);
     layout->addLayout(grid, 1);
-    layout->addLayout(buttonRow({ok, cancel}));
+    layout->addLayout(buttonRow({all, none, ok, cancel}));
     resize(680, 520);
     name(QStringLiteral("cmdOK"), ok);
     name(QStringLiteral("cmdCancel"), cancel);

@@ -1,0 +1,73 @@
+#include "core/main/main_screens.h"
+
+#include "core/frmTip.h"
+#include "core/globals.h"
+#include "datacompare/frmDataView.h"
+#include "datacompare/frmIgnoreColumns.h"
+#include "options/frmOptions.h"
+#include "options/frmOptionsDebug.h"
+#include "structcompare/frmCompareText.h"
+#include "structcompare/frmSpare.h"
+#include "tools/frmSearchForObject_Gen.h"
+
+namespace zov {
+
+bool MainScreens::showOptions() {
+    return frmOptions().ShowUp();
+}
+
+QString MainScreens::searchForObject(int Panel, ObjectType Type, const QString& Db) {
+    return frmSearchForObject_Gen().ShowUp(Panel, Type, GetObjectTypeName(Type, false), Db);
+}
+
+bool MainScreens::ignoreColumns(int Panel, const QString& Db, const QString& Table,
+                                qint32 ObjectId) {
+    qint32 count = 0;
+    return frmIgnoreColumnsAdd().ShowUp(IgnoreMode::StructureComparison,
+                                        globals().gtCurrentServers[Panel], Db, Table, ObjectId,
+                                        count);
+}
+
+void MainScreens::viewIgnoredColumns(qint32 Mode) {
+    frmIgnoreColumnsView().ShowUp(Mode);
+}
+
+void MainScreens::viewData(int Panel, const QString& Db, const QString& Table,
+                           const QString& QualifiedTable, qint32 ObjectId) {
+    frmDataView().ShowUp(QualifiedTable, Table, Db, Panel, ObjectId);
+}
+
+void MainScreens::showColorSchema() {
+    frmColorSchema().ShowUp();
+}
+
+void MainScreens::stripComments(const QString& text) {
+    frmSpare().ShowUp(text);
+}
+
+void MainScreens::showDebugOptions() {
+    frmOptionsDebug().ShowUp();
+}
+
+void MainScreens::visualizeDifferences(const QString& sourceName, const QString& sourceText,
+                                       const QString& targetName, const QString& targetText) {
+    frmCompareText().ShowUp(sourceName, sourceText, targetName, targetText);
+}
+
+void MainScreens::showTip() {
+    frmTip().ShowUp();
+}
+
+void MainScreens::showGenericReport(const QString& Caption) {
+    frmReport().ShowUp_Generic(Caption);
+}
+
+void MainScreens::compareAndPrint(CompareAndPrintWindow& window) {
+    frmCompareAndPrint().ShowUp(window);
+}
+
+void MainScreens::ShowUp(const ComparisonReport& report) {
+    frmReport().ShowUp(report);
+}
+
+}  // namespace zov

@@ -1,0 +1,177 @@
+#include "datacompare/key_lookup.h"
+
+#include "catalog/mdlObjects.h"
+#include "core/error_report.h"
+#include "data/base/field_text.h"
+#include "data/criteria.h"
+#include "datacompare/compare_records.h"
+
+#include <algorithm>
+
+namespace zov {
+namespace {
+
+const QString NullText = QStringLiteral("Null");
+const QString QuotedNull = QStringLiteral("'Null'");
+
+/// A name that stands in a criterion without brackets and is read back as it is.
+bool isPlainName(const QString& name) {
+    if (name.isEmpty() || name.startsWith(u'[')) return false;
+    return std::none_of(name.begin(), name.end(), [](QChar c) {
+        return c.isSpace() || c == u'=' || c == u'<' || c == u'>' || c == u'\'';
+    });
+}
+
+bool isPlainText(const ColumnInfo& column) {
+    return storageOf(column) == Storage::Text && !isNumericType(column.type);
+}
+
+}  // namespace
+
+bool seeksAlikeByValue(const ColumnInfo& from, const ColumnInfo& to) {
+    const Storage source = storageOf(from), target = storageOf(to);
+    const auto isExact = [](const ColumnInfo& column, Storage storage) {
+        if (storage == Storage::Int8) return column.type != SqlType::Bit;
+        return storage == Storage::Int16 || storage == Storage::Int32 || storage == Storage::Int64 ||
+               storage == Storage::Scaled64;
+    };
+    if (isExact(from, source) && isExact(to, target)) return true;
+    if (source != target) return false;
+    switch (source) {
+        case Storage::Int8: return from.type == to.type;
+        case Storage::Ticks:
+            return (from.type == SqlType::Time) == (to.type == SqlType::Time);
+        case Storage::Text: return isPlainText(from) && isPlainText(to);
+        default: return true;
+    }
+}
+
+KeyLookup::KeyLookup(const Recordset& Rs1, KeyedRows& Rows2, const CompKeys (&Keys)[2])
+    : rs1_(Rs1), rows2_(Rows2) {
+    for (int field = 0; field < Rows2.columnCount(); ++field)
+        columns2_.push_back(Rows2.columnInfo(field));
+    std::vector<int> targetFields;
+    const auto add = [&](const QString& sourceName, const QString& targetName) {
+        Part part;
+        part.targetName = targetName;
+        // A part that is no key has never been looked up and stands at the first field.
+        part.sourceField = isKeyField(sourceName) ? GetFieldOrdinal(Rs1, sourceName) : 0;
+        part.targetField = isPlainName(targetName) ? Rows2.fieldIndex(targetName) : -1;
+        if (part.targetField < 0)
+            indexable_ = false;
+        else
+            part.valueAsItIs = seeksAlikeByValue(Rs1.field(part.sourceField).info(),
+                                                 columns2_[size_t(part.targetField)]);
+        parts_.push_back(part);
+        targetFields.push_back(part.targetField);
+    };
+    add(Keys[0].CompKey, Keys[1].CompKey);
+    // The Target's second key makes the lookup one by several keys, the Source's third adds a third.
+    if (isKeyField(Keys[1].SecondaryCompKey)) {
+        add(Keys[0].SecondaryCompKey, Keys[1].SecondaryCompKey);
+        if (isKeyField(Keys[0].TertiaryCompKey))
+            add(Keys[0].TertiaryCompKey, Keys[1].TertiaryCompKey);
+    }
+    if (indexable_) Rows2.setKey(std::move(targetFields));
+    wanted_.resize(parts_.size());
+    read_.resize(parts_.size());
+}
+
+// With several keys a text 'Null' becomes a null wherever it stands in the filter, which breaks the
+// filter when it stands within a value.
+bool KeyLookup::needsCriterion(const CellView& cell) const {
+    if (parts_.size() == 1 || cell.isNull || cell.storage != Storage::Text) return false;
+    const QStringView text = cell.text;
+    for (qsizetype at = text.indexOf(NullText); at >= 0; at = text.indexOf(NullText, at + 1)) {
+        const qsizetype end = at + NullText.size();
+        const bool opens = at == 0 || text[at - 1] == u'\'';
+        const bool closes = end == text.size() || text[end] == u'\'';
+        if (opens && closes && text.size() != NullText.size()) return true;
+    }
+    return false;
+}
+
+bool KeyLookup::findByIndex(bool& found) {
+    for (const Part& part : parts_)
+        if (needsCriterion(rs1_.field(part.sourceField).cell())) return false;
+    for (size_t i = 0; i < parts_.size(); ++i) {
+        const Part& part = parts_[i];
+        const CellView cell = rs1_.field(part.sourceField).cell();
+        const bool isNullText =
+            cell.isNull || (cell.storage == Storage::Text && cell.text == QStringView(NullText));
+        if (parts_.size() > 1 && isNullText) {
+            wanted_[i] = CellView{};
+            wanted_[i].column = &columns2_[size_t(part.targetField)];
+            wanted_[i].storage = storageOf(*wanted_[i].column);
+            continue;
+        }
+        if (part.valueAsItIs && !cell.isNull) {
+            wanted_[i] = cell;
+            continue;
+        }
+        auto read = readAs(columns2_[size_t(part.targetField)], FieldText(cell));
+        if (!read) {
+            rows2_.MoveBehindLast();
+            found = false;
+            return true;
+        }
+        read_[i] = std::move(*read);
+        wanted_[i] = read_[i].cell(0, 0);
+    }
+    rows2_.find(wanted_);
+    found = !rows2_.isEof();
+    return true;
+}
+
+QString KeyLookup::criterion() const {
+    QString text;
+    for (const Part& part : parts_) {
+        if (!text.isEmpty()) text += QStringLiteral(" AND ");
+        QString value = FieldText(rs1_.field(part.sourceField).cell());
+        value.replace(u'\'', QLatin1StringView("''"));
+        text += part.targetName + QStringLiteral(" = '") + value + u'\'';
+    }
+    return text;
+}
+
+int KeyLookup::FindRecordByKey() {
+    bool found = false;
+    if (indexable_ && findByIndex(found)) return found ? 1 : 0;
+    if (parts_.size() == 1) {
+        findByCriteria(criterion());
+    } else {
+        bool failed = false;
+        Multi_Find(criterion(), failed);
+        if (failed) return -1;
+    }
+    return rows2_.isEof() ? 0 : 1;
+}
+
+void KeyLookup::findByCriteria(const QString& text) {
+    const std::vector<Criterion> criteria = parseCriteria(columns2_, text);
+    rows2_.findFirst([&](const RowView& row) {
+        return std::all_of(criteria.begin(), criteria.end(), [&](const Criterion& criterion) {
+            return meetsCriterion(*row.rows, row.row, criterion);
+        });
+    });
+}
+
+bool KeyLookup::Multi_Find(const QString& Filter, bool& Failed) {
+    Failed = false;
+    QString filter = Filter;
+    filter.replace(QuotedNull, QLatin1StringView("NULL"));
+    try {
+        findByCriteria(filter);
+        return !rows2_.isEof();
+    } catch (const DbError& error) {
+        // What the server has to say of its rows is another matter than a filter that can't be read.
+        if (error.number == criteria_error::Unreadable) return false;
+        Failed = true;
+    } catch (...) {
+        Failed = true;
+    }
+    reportCaughtError("modCompareData", "Multi_Find");
+    return false;
+}
+
+}  // namespace zov

@@ -1,0 +1,52 @@
+// Finding the Target record that has a Source record's key. The search is
+// described by a condition on texts, as a recordset's Find and Filter take it, and
+// answered by an index wherever that gives the same record.
+#pragma once
+
+#include "datacompare/keyed_rows.h"
+#include "datacompare/modCompareData.h"
+
+#include <vector>
+
+namespace zov {
+
+class KeyLookup {
+ public:
+    /// `Keys`: 0 Source, 1 Target.
+    KeyLookup(const Recordset& Rs1, KeyedRows& Rows2, const CompKeys (&Keys)[2]);
+
+    /// Looks for the current record of Source, and moves Target, which stands on its first row, to
+    /// the first record of its key, to EOF when there is none. 1 found, 0 not found, -1 the lookup
+    /// failed. A criterion that can't be read throws with one key, and counts as found where Target
+    /// stands with several.
+    int FindRecordByKey();
+
+ private:
+    struct Part {
+        QString targetName;   ///< as it stands in the criterion
+        int sourceField = 0;
+        int targetField = -1;
+        bool valueAsItIs = false;  ///< the Source's value finds what its text would
+    };
+    bool findByIndex(bool& found);
+    bool needsCriterion(const CellView& cell) const;
+    QString criterion() const;
+    /// Several conditions. True when a row was found; a filter that can't be read leaves Target where
+    /// it is. A text 'Null' in the filter stands for a null.
+    bool Multi_Find(const QString& Filter, bool& Failed);
+    /// Row by row; throws for a text that can't be read.
+    void findByCriteria(const QString& text);
+
+    const Recordset& rs1_;
+    KeyedRows& rows2_;
+    std::vector<ColumnInfo> columns2_;
+    std::vector<Part> parts_;
+    bool indexable_ = true;
+    std::vector<CellView> wanted_;
+    std::vector<RowStore> read_;  // values that had to be read from their texts
+};
+
+/// Whether seeking a value of one column in another gives the same by value as by its text.
+bool seeksAlikeByValue(const ColumnInfo& from, const ColumnInfo& to);
+
+}  // namespace zov

@@ -1,0 +1,127 @@
+// The Target's rows as the comparison by key sees them: found by their key, in
+// the order in which they come, and gone once they were matched. Read only as far
+// as a search needs: what is found among the first rows is what would be found
+// among all. Where the tables are in the same order little is ever in memory.
+#pragma once
+
+#include "data/recordset.h"
+
+#include <span>
+#include <vector>
+
+namespace zov {
+
+/// A row where it is stored. Valid until its owner moves on.
+struct RowView {
+    const RowStore* rows = nullptr;
+    qsizetype row = -1;
+    RowView() = default;
+    RowView(const RowStore& store, qsizetype at) : rows(&store), row(at) {}
+    /// The current record; none (row -1) at the ends.
+    explicit RowView(const Recordset& rs) : rows(&rs.rowStore()), row(rs.currentRow()) {}
+    int fieldCount() const { return rows ? rows->columnCount() : 0; }
+};
+
+/// Records one after the other.
+class RowCursor {
+ public:
+    virtual ~RowCursor() = default;
+    virtual void MoveFirst() = 0;
+    virtual void MoveNext() = 0;
+    virtual bool isEof() const = 0;
+    virtual RowView row() const = 0;
+};
+
+class RecordsetCursor : public RowCursor {
+ public:
+    explicit RecordsetCursor(Recordset& rs) : rs_(rs) {}
+    void MoveFirst() override { rs_.MoveFirst(); }
+    void MoveNext() override { rs_.MoveNext(); }
+    bool isEof() const override { return rs_.isEof(); }
+    RowView row() const override { return RowView(rs_); }
+
+ private:
+    Recordset& rs_;
+};
+
+class KeyedRows : public RowCursor {
+ public:
+    /// Takes the rows out of `rs`, which must live as long as this.
+    explicit KeyedRows(Recordset& rs) : rs_(rs) {}
+    /// The columns that rows are found by; before the first search.
+    void setKey(std::vector<int> columns) { columns_ = std::move(columns); }
+
+    int columnCount() const { return rs_.fieldCount(); }
+    const ColumnInfo& columnInfo(int column) const { return rs_.field(column).info(); }
+    int fieldIndex(const QString& name) const { return rs_.fieldIndex(name); }
+
+    /// To the first row that is left whose key equals the cells (texts ignoring case, a null a null);
+    /// to the end when there is none.
+    void find(std::span<const CellView> key);
+    /// To the first row that is left and meets the test; to the end when there is none.
+    template <typename Test>
+    void findFirst(Test meets) {
+        for (MoveFirst(); !isEof() && !meets(row()); MoveNext()) {
+        }
+    }
+    /// Takes the current row out.
+    void Delete();
+
+    // RowCursor, over the rows that are left.
+    void MoveFirst() override;
+    void MoveNext() override;
+    void MoveBehindLast() { current_ = {-1, -1}; }
+    bool isEof() const override { return current_.block < 0; }
+    RowView row() const override;
+    /// Place from 0 among all rows, deleted ones included; -1 at the end.
+    qint64 rowNumber() const;
+
+ private:
+    struct Block {
+        RowStore rows;
+        qint64 before = 0;          // rows in the blocks before
+        qsizetype count = 0;        // stays when the rows are let go
+        qsizetype live = 0;
+        std::vector<bool> deleted;
+    };
+    struct Place {
+        int block = -1;
+        int row = -1;
+    };
+    // Rows by the hash of their keys: for each bucket a chain in the order of the rows.
+    struct Node {
+        Place place;
+        quint32 hash = 0;
+        qint32 next = -1;
+    };
+    struct Bucket {
+        qint32 first = -1;
+        qint32 last = -1;
+    };
+
+    bool readBlock();
+    /// Adds the rows of blocks that no search has needed yet.
+    void indexBlocks();
+    void growBuckets();
+    void append(qint32 node);
+    quint32 hashOf(const Block& block, int row) const;
+    bool hasKey(const Place& place, std::span<const CellView> key) const;
+    /// Whether `place` moved to a row that is left, from where it is forward.
+    bool settle(Place& place);
+    void letGo(Block& block);
+
+    Recordset& rs_;
+    std::vector<int> columns_;
+    std::vector<Block> blocks_;
+    bool allRead_ = false;
+    Place current_;
+    int firstLiveBlock_ = 0;
+    size_t indexedBlocks_ = 0;
+    std::vector<Bucket> buckets_;
+    std::vector<Node> nodes_;
+    qint32 freeNode_ = -1;
+    size_t indexedRows_ = 0;
+    std::vector<RowStore> spare_;
+};
+
+}  // namespace zov

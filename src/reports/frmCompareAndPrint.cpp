@@ -1,0 +1,74 @@
+#include "reports/frmCompareAndPrint.h"
+
+#include "core/error_report.h"
+#include "core/globals.h"
+#include "shell/shell.h"
+#include "util/text.h"
+
+namespace zov {
+namespace {
+
+// A list may show a name with its schema where the other one needs none: the whole name goes before
+// the part behind the point.
+int rowOfNamesake(const ObjectList& list, const QString& name) {
+    const QString shortName = partBehindLastDot(name);
+    int found = -1;
+    for (int row = 0; row < list.rowCount(); ++row) {
+        const QString& other = list.row(row).name;
+        if (other == name) return row;
+        if (found < 0 && partBehindLastDot(other) == shortName) found = row;
+    }
+    return found;
+}
+
+}  // namespace
+
+void frmCompareAndPrint::ShowUp(CompareAndPrintWindow& window) {
+    window_ = &window;
+    reopen();
+    shell().showModal(*this);
+}
+
+void frmCompareAndPrint::Form_Activate() {
+    if (activated_) return;
+    activated_ = true;
+    const WaitPointer wait;
+    globals().gblnStop = false;
+    elapsed_.start();
+    running_ = tmrStatusEnabled = true;
+    tmrStatus_Timer();
+    guardedRun("frmCompareAndPrint", "CompareAndPrint", [this] { CompareAndPrint(); });
+    running_ = tmrStatusEnabled = false;
+    close();
+}
+
+void frmCompareAndPrint::CompareAndPrint() {
+    const ObjectList& source = window_->objects(SourcePanel);
+    const ObjectList& target = window_->objects(TargetPanel);
+    for (int row = 0; row < source.rowCount(); ++row) {
+        lblCurProcName = source.row(row).name;
+        tmrStatus_Timer();
+        shell().pumpEvents();
+        if (globals().gblnStop) return;
+        const int partner = rowOfNamesake(target, source.row(row).name);
+        if (partner < 0) continue;
+        window_->showObject(SourcePanel, row);
+        window_->showObject(TargetPanel, partner);
+        // Without a printer the next table would fail in the same way.
+        if (!window_->compareAndPrintPair()) return;
+    }
+}
+
+void frmCompareAndPrint::tmrStatus_Timer() {
+    lblTime = formatElapsed(elapsed_.elapsed());
+    refresh();
+}
+
+void frmCompareAndPrint::cmdCancel_Click() {
+    if (running_)
+        globals().gblnStop = true;
+    else
+        close();
+}
+
+}  // namespace zov

@@ -1,0 +1,267 @@
+// The main window after it is built: what the controller shows in it, differences,
+// finding, scrolling together, and what is kept between runs.
+#include "core/product.h"
+#include "shell/qt/about_dialog.h"
+#include "shell/qt/appearance.h"
+#include "shell/qt/choice_combo.h"
+#include "shell/qt/find_bar.h"
+#include "shell/qt/help_window.h"
+#include "shell/qt/main_window.h"
+#include "shell/qt/object_list_view.h"
+#include "shell/qt/pane_printer.h"
+#include "shell/qt/text_pane_widget.h"
+
+#include <QAction>
+#include <QCloseEvent>
+#include <QHeaderView>
+#include <QLabel>
+#include <QLocale>
+#include <QMenu>
+#include <QScopedValueRollback>
+#include <QScrollBar>
+#include <QSettings>
+#include <QSplitter>
+#include <QTimer>
+#include <QToolButton>
+
+namespace zov::qt {
+namespace {
+
+namespace cmd = command;
+
+constexpr int SupportTopic = 230;
+
+QIcon icon(const char* name) {
+    return QIcon(QStringLiteral(":/icons/%1.svg").arg(QLatin1String(name)));
+}
+
+}  // namespace
+
+void MainWindow::runCommand(int id, int Index) {
+    controller_.ExecuteAction(id, Index);
+    if (id != cmd::CompareSelected) return;
+    const TextPaneWidget* source = sides_[SourcePanel].text;
+    const TextPaneWidget* target = sides_[TargetPanel].text;
+    if (source->lineCount() == 0 || target->lineCount() == 0) return;
+    comparedEqual_ = !source->hasMarks() && !target->hasMarks();
+    const size_t count = alignment().stops().size();
+    if (count > 0)
+        setStatusText(count == 1 ? QStringLiteral("1 difference: F8 goes to it.")
+                                 : QStringLiteral("%1 differences: F8 goes to the next one, "
+                                                  "Shift+F8 to the previous one.")
+                                       .arg(count));
+    else
+        setStatusText({});
+}
+
+void MainWindow::setConnectPicture(int picture) {
+    QAction* action = actions_.at(cmd::Connect);
+    action->setIcon(icon(picture == PictureConnected    ? "connected"
+                         : picture == PictureConnecting ? "connecting"
+                                                        : "disconnected"));
+    action->setToolTip(picture == PictureConnected
+                           ? QStringLiteral("Connected - click to connect anew")
+                           : QStringLiteral("Connect to the servers"));
+    if (picture == PictureConnecting)
+        setStatusText(QStringLiteral("Connecting..."));
+    else
+        setStatusText(action->toolTip() + QStringLiteral("   "));
+}
+
+void MainWindow::setCompareToolTip(const QString& text) {
+    actions_.at(cmd::CompareSelected)->setToolTip(text);
+}
+
+void MainWindow::setListToolTips(const QString& text) {
+    for (Side& side : sides_) side.objects->setToolTip(text);
+}
+
+void MainWindow::setFilterText(int Index, const QString& text) {
+    sides_[Index].filterText->setText(text);
+    sides_[Index].filterText->setToolTip(text.trimmed());
+}
+
+void MainWindow::setFilterMark(int Index, bool visible, const QString& toolTip) {
+    sides_[Index].filterMark->setToolTip(toolTip);
+    sides_[Index].filterMark->setVisible(visible);
+}
+
+void MainWindow::setOwnerControlsVisible(bool visible) {
+    for (Side& side : sides_) {
+        side.owners->setVisible(visible);
+        side.ownersLabel->setVisible(visible);
+    }
+}
+
+void MainWindow::setStatusText(const QString& text) {
+    status_->setText(text);
+}
+
+QString MainWindow::statusText() const {
+    return status_->text();
+}
+
+void MainWindow::focusTypeBox() {
+    type_->setFocus(Qt::ShortcutFocusReason);
+}
+
+bool MainWindow::printPane(int Index, const QString& title, const QString& header, bool silent) {
+    return printPaneText(*sides_[Index].text, title, header, silent, this);
+}
+
+void MainWindow::showHelp(int topic) {
+    showHelpPage(topic == SupportTopic ? QStringLiteral("support") : QStringLiteral("index"), this);
+}
+
+void MainWindow::showAbout() {
+    AboutDialog(this).exec();
+}
+
+QAction* MainWindow::action(int commandId) const {
+    const auto found = actions_.find(commandId);
+    return found == actions_.end() ? nullptr : found->second;
+}
+
+void MainWindow::showPaneMenu(int Index, const QPoint& at) {
+    if (controller_.Busy()) return;
+    QMenu menu(this);
+    for (const CommandEntry& entry : commandTable()) {
+        if (entry.menu != CommandMenu::PanePopUp || !controller_.isInPaneMenu(entry.id)) continue;
+        if (entry.separatorBefore) menu.addSeparator();
+        QAction* action = menu.addAction(QString::fromLatin1(entry.caption));
+        action->setEnabled(controller_.isOffered(entry.id));
+        action->setData(entry.id);
+    }
+    // The menu is gone before its command runs: a long one must not keep it open.
+    const QAction* chosen = menu.exec(sides_[Index].text->viewport()->mapToGlobal(at));
+    if (chosen) runCommand(chosen->data().toInt(), Index);
+}
+
+void MainWindow::showCounts() {
+    const ObjectType type = controller_.selectedType();
+    for (const int Index : {SourcePanel, TargetPanel}) {
+        const int count = sides_[Index].objects->rowCount();
+        sides_[Index].count->setText(
+            panels_->operator[](Index).pvlDb.text().isEmpty()
+                ? QString()
+                : QStringLiteral("%1: %2 %3")
+                      .arg(Index == SourcePanel ? QStringLiteral("Source")
+                                                : QStringLiteral("Target"),
+                           QLocale(QLocale::English, QLocale::UnitedStates).toString(count),
+                           GetObjectTypeName(type, count != 1).toLower()));
+        sides_[Index].objects->setEmptyText(
+            sides_[Index].database->text().isEmpty()
+                ? QStringLiteral("Choose a server and a database above.")
+                : QStringLiteral("There are no %1 in this database.")
+                      .arg(GetObjectTypeName(type, true).toLower()));
+    }
+}
+
+void MainWindow::showObjectName(int Index) {
+    const ObjectListView* list = sides_[Index].objects;
+    const int row = list->selectedIndex();
+    const QString name = row < 0 ? QString() : list->row(row).name;
+    sides_[Index].objectName->setText(name);
+    sides_[Index].objectName->setToolTip(name);
+}
+
+int MainWindow::activePane() const {
+    const QWidget* focus = focusWidget();
+    const Side& target = sides_[TargetPanel];
+    const bool inTarget =
+        focus && (focus == target.text || target.findBar->isAncestorOf(focus) ||
+                  focus == target.objects || focus == target.server || focus == target.database);
+    return inTarget ? TargetPanel : SourcePanel;
+}
+
+void MainWindow::openFindBar() {
+    sides_[activePane()].findBar->open();
+}
+
+const PaneAlignment& MainWindow::alignment() {
+    if (!alignmentIsOld_) return alignment_;
+    alignmentIsOld_ = false;
+    atStop_ = -1;
+    const TextPaneWidget* source = sides_[SourcePanel].text;
+    const TextPaneWidget* target = sides_[TargetPanel].text;
+    alignment_ = source->hasMarks() && target->hasMarks()
+                     ? PaneAlignment(source->lineColors(), target->lineColors())
+                     : PaneAlignment();
+    return alignment_;
+}
+
+void MainWindow::goToDifference(bool forward) {
+    const std::vector<PaneAlignment::Stop>& stops = alignment().stops();
+    if (stops.empty()) {
+        setStatusText(comparedEqual_ ? QStringLiteral("There is no difference between the texts.")
+                                     : QStringLiteral("Compare two objects first (F7)."));
+        return;
+    }
+    const int count = int(stops.size());
+    const int next = atStop_ < 0 ? (forward ? 0 : count - 1) : atStop_ + (forward ? 1 : -1);
+    if (next < 0 || next >= count) {
+        setStatusText(QStringLiteral("There is no further difference in this direction."));
+        return;
+    }
+    atStop_ = next;
+    const PaneAlignment::Stop& stop = stops[size_t(next)];
+    {
+        const QScopedValueRollback<bool> bothAreMoved(scrolling_, true);
+        sides_[SourcePanel].text->showDifference(stop.sourceLine, stop.sourceEnd);
+        sides_[TargetPanel].text->showDifference(stop.targetLine, stop.targetEnd);
+    }
+    setStatusText(QStringLiteral("Difference %1 of %2").arg(next + 1).arg(count));
+}
+
+void MainWindow::scrollTogether(int from) {
+    if (scrolling_ || (alignment().isEmpty() && !comparedEqual_)) return;
+    const QScopedValueRollback<bool> once(scrolling_, true);
+    TextPaneWidget* pane = sides_[from].text;
+    TextPaneWidget* other = sides_[1 - from].text;
+    // Lines aren't wrapped: the scroll bar's value is the first line that is seen.
+    other->verticalScrollBar()->setValue(
+        alignment_.partnerOf(from, pane->verticalScrollBar()->value()));
+    other->horizontalScrollBar()->setValue(pane->horizontalScrollBar()->value());
+}
+
+void MainWindow::showEvent(QShowEvent* event) {
+    QMainWindow::showEvent(event);
+    if (shownOnce_) return;
+    shownOnce_ = true;
+    // The first activation comes when the window stands.
+    QTimer::singleShot(0, this, [this] {
+        if (start_.opensPanels()) openStartPanels(start_, controller_, *panels_);
+        controller_.Form_Activate();
+    });
+}
+
+void MainWindow::closeEvent(QCloseEvent* event) {
+    // A load that is under way is asked to stop; its loop ends at its next named point.
+    globals().gblnStop = true;
+    saveLayout();
+    QMainWindow::closeEvent(event);
+}
+
+void MainWindow::restoreLayout() {
+    resize(1240, 860);
+    QSettings settings(windowSettingsFile(), QSettings::IniFormat);
+    const auto stored = [&](const char* key) {
+        return settings.value(QStringLiteral("Window/") + QLatin1String(key)).toByteArray();
+    };
+    restoreGeometry(stored("Geometry"));
+    restoreState(stored("State"));
+    splitter_->restoreState(stored("Splitter"));
+    tops_->restoreState(stored("Panels"));
+    texts_->restoreState(stored("Panels"));
+    for (QSplitter* splitter : {splitter_, tops_, texts_}) splitter->setChildrenCollapsible(false);
+}
+
+void MainWindow::saveLayout() {
+    QSettings settings(windowSettingsFile(), QSettings::IniFormat);
+    settings.setValue(QStringLiteral("Window/Geometry"), saveGeometry());
+    settings.setValue(QStringLiteral("Window/State"), saveState());
+    settings.setValue(QStringLiteral("Window/Splitter"), splitter_->saveState());
+    settings.setValue(QStringLiteral("Window/Panels"), tops_->saveState());
+}
+
+}  // namespace zov::qt

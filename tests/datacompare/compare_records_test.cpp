@@ -1,0 +1,224 @@
+// The two ways of walking over two tables: what is found, counted and listed.
+#include "comparison_fixture.h"
+
+namespace zov {
+namespace {
+
+using test::Road;
+
+class CompareRecordsTest : public test::DataComparison {
+ protected:
+    /// Tables of a key and a text; rows as "1 a".
+    void loadRows(const QStringList& source, const QStringList& target) {
+        load(script(source), script(target));
+    }
+    static QString script(const QStringList& rows) {
+        QString sql = QStringLiteral(
+            "IF EXISTS (SELECT * FROM sysobjects WHERE name = 'T') DROP TABLE dbo.T\nGO\n"
+            "CREATE TABLE dbo.T (Id int, V nvarchar(20))\nGO\n");
+        for (const QString& row : rows)
+            sql += QStringLiteral("INSERT INTO T VALUES (%1, N'%2')\n")
+                       .arg(row.section(u' ', 0, 0), row.section(u' ', 1));
+        return sql + QStringLiteral("GO\n");
+    }
+};
+INSTANTIATE_TEST_SUITE_P(Roads, CompareRecordsTest, ::testing::Values(Road::Embedded, Road::Odbc),
+                         test::roadName);
+
+QStringList rows(int first, int last) {
+    QStringList list;
+    for (int i = first; i <= last; ++i) list += QStringLiteral("%1 v%1").arg(i);
+    return list;
+}
+QStringList operator-(QStringList list, const QStringList& without) {
+    for (const QString& row : without) list.removeAll(row);
+    return list;
+}
+
+TEST_P(CompareRecordsTest, RowsArePairedByTheirPlaces) {
+    loadRows({"1 a", "2 b", "3 c"}, {"1 a", "2 x", "4 c", "5 d"});
+    EXPECT_EQ(compared(), "different 3/4/3\n"
+                          "S 1|2|*b\nT 1|2|*x\n"
+                          "S 2|*3|c\nT 2|*4|c\n"
+                          "- 4|5|d");
+    run.Method = CompMethod::RecordByRecord;
+    std::swap(run.Tables[0], run.Tables[1]);
+    EXPECT_EQ(compared(), "different 4/3/3\n"
+                          "S 1|2|*x\nT 1|2|*b\n"
+                          "S 2|*4|c\nT 2|*3|c\n"
+                          "+ 4|5|d");
+    EXPECT_EQ(told(), "");
+}
+
+TEST_P(CompareRecordsTest, EmptyTablesTakeNoWalk) {
+    loadRows({}, {});
+    EXPECT_EQ(compared(), "identical 0/0/0");
+    EXPECT_EQ(told(), "information: Data stored in both tables is identical.");
+    loadRows(rows(1, 2), {});
+    for (const bool key : {false, true}) {
+        if (key) byKey(QStringLiteral("Id"));
+        EXPECT_EQ(compared(), "different 2/0/2\n+ 1|1|v1\n+ 2|2|v2");
+        std::swap(run.Tables[0], run.Tables[1]);
+        EXPECT_EQ(compared(), "different 0/2/2\n- 1|1|v1\n- 2|2|v2");
+        std::swap(run.Tables[0], run.Tables[1]);
+    }
+}
+
+TEST_P(CompareRecordsTest, KeysFindTheirRowsInAnyOrder) {
+    loadRows({"1 a", "2 b", "3 c", "4 d"}, {"4 d", "3 x", "1 a", "2 b"});
+    byKey(QStringLiteral("Id"));
+    EXPECT_EQ(compared(), "different 4/4/1\nS 1|3|*c\nT 1|3|*x");
+    // Of several rows of one key each is matched once, in their order.
+    loadRows({"1 a", "1 b", "1 c", "2 d"}, {"2 d", "1 a", "1 c", "1 b"});
+    EXPECT_EQ(compared(), "different 4/4/2\nS 1|1|*b\nT 1|1|*c\nS 2|1|*c\nT 2|1|*b");
+}
+
+TEST_P(CompareRecordsTest, ARowMissingOnEachSideIsCountedOnce) {
+    loadRows(rows(1, 4), rows(1, 5) - QStringList{"2 v2"});
+    byKey(QStringLiteral("Id"));
+    EXPECT_EQ(compared(), "different 4/4/1\n+ 1|2|v2\n- 1|5|v5");
+}
+
+// The limit of the smaller table is overrun by unmatched rows, and looked at after a match.
+TEST_P(CompareRecordsTest, UnmatchedRowsOverrunTheLimit) {
+    loadRows(rows(1, 12), rows(3, 12));
+    byKey(QStringLiteral("Id"));
+    EXPECT_EQ(compared(), "different 12/10/4\n"
+                          "+ 1|1|v1\n+ 2|2|v2\n"
+                          "- 1|11|v11\n- 2|12|v12");
+}
+
+// The number of differences is taken for a row of the grid, where each pair has taken two.
+TEST_P(CompareRecordsTest, ARowOfSourceAloneOverwritesPairs) {
+    loadRows({"1 a", "2 b", "3 c"}, {"1 x", "2 y", "4 c"});
+    byKey(QStringLiteral("Id"));
+    EXPECT_EQ(compared(), "different 3/3/3\n"
+                          "S 1|1|*a\nT 1|1|*x\n"
+                          "+ 3|3|*c\n"
+                          "- 1|4|c");
+}
+
+TEST_P(CompareRecordsTest, TheGridStopsAtItsLimitAndTheCountRunsOn) {
+    globals().glngMaxRowsInDiffTable = 3;
+    QStringList changed;
+    for (int i = 1; i <= 5; ++i) changed += QStringLiteral("%1 w").arg(i);
+    loadRows(rows(1, 5), changed);
+    QString note;
+    onDifferences = [&](frmCompareData& screen) {
+        note = screen.lblMaxRowsVisible ? screen.lblMaxRows : QString();
+    };
+    EXPECT_EQ(compared(), "different 5/5/5\n"
+                          "S 1|1|*v1\nT 1|1|*w\nS 2|2|*v2\nT 2|2|*w");
+    EXPECT_EQ(note.toStdString(), "Only first 3 different records are shown");
+    EXPECT_EQ(told(),
+              "information [Note]: Not all records will be shown in the table displaying differences "
+              "between two selected tables.\\n\\nThere are 5 differences found by the program.\\n\\n"
+              "Please note that program's setting for maximum number of records displayed in "
+              "differences table is currently set to 3.\\n\\nSince there is more different records "
+              "than it is currently allowed to be shown in the table, only first 3 records will be "
+              "shown.\\n\\nIf you wish to increase the number of records shown in differences table, "
+              "please click menu item Tools -> Options, click tab 'Rows to Display', change the "
+              "maximum number of rows and click button 'OK'.");
+}
+
+TEST_P(CompareRecordsTest, LeftOverRowsAreCutAtTheLimitInSilence) {
+    globals().glngMaxRowsInDiffTable = 4;
+    loadRows({"1 a"}, {"1 x", "2 b", "3 c", "4 d"});
+    EXPECT_EQ(compared(), "different 1/4/4\nS 1|1|*a\nT 1|1|*x\n- 2|2|b\n- 3|3|c");
+    EXPECT_EQ(told(), "");
+    // Rows of Source alone aren't held back.
+    globals().glngMaxRowsInDiffTable = 1;
+    loadRows({"1 x", "2 b", "3 c", "4 d"}, {"1 a"});
+    byKey(QStringLiteral("V"));
+    EXPECT_EQ(compared(), "different 4/1/7\n+ 1|1|x");
+    loadRows({"1 x", "2 b", "3 c", "4 d"}, {"4 d"});
+    EXPECT_EQ(compared(), "different 4/1/6\n+ 1|1|x");
+}
+
+TEST_P(CompareRecordsTest, OffsetsStartLaterOnEachSide) {
+    loadRows(rows(1, 4), QStringList{"9 extra"} + rows(1, 4));
+    run.Offset[1] = 2;
+    EXPECT_EQ(compared(), "identical 4/5/0");
+    EXPECT_EQ(told(), "information: Data stored in both tables is identical.");
+    run.Offset[0] = 2;
+    EXPECT_EQ(compared(), "different 4/5/4\n"
+                          "S 1|*2|*v2\nT 1|*1|*v1\nS 2|*3|*v3\nT 2|*2|*v2\nS 3|*4|*v4\nT 3|*3|*v3");
+    told();
+    run.Offset[0] = 9;
+    EXPECT_EQ(compared(), "failed 4/5/0");
+    EXPECT_EQ(told(),
+              "exclamation: Error occured while comparing records.\\n\\nError 3021 (Either BOF or EOF "
+              "is True, or the current record has been deleted. Requested operation requires a "
+              "current record.); line 0.\\n\n"
+              "information: The comparison was broken off by an error.");
+}
+
+TEST_P(CompareRecordsTest, SortKeysOrderBothTables) {
+    loadRows({"2 b", "1 a", "3 c"}, {"3 c", "2 b", "1 a"});
+    EXPECT_EQ(compared().substr(0, 15), "different 3/3/3");
+    orderBy(QStringLiteral("Id"));
+    EXPECT_EQ(compared(), "identical 3/3/0");
+}
+
+// Streams give the same as rows in memory, and both stay with the two halves of what they read.
+TEST_P(CompareRecordsTest, ServerSideCursorsGiveTheSame) {
+    QStringList source = rows(1, 3000), target = rows(1, 3010);
+    target[2500] = QStringLiteral("2501 other");
+    loadRows(source, target);
+    const std::string wanted =
+        "different 3000/3010/11\nS 1|2501|*v2501\nT 1|2501|*other\n- 3001|3001|v3001\n";
+    for (const qint32 location : {adUseServer, adUseClient}) {
+        globals().glngCursorLocation = location;
+        EXPECT_EQ(compared().substr(0, wanted.size()), wanted) << location;
+        EXPECT_EQ(globals().glngCursorLocation, location);
+    }
+    globals().glngCursorLocation = adUseServer;
+    byKey(QStringLiteral("Id"));
+    const std::string byKeyWanted = "different 3000/3010/11\nS 1|2501|*v2501\nT 1|2501|*other\n- 1|3001|";
+    EXPECT_EQ(compared().substr(0, byKeyWanted.size()), byKeyWanted);
+    EXPECT_EQ(globals().glngCursorLocation, adUseServer);
+}
+
+TEST_P(CompareRecordsTest, StopEndsTheRunAndIsForgotten) {
+    loadRows(rows(1, 50), rows(1, 40));
+    for (const int method : {CompMethod::RecordByRecord, CompMethod::PrimaryKey}) {
+        run.Method = method;
+        run.Keys[0] = run.Keys[1] = {QStringLiteral("Id"), {}, {}};
+        onStatus = [&](frmCompareStatus& screen) {
+            shell.onPump = [&, left = 20]() mutable {
+                if (--left == 0) screen.cmdStop_Click();
+            };
+        };
+        EXPECT_EQ(compared(), "cancelled 50/40/0");
+        EXPECT_EQ(told(), "information: Operation cancelled by the user.");
+        EXPECT_FALSE(globals().gblnStop);
+        onStatus = nullptr;
+        shell.onPump = nullptr;
+        EXPECT_EQ(compared().substr(0, 18), "different 50/40/10");
+    }
+}
+
+TEST_P(CompareRecordsTest, ATableThatGoesAwayIsTold) {
+    loadRows(rows(1, 2), rows(1, 2));
+    onStatus = [&](frmCompareStatus& screen) {
+        shell.onPump = [&, gone = false]() mutable {
+            if (gone || screen.lblRecsCount2 != u"2") return;
+            gone = true;
+            served.load(QStringLiteral("Tgt"), QStringLiteral("DROP TABLE dbo.T\nGO\n"));
+        };
+    };
+    EXPECT_EQ(compared(), "failed 2/2/0");
+    const std::string text = told();
+    EXPECT_NE(text.find("screen frmErrorReport"), std::string::npos) << text;
+    EXPECT_NE(text.find("information: The comparison was broken off by an error."), std::string::npos)
+        << text;
+    // And one that was never there, before anything is read.
+    shell.onPump = nullptr;
+    onStatus = nullptr;
+    EXPECT_EQ(compared(), "failed 2/-1/0");
+    EXPECT_NE(told().find("exclamation: Error while attempting to count records in table: "),
+              std::string::npos);
+}
+
+}  // namespace
+}  // namespace zov

@@ -1,0 +1,96 @@
+// Printing: pages into a PDF file, and what is said where there is no printer.
+#include "shell/qt/pane_printer.h"
+#include "shell/qt/print_preview.h"
+#include "shell/qt/text_pane_widget.h"
+#include "shell_qt/desktop.h"
+
+#include <QAction>
+#include <QApplication>
+#include <QDialog>
+#include <QFile>
+#include <QPrinterInfo>
+
+#include <gtest/gtest.h>
+
+namespace zov {
+namespace {
+
+using test::Desktop;
+
+/// Pages of a PDF, counted by their objects.
+qsizetype pagesOf(const QString& path) {
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly)) return -1;
+    const QByteArray bytes = file.readAll();
+    return bytes.startsWith("%PDF") ? bytes.count("/Type /Page\n") + bytes.count("/Type /Page ")
+                                    : -1;
+}
+
+QString numberedLines(int count) {
+    QString text;
+    for (int i = 1; i <= count; ++i) text += QStringLiteral("line %1\r\n").arg(i);
+    return text;
+}
+
+TEST(Printing, AMarkedTextGoesIntoAPdfPageByPage) {
+    Desktop desktop;
+    qt::TextPaneWidget pane;
+    const struct {
+        int lines;
+        int least, most;
+    } rows[] = {{1, 1, 1}, {30, 1, 1}, {300, 3, 7}};
+    for (const auto& row : rows) {
+        pane.setText(numberedLines(row.lines));
+        pane.select(0, 3);
+        pane.setSelectionBackColor(0xC0FFC0);
+        const QString path = desktop.home.path(QStringLiteral("pages-%1.pdf").arg(row.lines));
+        desktop.user.plan([&](QWidget* screen) {
+            auto* preview = qobject_cast<qt::PrintPreview*>(screen);
+            ASSERT_NE(preview, nullptr);
+            EXPECT_TRUE(preview->writePdf(path));
+            EXPECT_EQ(preview->pageCount(), pagesOf(path));
+            preview->accept();
+        });
+        EXPECT_TRUE(qt::printPaneText(pane, QStringLiteral("Source: "), QStringLiteral("a.b.c"),
+                                      false, nullptr));
+        EXPECT_GE(pagesOf(path), row.least);
+        EXPECT_LE(pagesOf(path), row.most);
+    }
+}
+
+TEST(Printing, APathThatCannotBeWrittenIsToldAndThePreviewStays) {
+    Desktop desktop;
+    const QString folder = desktop.home.path(QStringLiteral("no such folder/a.pdf"));
+    desktop.user.plan([&](QWidget* screen) {
+        EXPECT_FALSE(qobject_cast<qt::PrintPreview*>(screen)->writePdf(folder));
+        EXPECT_TRUE(screen->isVisible());
+        static_cast<QDialog*>(screen)->reject();
+    });
+    EXPECT_FALSE(qt::printText(QStringLiteral("text"), QStringLiteral("Zovrand Report"), nullptr));
+    const QString box = desktop.user.takeSeen().value(0);
+    EXPECT_TRUE(box.startsWith(QStringLiteral("The file '%1' can't be written").arg(folder)))
+        << box.toStdString();
+}
+
+TEST(Printing, WithoutAPrinterTheUserIsToldWhatElseToDo) {
+    if (!QPrinterInfo::defaultPrinter().isNull()) GTEST_SKIP() << "this machine has a printer";
+    Desktop desktop;
+    desktop.user.plan([&](QWidget* screen) {
+        screen->findChild<QAction*>(QStringLiteral("print"))->trigger();
+        EXPECT_TRUE(screen->isVisible());
+        static_cast<QDialog*>(screen)->reject();
+    });
+    EXPECT_FALSE(qt::printText(QStringLiteral("text"), QStringLiteral("Zovrand Report"), nullptr));
+    EXPECT_EQ(
+        desktop.user.takeSeen(),
+        QStringList(QStringLiteral(
+            "There is no default printer.||Please set one up in the settings of your desktop, "
+            "or save the pages as a PDF file instead.")));
+    qt::TextPaneWidget pane;
+    pane.setText(QStringLiteral("text"));
+    EXPECT_FALSE(qt::printPaneText(pane, {}, {}, true, nullptr)) << "at once: the run ends here";
+    EXPECT_EQ(desktop.user.takeSeen().size(), 1);
+}
+
+}  // namespace
+}  // namespace zov
