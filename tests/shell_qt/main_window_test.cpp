@@ -1,5 +1,6 @@
 // The main window over two small databases: what its menus offer, its keys, the
 // road through the differences, what it keeps for the next start.
+#include "core/settings.h"
 #include "data/server_list.h"
 #include "shell/qt/choice_combo.h"
 #include "shell/qt/find_bar.h"
@@ -21,6 +22,7 @@
 #include <QSplitter>
 #include <QTest>
 #include <QTextBlock>
+#include <QToolBar>
 
 #include <gtest/gtest.h>
 
@@ -192,6 +194,8 @@ TEST(MainWindow, AComparisonOfEqualTextsHasNoMarksAndSaysSo) {
     EXPECT_FALSE(window.pane(0)->hasMarks());
     window.goToDifference(true);
     EXPECT_EQ(window.statusText(), QStringLiteral("There is no difference between the texts."));
+    desktop.select(QStringLiteral("Report"), QStringLiteral("Same"));
+    EXPECT_EQ(window.statusText(), QString()) << "it is no longer about these texts";
 }
 
 TEST(MainWindow, KeysReachTheirControls) {
@@ -267,6 +271,28 @@ TEST(MainWindow, ADatabaseDroppedUnderAPanelIsToldAndTheWindowGoesOn) {
     window.runCommand(cmd::RefreshSource);
     EXPECT_FALSE(desktop.controller().Busy());
     EXPECT_TRUE(window.isVisible());
+}
+
+TEST(MainWindow, ShiftAsksForTheDataOptionsThisOnce) {
+    Desktop desktop;
+    qt::MainWindow& window = desktop.show();
+    writeBooleanSetting(QStringLiteral("ShowDataCompOpt"), false);
+    desktop.select(QStringLiteral("Customer"), QStringLiteral("Customer"));
+    desktop.user.answer(QMessageBox::Yes);  // the structures differ
+    desktop.user.plan([&](QWidget* screen) {
+        EXPECT_EQ(screen->objectName(), QStringLiteral("frmCompareDataOptions"));
+        static_cast<QDialog*>(screen)->reject();
+    });
+    auto* bar = desktop.find<QToolBar>("commandBar");
+    QWidget* button = bar->widgetForAction(window.action(cmd::DataPair));
+    QTest::mouseClick(button, Qt::LeftButton, Qt::ShiftModifier);
+    EXPECT_TRUE(desktop.user.isDone());
+    desktop.user.takeSeen();
+    // Without Shift the setting decides: the comparison runs at once.
+    desktop.user.answer(QMessageBox::Yes);
+    QTest::mouseClick(button, Qt::LeftButton);
+    EXPECT_FALSE(
+        desktop.user.takeSeen().contains(QStringLiteral("unexpected frmCompareDataOptions")));
 }
 
 TEST(MainWindow, TheOwnerBoxesFollowTheSetting) {

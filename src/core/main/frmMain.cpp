@@ -376,12 +376,12 @@ void frmMain::cmdCompareAll_Click() {
 }
 
 void frmMain::CompareData() {
+    bool showOptions = std::exchange(askForDataOptions_, false);
     if (!dataAccessUsable() || Busy_) return;
     const ScopedValue<bool> busy(Busy_, true);
     guardedRun(Module, "CompareData", [&] {
         SelectedPair pair;
         if (!CanCompareData(pair)) return;
-        bool showOptions = false;
         PerformDataComparison(
             {CompareDataTable{pair.sourceServer, pair.sourceDb, pair.sourceObject, pair.sourceId},
              CompareDataTable{pair.targetServer, pair.targetDb, pair.targetObject, pair.targetId}},

@@ -70,6 +70,9 @@ class frmMain : public PanelWindow,
     void srtFiltering_Click(int Index);
     void cmdCopyClip_Click(int Index);
     void cmdCopyToFile_Click(int Index);
+    /// The next comparison of two tables' rows begins with its options screen, whatever the setting
+    /// says: Shift was held when it was asked for.
+    void askForDataOptionsOnce() { askForDataOptions_ = true; }
     /// "View Data": the rows of the panel's selected table.
     void cmdViewData_Click(int Index);
 
@@ -179,6 +182,7 @@ class frmMain : public PanelWindow,
     bool activated_ = false;
     bool printJob_ = false;
     bool settingsFailureTold_ = false;
+    bool askForDataOptions_ = false;
     bool printed_ = false;  ///< what printBothPanes could do
 };
 

@@ -1,6 +1,7 @@
 #include "shell/qt/appearance.h"
 
 #include "core/globals.h"
+#include "shell/qt/window_style.h"
 
 #include <QApplication>
 #include <QPalette>
@@ -59,12 +60,13 @@ void applyAppearance(Appearance appearance) {
         // Without a theme of the desktop's there is nothing to follow: our own light one.
         const bool themed = systemStyle.compare(u"fusion", Qt::CaseInsensitive) != 0 ||
                             systemPalette.color(QPalette::Base).lightness() < 128;
-        QApplication::setStyle(QStyleFactory::create(systemStyle));
+        const bool isOurs = systemStyle.compare(u"fusion", Qt::CaseInsensitive) == 0;
+        QApplication::setStyle(isOurs ? new WindowStyle : QStyleFactory::create(systemStyle));
         QApplication::setPalette(themed ? systemPalette : paletteOf(LightShades));
         return;
     }
     // Other styles take colours from their theme and mix badly with given ones.
-    QApplication::setStyle(QStyleFactory::create(QStringLiteral("Fusion")));
+    QApplication::setStyle(new WindowStyle);
     QApplication::setPalette(paletteOf(appearance == Appearance::Dark ? DarkShades : LightShades));
 }
 

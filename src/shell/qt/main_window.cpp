@@ -137,10 +137,13 @@ QWidget* MainWindow::makeTopPanel(int Index) {
     auto* owner = smallButton("owner", QStringLiteral("Filter %1 by owner").arg(sideName(Index)));
     auto* find = smallButton("find", QStringLiteral("Find an object in %1").arg(sideName(Index)));
     auto* refresh = smallButton("refresh", QStringLiteral("Refresh %1").arg(sideName(Index)));
+    auto* viewData = smallButton(
+        "view-data", QStringLiteral("View data in the table selected in %1").arg(sideName(Index)));
     named("cmdFilterBySchema", schema, QStringLiteral("filter by schema"));
     named("cmdFilterByOwner", owner, QStringLiteral("filter by owner"));
     named("cmdFind", find, QStringLiteral("find object"));
     named("cmdRefresh", refresh, QStringLiteral("refresh"));
+    named("cmdViewData", viewData, QStringLiteral("view data"));
     connect(schema, &QToolButton::clicked, this,
             [=, this] { controller_.cmdFilter_Click(Index, FilterType::Schema); });
     connect(owner, &QToolButton::clicked, this,
@@ -149,13 +152,15 @@ QWidget* MainWindow::makeTopPanel(int Index) {
             [=, this] { runCommand(isSource ? cmd::FindInSource : cmd::FindInTarget); });
     connect(refresh, &QToolButton::clicked, this,
             [=, this] { runCommand(isSource ? cmd::RefreshSource : cmd::RefreshTarget); });
+    connect(viewData, &QToolButton::clicked, this,
+            [=, this] { controller_.cmdViewData_Click(Index); });
 
     auto* top = new QHBoxLayout;
     top->setSpacing(2);
     top->addWidget(labelFor(isSource ? QStringLiteral("So&urce") : QStringLiteral("Tar&get"),
                             side.objects, true));
     top->addWidget(side.filterText, 1);
-    for (QToolButton* button : {side.filterMark, schema, owner, find, refresh})
+    for (QToolButton* button : {side.filterMark, schema, owner, viewData, find, refresh})
         top->addWidget(button);
     layout->addLayout(top);
 
@@ -298,6 +303,7 @@ void MainWindow::makeToolBar() {
 void MainWindow::makeStatusBar() {
     status_ = new QLabel;
     status_->setTextFormat(Qt::PlainText);
+    status_->setContentsMargins(6, 0, 0, 0);
     status_->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
     statusBar()->addWidget(status_, 1);
     for (Side& side : sides_) {
@@ -355,6 +361,7 @@ void MainWindow::connectSide(int Index) {
         alignmentIsOld_ = true;
         comparedEqual_ = false;
         showObjectName(Index);
+        tellOfDifferences({});
     });
     connect(side.text, &TextPaneWidget::marked, this, [this] { alignmentIsOld_ = true; });
     connect(side.text->verticalScrollBar(), &QScrollBar::valueChanged, this,

@@ -95,6 +95,8 @@ class MainWindow : public QMainWindow, public MainWindowView {
     /// The lines that stand for each other, as long as both panes show compared texts.
     const PaneAlignment& alignment();
     void scrollTogether(int from);
+    /// The status bar's word about the compared texts; an empty one takes the last one back.
+    void tellOfDifferences(const QString& text);
     void restoreLayout();
     void saveLayout();
 
@@ -112,6 +114,7 @@ class MainWindow : public QMainWindow, public MainWindowView {
     PaneAlignment alignment_;
     bool alignmentIsOld_ = true;
     bool comparedEqual_ = false;
+    QString toldOfDifferences_;
     int atStop_ = -1;  ///< the difference that was gone to, of alignment_.stops()
     bool scrolling_ = false;
     bool shownOnce_ = false;

@@ -12,6 +12,7 @@
 #include "shell/qt/text_pane_widget.h"
 
 #include <QAction>
+#include <QApplication>
 #include <QCloseEvent>
 #include <QHeaderView>
 #include <QLabel>
@@ -38,6 +39,8 @@ QIcon icon(const char* name) {
 }  // namespace
 
 void MainWindow::runCommand(int id, int Index) {
+    if (id == cmd::DataPair && QApplication::keyboardModifiers().testFlag(Qt::ShiftModifier))
+        controller_.askForDataOptionsOnce();
     controller_.ExecuteAction(id, Index);
     if (id != cmd::CompareSelected) return;
     const TextPaneWidget* source = sides_[SourcePanel].text;
@@ -45,13 +48,17 @@ void MainWindow::runCommand(int id, int Index) {
     if (source->lineCount() == 0 || target->lineCount() == 0) return;
     comparedEqual_ = !source->hasMarks() && !target->hasMarks();
     const size_t count = alignment().stops().size();
-    if (count > 0)
-        setStatusText(count == 1 ? QStringLiteral("1 difference: F8 goes to it.")
-                                 : QStringLiteral("%1 differences: F8 goes to the next one, "
-                                                  "Shift+F8 to the previous one.")
-                                       .arg(count));
-    else
-        setStatusText({});
+    tellOfDifferences(count == 0   ? QString()
+                      : count == 1 ? QStringLiteral("1 difference: F8 goes to it.")
+                                   : QStringLiteral("%1 differences: F8 goes to the next one, "
+                                                    "Shift+F8 to the previous one.")
+                                         .arg(count));
+}
+
+void MainWindow::tellOfDifferences(const QString& text) {
+    // Another word that stands there meanwhile stays.
+    if (!text.isEmpty() || statusText() == toldOfDifferences_) setStatusText(text);
+    toldOfDifferences_ = text;
 }
 
 void MainWindow::setConnectPicture(int picture) {
@@ -140,20 +147,23 @@ void MainWindow::showPaneMenu(int Index, const QPoint& at) {
 void MainWindow::showCounts() {
     const ObjectType type = controller_.selectedType();
     for (const int Index : {SourcePanel, TargetPanel}) {
-        const int count = sides_[Index].objects->rowCount();
-        sides_[Index].count->setText(
-            panels_->operator[](Index).pvlDb.text().isEmpty()
-                ? QString()
-                : QStringLiteral("%1: %2 %3")
-                      .arg(Index == SourcePanel ? QStringLiteral("Source")
-                                                : QStringLiteral("Target"),
-                           QLocale(QLocale::English, QLocale::UnitedStates).toString(count),
-                           GetObjectTypeName(type, count != 1).toLower()));
-        sides_[Index].objects->setEmptyText(
-            sides_[Index].database->text().isEmpty()
-                ? QStringLiteral("Choose a server and a database above.")
-                : QStringLiteral("There are no %1 in this database.")
-                      .arg(GetObjectTypeName(type, true).toLower()));
+        const Side& side = sides_[Index];
+        const int count = side.objects->rowCount();
+        const QString objects = GetObjectTypeName(type, count != 1).toLower();
+        if (side.database->text().isEmpty()) {
+            side.count->clear();
+            side.objects->setEmptyText(QStringLiteral("Choose a server and a database above."));
+            continue;
+        }
+        side.count->setText(
+            QStringLiteral("%1: %2 %3")
+                .arg(Index == SourcePanel ? QStringLiteral("Source") : QStringLiteral("Target"),
+                     QLocale(QLocale::English, QLocale::UnitedStates).toString(count), objects));
+        // Why there are none isn't known here: a filter, a load that was given up, an error.
+        side.objects->setEmptyText(QStringLiteral("No %1 are listed. %2 reads the list anew.")
+                                       .arg(objects, Index == SourcePanel
+                                                         ? QStringLiteral("F5")
+                                                         : QStringLiteral("Shift+F5")));
     }
 }
 
@@ -193,14 +203,15 @@ const PaneAlignment& MainWindow::alignment() {
 void MainWindow::goToDifference(bool forward) {
     const std::vector<PaneAlignment::Stop>& stops = alignment().stops();
     if (stops.empty()) {
-        setStatusText(comparedEqual_ ? QStringLiteral("There is no difference between the texts.")
-                                     : QStringLiteral("Compare two objects first (F7)."));
+        tellOfDifferences(comparedEqual_
+                              ? QStringLiteral("There is no difference between the texts.")
+                              : QStringLiteral("Compare two objects first (F7)."));
         return;
     }
     const int count = int(stops.size());
     const int next = atStop_ < 0 ? (forward ? 0 : count - 1) : atStop_ + (forward ? 1 : -1);
     if (next < 0 || next >= count) {
-        setStatusText(QStringLiteral("There is no further difference in this direction."));
+        tellOfDifferences(QStringLiteral("There is no further difference in this direction."));
         return;
     }
     atStop_ = next;
@@ -210,7 +221,7 @@ void MainWindow::goToDifference(bool forward) {
         sides_[SourcePanel].text->showDifference(stop.sourceLine, stop.sourceEnd);
         sides_[TargetPanel].text->showDifference(stop.targetLine, stop.targetEnd);
     }
-    setStatusText(QStringLiteral("Difference %1 of %2").arg(next + 1).arg(count));
+    tellOfDifferences(QStringLiteral("Difference %1 of %2").arg(next + 1).arg(count));
 }
 
 void MainWindow::scrollTogether(int from) {

@@ -34,7 +34,11 @@ SideBySideView::SideBySideView(QWidget* parent) : QAbstractScrollArea(parent) {
 }
 
 int SideBySideView::rowHeight() const {
-    return fontMetrics().lineSpacing();
+    return fontMetrics().lineSpacing() + 2;
+}
+
+double SideBySideView::columnWidth() const {
+    return std::max(1.0, QFontMetricsF(font()).horizontalAdvance(u'0'));
 }
 
 void SideBySideView::setTexts(const QStringList& source, const QStringList& target,
@@ -56,8 +60,7 @@ void SideBySideView::fitScrollBars() {
     const int visible = std::max(1, viewport()->height() / rowHeight());
     verticalScrollBar()->setRange(0, std::max(0, int(rows_.size()) - visible));
     verticalScrollBar()->setPageStep(visible);
-    const int columns =
-        viewport()->width() / 2 / std::max(1, fontMetrics().horizontalAdvance(u'0')) - NumberWidth;
+    const int columns = int(viewport()->width() / 2 / columnWidth()) - NumberWidth;
     horizontalScrollBar()->setRange(0, std::max(0, widest_ - columns + 1));
     horizontalScrollBar()->setPageStep(std::max(1, columns));
 }
@@ -94,7 +97,8 @@ void SideBySideView::paintSide(QPainter& painter, int row, int side, const QRect
     const AlignedRow& aligned = rows_[size_t(row)];
     const int line = side == 0 ? aligned.source : aligned.target;
     const int other = side == 0 ? aligned.target : aligned.source;
-    const int advance = fontMetrics().horizontalAdvance(u'0');
+    // A letter is rarely as wide as whole pixels.
+    const double advance = columnWidth();
     if (line < 0) {
         painter.fillRect(box, palette().color(QPalette::AlternateBase));
         return;
@@ -105,23 +109,23 @@ void SideBySideView::paintSide(QPainter& painter, int row, int side, const QRect
                                       : MarkInserted;
     painter.fillRect(box, shownMarkColor(colorOfMark(mark), palette()));
     painter.setPen(palette().color(QPalette::Disabled, QPalette::Text));
-    painter.drawText(QRect(box.left(), box.top(), (NumberWidth - 1) * advance, box.height()),
+    painter.drawText(QRectF(box.left(), box.top(), (NumberWidth - 1) * advance, box.height()),
                      Qt::AlignRight | Qt::AlignVCenter, QString::number(line + 1));
     const QString& text = (side == 0 ? source_ : target_)[line];
-    const int left = box.left() + NumberWidth * advance - horizontalScrollBar()->value() * advance;
+    const double left = box.left() + (NumberWidth - horizontalScrollBar()->value()) * advance;
     painter.save();
-    painter.setClipRect(box.adjusted(NumberWidth * advance, 0, 0, 0));
+    painter.setClipRect(box.adjusted(int(NumberWidth * advance), 0, 0, 0));
     if (mark == MarkChanged) {
         const ChangedWords words = changedWords(source_[aligned.source], target_[aligned.target]);
         const QColor shade =
             isDarkPalette(palette()) ? QColor(255, 255, 255, 60) : QColor(0, 90, 0, 60);
         for (const TextRange& range : side == 0 ? words.source : words.target)
-            painter.fillRect(QRect(left + int(range.start) * advance, box.top(),
-                                   int(range.length) * advance, box.height()),
+            painter.fillRect(QRectF(left + double(range.start) * advance, box.top(),
+                                    double(range.length) * advance, box.height()),
                              shade);
     }
     painter.setPen(palette().color(QPalette::Text));
-    painter.drawText(QRect(left, box.top(), int(text.size() + 1) * advance, box.height()),
+    painter.drawText(QRectF(left, box.top(), double(text.size() + 1) * advance, box.height()),
                      Qt::AlignLeft | Qt::AlignVCenter | Qt::TextSingleLine, text);
     painter.restore();
 }

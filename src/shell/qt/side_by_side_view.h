@@ -26,6 +26,7 @@ class SideBySideView : public QAbstractScrollArea {
     void fitScrollBars();
     void paintSide(QPainter& painter, int row, int side, const QRect& box) const;
     int rowHeight() const;
+    double columnWidth() const;  ///< pixels of one character
 
     QStringList source_;
     QStringList target_;

@@ -16,13 +16,12 @@ namespace {
 
 const char* const Usage =
     "Usage: zovrand [--source SERVER [--source-db DB]] [--target SERVER [--target-db DB]]\n"
-    "               [--palette system|light|dark] [/RunSavedComp ID]\n"
+    "               [--palette system|light|dark]\n"
     "\n"
     "  --source, --target         open the panel with this server: a stored one's name, or\n"
     "                             local:NAME for an embedded server\n"
     "  --source-db, --target-db   and with this database of it\n"
     "  --palette                  colours of the window; kept for the next start\n"
-    "  /RunSavedComp ID           run a saved comparison process\n"
     "  --help, --version\n";
 
 int indexOfItem(const ChoiceList& list, const QString& text, Qt::CaseSensitivity cs) {

@@ -1,5 +1,5 @@
-// Makes the pictures of the help and the README: every screen on the samples, in
-// both palettes, without a display.
+// Makes the pictures of the help and the README: the screens on the samples, in both
+// palettes, without a display.
 #include "shell/qt/appearance.h"
 #include "shell/qt/choice_combo.h"
 #include "shell/qt/object_list_view.h"
@@ -8,7 +8,7 @@
 #include <QApplication>
 #include <QDir>
 #include <QFile>
-#include <QSet>
+#include <QHash>
 #include <QTest>
 
 #include <cstdio>
@@ -22,27 +22,73 @@ QString sample(const char* name) {
     return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()) : QString();
 }
 
-/// A flat window has few colours: those in a table make a picture of a third of the size. One with
-/// more than a table holds stays as it is.
+int distance(QRgb a, QRgb b) {
+    return std::max({std::abs(qRed(a) - qRed(b)), std::abs(qGreen(a) - qGreen(b)),
+                     std::abs(qBlue(a) - qBlue(b))});
+}
+
+/// A window has few colours: in a table they make a picture of a third of the size. Where they are
+/// more than a table holds, near ones share an entry, that of the more frequent one.
 QImage compact(const QImage& picture) {
-    QSet<QRgb> seen;
+    QHash<QRgb, int> seen;
     for (int y = 0; y < picture.height(); ++y)
-        for (int x = 0; x < picture.width(); ++x) seen.insert(picture.pixel(x, y) | 0xFF000000);
-    if (seen.size() > 256) return picture;
-    return picture.convertToFormat(QImage::Format_Indexed8, QList<QRgb>(seen.begin(), seen.end()));
+        for (int x = 0; x < picture.width(); ++x) ++seen[picture.pixel(x, y) | 0xFF000000];
+    QList<QRgb> colors = seen.keys();
+    std::sort(colors.begin(), colors.end(),
+              [&](QRgb a, QRgb b) { return seen[a] != seen[b] ? seen[a] > seen[b] : a < b; });
+    QList<QRgb> table;
+    for (int tolerance = 0; table.isEmpty(); tolerance += 2) {
+        for (const QRgb color : colors)
+            if (std::none_of(table.begin(), table.end(),
+                             [&](QRgb chosen) { return distance(color, chosen) <= tolerance; }))
+                table += color;
+        if (table.size() > 256) table.clear();
+    }
+    return picture.convertToFormat(QImage::Format_Indexed8, table,
+                                   Qt::ThresholdDither | Qt::AvoidDither);
 }
 
-bool save(QWidget& widget, const QString& path) {
-    QApplication::processEvents();
-    const QImage picture = compact(widget.grab().toImage().convertToFormat(QImage::Format_RGB32));
-    if (picture.save(path, "PNG", 0)) return true;
-    std::fprintf(stderr, "Can't write %s\n", qPrintable(path));
-    return false;
+/// The pages that show pictures, as one text.
+QString allPages() {
+    QString pages;
+    QDir help(QStringLiteral(ZOV_SOURCE_ROOT "/docs/help"));
+    QStringList paths = {QStringLiteral(ZOV_SOURCE_ROOT "/README.md")};
+    for (const QString& name : help.entryList({QStringLiteral("*.html")}))
+        paths += help.filePath(name);
+    for (const QString& path : paths) {
+        QFile file(path);
+        if (file.open(QIODevice::ReadOnly)) pages += QString::fromUtf8(file.readAll());
+    }
+    return pages;
 }
 
-bool makePictures(const QString& folder, qt::Appearance appearance) {
+class Album {
+ public:
+    Album(const QString& folder, bool everything)
+        : folder_(folder), pages_(everything ? QString() : allPages()), everything_(everything) {}
+
+    void add(QWidget& widget, const QString& name) {
+        const QString file = name + u'-' + palette + QStringLiteral(".png");
+        if (!everything_ && !pages_.contains(QStringLiteral("images/") + file)) return;
+        QApplication::processEvents();
+        const QImage picture = widget.grab().toImage().convertToFormat(QImage::Format_RGB32);
+        if (compact(picture).save(folder_ + u'/' + file, "PNG", 0)) return;
+        std::fprintf(stderr, "Can't write %s\n", qPrintable(folder_ + u'/' + file));
+        isWhole = false;
+    }
+
+    QString palette;
+    bool isWhole = true;
+
+ private:
+    QString folder_;
+    QString pages_;
+    bool everything_;
+};
+
+void makePictures(Album& album, qt::Appearance appearance) {
     qt::applyAppearance(appearance);
-    const QString suffix = u'-' + qt::appearanceText(appearance) + QStringLiteral(".png");
+    album.palette = qt::appearanceText(appearance);
     test::Desktop desktop({QStringLiteral("local:samples"), QStringLiteral("shop_before"),
                            sample("shop_before.sql"), QStringLiteral("shop_after"),
                            sample("shop_after.sql")});
@@ -52,11 +98,9 @@ bool makePictures(const QString& folder, qt::Appearance appearance) {
     desktop.compare();
     window.goToDifference(true);
     QTest::qWait(50);
-    bool saved = save(window, folder + QStringLiteral("/main") + suffix);
-    test::makeTour(desktop, [&](const QString& name, QWidget& screen) {
-        saved = save(screen, folder + u'/' + name.toLower() + suffix) && saved;
-    });
-    return saved;
+    album.add(window, QStringLiteral("main"));
+    test::makeTour(
+        desktop, [&](const QString& name, QWidget& screen) { album.add(screen, name.toLower()); });
 }
 
 }  // namespace
@@ -66,13 +110,18 @@ int main(int argc, char** argv) {
     QApplication application(argc, argv);
     QApplication::setQuitOnLastWindowClosed(false);
     qt::initDesktopResources();
-    if (argc != 2) {
-        std::fputs("Usage: zovrand_pictures FOLDER\n", stderr);
+    const bool everything = argc == 3 && qstrcmp(argv[1], "--all") == 0;
+    if (argc != (everything ? 3 : 2)) {
+        std::fputs(
+            "Usage: zovrand_pictures [--all] FOLDER\n"
+            "Makes the pictures that README.md and docs/help show; --all: of all screens.\n",
+            stderr);
         return 2;
     }
-    const QString folder = QString::fromLocal8Bit(argv[1]);
+    const QString folder = QString::fromLocal8Bit(argv[argc - 1]);
     QDir().mkpath(folder);
-    const bool light = makePictures(folder, qt::Appearance::Light);
-    const bool dark = makePictures(folder, qt::Appearance::Dark);
-    return light && dark ? 0 : 1;
+    Album album(folder, everything);
+    for (const qt::Appearance appearance : {qt::Appearance::Light, qt::Appearance::Dark})
+        makePictures(album, appearance);
+    return album.isWhole ? 0 : 1;
 }

@@ -17,10 +17,12 @@ CompareAllDialog::CompareAllDialog(frmCompareAllTables& form, QWidget* parent)
     stack_ = new QStackedWidget;
     auto* choose = new QWidget;
     auto* chooseLayout = new QVBoxLayout(choose);
+    chooseLayout->setContentsMargins(0, 0, 0, 0);
     chooseLayout->addWidget(
         new QLabel(QStringLiteral("Select the types of objects to be compared:")));
     auto* status = new QWidget;
     auto* statusLayout = new QVBoxLayout(status);
+    statusLayout->setContentsMargins(0, 0, 0, 0);
     for (size_t i = 0; i < boxes_.size(); ++i) {
         boxes_[i] = new QCheckBox(QString::fromLatin1(captions[i]));
         name(QStringLiteral("chkObjType_%1").arg(i), boxes_[i]);
