@@ -8,7 +8,10 @@ namespace {
 constexpr qsizetype WindowRows = 4096;
 constexpr qsizetype WindowStep = 128;
 constexpr qsizetype WindowBytes = 4 << 20;
-constexpr size_t WindowsAhead = 3;
+// Enough to have work at hand while the consumer waits for another stream, and little memory.
+constexpr size_t WindowsAhead = 48;
+constexpr qsizetype BytesAhead = 48 << 20;
+constexpr size_t WindowsSpare = 4;
 constexpr auto PatienceAtStop = std::chrono::milliseconds(300);
 
 }  // namespace
@@ -52,7 +55,10 @@ void ReadAhead::run() {
         RowStore window;
         {
             std::unique_lock lock(guard_);
-            changed_.wait(lock, [this] { return stopWanted_ || ready_.size() < WindowsAhead; });
+            changed_.wait(lock, [this] {
+                return stopWanted_ || ready_.empty() ||
+                       (ready_.size() < WindowsAhead && readyBytes_ < BytesAhead);
+            });
             if (stopWanted_) break;
             if (!spare_.empty()) {
                 window = std::move(spare_.back());
@@ -70,7 +76,10 @@ void ReadAhead::run() {
         // Rows that came before an error are not lost.
         if (failure) rows = window.rowCount();
         const std::lock_guard lock(guard_);
-        if (rows > 0) ready_.push_back(std::move(window));
+        if (rows > 0) {
+            readyBytes_ += window.reservedBytes();
+            ready_.push_back(std::move(window));
+        }
         changed_.notify_all();
         if (rows == 0 || failure) break;
     }
@@ -87,8 +96,9 @@ bool ReadAhead::next(RowStore& rows) {
         if (failure_) std::rethrow_exception(std::exchange(failure_, nullptr));
         return false;
     }
+    readyBytes_ -= ready_.front().reservedBytes();
     std::swap(rows, ready_.front());
-    if (ready_.front().columnCount() > 0 && spare_.size() < WindowsAhead)
+    if (ready_.front().columnCount() > 0 && spare_.size() < WindowsSpare)
         spare_.push_back(std::move(ready_.front()));
     ready_.pop_front();
     changed_.notify_all();

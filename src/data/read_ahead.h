@@ -44,6 +44,7 @@ class ReadAhead {
     std::mutex guard_;
     std::condition_variable changed_;
     std::deque<RowStore> ready_;
+    qsizetype readyBytes_ = 0;
     std::vector<RowStore> spare_;
     std::exception_ptr failure_;
     bool stopWanted_ = false;

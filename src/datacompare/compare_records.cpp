@@ -7,6 +7,7 @@
 #include "core/modIgnoreColumns.h"
 #include "datacompare/frmCompareStatus.h"
 #include "datacompare/key_lookup.h"
+#include "datacompare/open_rows.h"
 #include "datacompare/row_test.h"
 #include "scripting/mdlQueryCode.h"
 #include "shell/shell.h"
@@ -64,6 +65,10 @@ class Walk {
     void walkByRecord();
     void walkByKey();
     void testRow(const RowView& row1, const RowView& row2);
+    void addSourceOnly(const RowView& row);
+    void addPair(const RowView& row1, const RowView& row2);
+    /// Reads the Target to its end, and does what was put off.
+    void closeOpenRows(OpenRows& open, KeyLookup& lookup);
     void finish();
     bool stopped() const { return globals().gblnStop; }
     Recordset& source() { return *rs_[0]; }
@@ -156,11 +161,7 @@ bool Walk::open() {
 }
 
 void Walk::testRow(const RowView& row1, const RowView& row2) {
-    if (!rowTest_->differ(row1, row2)) return;
-    ++result_.Differences;
-    if (run_.ShowDifferences && result_.Differences < globals().glngMaxRowsInDiffTable)
-        grid_.AddRecordToGrid_MarkDiff(row1, row2, difference_color::SourceHalf,
-                                       difference_color::TargetHalf, result_.Differences);
+    if (rowTest_->differ(row1, row2)) addPair(row1, row2);
 }
 
 void Walk::walkByRecord() {
@@ -191,34 +192,81 @@ void Walk::walkByRecord() {
 void Walk::walkByKey() {
     KeyedRows& target = *keyed_;
     std::optional<KeyLookup> lookup;
+    std::optional<OpenRows> open;
     target.MoveFirst();
     for (qint32 record = 1;;) {
         if (!status_.UpdateDisplay(record, minRecords_)) return;
-        if (source().isEof() || target.isEof()) return;
+        if (source().isEof() || target.isEof()) break;
         target.MoveFirst();
         if (record == 1) {
             source().MoveFirst();
-            if (!source().isEof()) lookup.emplace(source(), target, run_.Keys);
+            if (source().isEof()) break;
+            lookup.emplace(source(), target, run_.Keys);
+            open.emplace(target, *lookup);
         } else {
             source().MoveNext();
         }
-        if (source().isEof() || target.isEof()) return;
-        const int found = lookup->FindRecordByKey();
-        if (found < 0) return;
+        if (source().isEof() || target.isEof()) break;
+        lookup->prepareNext();
+        const RowView row(source());
+        int found = KeyLookup::NotYet;
+        if (record < minRecords_ && open->canLeaveOpen(row)) {
+            found = lookup->FindNear(row);
+            if (found == KeyLookup::NotYet) {
+                open->leaveOpen(row);
+                ++record;
+                continue;
+            }
+        }
+        if (!open->isEmpty() && (found == KeyLookup::NotYet || target.isAllRead())) {
+            closeOpenRows(*open, *lookup);
+            found = KeyLookup::NotYet;
+            target.MoveFirst();
+            if (target.isEof()) break;
+        }
+        if (found == KeyLookup::NotYet) found = lookup->FindRecordByKey(row);
+        if (found < 0) break;
         if (found == 0) {
-            ++result_.Differences;
-            grid_.AddRecordToGrid(RowView(source()), difference_color::SourceOnly,
-                                  result_.Differences);
+            addSourceOnly(row);
             target.MoveFirst();
             ++record;
             continue;
         }
         ++matched_;
-        testRow(RowView(source()), target.row());
+        if (open->isEmpty()) testRow(row, target.row());
+        else if (rowTest_->differ(row, target.row()))
+            open->addPair(row, target.row(), run_.ShowDifferences, result_.Differences);
         // What is matched is out of later searches, and not left for the rows that only Target has.
         target.Delete();
-        if (++record > minRecords_) return;
+        if (++record > minRecords_) break;
     }
+    if (open && !open->isEmpty()) closeOpenRows(*open, *lookup);
+}
+
+void Walk::addSourceOnly(const RowView& row) {
+    ++result_.Differences;
+    grid_.AddRecordToGrid(row, difference_color::SourceOnly, result_.Differences);
+}
+
+void Walk::addPair(const RowView& row1, const RowView& row2) {
+    ++result_.Differences;
+    if (run_.ShowDifferences && result_.Differences < globals().glngMaxRowsInDiffTable)
+        grid_.AddRecordToGrid_MarkDiff(row1, row2, difference_color::SourceHalf,
+                                       difference_color::TargetHalf, result_.Differences);
+}
+
+void Walk::closeOpenRows(OpenRows& open, KeyLookup& lookup) {
+    keyed_->readAll();
+    open.replay(
+        [&](const RowView& row) {
+            keyed_->MoveFirst();
+            if (lookup.FindRecordByKey(row) != 1) return addSourceOnly(row);
+            ++matched_;
+            testRow(row, keyed_->row());
+            keyed_->Delete();
+        },
+        [&](const RowView& row1, const RowView& row2) { addPair(row1, row2); },
+        [&](qint32 count) { result_.Differences += count; });
 }
 
 void Walk::finish() {

@@ -72,6 +72,9 @@ KeyLookup::KeyLookup(const Recordset& Rs1, KeyedRows& Rows2, const CompKeys (&Ke
         if (isKeyField(Keys[0].TertiaryCompKey))
             add(Keys[0].TertiaryCompKey, Keys[1].TertiaryCompKey);
     }
+    byValueOnly_ = indexable_ && std::all_of(parts_.begin(), parts_.end(),
+                                             [](const Part& part) { return part.valueAsItIs; });
+    next_.resize(parts_.size());
     if (indexable_) Rows2.setKey(std::move(targetFields));
     wanted_.resize(parts_.size());
     read_.resize(parts_.size());
@@ -91,12 +94,15 @@ bool KeyLookup::needsCriterion(const CellView& cell) const {
     return false;
 }
 
-bool KeyLookup::findByIndex(bool& found) {
+// The key that the index is asked for; false where only the condition itself can tell. `canBeThere`
+// is false for a value that the Target's column can't hold.
+bool KeyLookup::makeKey(const RowView& record, bool& canBeThere) {
+    canBeThere = true;
     for (const Part& part : parts_)
-        if (needsCriterion(rs1_.field(part.sourceField).cell())) return false;
+        if (needsCriterion(record.rows->cell(record.row, part.sourceField))) return false;
     for (size_t i = 0; i < parts_.size(); ++i) {
         const Part& part = parts_[i];
-        const CellView cell = rs1_.field(part.sourceField).cell();
+        const CellView cell = record.rows->cell(record.row, part.sourceField);
         const bool isNullText =
             cell.isNull || (cell.storage == Storage::Text && cell.text == QStringView(NullText));
         if (parts_.size() > 1 && isNullText) {
@@ -111,40 +117,74 @@ bool KeyLookup::findByIndex(bool& found) {
         }
         auto read = readAs(columns2_[size_t(part.targetField)], FieldText(cell));
         if (!read) {
-            rows2_.MoveBehindLast();
-            found = false;
+            canBeThere = false;
             return true;
         }
         read_[i] = std::move(*read);
         wanted_[i] = read_[i].cell(0, 0);
     }
-    rows2_.find(wanted_);
-    found = !rows2_.isEof();
     return true;
 }
 
-QString KeyLookup::criterion() const {
+QString KeyLookup::criterion(const RowView& record) const {
     QString text;
     for (const Part& part : parts_) {
         if (!text.isEmpty()) text += QStringLiteral(" AND ");
-        QString value = FieldText(rs1_.field(part.sourceField).cell());
+        QString value = FieldText(record.rows->cell(record.row, part.sourceField));
         value.replace(u'\'', QLatin1StringView("''"));
         text += part.targetName + QStringLiteral(" = '") + value + u'\'';
     }
     return text;
 }
 
-int KeyLookup::FindRecordByKey() {
-    bool found = false;
-    if (indexable_ && findByIndex(found)) return found ? 1 : 0;
-    if (parts_.size() == 1) {
-        findByCriteria(criterion());
+int KeyLookup::FindRecordByKey(const RowView& record) {
+    bool canBeThere = true;
+    if (indexable_ && makeKey(record, canBeThere)) {
+        if (canBeThere) rows2_.find(wanted_);
+        else rows2_.MoveBehindLast();
+    } else if (parts_.size() == 1) {
+        findByCriteria(criterion(record));
     } else {
         bool failed = false;
-        Multi_Find(criterion(), failed);
+        Multi_Find(criterion(record), failed);
         if (failed) return -1;
     }
     return rows2_.isEof() ? 0 : 1;
+}
+
+int KeyLookup::FindNear(const RowView& record) {
+    if (!keyHash(record) || !rows2_.findNear(wanted_)) return NotYet;
+    return rows2_.isEof() ? 0 : 1;
+}
+
+std::optional<quint32> KeyLookup::keyHash(const RowView& record) {
+    bool canBeThere = true;
+    if (!makeKey(record, canBeThere) || !canBeThere) return std::nullopt;
+    return KeyedRows::hashOfKey(wanted_);
+}
+
+// Of tables in different orders each search would wait for memory several times. A hint that is
+// wrong (a null, a row that another takes first) costs nothing but itself.
+void KeyLookup::prepareNext() {
+    constexpr int distances[] = {15, 11, 7, 3};
+    if (!byValueOnly_) return;
+    const RowStore& rows = rs1_.rowStore();
+    const qsizetype row = rs1_.currentRow();
+    if (row < 0) return;
+    if (row == 0 || preparedIn_ != &rows) preparedTo_ = row - 1;
+    preparedIn_ = &rows;
+    const qsizetype last = std::min(row + distances[0], rows.rowCount() - 1);
+    while (preparedTo_ < last) {
+        ++preparedTo_;
+        for (size_t i = 0; i < parts_.size(); ++i)
+            next_[i] = rows.cell(preparedTo_, parts_[i].sourceField);
+        const quint32 hash = KeyedRows::hashOfKey(next_);
+        hashes_[preparedTo_ % RowsPrepared] = hash;
+        rows2_.prefetch(hash, 0);
+    }
+    for (int step = 1; step <= 3; ++step)
+        if (const qsizetype at = row + distances[step]; at <= preparedTo_)
+            rows2_.prefetch(hashes_[at % RowsPrepared], step);
 }
 
 void KeyLookup::findByCriteria(const QString& text) {

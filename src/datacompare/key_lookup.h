@@ -6,6 +6,7 @@
 #include "datacompare/keyed_rows.h"
 #include "datacompare/modCompareData.h"
 
+#include <optional>
 #include <vector>
 
 namespace zov {
@@ -15,11 +16,21 @@ class KeyLookup {
     /// `Keys`: 0 Source, 1 Target.
     KeyLookup(const Recordset& Rs1, KeyedRows& Rows2, const CompKeys (&Keys)[2]);
 
-    /// Looks for the current record of Source, and moves Target, which stands on its first row, to
-    /// the first record of its key, to EOF when there is none. 1 found, 0 not found, -1 the lookup
-    /// failed. A criterion that can't be read throws with one key, and counts as found where Target
-    /// stands with several.
-    int FindRecordByKey();
+    /// Looks for a record of Source, and moves Target, which stands on its first row, to the first
+    /// record of its key, to EOF when there is none. 1 found, 0 not found, -1 the lookup failed. A
+    /// criterion that can't be read throws with one key, and counts as found where Target stands with
+    /// several.
+    int FindRecordByKey(const RowView& record);
+
+    /// Whether searches go by the keys' values alone: the two calls below need it.
+    bool goesByValue() const { return byValueOnly_; }
+    /// FindRecordByKey among the rows at hand; NotYet while rows that are still to be read decide.
+    static constexpr int NotYet = -2;
+    int FindNear(const RowView& record);
+    /// Records with equal keys have equal hashes; none for a key that isn't sought by its value.
+    std::optional<quint32> keyHash(const RowView& record);
+    /// Has what the searches for the next Source records need fetched into the processor's cache.
+    void prepareNext();
 
  private:
     struct Part {
@@ -28,9 +39,9 @@ class KeyLookup {
         int targetField = -1;
         bool valueAsItIs = false;  ///< the Source's value finds what its text would
     };
-    bool findByIndex(bool& found);
+    bool makeKey(const RowView& record, bool& canBeThere);
     bool needsCriterion(const CellView& cell) const;
-    QString criterion() const;
+    QString criterion(const RowView& record) const;
     /// Several conditions. True when a row was found; a filter that can't be read leaves Target where
     /// it is. A text 'Null' in the filter stands for a null.
     bool Multi_Find(const QString& Filter, bool& Failed);
@@ -43,6 +54,13 @@ class KeyLookup {
     std::vector<Part> parts_;
     bool indexable_ = true;
     std::vector<CellView> wanted_;
+    // Hashes of the Source's next records, of its present window, by their rows.
+    static constexpr int RowsPrepared = 16;
+    quint32 hashes_[RowsPrepared] = {};
+    qsizetype preparedTo_ = -1;
+    const RowStore* preparedIn_ = nullptr;
+    bool byValueOnly_ = true;
+    std::vector<CellView> next_;
     std::vector<RowStore> read_;  // values that had to be read from their texts
 };
 

@@ -6,6 +6,7 @@
 
 #include "data/recordset.h"
 
+#include <algorithm>
 #include <span>
 #include <vector>
 
@@ -58,6 +59,16 @@ class KeyedRows : public RowCursor {
     /// To the first row that is left whose key equals the cells (texts ignoring case, a null a null);
     /// to the end when there is none.
     void find(std::span<const CellView> key);
+    /// The same among the rows read so far, and those that stand little further on than the last row
+    /// that was found. False: none of them, but there are more.
+    bool findNear(std::span<const CellView> key);
+    bool isAllRead() const { return allRead_; }
+    /// Reads the rest, unless Stop is pressed meanwhile.
+    void readAll();
+    /// Fetches what a later search will need into the processor's cache, in four steps: call with 0
+    /// well before the search, with 1 to 3 nearer to it. `hash` is that of hashOfKey.
+    void prefetch(quint32 hash, int step) const;
+    static quint32 hashOfKey(std::span<const CellView> key);
     /// To the first row that is left and meets the test; to the end when there is none.
     template <typename Test>
     void findFirst(Test meets) {
@@ -82,7 +93,14 @@ class KeyedRows : public RowCursor {
         qint64 before = 0;          // rows in the blocks before
         qsizetype count = 0;        // stays when the rows are let go
         qsizetype live = 0;
+        int firstLive = 0;          // all rows before are deleted
         std::vector<bool> deleted;
+        // Of a block that has few rows left these alone are kept: their places, ascending.
+        std::vector<int> kept;
+        qsizetype stored(int row) const {
+            if (kept.empty()) return row;
+            return std::lower_bound(kept.begin(), kept.end(), row) - kept.begin();
+        }
     };
     struct Place {
         int block = -1;
@@ -103,12 +121,14 @@ class KeyedRows : public RowCursor {
     /// Adds the rows of blocks that no search has needed yet.
     void indexBlocks();
     void growBuckets();
+    bool findAmongRead(std::span<const CellView> key, quint32 hash, size_t firstBlock);
     void append(qint32 node);
     quint32 hashOf(const Block& block, int row) const;
     bool hasKey(const Place& place, std::span<const CellView> key) const;
     /// Whether `place` moved to a row that is left, from where it is forward.
     bool settle(Place& place);
-    void letGo(Block& block);
+    /// Lets the memory of rows go that were taken out.
+    void shrink(Block& block);
 
     Recordset& rs_;
     std::vector<int> columns_;
@@ -121,6 +141,7 @@ class KeyedRows : public RowCursor {
     std::vector<Node> nodes_;
     qint32 freeNode_ = -1;
     size_t indexedRows_ = 0;
+    qint64 lastFound_ = 0;
     std::vector<RowStore> spare_;
 };
 

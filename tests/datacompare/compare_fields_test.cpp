@@ -228,7 +228,7 @@ TEST_P(CompareFieldsTest, TheIndexFindsWhatTheConditionMeets) {
                 rows.findFirst([&](const RowView& row) { return meetsCriterion(*row.rows, row.row, criterion); });
                 const qint64 wanted = rows.rowNumber();
                 rows.MoveFirst();
-                EXPECT_EQ(lookup.FindRecordByKey(), wanted < 0 ? 0 : 1);
+                EXPECT_EQ(lookup.FindRecordByKey(RowView(*rs[0])), wanted < 0 ? 0 : 1);
                 EXPECT_EQ(rows.rowNumber(), wanted)
                     << first.constData() << " in " << second.constData() << ": " << text.toStdString();
             }

@@ -1,6 +1,8 @@
 // The two ways of walking over two tables: what is found, counted and listed.
 #include "comparison_fixture.h"
 
+#include <random>
+
 namespace zov {
 namespace {
 
@@ -218,6 +220,147 @@ TEST_P(CompareRecordsTest, ATableThatGoesAwayIsTold) {
     EXPECT_EQ(compared(), "failed 2/-1/0");
     EXPECT_NE(told().find("exclamation: Error while attempting to count records in table: "),
               std::string::npos);
+}
+
+// What came before the loss is shown as what it is; the error says why there isn't more.
+TEST_P(CompareRecordsTest, AConnectionLostInTheMiddleIsTold) {
+    if (GetParam() != Road::Odbc) GTEST_SKIP() << "the embedded server has no connection to lose";
+    QStringList source = rows(1, 9000), target = source;
+    target[1] = QStringLiteral("2 other");
+    loadRows(source, target);
+    TdsFaults faults;
+    faults.onlyStatementsWith = QStringLiteral("[Id],[V]");
+    faults.dropAfterRows = 6000;
+    for (const int method : {CompMethod::RecordByRecord, CompMethod::PrimaryKey}) {
+        served.endpoint().setFaults(faults);
+        run.Method = method;
+        run.Keys[0] = run.Keys[1] = {QStringLiteral("Id"), {}, {}};
+        QString note;
+        onDifferences = [&](frmCompareData& screen) {
+            EXPECT_TRUE(screen.lblMaxRowsVisible);
+            note = screen.lblMaxRows;
+        };
+        EXPECT_EQ(compared(), "failed 9000/9000/1\nS 1|2|*v2\nT 1|2|*other");
+        EXPECT_EQ(note.toStdString(),
+                  "The comparison was broken off by an error: differences up to there are shown");
+        const std::string text = told();
+        EXPECT_EQ(text.find("exclamation: Error occured while comparing records.\\n\\nError "), 0U) << text;
+        // The next run has a connection of its own.
+        served.endpoint().setFaults({});
+        onDifferences = nullptr;
+        EXPECT_EQ(compared(), "different 9000/9000/1\nS 1|2|*v2\nT 1|2|*other");
+        told();
+    }
+}
+
+TEST_P(CompareRecordsTest, TextsOfMegabytesAreComparedAndShown) {
+    const QString large(3'000'000, u'x');
+    const QString table = QStringLiteral("CREATE TABLE dbo.T (Id int, V nvarchar(max))\nGO\n");
+    const auto rowsOf = [&](const QString& last) {
+        QString sql = table;
+        for (int i = 1; i <= 4; ++i)
+            sql += QStringLiteral("INSERT INTO T VALUES (%1, N'%2')\nGO\n").arg(i).arg(i == 3 ? large + last : large);
+        return sql;
+    };
+    load(rowsOf(QStringLiteral("a")), rowsOf(QStringLiteral("b")));
+    for (const bool key : {false, true}) {
+        if (key) byKey(QStringLiteral("Id"));
+        EXPECT_EQ(compared().substr(0, 15), "different 4/4/1");
+        EXPECT_EQ(grid.size(), 2 * (large.size() + 9) + 1);
+        EXPECT_TRUE(grid.endsWith(QStringLiteral("xb")));
+    }
+}
+
+/// The comparison by key told once more, in the plainest way: search from the first row on, each time.
+struct PlainWalk {
+    using Row = std::pair<int, QString>;
+    int differences = 0;
+    QStringList grid;  // without row 0
+
+    PlainWalk(const std::vector<Row>& source, std::vector<Row> target, int limit) {
+        const int least = int(std::min(source.size(), target.size()));
+        const int count2 = int(target.size());
+        int matched = 0, record = 1;
+        size_t next = 0;
+        for (; next < source.size() && !target.empty(); ++next) {
+            const Row& row = source[next];
+            const auto found = std::find_if(target.begin(), target.end(),
+                                            [&](const Row& other) { return other.first == row.first; });
+            if (found == target.end()) {
+                ++differences;
+                grid.resize(differences);
+                grid[differences - 1] = line("+", differences, row, false);
+                ++record;
+                continue;
+            }
+            ++matched;
+            if (found->second != row.second && ++differences < limit)
+                grid += {line("S", differences, row, true), line("T", differences, *found, true)};
+            target.erase(found);
+            if (++record > least) break;
+        }
+        ++next;
+        differences += std::abs(int(source.size()) - count2);
+        const auto addRest = [&](const std::vector<Row>& rows, size_t at, int from, int to, const char* mark) {
+            const int first = int(grid.size()) + 1;
+            const int wanted = std::min(first + to - from + 1, limit + 1);
+            grid.resize(wanted - 1);
+            for (int i = from, last = first; i <= to && at < rows.size() && last < wanted; ++i, ++at, ++last)
+                grid[last - 1] = line(mark, i, rows[at], false);
+        };
+        if (count2 > matched) addRest(target, 0, 1, count2 - matched, "-");
+        else if (int(source.size()) > count2)
+            addRest(source, next, least + 1, int(source.size()), "+");
+    }
+    static QString line(const char* mark, int number, const Row& row, bool red) {
+        return QStringLiteral("%1 %2|%3|%4%5")
+            .arg(QLatin1String(mark))
+            .arg(number)
+            .arg(row.first)
+            .arg(red ? QStringLiteral("*") : QString(), row.second);
+    }
+};
+
+// Large enough that the Target isn't read at once, in the same order, in another and in none, with
+// keys that come several times and rows that either side lacks.
+TEST_P(CompareRecordsTest, WhatAnIndexFindsIsWhatASearchFinds) {
+    std::mt19937 random(11);
+    for (const int disorder : {0, 1, 50, 100}) {
+        for (const int repeated : {0, 3}) {
+            const int count = disorder == 100 ? 3000 : 14000;
+            std::vector<PlainWalk::Row> tables[2];
+            for (int i = 1; i <= count; ++i) {
+                const int key = repeated && random() % 200 == 0 ? int(random() % 30) : i;
+                const QString value = QStringLiteral("v%1").arg(i % 17);
+                if (random() % 300 != 0) tables[0].emplace_back(key, value);
+                if (random() % 300 != 0)
+                    tables[1].emplace_back(key, random() % 100 == 0 ? QStringLiteral("other") : value);
+            }
+            // Some rows far from their places, or all anywhere.
+            for (size_t i = 0; disorder > 0 && i < tables[1].size(); ++i)
+                if (disorder == 100 || random() % 2000 < unsigned(disorder))
+                    std::swap(tables[1][i], tables[1][random() % tables[1].size()]);
+            QStringList rows[2];
+            for (int side = 0; side < 2; ++side)
+                for (const auto& [key, value] : tables[side])
+                    rows[side] += QString::number(key) + u' ' + value;
+            loadRows(rows[0], rows[1]);
+            byKey(QStringLiteral("Id"));
+            for (const int limit : {40, 100000}) {
+                globals().glngMaxRowsInDiffTable = limit;
+                const PlainWalk plain(tables[0], tables[1], limit);
+                const std::string shown = compared();
+                EXPECT_EQ(result.Differences, plain.differences) << disorder << ' ' << repeated;
+                const QStringList lines = grid.split(u'\n');
+                ASSERT_EQ(lines.size(), plain.grid.size()) << disorder << ' ' << repeated << ' ' << limit;
+                for (qsizetype i = 0; i < lines.size(); ++i) {
+                    // The red of a pair that was written over stays; it is looked at elsewhere.
+                    const auto plainLine = [](QString text) { return text.remove(u'*').toStdString(); };
+                    ASSERT_EQ(plainLine(lines[i]), plainLine(plain.grid[i])) << i << ' ' << disorder;
+                }
+            }
+        }
+    }
 }
 
 }  // namespace

@@ -4,6 +4,10 @@
 
 #include <limits>
 
+#ifdef __SSE2__
+#include <emmintrin.h>
+#endif
+
 namespace zov {
 
 template <typename T>
@@ -50,6 +54,33 @@ int widthOf(Storage storage) {
         case Storage::Bytes: return 0;
     }
     return 0;
+}
+
+/// Each byte to a 16-bit letter; false when one of them isn't ASCII.
+bool widenAscii(const char* from, qsizetype length, char16_t* to) {
+    qsizetype i = 0;
+#ifdef __SSE2__
+    if (length >= 8) {
+        const __m128i zero = _mm_setzero_si128();
+        __m128i seen = zero;
+        const auto widenEight = [&](qsizetype at) {
+            const __m128i eight = _mm_loadl_epi64(reinterpret_cast<const __m128i*>(from + at));
+            seen = _mm_or_si128(seen, eight);
+            _mm_storeu_si128(reinterpret_cast<__m128i*>(to + at), _mm_unpacklo_epi8(eight, zero));
+        };
+        for (; i + 8 <= length; i += 8) widenEight(i);
+        // The rest, with some that were widened already.
+        if (i < length) widenEight(length - 8);
+        return (_mm_movemask_epi8(seen) & 0xFF) == 0;
+    }
+#endif
+    unsigned char seen = 0;
+    for (; i < length; ++i) {
+        const unsigned char c = static_cast<unsigned char>(from[i]);
+        seen |= c;
+        to[i] = c;
+    }
+    return !(seen & 0x80);
 }
 
 }  // namespace
@@ -126,16 +157,11 @@ void ColumnCells::appendText(QStringView text) {
 }
 
 void ColumnCells::appendUtf8(const char* utf8, qsizetype length) {
-    // Most texts are ASCII: widen in place, and start over by the slow road at the first other byte.
+    // Most texts are ASCII: widen in place, and start over by the slow road where there is another
+    // letter.
     const qsizetype start = chars_.size();
     char16_t* to = length ? chars_.extend(length) : nullptr;
-    unsigned char seen = 0;
-    for (qsizetype i = 0; i < length; ++i) {
-        const unsigned char c = static_cast<unsigned char>(utf8[i]);
-        seen |= c;
-        to[i] = c;
-    }
-    if (seen & 0x80) {
+    if (!widenAscii(utf8, length, to)) {
         chars_.truncate(start);
         const QString decoded = QString::fromUtf8(utf8, length);
         std::memcpy(chars_.extend(decoded.size()), decoded.utf16(), size_t(decoded.size()) * 2);
@@ -211,6 +237,22 @@ void ColumnCells::append(const ColumnCells& other) {
     }
 }
 
+void ColumnCells::appendCell(const ColumnCells& other, qsizetype row) {
+    if (other.isNull(row)) return appendNull();
+    switch (storage_) {
+        case Storage::Text: return appendText(other.text(row));
+        case Storage::Guid:
+        case Storage::Bytes: {
+            const QByteArrayView bytes = other.bytes(row);
+            return appendBytes(bytes.data(), bytes.size());
+        }
+        case Storage::Float32:
+        case Storage::Float64: return appendReal(other.real(row));
+        case Storage::TicksOffset: return appendTicksOffset(other.integer(row), other.offsets_[row]);
+        default: appendInteger(other.integer(row));
+    }
+}
+
 void ColumnCells::clear() {
     count_ = 0;
     fixed_.truncate(0);
@@ -242,6 +284,10 @@ RowStore::RowStore(const std::vector<ColumnInfo>& columns) {
 
 void RowStore::append(const RowStore& other) {
     for (size_t i = 0; i < columns_.size(); ++i) columns_[i].append(other.columns_[i]);
+}
+
+void RowStore::appendRow(const RowStore& other, qsizetype row) {
+    for (size_t i = 0; i < columns_.size(); ++i) columns_[i].appendCell(other.columns_[i], row);
 }
 
 void RowStore::clear() {

@@ -139,9 +139,22 @@ class ColumnCells {
     }
     QByteArrayView bytes(qsizetype row) const;
     CellView cell(qsizetype row) const;
+    /// Fetches a row's cell into the processor's cache, for who will need it soon: first where it is
+    /// kept, then, for texts and binaries, what is there.
+    void prefetch(qsizetype row) const {
+        if (width_) __builtin_prefetch(fixed_.data() + row * width_);
+        else __builtin_prefetch(ends_.data() + row);
+    }
+    void prefetchText(qsizetype row) const {
+        if (storage_ != Storage::Text) return;
+        __builtin_prefetch(chars_.data() + (row ? ends_[row - 1] : 0));
+        __builtin_prefetch(chars_.data() + ends_[row]);
+    }
 
     /// Appends all cells of a column of the same type.
     void append(const ColumnCells& other);
+    /// Appends one of them.
+    void appendCell(const ColumnCells& other, qsizetype row);
     /// Forgets the rows and keeps the memory.
     void clear();
     void shrinkToFit();
@@ -184,6 +197,8 @@ class RowStore {
     CellView cell(qsizetype row, int column) const { return columns_[size_t(column)].cell(row); }
     /// Appends all rows of a store with the same columns.
     void append(const RowStore& other);
+    /// Appends one of them.
+    void appendRow(const RowStore& other, qsizetype row);
     void clear();
     void shrinkToFit();
     qsizetype reservedBytes() const;
