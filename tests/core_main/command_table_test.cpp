@@ -153,6 +153,7 @@ TEST_F(Commands, LeadToTheirScreens) {
         {808, "screen frmListObjects", ""},
         {809, "screen frmSpare", ""},
         {813, "screen frmOptionsDebug", ""},
+        {814, "screen frmCompareDataOptions", ""},
         {815, "", ""},
         {816, "screen frmOptions", ""},
         {817, "screen frmErrorReport", ""},
@@ -227,7 +228,7 @@ TEST_F(Commands, DebugToolsWantAConnectionFirst) {
     loadDatabases(QStringLiteral("CREATE TABLE A (x int)"), {});
     storeServer();
     window.Form_Load();
-    for (const int id : {802, 808, 810, 811, 815}) {
+    for (const int id : {802, 808, 810, 811, 814, 815}) {
         window.ExecuteAction(id);
         EXPECT_EQ(told(), "information: Please connect to the server first.") << id;
     }

@@ -266,7 +266,7 @@ TEST_P(CompareRecordsTest, TextsOfMegabytesAreComparedAndShown) {
     for (const bool key : {false, true}) {
         if (key) byKey(QStringLiteral("Id"));
         EXPECT_EQ(compared().substr(0, 15), "different 4/4/1");
-        EXPECT_EQ(grid.size(), 2 * (large.size() + 9) + 1);
+        EXPECT_EQ(grid.size(), 2 * (large.size() + 8) + 1);
         EXPECT_TRUE(grid.endsWith(QStringLiteral("xb")));
     }
 }

@@ -104,7 +104,7 @@ const std::vector<CommandEntry>& commandTable() {
         {811, 0, Debug, "Get Table Indexes", ""},
         {812, 0, Debug, "Create Stored Procedures", "", false, Later},
         {813, 0, Debug, "&Options", ""},
-        {814, 0, Debug, "&Data Comparison Options", "", false, Later},
+        {814, 0, Debug, "&Data Comparison Options", ""},
         {815, 0, Debug, "&Get Server Version", ""},
         {816, 0, Debug, "Options &New", ""},
         {817, 0, Debug, "Error &Report", ""},

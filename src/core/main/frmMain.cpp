@@ -375,6 +375,11 @@ void frmMain::cmdCompareAll_Click() {
     compareDatabases("cmdCompareAll_Click", CompareAllObjects);
 }
 
+CompareDataPair TablesOf(const SelectedPair& pair) {
+    return {CompareDataTable{pair.sourceServer, pair.sourceDb, pair.sourceObject, pair.sourceId},
+            CompareDataTable{pair.targetServer, pair.targetDb, pair.targetObject, pair.targetId}};
+}
+
 void frmMain::CompareData() {
     bool showOptions = std::exchange(askForDataOptions_, false);
     if (!dataAccessUsable() || Busy_) return;
@@ -382,10 +387,7 @@ void frmMain::CompareData() {
     guardedRun(Module, "CompareData", [&] {
         SelectedPair pair;
         if (!CanCompareData(pair)) return;
-        PerformDataComparison(
-            {CompareDataTable{pair.sourceServer, pair.sourceDb, pair.sourceObject, pair.sourceId},
-             CompareDataTable{pair.targetServer, pair.targetDb, pair.targetObject, pair.targetId}},
-            showOptions, false, true);
+        PerformDataComparison(TablesOf(pair), showOptions, false, true);
     });
 }
 

@@ -8,6 +8,7 @@
 #include "core/error_report.h"
 #include "core/globals.h"
 #include "core/main/command_table.h"
+#include "datacompare/frmCompareDataOptions.h"
 #include "reports/frmCompareAndPrint.h"
 #include "shell/shell.h"
 #include "structcompare/pair_comparison.h"
@@ -37,6 +38,9 @@ class MainWindowView {
 
 class MainScreens;
 struct CompareAllWindow;
+
+/// The two selected tables as a comparison of their rows wants them.
+CompareDataPair TablesOf(const SelectedPair& pair);
 
 class frmMain : public PanelWindow,
                 public PairComparisonWindow,

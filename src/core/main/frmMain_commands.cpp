@@ -169,6 +169,11 @@ void frmMain::executeDebugAction(int Id, int Index) {
         case cmd::DebugIndexes:
             return shell().messageBox(
                 GetIndexes(server(Index), pair.sourceObject, database(Index), false, {}, nullptr));
+        case cmd::DebugDataOptions: {
+            DataCompSettings settings;
+            frmCompareDataOptions().ShowUp(TablesOf(pair), settings);
+            return;
+        }
         case cmd::DebugServerVersion:
             return shell().messageBox(GetServerVersion(server(Index)));
         case cmd::DebugStripComments:

@@ -148,7 +148,9 @@ void QtShell::openWithDesktop(const QString& fileOrUrl) {
 QString QtShell::askSavePath(const QString& title, const QString& filter,
                              const QString& initialPath) {
     const ArrowPointer arrow;
-    return QFileDialog::getSaveFileName(parentForDialogs(), title, initialPath, filter);
+    // Names without a dot are names too.
+    const QString shown = filter == u"*.*" ? QStringLiteral("All files (*)") : filter;
+    return QFileDialog::getSaveFileName(parentForDialogs(), title, initialPath, shown);
 }
 
 void QtShell::setWaitPointer(bool on) {
