@@ -68,6 +68,7 @@ class frmCompareData : public Screen {
                            QStringLiteral("Number of different records:")};
     QString lblMaxRows;
     bool lblMaxRowsVisible = false;
+    bool BrokenOff = false;  ///< by an error: there may be more differences
     static const QString lblColorDesc[5];  ///< the legend
     bool cmdSaveEnabled = false;
 

@@ -14,19 +14,18 @@ namespace {
 const QString NullText = QStringLiteral("Null");
 const QString QuotedNull = QStringLiteral("'Null'");
 
-/// A name that stands in a criterion without brackets and is read back as it is.
-bool isPlainName(const QString& name) {
-    if (name.isEmpty() || name.startsWith(u'[')) return false;
-    return std::none_of(name.begin(), name.end(), [](QChar c) {
-        return c.isSpace() || c == u'=' || c == u'<' || c == u'>' || c == u'\'';
-    });
-}
-
 bool isPlainText(const ColumnInfo& column) {
     return storageOf(column) == Storage::Text && !isNumericType(column.type);
 }
 
 }  // namespace
+
+bool standsInCondition(const QString& columnName) {
+    if (columnName.isEmpty() || columnName.startsWith(u'[')) return false;
+    return std::none_of(columnName.begin(), columnName.end(), [](QChar c) {
+        return c.isSpace() || c == u'=' || c == u'<' || c == u'>' || c == u'\'';
+    });
+}
 
 bool seeksAlikeByValue(const ColumnInfo& from, const ColumnInfo& to) {
     const Storage source = storageOf(from), target = storageOf(to);
@@ -56,7 +55,7 @@ KeyLookup::KeyLookup(const Recordset& Rs1, KeyedRows& Rows2, const CompKeys (&Ke
         part.targetName = targetName;
         // A part that is no key has never been looked up and stands at the first field.
         part.sourceField = isKeyField(sourceName) ? GetFieldOrdinal(Rs1, sourceName) : 0;
-        part.targetField = isPlainName(targetName) ? Rows2.fieldIndex(targetName) : -1;
+        part.targetField = standsInCondition(targetName) ? Rows2.fieldIndex(targetName) : -1;
         if (part.targetField < 0)
             indexable_ = false;
         else
@@ -143,7 +142,7 @@ int KeyLookup::FindRecordByKey(const RowView& record) {
         if (canBeThere) rows2_.find(wanted_);
         else rows2_.MoveBehindLast();
     } else if (parts_.size() == 1) {
-        findByCriteria(criterion(record));
+        findByOneKey(record);
     } else {
         bool failed = false;
         Multi_Find(criterion(record), failed);
@@ -185,6 +184,22 @@ void KeyLookup::prepareNext() {
     for (int step = 1; step <= 3; ++step)
         if (const qsizetype at = row + distances[step]; at <= preparedTo_)
             rows2_.prefetch(hashes_[at % RowsPrepared], step);
+}
+
+void KeyLookup::findByOneKey(const RowView& record) {
+    const QString& name = parts_[0].targetName;
+    try {
+        findByCriteria(criterion(record));
+    } catch (const DbError& error) {
+        if (error.number != criteria_error::Unreadable || parts_[0].targetField >= 0) throw;
+        const QString reason =
+            standsInCondition(name)
+                ? QStringLiteral("The key \"%1\" is not among the compared columns of the Target "
+                                 "table. Choose another key.")
+                : QStringLiteral("The key \"%1\" can't be sought: its name holds a blank, a bracket, "
+                                 "a quote or one of = < >. Choose another key.");
+        throw DbError(error.number, reason.arg(name));
+    }
 }
 
 void KeyLookup::findByCriteria(const QString& text) {

@@ -45,6 +45,8 @@ class KeyLookup {
     /// Several conditions. True when a row was found; a filter that can't be read leaves Target where
     /// it is. A text 'Null' in the filter stands for a null.
     bool Multi_Find(const QString& Filter, bool& Failed);
+    /// One condition; what can't be read is told as what is wrong with the key.
+    void findByOneKey(const RowView& record);
     /// Row by row; throws for a text that can't be read.
     void findByCriteria(const QString& text);
 
@@ -63,6 +65,10 @@ class KeyLookup {
     std::vector<CellView> next_;
     std::vector<RowStore> read_;  // values that had to be read from their texts
 };
+
+/// Whether a condition takes the column's name as it is, without brackets. By one key a search for any
+/// other ends in an error, by several it stays where it is.
+bool standsInCondition(const QString& columnName);
 
 /// Whether seeking a value of one column in another gives the same by value as by its text.
 bool seeksAlikeByValue(const ColumnInfo& from, const ColumnInfo& to);

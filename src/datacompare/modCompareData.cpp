@@ -62,7 +62,7 @@ void showDifferences(const DataComparisonRun& run, DataComparisonResult& result,
         grid.lblStats[5] = formatCount(result.Differences);
         grid.lblMaxRows = QStringLiteral(
             "The comparison was broken off by an error: differences up to there are shown");
-        grid.lblMaxRowsVisible = true;
+        grid.lblMaxRowsVisible = grid.BrokenOff = true;
     } else if (result.Differences > limit) {
         if (!run.Quiet)
             shell().messageBox(limitNote(result.Differences, limit), QStringLiteral("Note"),

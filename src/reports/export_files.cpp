@@ -309,12 +309,14 @@ ExportEnd writeGridCsv(const ExportSource& source, const QString& path, bool wra
     ExportFile file(path);
     if (!file.failure().isEmpty()) return failed(file, run);
     byteOrderMark(file, isAsciiGrid(grid));
+    const bool doubling = wrap && run.doubleQuotationMarks;
     QString text;
     for (int row = 0; row < rows; ++row) {
         if (row > 0 && !goOn(run, row, rows - 1)) return finish(file, run, ExportEnd::Stopped);
         bool written = true;
         for (int column = 0; column < columns; ++column) {
             readGridCell(grid, row, column, text);
+            if (doubling) text.replace(u'"', QLatin1StringView("\"\""));
             written = csvCell(file, trimmedView(text), wrap, column == columns - 1);
         }
         if (!written) return failed(file, run);

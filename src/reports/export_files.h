@@ -39,6 +39,8 @@ struct ExportSource {
 struct ExportRun {
     /// Called before each row with its number from 1 and the number of rows; false stops.
     std::function<bool(int row, int rows)> onRow;
+    /// In wrapped CSV cells: each quotation mark is written twice, as CSV readers take it.
+    bool doubleQuotationMarks = false;
     int row = 0;      ///< reached
     QString failure;  ///< a sentence that names the file and the reason
 };
@@ -58,7 +60,7 @@ ExportEnd writeGridHtml(const ExportSource& source, const QString& path, ExportR
 ExportEnd writeReportHtml(const ExportSource& source, const QString& path, ExportRun& run);
 
 /// UTF-8, with a byte order mark when the cells hold letters beyond ASCII: spreadsheets need it.
-/// `wrap` puts cells in quotation marks; nothing is escaped.
+/// `wrap` puts cells in quotation marks; nothing is escaped unless the run says so.
 ExportEnd writeGridCsv(const ExportSource& source, const QString& path, bool wrap, ExportRun& run);
 ExportEnd writeReportCsv(const ExportSource& source, const QString& path, bool wrap,
                          ExportRun& run);

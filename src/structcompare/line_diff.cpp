@@ -1,6 +1,7 @@
 #include "structcompare/line_diff.h"
 
 #include <algorithm>
+#include <iterator>
 
 namespace zov {
 namespace {
@@ -89,6 +90,77 @@ QStringList wordsOf(const QString& line, std::vector<qsizetype>& starts) {
     return words;
 }
 
+// The words of a line without blanks and signs, sorted.
+QStringList nameWordsOf(const QString& line) {
+    std::vector<qsizetype> starts;
+    QStringList words = wordsOf(line, starts);
+    words.removeIf([](const QString& word) { return !word[0].isLetterOrNumber() && word[0] != u'_'; });
+    words.sort();
+    return words;
+}
+
+// What share of two lines' words they have in common, 0 to 1.
+double likeness(const QStringList& a, const QStringList& b) {
+    if (a.isEmpty() || b.isEmpty()) return 0;
+    QStringList common;
+    std::set_intersection(a.begin(), a.end(), b.begin(), b.end(), std::back_inserter(common));
+    return 2.0 * double(common.size()) / double(a.size() + b.size());
+}
+
+// Two lines that share less than this stand beside each other only by chance.
+constexpr double Alike = 0.5;
+// Longer replacements are paired as they come: nobody reads them for single words.
+constexpr size_t MostPairs = 20'000;
+
+// Which of the inserted lines each deleted one became: index by index, -1 for none; in order, with
+// as much in common as can be.
+std::vector<int> successors(const QStringList& deleted, const QStringList& inserted) {
+    const size_t n = size_t(deleted.size()), m = size_t(inserted.size());
+    std::vector<int> found(n, -1);
+    if (n * m > MostPairs) return found;
+    std::vector<QStringList> a, b;
+    for (const QString& line : deleted) a.push_back(nameWordsOf(line));
+    for (const QString& line : inserted) b.push_back(nameWordsOf(line));
+    std::vector<std::vector<double>> alike(n, std::vector<double>(m, 0));
+    std::vector<std::vector<double>> best(n + 1, std::vector<double>(m + 1, 0));
+    for (size_t i = n; i-- > 0;)
+        for (size_t j = m; j-- > 0;) {
+            const double share = likeness(a[i], b[j]);
+            alike[i][j] = share >= Alike ? share : 0;
+            best[i][j] = std::max({best[i + 1][j], best[i][j + 1], best[i + 1][j + 1] + alike[i][j]});
+        }
+    for (size_t i = 0, j = 0; i < n && j < m;) {
+        if (alike[i][j] > 0 && best[i][j] == best[i + 1][j + 1] + alike[i][j])
+            found[i++] = int(j++);
+        else if (best[i][j] == best[i + 1][j])
+            ++i;
+        else
+            ++j;
+    }
+    return found;
+}
+
+// Rows of a replacement: lines that are alike beside each other, the others as they come.
+void addReplacement(const QStringList& source, const QStringList& target,
+                    const std::vector<int>& deleted, const std::vector<int>& inserted,
+                    std::vector<AlignedRow>& rows) {
+    QStringList deletedLines, insertedLines;
+    for (const int line : deleted) deletedLines += source[line];
+    for (const int line : inserted) insertedLines += target[line];
+    const std::vector<int> became = successors(deletedLines, insertedLines);
+    size_t i = 0, j = 0;
+    const auto addUpTo = [&](size_t sourceEnd, size_t targetEnd) {
+        while (i < sourceEnd || j < targetEnd)
+            rows.push_back({i < sourceEnd ? deleted[i++] : -1, j < targetEnd ? inserted[j++] : -1, false});
+    };
+    for (size_t at = 0; at < became.size(); ++at) {
+        if (became[at] < 0) continue;
+        addUpTo(at, size_t(became[at]));
+        addUpTo(at + 1, size_t(became[at]) + 1);
+    }
+    addUpTo(deleted.size(), inserted.size());
+}
+
 }  // namespace
 
 std::vector<AlignedRow> alignLines(const QStringList& source, const QStringList& target) {
@@ -101,14 +173,13 @@ std::vector<AlignedRow> alignLines(const QStringList& source, const QStringList&
             ++s;
             continue;
         }
-        // A run of deletions and insertions: side by side, the longer one's rest alone.
+        // A run of deletions and insertions.
         std::vector<int> deleted, inserted;
         for (; s < steps.size() && (steps[s].source < 0 || steps[s].target < 0); ++s) {
             if (steps[s].source >= 0) deleted.push_back(steps[s].source);
             else inserted.push_back(steps[s].target);
         }
-        for (size_t i = 0; i < std::max(deleted.size(), inserted.size()); ++i)
-            rows.push_back({i < deleted.size() ? deleted[i] : -1, i < inserted.size() ? inserted[i] : -1, false});
+        addReplacement(source, target, deleted, inserted, rows);
     }
     return rows;
 }

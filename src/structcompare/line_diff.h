@@ -17,7 +17,7 @@ struct AlignedRow {
 };
 
 /// Aligns two texts' lines with the fewest insertions and deletions. Lines that were replaced stand
-/// beside each other as far as both sides have some.
+/// beside the ones that they share their words with, the others as far as both sides have some.
 std::vector<AlignedRow> alignLines(const QStringList& source, const QStringList& target);
 
 /// A stretch of a line, in characters from 0.

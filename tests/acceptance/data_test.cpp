@@ -124,6 +124,13 @@ TEST_F(Data, TroubleIsToldPlainly) {
         {{"--table", "One", "--export", "/nowhere/at/all.csv"}, "zovrand-cli: --export: there is no folder"},
         {{"--key", "Id"}, "zovrand-cli: --key requires --table"},
         {{"--table", "One", "--select", "One"}, "zovrand-cli: "},
+        // An empty variable of a script must not make it another comparison, or one without its file.
+        {{"--table", ""}, "zovrand-cli: --table: the value is missing"},
+        {{"--table", "One", "--key", "Id", "--export", ""}, "zovrand-cli: --export: the value is missing"},
+        {{"--table", "One", "--key", "Id", "--ignore", "City,id"},
+         "zovrand-cli: --key and --ignore both name the column \"Id\"."},
+        {{"--table", "One", "--sort", "City", "--ignore", "City"},
+         "zovrand-cli: --sort and --ignore both name the column \"City\"."},
     };
     for (const auto& row : table) {
         const CliResult result = data("RowsOne", "RowsTwo", row.options);
@@ -134,6 +141,45 @@ TEST_F(Data, TroubleIsToldPlainly) {
     // The counts stand, though the file could not be written.
     const CliResult full = data("RowsOne", "RowsTwo", {"--table", "One", "--key", "Id", "--export", "/proc/rows.csv"});
     EXPECT_EQ(full.status, 2) << ::testing::PrintToString(full);
+    EXPECT_EQ(full.errLines().value(1).trimmed().toStdString(),
+              "Nothing was exported. An older file of this name is as it was.");
+}
+
+// Half a result doesn't take the place of an older file, and says why there is no more.
+TEST_F(Data, ARunThatBreaksOffExportsNothing) {
+    const QString file = home_->write("kept.csv", "older");
+    const CliResult late = data("RowsOne", "RowsTwo", {"--table", "One", "--method", "record", "--offset", "1000", "--export", file});
+    EXPECT_EQ(late.status, 2);
+    EXPECT_EQ(late.out, QString());
+    EXPECT_TRUE(late.err.contains("The source was to be compared from record 1,000 on; its table One has 295.")) << late.err.toStdString();
+    EXPECT_TRUE(late.err.contains("kept.csv was not written.")) << late.err.toStdString();
+    EXPECT_EQ(fileText("kept.csv").toStdString(), "older");
+}
+
+// A stored key whose column is gone still compares as it always has; the user is told by what.
+TEST_F(Data, AStoredKeyThatIsGoneIsMentioned) {
+    const struct {
+        const char* source;
+        const char* target;
+        int status;
+        const char* said;
+    } table[] = {
+        {"CompKey=Gone", "CompKey=Id", 1, "The key \"Gone\" is not among the compared columns of One: its first column, \"Id\", is taken."},
+        {"CompKey=Id", "CompKey=Gone", 2, "The key \"Gone\" is not among the compared columns of the Target table. Choose another key."},
+        {"CompKey=Id\nSecondaryCompKey=City", "CompKey=Id\nSecondaryCompKey=Gone", 1,
+         "The key \"Gone\" is not among the compared columns of One: every record is paired with the first that is left."},
+        {"CompKey=Id\nSecondaryCompKey=City", "CompKey=Id\nSecondaryCompKey=City", 1, ""},
+    };
+    for (const auto& row : table) {
+        home_->write("home/documents/zov_tables_comps.ini",
+                     QByteArray("[local:data.RowsOne.One]\nCompMethod=1\n") + row.source +
+                         "\n[local:data.RowsTwo.One]\nCompMethod=1\n" + row.target + "\n");
+        const CliResult result = data("RowsOne", "RowsTwo", {"--table", "One"});
+        EXPECT_EQ(result.status, row.status) << ::testing::PrintToString(result);
+        EXPECT_TRUE(result.err.contains(row.said)) << row.said << '\n' << result.err.toStdString();
+        EXPECT_EQ(result.err.isEmpty(), *row.said == 0) << result.err.toStdString();
+    }
+    EXPECT_TRUE(QFile::remove(home_->home() + "/documents/zov_tables_comps.ini"));
 }
 
 }  // namespace

@@ -3,7 +3,10 @@
 #include "datacompare/frmCompareDataOptions.h"
 #include "datacompare/frmCompareStatus.h"
 #include "main_window_fixture.h"
+#include "reports/frmExport.h"
 #include "structcompare/frmCompareAllTables.h"
+
+#include <QProcess>
 
 namespace zov {
 namespace {
@@ -21,13 +24,18 @@ class DataComparisons : public test::MainWindow {
         connect();
         shell.onScreen = [this](Screen& screen) {
             if (auto* options = dynamic_cast<frmCompareDataOptions*>(&screen)) {
+                if (onOptions) onOptions(*options);
                 if (optionsAccepted) options->cmdOK_Click();
                 else options->cmdCancel_Click();
             } else if (auto* status = dynamic_cast<frmCompareStatus*>(&screen)) {
                 status->Form_Activate();
             } else if (auto* result = dynamic_cast<frmCompareData*>(&screen)) {
                 differences = result->Caption + u' ' + result->lblStats[5];
+                if (exports) result->cmdExport_Click();
                 result->cmdExit_Click();
+            } else if (auto* saving = dynamic_cast<frmExport*>(&screen)) {
+                saving->optGen = 0;
+                saving->cmdOK_Click();
             } else if (auto* all = dynamic_cast<frmCompareAllTables*>(&screen)) {
                 offered = all->visibleBoxes;
                 all->Form_Activate();
@@ -42,6 +50,8 @@ class DataComparisons : public test::MainWindow {
         };
     }
     bool optionsAccepted = true;
+    bool exports = false;
+    std::function<void(frmCompareDataOptions&)> onOptions;
     int offered = 0;
     QString differences;
 };
@@ -68,6 +78,86 @@ TEST_F(DataComparisons, APairGoesThroughTheOptionsToItsDifferences) {
     EXPECT_EQ(told(), "yes/no [Different Structures]: Compared tables have different structures.\\n\\nDo "
                       "you still want to compare them? -> no");
     EXPECT_FALSE(window.Busy());
+}
+
+// Chosen on the options screen or on the command line: the files of what differs are the same.
+TEST_F(DataComparisons, TheWindowExportsWhatTheCommandLineDoes) {
+    const QString columns = QStringLiteral("CREATE TABLE dbo.Lines (A int, B nvarchar(9), C nvarchar(9), D int)\nGO\n");
+    QString rows[2];
+    for (int i = 1; i <= 40; ++i)
+        for (const int side : {0, 1}) {
+            if (i % 17 == side * 5) continue;
+            rows[side] += QStringLiteral("INSERT INTO Lines VALUES (%1, N'%2', %3, %4)\n")
+                              .arg(i / 3)
+                              .arg(side && i % 7 == 0 ? QStringLiteral("B") : QStringLiteral("b"))
+                              .arg(i % 5 == 0 ? QStringLiteral("NULL") : QStringLiteral("N'c%1 '").arg(i % 3))
+                              .arg(side && i % 11 == 0 ? -i : i);
+        }
+    loadDatabases(columns + rows[0] + QStringLiteral("GO\n"), columns + rows[1] + QStringLiteral("GO\n"));
+    window.cmdConnect_Click();
+    choose(view.sides[0].pvlDb, QStringLiteral("Src"));
+    window.pvlDb_Click(SourcePanel);
+    choose(view.sides[1].pvlDb, QStringLiteral("Tgt"));
+    window.pvlDb_Click(TargetPanel);
+    select(0, QStringLiteral("Lines"));
+    select(1, QStringLiteral("Lines"));
+    exports = true;
+    const struct {
+        int method;
+        const char* keys;  ///< places of the columns, from 1: of the key, or to sort by
+        const char* offset;
+        int ignored;  ///< a column's place, 0 none
+        QStringList options;
+    } table[] = {
+        {1, "4", "", 0, {"--key", "D"}},
+        {1, "12", "", 0, {"--key", "A,B"}},
+        {1, "132", "", 4, {"--key", "A,C,B", "--ignore", "D"}},
+        {0, "", "", 0, {"--method", "record"}},
+        {0, "41", "3", 0, {"--method", "record", "--sort", "D,A", "--offset", "3", "--target-offset", "3"}},
+        {0, "1", "", 2, {"--method", "record", "--sort", "A", "--ignore", "B"}},
+    };
+    for (const bool caseSensitive : {true, false})
+        for (const auto& row : table) {
+            SCOPED_TRACE(row.options.join(u' ').toStdString());
+            globals().gblnDataCaseSensitive = caseSensitive;
+            onOptions = [&](frmCompareDataOptions& options) {
+                options.optGen_Click(row.method);
+                const QByteArray places(row.keys);
+                for (int side = 0; side < 2; ++side) {
+                    options.cmbGen_Click(side * 3, 0);
+                    options.cmdSelectAll_Click(side);
+                    if (row.ignored) options.pvlSqlObj_Click(side, row.ignored - 1, false);
+                    options.txtOffset_Change(side, QString::fromLatin1(row.offset));
+                    for (int at = 2; at >= 0; --at) options.cmbPK_Click(at * 2 + side, 0);
+                    for (int at = 0; at < places.size(); ++at) {
+                        const int item = places[at] - '0';
+                        if (row.method == 1) options.cmbPK_Click(at * 2 + side, item);
+                        else options.cmbGen_Click(side * 3 + at, item);
+                    }
+                }
+            };
+            shell.savePaths = {home.path(QStringLiteral("window.htm"))};
+            differences.clear();
+            window.ExecuteAction(command::DataPair);
+            EXPECT_NE(differences, QString()) << told();
+            QProcess cli;
+            QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+            environment.insert(QStringLiteral("ZOVRAND_HOME"), home.path(QStringLiteral("other")));
+            cli.setProcessEnvironment(environment);
+            const QString server = served.server().Name;
+            cli.start(QStringLiteral(ZOV_CLI),
+                      QStringList{"data", "--source", server, "--source-db", "Src", "--target", server, "--target-db",
+                                  "Tgt", "--table", "Lines", "--export", home.path(QStringLiteral("cli.htm")), "--set",
+                                  QStringLiteral("DataCaseSensitive=%1").arg(int(caseSensitive))} +
+                          row.options);
+            ASSERT_TRUE(cli.waitForFinished(60000));
+            EXPECT_EQ(cli.exitCode(), 1) << cli.readAllStandardError().toStdString();
+            const QByteArray exported = home.read(QStringLiteral("window.htm"));
+            EXPECT_TRUE(exported.contains("BGCOLOR = 00FFFF"));
+            EXPECT_EQ(exported.toStdString(), home.read(QStringLiteral("cli.htm")).toStdString());
+            QFile::remove(home.path(QStringLiteral("window.htm")));
+            QFile::remove(home.path(QStringLiteral("cli.htm")));
+        }
 }
 
 TEST_F(DataComparisons, AllTablesEndInAReport) {

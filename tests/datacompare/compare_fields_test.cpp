@@ -186,12 +186,19 @@ TEST_P(CompareFieldsTest, AKeyThatIsGoneIsTheFirstFieldOrAnError) {
     told();
     byKey(QStringLiteral("Gone"));
     EXPECT_EQ(compared(), "failed 2/2/0");
-    EXPECT_EQ(told(), "exclamation: Error occured while comparing records.\\n\\nError 3001 (There is no "
-                      "column \"Gone\" in the result.); line 0.\\n\n"
+    EXPECT_EQ(told(), "exclamation: Error occured while comparing records.\\n\\nError 3001 (The key "
+                      "\"Gone\" is not among the compared columns of the Target table. Choose another "
+                      "key.); line 0.\\n\n"
                       "information: The comparison was broken off by an error.");
     // With several keys the search stays on the first row.
     byKey({QStringLiteral("K"), QStringLiteral("L"), {}}, {QStringLiteral("K"), QStringLiteral("Gone"), {}});
     EXPECT_EQ(compared().substr(0, 15), "different 2/2/2");
+    told();
+    // A name that no condition takes is as good as gone.
+    tables("[My Key] int, L int", {"1, 5"}, "[My Key] int, L int", {"1, 5"});
+    byKey(QStringLiteral("My Key"));
+    EXPECT_EQ(compared(), "failed 1/1/0");
+    EXPECT_NE(told().find("The key \"My Key\" can't be sought: its name holds a blank"), std::string::npos);
 }
 
 // Whatever the two types are, the index must find what the condition on the value's text meets first,

@@ -109,6 +109,21 @@ TEST(MainWindow, WithoutAServerItAsksForOneAtItsFirstActivation) {
     EXPECT_TRUE(desktop.window().isVisible());
 }
 
+TEST(MainWindow, AnEmptyListSaysWhatToDoNext) {
+    Desktop desktop;
+    qt::MainWindow& window = desktop.show(false);
+    EXPECT_EQ(window.list(0)->emptyText(),
+              QStringLiteral("Press Connect to read the databases of the server."));
+    window.runCommand(cmd::Connect);
+    ASSERT_GT(window.list(0)->rowCount(), 0);
+    chooseType(desktop, ObjectType::Trigger);
+    // Whether there are none or a filter hides them isn't said: the window doesn't know.
+    EXPECT_EQ(window.list(0)->emptyText(),
+              QStringLiteral("No triggers are listed. F5 reads the list anew."));
+    EXPECT_EQ(window.list(1)->emptyText(),
+              QStringLiteral("No triggers are listed. Shift+F5 reads the list anew."));
+}
+
 TEST(MainWindow, BothPanelsOpenWithWhatTheCommandLineNames) {
     Desktop desktop;
     qt::MainWindow& window = desktop.show();

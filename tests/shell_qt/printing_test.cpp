@@ -1,4 +1,6 @@
 // Printing: pages into a PDF file, and what is said where there is no printer.
+#include "reports/frmCompareAndPrint.h"
+#include "shell/qt/object_list_view.h"
 #include "shell/qt/pane_printer.h"
 #include "shell/qt/print_preview.h"
 #include "shell/qt/text_pane_widget.h"
@@ -8,7 +10,9 @@
 #include <QApplication>
 #include <QDialog>
 #include <QFile>
+#include <QLabel>
 #include <QPrinterInfo>
+#include <QTest>
 
 #include <gtest/gtest.h>
 
@@ -90,6 +94,36 @@ TEST(Printing, WithoutAPrinterTheUserIsToldWhatElseToDo) {
     pane.setText(QStringLiteral("text"));
     EXPECT_FALSE(qt::printPaneText(pane, {}, {}, true, nullptr)) << "at once: the run ends here";
     EXPECT_EQ(desktop.user.takeSeen().size(), 1);
+}
+
+/// A run that prints nothing: its first pair lasts until somebody stops it.
+class EndlessPair : public CompareAndPrintWindow {
+ public:
+    explicit EndlessPair(qt::MainWindow& window) : window_(window) {}
+    const ObjectList& objects(int Index) override { return *window_.list(Index); }
+    void showObject(int, int) override {}
+    bool compareAndPrintPair() override {
+        ++pairs;
+        return test::waitUntil([] { return globals().gblnStop; });
+    }
+    int pairs = 0;
+
+ private:
+    qt::MainWindow& window_;
+};
+
+TEST(Printing, TheRunOverAllTablesShowsItsTableAndEndsWithEsc) {
+    Desktop desktop;
+    EndlessPair window(desktop.show());
+    desktop.user.plan([](QWidget* screen) {
+        EXPECT_EQ(screen->objectName(), QStringLiteral("frmCompareAndPrint"));
+        EXPECT_EQ(screen->findChild<QLabel*>(QStringLiteral("lblCurProcName"))->text(),
+                  QStringLiteral("Customer"));
+        QTest::keyClick(screen, Qt::Key_Escape);
+    });
+    frmCompareAndPrint().ShowUp(window);
+    EXPECT_TRUE(desktop.user.isDone());
+    EXPECT_EQ(window.pairs, 1) << "Invoice has a namesake too";
 }
 
 }  // namespace

@@ -43,6 +43,8 @@ std::vector<TourStop> screenTour(Desktop& desktop) {
         {QStringLiteral("frmExport"), [] { showStockExport(); }},
         {QStringLiteral("frmOptions"), run(cmd::Options)},
         {QStringLiteral("frmTip"), run(cmd::TipOfTheDay)},
+        {QStringLiteral("frmSpare"), run(cmd::DebugStripComments)},
+        {QStringLiteral("frmOptionsDebug"), run(cmd::DebugOptions)},
         {QStringLiteral("frmErrorReport"),
          [] {
              ShowErrorReport(-2147467259, QStringLiteral("The server does not answer."),

@@ -63,6 +63,38 @@ TEST(LineDiff, KeepsAsManyLinesAsAnyDiffCan) {
     }
 }
 
+TEST(LineDiff, AReplacedLineStandsBesideTheOneItBecame) {
+    const struct {
+        const char* what;
+        QStringList source, target;
+        const char* rows;
+    } tables[] = {
+        {"a column went, the next one grew",
+         {QStringLiteral("[Fax] [Phone] NULL"), QStringLiteral("[Email] [varchar] (120) NULL")},
+         {QStringLiteral("[Email] [varchar] (254) NULL")},
+         "0|- 1|0"},
+        {"a column came before one that grew",
+         {QStringLiteral("[Email] [varchar] (120) NULL")},
+         {QStringLiteral("[Born] [date]"), QStringLiteral("[Email] [varchar] (254) NULL")},
+         "-|0 0|1"},
+        {"nothing in common: as they come",
+         {QStringLiteral("a b c"), QStringLiteral("d")},
+         {QStringLiteral("x y z")},
+         "0|0 1|-"},
+        {"brackets and blanks are nothing in common",
+         {QStringLiteral("[a] (1)"), QStringLiteral("[b] (2)")},
+         {QStringLiteral("[b] (3)")},
+         "0|- 1|0"},
+    };
+    for (const auto& table : tables) {
+        QStringList rows;
+        for (const AlignedRow& row : alignLines(table.source, table.target))
+            rows += (row.source < 0 ? QStringLiteral("-") : QString::number(row.source)) + u'|' +
+                    (row.target < 0 ? QStringLiteral("-") : QString::number(row.target));
+        EXPECT_EQ(rows.join(u' ').toStdString(), table.rows) << table.what;
+    }
+}
+
 TEST(LineDiff, TellsTheWordsThatChanged) {
     const ChangedWords changed = changedWords(QStringLiteral("[Name] [varchar] (50) NULL"),
                                               QStringLiteral("[Name] [varchar] (80) NOT NULL"));

@@ -210,8 +210,14 @@ void describeData(CLI::App& app, Options& options, Fields& fields, Choices& choi
     CLI::App* data =
         app.add_subcommand("data", "Compare the rows of one table, of chosen ones or of all");
     addServers(data, options, fields);
+    // An option without its value (a variable that is empty) would mean something else.
+    const CLI::Validator notEmpty(
+        [](const std::string& value) {
+            return value.empty() ? std::string("the value is missing") : std::string();
+        },
+        "");
     const auto text = [&](const char* option, QString& to, const char* type, const char* help) {
-        return data->add_option(option, fields.text(to), help)->type_name(type);
+        return data->add_option(option, fields.text(to), help)->type_name(type)->check(notEmpty);
     };
     CLI::Option* table = text("--table", options.table, "NAME", "Compare this table");
     text("--target-table", options.targetTable, "NAME",

@@ -3,8 +3,10 @@
 #include "core/globals.h"
 #include "core/modIgnoreColumns.h"
 #include "datacompare/compare_all_data.h"
+#include "datacompare/compare_records.h"
 #include "datacompare/frmCompareData.h"
 #include "datacompare/frmCompareStatus.h"
+#include "datacompare/key_lookup.h"
 #include "reports/export_files.h"
 #include "scripting/mdlQueryCode.h"
 #include "shell/console/console_shell.h"
@@ -35,7 +37,8 @@ class ConsoleScreens : public DataComparisonScreens, public CompareAllForm {
     }
 
     void showDifferences(frmCompareData& screen) override {
-        if (exportFile_.isEmpty()) return;
+        // Half a result doesn't take the place of an older whole one.
+        if (exportFile_.isEmpty() || screen.BrokenOff) return;
         ExportRun run;
         run.onRow = [&](int row, int rows) {
             if (row % 1000 == 0)
@@ -44,12 +47,15 @@ class ConsoleScreens : public DataComparisonScreens, public CompareAllForm {
             shell().pumpEvents();
             return !globals().gblnStop;
         };
+        run.doubleQuotationMarks = true;
         const ExportSource source = ExportSourceOf(screen);
         const ExportEnd end = exportFile_.endsWith(QStringLiteral(".csv"), Qt::CaseInsensitive)
                                   ? writeGridCsv(source, exportFile_, true, run)
                                   : writeGridHtml(source, exportFile_, run);
         console_.clearProgress();
-        if (end == ExportEnd::Failed) exportFailure = run.failure;
+        if (end == ExportEnd::Failed)
+            exportFailure = run.failure + QStringLiteral("\nNothing was exported. An older file of "
+                                                         "this name is as it was.");
         if (end == ExportEnd::Stopped)
             exportFailure = QStringLiteral("Stopped: %1 holds the rows so far.").arg(exportFile_);
         exported = end == ExportEnd::Written;
@@ -216,6 +222,68 @@ DataComparisonRun runOf(const Options& options, const CompareDataPair& tables) {
     return run;
 }
 
+/// A column that the comparison goes by and leaves out: refused where it is asked for.
+void checkAgainstIgnored(const Options& options, const CompareDataPair& tables) {
+    if (options.ignore.isEmpty()) return;
+    const BothSides ignored(tables, options.ignore, options.targetIgnore, "--ignore", 0);
+    const auto check = [&](const QString& source, const QString& target, const char* option) {
+        if (source.isEmpty()) return;
+        const BothSides used(tables, source, target, option, MostKeys);
+        for (int side = 0; side < 2; ++side)
+            for (const QString& column : used.columns[side])
+                if (ignored.columns[side].contains(column))
+                    throw Failure(QStringLiteral("%1 and --ignore both name the column \"%2\".")
+                                      .arg(QLatin1String(option), column));
+    };
+    check(options.key, options.targetKey, "--key");
+    check(options.sort, options.targetSort, "--sort");
+}
+
+/// What a stored key comes to whose column is gone or left out, or can't be sought.
+void noteUnfitKeys(const DataComparisonRun& run, ConsoleShell& console) {
+    if (run.Method != CompMethod::PrimaryKey) return;
+    const bool several = isKeyField(run.Keys[1].SecondaryCompKey);
+    for (size_t side = 0; side < 2; ++side) {
+        const QStringList columns = ComparedColumns(run.Tables[side]);
+        QStringList keys{run.Keys[side].CompKey};
+        if (several) keys += run.Keys[side].SecondaryCompKey;
+        if (several && isKeyField(run.Keys[0].TertiaryCompKey))
+            keys += run.Keys[side].TertiaryCompKey;
+        for (const QString& key : std::as_const(keys)) {
+            const QString what = QStringLiteral("The key \"%1\" ").arg(key);
+            const QString gone =
+                what + QStringLiteral("is not among the compared columns of %1: ").arg(run.Tables[side].Table);
+            if (columns.isEmpty()) return;
+            if (side == 0) {
+                if (!columns.contains(key))
+                    console.showNote(gone + QStringLiteral("its first column, \"%1\", is taken.")
+                                                .arg(columns.first()));
+                continue;
+            }
+            if (!several) continue;  // the search ends in an error, which says the same
+            const QString first = QStringLiteral("every record is paired with the first that is left.");
+            if (!standsInCondition(key))
+                console.showNote(what + QStringLiteral("can't be sought, for the signs in its name: ") + first);
+            else if (!columns.contains(key, Qt::CaseInsensitive))
+                console.showNote(gone + first);
+        }
+    }
+}
+
+/// Where the offsets are the reason that there was nothing to compare.
+void noteOffsetsBehindEnd(const DataComparisonRun& run, const DataComparisonResult& result,
+                          ConsoleShell& console) {
+    const qint32 records[] = {result.Records1, result.Records2};
+    if (run.Method == CompMethod::PrimaryKey) return;
+    for (size_t side = 0; side < 2; ++side)
+        if (run.Offset[side] > 1 && records[side] >= 0 && run.Offset[side] > records[side])
+            console.showNote(QStringLiteral("The %1 was to be compared from record %2 on; its table "
+                                            "%3 has %4.")
+                                 .arg(side == 0 ? QStringLiteral("source") : QStringLiteral("target"),
+                                      formatCount(run.Offset[side]), run.Tables[side].Table,
+                                      formatCount(records[side])));
+}
+
 void checkExportFile(const QString& file) {
     if (file.isEmpty()) return;
     for (const char* ending : {".htm", ".html", ".csv"}) {
@@ -236,9 +304,12 @@ int compareOneTable(const Options& options, ConsoleShell& console, const Compare
     const QString targetName = options.targetTable.isEmpty() ? options.table : options.targetTable;
     const CompareDataPair tables{findTable(SourcePanel, servers.sourceDb, options.table),
                                  findTable(TargetPanel, servers.targetDb, targetName)};
+    checkAgainstIgnored(options, tables);
     const IgnoredForThisRun ignored(options, tables);
     ConsoleScreens screens(console, options.exportFile);
-    const DataComparisonResult result = ExecuteDataComparison(runOf(options, tables), &screens);
+    const DataComparisonRun run = runOf(options, tables);
+    noteUnfitKeys(run, console);
+    const DataComparisonResult result = ExecuteDataComparison(run, &screens);
     if (result.Outcome == DataOutcome::Cancelled) {
         console.showError(result.Report);
         return Trouble;
@@ -246,6 +317,9 @@ int compareOneTable(const Options& options, ConsoleShell& console, const Compare
     if (result.Outcome == DataOutcome::Failed) {
         // The error itself was told when it came.
         console.showNote(result.Report);
+        noteOffsetsBehindEnd(run, result, console);
+        if (!options.exportFile.isEmpty())
+            console.showNote(QStringLiteral("%1 was not written.").arg(options.exportFile));
         return Trouble;
     }
     writeReport(options, result.Report);

@@ -42,7 +42,9 @@ ColumnInfo makeType(SqlType type, int size, int precision, int scale, bool nulla
         case SqlType::NText:
         case SqlType::Image:
         case SqlType::Xml:
+            // The catalogue gives their length as prec; on the wire they have none.
             info.size = -1;
+            info.precision = info.scale = 0;
             break;
         case SqlType::RowVersion:
             info.size = 8;

@@ -14,9 +14,30 @@
 namespace zov::qt {
 namespace {
 
+/// Pictures wider than a page are made smaller well: a text document leaves out pixels instead.
+class HelpBrowser : public QTextBrowser {
+ public:
+    using QTextBrowser::QTextBrowser;
+
+    QVariant loadResource(int type, const QUrl& name) override {
+        const QVariant resource = QTextBrowser::loadResource(type, name);
+        if (type != QTextDocument::ImageResource) return resource;
+        QImage picture = resource.canConvert<QImage>() ? resource.value<QImage>() : QImage();
+        if (picture.isNull()) picture.loadFromData(resource.toByteArray());
+        const int width = int(WidthOfPictures * devicePixelRatioF());
+        if (picture.width() <= width) return resource;
+        picture = picture.convertToFormat(QImage::Format_RGB32)
+                      .scaledToWidth(width, Qt::SmoothTransformation);
+        return picture;
+    }
+
+ private:
+    static constexpr int WidthOfPictures = 720;  ///< as the pages give it
+};
+
 class HelpWindow : public QWidget {
  public:
-    HelpWindow() : QWidget(nullptr, Qt::Window), browser_(new QTextBrowser(this)) {
+    HelpWindow() : QWidget(nullptr, Qt::Window), browser_(new HelpBrowser(this)) {
         setWindowTitle(QStringLiteral("Zovrand Help"));
         setObjectName(QStringLiteral("helpWindow"));
         setWindowIcon(QIcon(QStringLiteral(":/icons/help.svg")));
@@ -65,7 +86,7 @@ class HelpWindow : public QWidget {
     }
 
  private:
-    QTextBrowser* browser_;
+    HelpBrowser* browser_;
 };
 
 }  // namespace

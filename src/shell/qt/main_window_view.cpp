@@ -73,6 +73,7 @@ void MainWindow::setConnectPicture(int picture) {
         setStatusText(QStringLiteral("Connecting..."));
     else
         setStatusText(action->toolTip() + QStringLiteral("   "));
+    showCounts();
 }
 
 void MainWindow::setCompareToolTip(const QString& text) {
@@ -152,7 +153,10 @@ void MainWindow::showCounts() {
         const QString objects = GetObjectTypeName(type, count != 1).toLower();
         if (side.database->text().isEmpty()) {
             side.count->clear();
-            side.objects->setEmptyText(QStringLiteral("Choose a server and a database above."));
+            const bool isConnected = side.database->count() > 0 || side.server->text().isEmpty();
+            side.objects->setEmptyText(
+                isConnected ? QStringLiteral("Choose a server and a database above.")
+                            : QStringLiteral("Press Connect to read the databases of the server."));
             continue;
         }
         side.count->setText(

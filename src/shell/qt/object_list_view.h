@@ -51,6 +51,7 @@ class ObjectListView : public QTreeView, public ObjectList {
 
     /// What an empty list says in its place.
     void setEmptyText(const QString& text);
+    QString emptyText() const { return emptyText_; }
 
  signals:
     /// The selection changed, by the user or by the program; silent while the tag is "OFF".

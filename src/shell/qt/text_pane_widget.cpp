@@ -61,6 +61,8 @@ void TextPaneWidget::setText(const QString& text) {
     differenceStart_ = differenceEnd_ = 0;
     setExtraSelections({});
     setPlainText(plain_);
+    // What an empty pane says stands where no line of the new text may come.
+    viewport()->update();
     emit textReplaced();
 }
 
