@@ -1,6 +1,8 @@
 // What the benchmarks share: a clock, the process's peak memory, a scratch home.
 #pragma once
 
+#include "util/vector_registers.h"
+
 #include <QTemporaryDir>
 
 #include <chrono>
@@ -15,6 +17,7 @@ template <typename Work>
 double seconds(Work work, int runs = 1) {
     double best = 1e300;
     for (int run = 0; run < runs; ++run) {
+        releaseWideRegisters();
         const auto start = std::chrono::steady_clock::now();
         work();
         const std::chrono::duration<double> took = std::chrono::steady_clock::now() - start;

@@ -1,5 +1,7 @@
 #include "data/read_ahead.h"
 
+#include "util/vector_registers.h"
+
 #include <chrono>
 
 namespace zov {
@@ -17,6 +19,7 @@ constexpr auto PatienceAtStop = std::chrono::milliseconds(300);
 }  // namespace
 
 qsizetype fetchWindow(ResultStream& stream, RowStore& rows, qsizetype wanted, qsizetype atLeast) {
+    releaseWideRegisters();
     // In small steps, so that rows of megabytes don't fill the memory for the sake of a round number.
     qsizetype fetched = 0;
     while (fetched < wanted) {
@@ -90,6 +93,7 @@ void ReadAhead::run() {
 }
 
 bool ReadAhead::next(RowStore& rows) {
+    releaseWideRegisters();
     std::unique_lock lock(guard_);
     changed_.wait(lock, [this] { return !ready_.empty() || finished_; });
     if (ready_.empty()) {

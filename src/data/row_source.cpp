@@ -1,6 +1,7 @@
 #include "data/row_source.h"
 
 #include "data/base/field_text.h"
+#include "util/vector_registers.h"
 
 #include <QHash>
 
@@ -152,6 +153,7 @@ void RowSource::spool() {
         for (RowStore window; ahead_->next(window);) store_.append(window);
         ahead_.reset();
     }
+    releaseWideRegisters();
     while (stream_->fetch(store_, 16384) > 0) {
     }
     finishStream();
