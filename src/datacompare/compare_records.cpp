@@ -101,7 +101,8 @@ void Walk::run() {
                 grid_.VSFlexGrid1.setRedraw(false);
             }
             rowTest_.emplace(source(), target(), globals().gblnDataCaseSensitive);
-            if (run_.Method == CompMethod::PrimaryKey) keyed_ = std::make_unique<KeyedRows>(target());
+            if (run_.Method == CompMethod::PrimaryKey)
+                keyed_ = std::make_unique<KeyedRows>(target(), result_.Records2);
             // Without rows on one side there is nothing to walk.
             if (minRecords_ > 0) {
                 if (run_.Method == CompMethod::PrimaryKey) walkByKey();

@@ -52,6 +52,7 @@ class frmCompareStatus : public Screen {
     frmCompareData& differences_;
     DataComparisonResult result_;
     Clock::time_point started_;
+    int recordsUntilLook_ = 0;
     Clock::time_point shown_;
     bool activated_ = false;
     bool running_ = false;

@@ -180,10 +180,15 @@ void KeyLookup::prepareNext() {
         const quint32 hash = KeyedRows::hashOfKey(next_);
         hashes_[preparedTo_ % RowsPrepared] = hash;
         rows2_.prefetch(hash, 0);
+        for (int column = 0; column < rows.columnCount(); ++column)
+            rows.column(column).prefetch(preparedTo_);
     }
     for (int step = 1; step <= 3; ++step)
         if (const qsizetype at = row + distances[step]; at <= preparedTo_)
             rows2_.prefetch(hashes_[at % RowsPrepared], step);
+    if (const qsizetype at = row + distances[2]; at <= preparedTo_)
+        for (int column = 0; column < rows.columnCount(); ++column)
+            rows.column(column).prefetchText(at);
 }
 
 void KeyLookup::findByOneKey(const RowView& record) {

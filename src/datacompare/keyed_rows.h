@@ -4,9 +4,11 @@
 // among all. Where the tables are in the same order little is ever in memory.
 #pragma once
 
+#include "data/base/packed_rows.h"
 #include "data/recordset.h"
 
 #include <algorithm>
+#include <memory>
 #include <span>
 #include <vector>
 
@@ -47,10 +49,11 @@ class RecordsetCursor : public RowCursor {
 
 class KeyedRows : public RowCursor {
  public:
-    /// Takes the rows out of `rs`, which must live as long as this.
-    explicit KeyedRows(Recordset& rs) : rs_(rs) {}
+    /// Takes the rows out of `rs`, which must live as long as this. `rowsExpected` spares the index
+    /// some growing.
+    explicit KeyedRows(Recordset& rs, qint64 rowsExpected = 0) : rs_(rs), rowsExpected_(rowsExpected) {}
     /// The columns that rows are found by; before the first search.
-    void setKey(std::vector<int> columns) { columns_ = std::move(columns); }
+    void setKey(std::vector<int> columns) { keyColumns_ = std::move(columns); }
 
     int columnCount() const { return rs_.fieldCount(); }
     const ColumnInfo& columnInfo(int column) const { return rs_.field(column).info(); }
@@ -88,8 +91,11 @@ class KeyedRows : public RowCursor {
     qint64 rowNumber() const;
 
  private:
+    /// Rows that were read together: a window of the recordset, or many windows that are packed because
+    /// their rows will stay for long.
     struct Block {
         RowStore rows;
+        std::unique_ptr<PackedRows> packed;
         qint64 before = 0;          // rows in the blocks before
         qsizetype count = 0;        // stays when the rows are let go
         qsizetype live = 0;
@@ -105,25 +111,39 @@ class KeyedRows : public RowCursor {
     struct Place {
         int block = -1;
         int row = -1;
+        auto operator<=>(const Place&) const = default;
     };
     // Rows by the hash of their keys: for each bucket a chain in the order of the rows.
     struct Node {
         Place place;
-        quint32 hash = 0;
-        qint32 next = -1;
+        quint32 hash;
+        qint32 next;
     };
     struct Bucket {
-        qint32 first = -1;
-        qint32 last = -1;
+        qint32 first;
+        qint32 last;
     };
 
-    bool readBlock();
-    /// Adds the rows of blocks that no search has needed yet.
-    void indexBlocks();
-    void growBuckets();
-    bool findAmongRead(std::span<const CellView> key, quint32 hash, size_t firstBlock);
+    std::vector<ColumnInfo> columns() const;
+    /// Reads one more window.
+    bool readRows();
+    qint64 rowsRead() const { return blocks_.empty() ? 0 : blocks_.back().before + blocks_.back().count; }
+    /// Where the next window's rows will begin, or before.
+    Place end() const;
+    /// Adds the rows that no search has needed yet.
+    void indexRows();
+    void addToIndex(const Place& place, quint32 hash);
+    void growBuckets(qsizetype count);
+    /// Packs and indexes the rows of `window_`.
+    void packWindow();
+    bool findAmongRead(std::span<const CellView> key, quint32 hash, Place first);
     void append(qint32 node);
-    quint32 hashOf(const Block& block, int row) const;
+    RowView rowAt(const Place& place) const;
+    quint32 hashOf(const RowView& row) const;
+    Bucket& bucketOf(quint32 hash) { return buckets_[qsizetype(hash) & (buckets_.size() - 1)]; }
+    const Bucket& bucketOf(quint32 hash) const {
+        return buckets_[qsizetype(hash) & (buckets_.size() - 1)];
+    }
     bool hasKey(const Place& place, std::span<const CellView> key) const;
     /// Whether `place` moved to a row that is left, from where it is forward.
     bool settle(Place& place);
@@ -131,18 +151,25 @@ class KeyedRows : public RowCursor {
     void shrink(Block& block);
 
     Recordset& rs_;
-    std::vector<int> columns_;
+    const qint64 rowsExpected_;
+    std::vector<int> keyColumns_;
     std::vector<Block> blocks_;
     bool allRead_ = false;
     Place current_;
     int firstLiveBlock_ = 0;
-    size_t indexedBlocks_ = 0;
-    std::vector<Bucket> buckets_;
-    std::vector<Node> nodes_;
+    Place indexed_{0, 0};  // all rows before are
+    PackedBuffer<Bucket> buckets_;
+    PackedBuffer<Node> nodes_;
     qint32 freeNode_ = -1;
-    size_t indexedRows_ = 0;
+    qsizetype indexedRows_ = 0;
+    qint64 liveRows_ = 0;
     qint64 lastFound_ = 0;
     std::vector<RowStore> spare_;
+    RowStore window_;
+    std::vector<quint32> windowHashes_;
+    // The last packed row that was looked at.
+    mutable RowStore unpacked_;
+    mutable Place unpackedPlace_;
 };
 
 }  // namespace zov

@@ -187,7 +187,7 @@ TEST_P(CompareRecordsTest, StopEndsTheRunAndIsForgotten) {
         run.Method = method;
         run.Keys[0] = run.Keys[1] = {QStringLiteral("Id"), {}, {}};
         onStatus = [&](frmCompareStatus& screen) {
-            shell.onPump = [&, left = 20]() mutable {
+            shell.onPump = [&, left = 12]() mutable {
                 if (--left == 0) screen.cmdStop_Click();
             };
         };
@@ -321,11 +321,13 @@ struct PlainWalk {
     }
 };
 
-// Large enough that the Target isn't read at once, in the same order, in another and in none, with
-// keys that come several times and rows that either side lacks.
+// Large enough that the Target isn't read at once, in the same order, in another, in none and backwards
+// (when most of its rows are kept packed), with keys that come several times and rows that either side
+// lacks.
 TEST_P(CompareRecordsTest, WhatAnIndexFindsIsWhatASearchFinds) {
     std::mt19937 random(11);
-    for (const int disorder : {0, 1, 50, 100}) {
+    constexpr int Backwards = 1000;
+    for (const int disorder : {0, 1, 50, 100, Backwards}) {
         for (const int repeated : {0, 3}) {
             const int count = disorder == 100 ? 3000 : 14000;
             std::vector<PlainWalk::Row> tables[2];
@@ -337,7 +339,9 @@ TEST_P(CompareRecordsTest, WhatAnIndexFindsIsWhatASearchFinds) {
                     tables[1].emplace_back(key, random() % 100 == 0 ? QStringLiteral("other") : value);
             }
             // Some rows far from their places, or all anywhere.
-            for (size_t i = 0; disorder > 0 && i < tables[1].size(); ++i)
+            if (disorder == Backwards) std::reverse(tables[1].begin(), tables[1].end());
+            const bool isMixed = disorder > 0 && disorder < Backwards;
+            for (size_t i = 0; isMixed && i < tables[1].size(); ++i)
                 if (disorder == 100 || random() % 2000 < unsigned(disorder))
                     std::swap(tables[1][i], tables[1][random() % tables[1].size()]);
             QStringList rows[2];

@@ -1,40 +1,12 @@
 #include "data/base/row_store.h"
 
 #include "data/base/db_error.h"
+#include "data/base/letter_width.h"
 
+#include <bit>
 #include <limits>
 
-#ifdef __SSE2__
-#include <emmintrin.h>
-#endif
-
 namespace zov {
-
-template <typename T>
-void PackedBuffer<T>::grow(qsizetype needed) {
-    qsizetype wanted = capacity_ + capacity_ / 4;
-    if (wanted < needed) wanted = needed;
-    if (wanted < 64) wanted = 64;
-    data_ = static_cast<T*>(
-        resizeBlock(data_, size_t(capacity_) * sizeof(T), size_t(wanted) * sizeof(T)));
-    capacity_ = wanted;
-}
-
-template <typename T>
-void PackedBuffer<T>::shrinkToFit() {
-    // Small slack is not worth a move.
-    if (capacity_ - size_ < size_ / 64 + 1024) return;
-    const qsizetype kept = size_ ? size_ : 1;
-    data_ =
-        static_cast<T*>(resizeBlock(data_, size_t(capacity_) * sizeof(T), size_t(kept) * sizeof(T)));
-    capacity_ = kept;
-}
-
-template class PackedBuffer<char>;
-template class PackedBuffer<char16_t>;
-template class PackedBuffer<quint32>;
-template class PackedBuffer<qint16>;
-template class PackedBuffer<quint8>;
 
 namespace {
 
@@ -54,33 +26,6 @@ int widthOf(Storage storage) {
         case Storage::Bytes: return 0;
     }
     return 0;
-}
-
-/// Each byte to a 16-bit letter; false when one of them isn't ASCII.
-bool widenAscii(const char* from, qsizetype length, char16_t* to) {
-    qsizetype i = 0;
-#ifdef __SSE2__
-    if (length >= 8) {
-        const __m128i zero = _mm_setzero_si128();
-        __m128i seen = zero;
-        const auto widenEight = [&](qsizetype at) {
-            const __m128i eight = _mm_loadl_epi64(reinterpret_cast<const __m128i*>(from + at));
-            seen = _mm_or_si128(seen, eight);
-            _mm_storeu_si128(reinterpret_cast<__m128i*>(to + at), _mm_unpacklo_epi8(eight, zero));
-        };
-        for (; i + 8 <= length; i += 8) widenEight(i);
-        // The rest, with some that were widened already.
-        if (i < length) widenEight(length - 8);
-        return (_mm_movemask_epi8(seen) & 0xFF) == 0;
-    }
-#endif
-    unsigned char seen = 0;
-    for (; i < length; ++i) {
-        const unsigned char c = static_cast<unsigned char>(from[i]);
-        seen |= c;
-        to[i] = c;
-    }
-    return !(seen & 0x80);
 }
 
 }  // namespace
@@ -161,11 +106,17 @@ void ColumnCells::appendUtf8(const char* utf8, qsizetype length) {
     // letter.
     const qsizetype start = chars_.size();
     char16_t* to = length ? chars_.extend(length) : nullptr;
-    if (!widenAscii(utf8, length, to)) {
+    if (!widenLetters(utf8, length, to)) {
         chars_.truncate(start);
         const QString decoded = QString::fromUtf8(utf8, length);
         std::memcpy(chars_.extend(decoded.size()), decoded.utf16(), size_t(decoded.size()) * 2);
     }
+    endVariable(chars_.size());
+    ++count_;
+}
+
+void ColumnCells::appendLatin1(const char* latin1, qsizetype length) {
+    if (length) widenLetters(latin1, length, chars_.extend(length));
     endVariable(chars_.size());
     ++count_;
 }
@@ -231,26 +182,32 @@ void ColumnCells::append(const ColumnCells& other) {
     join(chars_, other.chars_);
     join(raw_, other.raw_);
     join(offsets_, other.offsets_);
-    for (qsizetype row = 0; row < other.count_; ++row) {
-        if (other.isNull(row)) markNull();
-        ++count_;
+    const qsizetype last = count_ + other.count_;
+    const qsizetype firstCount = count_;
+    for (qsizetype byte = 0; byte < other.nulls_.size(); ++byte) {
+        for (unsigned bits = other.nulls_[byte]; bits; bits &= bits - 1) {
+            count_ = firstCount + byte * 8 + std::countr_zero(bits);
+            markNull();
+        }
     }
+    count_ = last;
+}
+
+void ColumnCells::appendFixedCell(const char* cell, qint16 offsetMinutes) {
+    std::memcpy(fixed_.extend(width_), cell, size_t(width_));
+    if (storage_ == Storage::TicksOffset) offsets_.append(offsetMinutes);
+    ++count_;
 }
 
 void ColumnCells::appendCell(const ColumnCells& other, qsizetype row) {
     if (other.isNull(row)) return appendNull();
-    switch (storage_) {
-        case Storage::Text: return appendText(other.text(row));
-        case Storage::Guid:
-        case Storage::Bytes: {
-            const QByteArrayView bytes = other.bytes(row);
-            return appendBytes(bytes.data(), bytes.size());
-        }
-        case Storage::Float32:
-        case Storage::Float64: return appendReal(other.real(row));
-        case Storage::TicksOffset: return appendTicksOffset(other.integer(row), other.offsets_[row]);
-        default: appendInteger(other.integer(row));
+    if (width_) {
+        const bool hasOffset = storage_ == Storage::TicksOffset;
+        return appendFixedCell(other.fixedCell(row), hasOffset ? other.offsets_[row] : qint16(0));
     }
+    if (storage_ == Storage::Text) return appendText(other.text(row));
+    const QByteArrayView bytes = other.bytes(row);
+    appendBytes(bytes.data(), bytes.size());
 }
 
 void ColumnCells::clear() {

@@ -3,7 +3,7 @@
 // Providers append blocks of rows; recordsets read cells without copying them.
 #pragma once
 
-#include "data/base/block_memory.h"
+#include "data/base/packed_buffer.h"
 #include "data/base/sql_type.h"
 
 #include <QByteArrayView>
@@ -13,52 +13,6 @@
 #include <vector>
 
 namespace zov {
-
-/// Plain growable memory. Grows by a quarter, so that a full buffer wastes little;
-/// large blocks are moved by the system's page tables, not copied (block_memory.h).
-template <typename T>
-class PackedBuffer {
- public:
-    PackedBuffer() = default;
-    PackedBuffer(const PackedBuffer&) = delete;
-    PackedBuffer& operator=(const PackedBuffer&) = delete;
-    PackedBuffer(PackedBuffer&& other) noexcept { swap(other); }
-    PackedBuffer& operator=(PackedBuffer&& other) noexcept { swap(other); return *this; }
-    ~PackedBuffer() { freeBlock(data_, size_t(capacity_) * sizeof(T)); }
-
-    const T* data() const { return data_; }
-    T* data() { return data_; }
-    qsizetype size() const { return size_; }
-    qsizetype capacity() const { return capacity_; }
-    const T& operator[](qsizetype i) const { return data_[i]; }
-    T& operator[](qsizetype i) { return data_[i]; }
-
-    void append(T value) {
-        if (size_ == capacity_) grow(size_ + 1);
-        data_[size_++] = value;
-    }
-    /// Room for `count` more elements, uninitialised; they count as present.
-    T* extend(qsizetype count) {
-        if (size_ + count > capacity_) grow(size_ + count);
-        T* at = data_ + size_;
-        size_ += count;
-        return at;
-    }
-    /// Cuts back to `size`; the memory stays for the next block.
-    void truncate(qsizetype size) { size_ = size; }
-    void shrinkToFit();
-
- private:
-    void grow(qsizetype needed);
-    void swap(PackedBuffer& other) noexcept {
-        std::swap(data_, other.data_);
-        std::swap(size_, other.size_);
-        std::swap(capacity_, other.capacity_);
-    }
-    T* data_ = nullptr;
-    qsizetype size_ = 0;
-    qsizetype capacity_ = 0;
-};
 
 /// One cell, seen in place. Valid until its store is changed.
 struct CellView {
@@ -89,6 +43,9 @@ class ColumnCells {
     void appendText(QStringView text);
     void appendUtf8(const char* utf8, qsizetype length);
     void appendBytes(const void* bytes, qsizetype length);  ///< Bytes, or Guid with 16
+    void appendLatin1(const char* latin1, qsizetype length);  ///< Text
+    /// A cell as fixedCell() of a column of the same type gave it; the offset for TicksOffset.
+    void appendFixedCell(const char* cell, qint16 offsetMinutes);
     /// A whole block of fixed-width cells at once: `values` holds `rows` values of the storage's
     /// own width, `isNull` (may be null) one byte a row.
     void appendFixedBlock(const void* values, const quint8* isNull, qsizetype rows);
@@ -139,16 +96,22 @@ class ColumnCells {
     }
     QByteArrayView bytes(qsizetype row) const;
     CellView cell(qsizetype row) const;
-    /// Fetches a row's cell into the processor's cache, for who will need it soon: first where it is
-    /// kept, then, for texts and binaries, what is there.
-    void prefetch(qsizetype row) const {
-        if (width_) __builtin_prefetch(fixed_.data() + row * width_);
-        else __builtin_prefetch(ends_.data() + row);
+    /// Bytes of a cell in memory; 0 for texts and binaries.
+    int width() const { return width_; }
+    const char* fixedCell(qsizetype row) const { return fixed_.data() + row * width_; }
+    qint16 offsetMinutes(qsizetype row) const { return offsets_[row]; }
+    /// The texts of all rows, one behind the other.
+    QStringView allText() const { return QStringView(chars_.data(), chars_.size()); }
+    /// Has a row's cell fetched into the processor's cache, in two steps: first where it is kept, then,
+    /// for texts, what is there.
+    ZOV_ALWAYS_INLINE void prefetch(qsizetype row) const {
+        if (width_) prefetchMemory(fixed_.data() + row * width_);
+        else prefetchMemory(ends_.data() + row);
     }
-    void prefetchText(qsizetype row) const {
+    ZOV_ALWAYS_INLINE void prefetchText(qsizetype row) const {
         if (storage_ != Storage::Text) return;
-        __builtin_prefetch(chars_.data() + (row ? ends_[row - 1] : 0));
-        __builtin_prefetch(chars_.data() + ends_[row]);
+        prefetchMemory(chars_.data() + (row ? ends_[row - 1] : 0));
+        prefetchMemory(chars_.data() + ends_[row]);
     }
 
     /// Appends all cells of a column of the same type.
