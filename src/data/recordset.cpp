@@ -125,6 +125,10 @@ void Recordset::Close() {
     cursor_.reset();
 }
 
+void Recordset::setKeepWaiting(std::function<bool()> keepWaiting) {
+    if (isOpen()) cursor_->rows->setKeepWaiting(std::move(keepWaiting));
+}
+
 bool Recordset::isBof() const {
     if (!isOpen()) return true;
     if (cursor_->row < 0) return true;

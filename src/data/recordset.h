@@ -8,6 +8,7 @@
 
 #include <QHash>
 
+#include <functional>
 #include <memory>
 #include <optional>
 #include <span>
@@ -53,6 +54,9 @@ class Recordset {
     /// Lets the connection go. With a client-side cursor all rows are here already.
     void disconnect();
     void Close();
+    /// While a server-side cursor waits for rows, `keepWaiting` is called again and again; when it
+    /// gives false, the move throws ado_error::Cancelled, and the recordset can only be closed.
+    void setKeepWaiting(std::function<bool()> keepWaiting);
 
     bool isBof() const;
     bool isEof() const;

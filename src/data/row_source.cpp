@@ -109,6 +109,15 @@ void RowSource::finishStream() {
     if (dropped_ == 0) session_.reset();
 }
 
+void RowSource::endReadAhead() {
+    if (!ahead_) return;
+    const bool ended = ahead_->end();
+    ahead_.reset();
+    if (ended) return;
+    stream_.reset();
+    session_.reset();
+}
+
 bool RowSource::nextWindow(qsizetype atLeast) {
     if (!stream_) return false;
     dropped_ += store_.rowCount();
@@ -116,10 +125,10 @@ bool RowSource::nextWindow(qsizetype atLeast) {
     firstLive_ = 0;
     indexes_.clear();
     // Most results are small, and not worth a thread.
-    if (!ahead_ && ++windows_ > WindowsWithoutThread)
-        ahead_ = std::make_unique<ReadAhead>(*stream_, *session_, columns_);
+    if (!ahead_ && (++windows_ > WindowsWithoutThread || keepWaiting_))
+        ahead_ = std::make_unique<ReadAhead>(stream_, session_, columns_);
     if (ahead_) {
-        if (ahead_->next(store_)) return true;
+        if (ahead_->next(store_, keepWaiting_)) return true;
         ahead_.reset();
         store_.clear();
         finishStream();
@@ -168,8 +177,11 @@ void RowSource::spoolFromStart() {
     if (!session_)
         throw DbError(ado_error::Unspecified,
                       QStringLiteral("The rows at the start of this result were let go already."));
-    ahead_.reset();
+    endReadAhead();
     windows_ = 0;
+    if (!session_)
+        throw DbError(ado_error::Unspecified,
+                      QStringLiteral("The server doesn't answer any more."));
     if (stream_) stream_->close();
     stream_.reset();
     dropped_ = 0;
@@ -180,7 +192,7 @@ void RowSource::spoolFromStart() {
 }
 
 void RowSource::close() {
-    ahead_.reset();
+    endReadAhead();
     if (stream_) stream_->close();
     stream_.reset();
     session_.reset();

@@ -15,6 +15,7 @@ class RowSource {
  public:
     /// Takes the first result of the stream that has columns; a command without rows stays closed.
     RowSource(std::shared_ptr<ProviderConnection> session, CommandSpec command);
+    ~RowSource() { endReadAhead(); }
     RowSource(const RowSource&) = delete;
     RowSource& operator=(const RowSource&) = delete;
 
@@ -29,6 +30,9 @@ class RowSource {
     /// Drops the current window and reads the next; false at the end of the rows. From the third
     /// window on a thread reads ahead.
     bool nextWindow(qsizetype atLeast);
+    /// nextWindow() asks this while it waits, and throws ado_error::Cancelled when it gives false; a
+    /// thread reads from the next window on.
+    void setKeepWaiting(KeepWaiting keepWaiting) { keepWaiting_ = std::move(keepWaiting); }
     /// Puts the current window in place of `rows`, whose memory may be used again. What follows is
     /// nextWindow().
     void takeWindow(RowStore& rows);
@@ -61,6 +65,8 @@ class RowSource {
  private:
     void start();
     void finishStream();
+    /// Stops reading ahead. A stream that can't be stopped is gone then, and the session with it.
+    void endReadAhead();
 
     /// Rows by the hash of some columns: for each bucket the first row, for each row the next one of
     /// its bucket, ascending. Deleted rows are taken out when they are met.
@@ -74,9 +80,10 @@ class RowSource {
 
     std::shared_ptr<ProviderConnection> session_;
     CommandSpec command_;
-    std::unique_ptr<ResultStream> stream_;
+    std::shared_ptr<ResultStream> stream_;
     std::vector<ColumnInfo> columns_;
-    std::unique_ptr<ReadAhead> ahead_;  // goes before the stream that it reads
+    std::unique_ptr<ReadAhead> ahead_;
+    KeepWaiting keepWaiting_;
     int windows_ = 0;
     RowStore store_;
     qsizetype dropped_ = 0;

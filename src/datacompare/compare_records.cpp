@@ -111,7 +111,7 @@ void Walk::run() {
             if (!stopped()) finish();
         }
     } catch (...) {
-        tellFailure();
+        if (!stopped()) tellFailure();
         result_.Outcome = DataOutcome::Failed;
     }
     if (stopped()) result_.Outcome = DataOutcome::Cancelled;
@@ -126,7 +126,10 @@ bool Walk::openTable(int side, const QString& statement) {
     const bool opened =
         GetAdoRS(table.Server, adCmdText, statement, rs_[side], table.Db) != -1 && rs_[side];
     shell().pumpEvents();
-    return opened && rs_[side]->isOpen() && !stopped();
+    if (!opened || !rs_[side]->isOpen()) return false;
+    // Waiting for a slow server, the screen lives, and its Stop works.
+    rs_[side]->setKeepWaiting([this] { return status_.KeepWaiting(); });
+    return !stopped();
 }
 
 bool Walk::open() {

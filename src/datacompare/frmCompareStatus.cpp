@@ -117,6 +117,13 @@ bool frmCompareStatus::UpdateDisplay(qint32 Record, qint32 Steps) {
     return !globals().gblnStop;
 }
 
+bool frmCompareStatus::KeepWaiting() {
+    UpdateTimeElapsed();
+    refresh();
+    shell().pumpEvents();
+    return !globals().gblnStop;
+}
+
 void frmCompareStatus::showRecord(qint32 record, qint32 steps) {
     lblCurRec = formatCount(record);
     // Left-over records are numbered beyond the steps that are counted for them.

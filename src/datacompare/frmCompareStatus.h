@@ -42,6 +42,8 @@ class frmCompareStatus : public Screen {
     /// The run has come to a record: shows its number of `Steps` and the time, at most sixty times a
     /// second, and serves events. False once Stop was pressed.
     bool UpdateDisplay(qint32 Record, qint32 Steps);
+    /// The run waits for rows: shows the time and serves events. False once Stop was pressed.
+    bool KeepWaiting();
     void UpdateTimeElapsed();
 
  private:

@@ -1,6 +1,8 @@
 // The two ways of walking over two tables: what is found, counted and listed.
 #include "comparison_fixture.h"
 
+#include <QElapsedTimer>
+
 #include <random>
 
 namespace zov {
@@ -250,6 +252,43 @@ TEST_P(CompareRecordsTest, AConnectionLostInTheMiddleIsTold) {
         onDifferences = nullptr;
         EXPECT_EQ(compared(), "different 9000/9000/1\nS 1|2|*v2\nT 1|2|*other");
         told();
+    }
+}
+
+// A server that stops answering in the middle of its rows: the screen lives, Stop ends the run at once,
+// and the rows that never come hold nothing up.
+TEST_P(CompareRecordsTest, StopEndsTheWaitForRows) {
+    if (GetParam() != Road::Odbc) GTEST_SKIP() << "the embedded server doesn't stall";
+    loadRows(rows(1, 9000), rows(1, 9000));
+    TdsFaults faults;
+    faults.onlyStatementsWith = QStringLiteral("[Id],[V]");
+    faults.stallAfterRows = 6000;
+    faults.stallMilliseconds = 60'000;
+    for (const bool deaf : {false, true}) {
+        faults.deafWhileStalled = deaf;
+        for (const int method : {CompMethod::RecordByRecord, CompMethod::PrimaryKey}) {
+            served.endpoint().setFaults(faults);
+            run.Method = method;
+            run.Keys[0] = run.Keys[1] = {QStringLiteral("Id"), {}, {}};
+            QElapsedTimer clock;
+            QString lastTime;
+            onStatus = [&](frmCompareStatus& screen) {
+                clock.start();
+                shell.onPump = [&] {
+                    lastTime = screen.lblTime;
+                    if (clock.elapsed() > 1200) screen.cmdStop_Click();
+                };
+            };
+            EXPECT_EQ(compared(), "cancelled 9000/9000/0");
+            EXPECT_LT(clock.elapsed(), 20'000);
+            EXPECT_NE(lastTime, QStringLiteral("00:00:00"));
+            EXPECT_EQ(told(), "information: Operation cancelled by the user.");
+            onStatus = nullptr;
+            shell.onPump = nullptr;
+            served.endpoint().setFaults({});
+            EXPECT_EQ(compared(), "identical 9000/9000/0");
+            told();
+        }
     }
 }
 

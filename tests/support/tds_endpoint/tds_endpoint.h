@@ -19,6 +19,9 @@ struct TdsFaults {
     /// Only statements that hold this text are met by the faults below; empty: all.
     QString onlyStatementsWith;
     int delayMilliseconds = 0;   ///< before a statement runs; an attention ends the wait
+    qint64 stallAfterRows = -1;  ///< nothing comes behind so many rows for `stallMilliseconds`
+    int stallMilliseconds = 0;
+    bool deafWhileStalled = false;  ///< an attention doesn't end that either
     qint64 dropAfterRows = -1;   ///< the connection is cut behind so many rows
     qint64 errorAfterRows = -1;  ///< an error follows so many rows, and the result ends
     qint32 errorNumber = 1205;

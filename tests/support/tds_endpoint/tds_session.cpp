@@ -434,6 +434,13 @@ void Session::putResults(ResultStream& stream, const TdsFaults& faults, DoneToke
 
 void Session::putRows(ResultStream& stream, const TdsFaults& faults, qint64& count) {
     const auto fault = [&] {
+        if (count == faults.stallAfterRows) {
+            channel_.send(Channel::Upto::Everything);
+            std::unique_lock lock(mutex_);
+            arrived_.wait_for(lock, std::chrono::milliseconds(faults.stallMilliseconds), [&] {
+                return ended_ || (cancelled_.load() && !faults.deafWhileStalled);
+            });
+        }
         if (count == faults.dropAfterRows) {
             channel_.send(Channel::Upto::Everything);
             channel_.shutDown();
