@@ -308,16 +308,14 @@ void installTextFunctions(sqlite3* handle) {
         if (start < 1 || start > text.size() || length < 0) return sqlite3_result_null(c);
         giveText(c, text.replace(start - 1, length, textOf(v[3])));
     });
-    define(handle, "zov_replicate", 2, [](sqlite3_context* c, int, sqlite3_value** v) {
-        if (anyNull(2, v)) return sqlite3_result_null(c);
-        const qint64 times = sqlite3_value_int64(v[1]);
+    // Text, times, and what the result's type can hold.
+    define(handle, "zov_replicate", 3, [](sqlite3_context* c, int, sqlite3_value** v) {
+        if (anyNull(3, v)) return sqlite3_result_null(c);
+        const qint64 times = sqlite3_value_int64(v[1]), most = sqlite3_value_int64(v[2]);
         if (times < 0) return sqlite3_result_null(c);
         const QString text = textOf(v[0]);
-        giveText(c, text.repeated(text.isEmpty()
-                                      ? 0
-                                      : std::min<qint64>(
-                                            times, 8000 / std::max<qsizetype>(1, text.size()) + 1))
-                        .left(8000));
+        if (text.isEmpty()) return giveText(c, text);
+        giveText(c, text.repeated(std::min<qint64>(times, most / text.size() + 1)).left(most));
     });
     const SqlFunction charindex = [](sqlite3_context* c, int count, sqlite3_value** v) {
         if (anyNull(count, v)) return sqlite3_result_null(c);

@@ -4,6 +4,8 @@
 #include "data/local/query_translator.h"
 #include "data/local/query_values.h"
 
+#include <limits>
+
 namespace zov::local {
 namespace {
 
@@ -57,6 +59,13 @@ struct Rule {
     bool bind;   ///< literals become parameters (look-ups by name)
     int minVersion;
 };
+
+/// What a text of this type can hold.
+qint64 mostLetters(const ColumnInfo& type) {
+    const bool isUnicode = type.type == SqlType::NVarChar || type.type == SqlType::NChar;
+    if (type.size < 0) return isUnicode ? (1 << 30) - 1 : std::numeric_limits<qint32>::max();
+    return isUnicode ? 4000 : 8000;
+}
 
 const Rule rules[] = {
     // texts
@@ -383,6 +392,8 @@ Sql Translator::function(const Expr& expr, Scope& scope) {
                 break;
             case Result::LongText:
                 type = textLike(first, first.isText() && first.info.size < 0 ? -1 : 0);
+                if (name == u"replicate")
+                    arguments.append(QString::number(mostLetters(type.info)));
                 break;
             case Result::Numeric38:
                 type = knownType(SqlType::Numeric, 0, 38, 0);

@@ -488,7 +488,10 @@ StoredValue toIntegerType(const StoredValue& value, const ColumnInfo& to,
             number = value.integer;
             break;
         case Kind::Real:
-            if (to.type != SqlType::Bit && !(std::abs(value.real) < 9.3e18)) overflow(value, to);
+            // 2 to the 63rd is the first that doesn't fit; less 2 to the 63rd does.
+            if (to.type != SqlType::Bit &&
+                !(value.real >= -9223372036854775808.0 && value.real < 9223372036854775808.0))
+                overflow(value, to);
             number = to.type == SqlType::Bit ? value.real != 0 : qint64(value.real);
             break;
         case Kind::Text: {
@@ -515,8 +518,9 @@ StoredValue toIntegerType(const StoredValue& value, const ColumnInfo& to,
                 cannotConvert(value, to);
             const qsizetype whole = decimal.digits.size() - decimal.scale;
             bool fits = whole <= 0;
+            // With its sign: the smallest bigint has no positive counterpart.
             if (whole > 0)
-                number = decimal.digits.left(whole).toLongLong(&fits) * (decimal.negative ? -1 : 1);
+                number = ((decimal.negative ? "-" : "") + decimal.digits.left(whole)).toLongLong(&fits);
             if (!fits || !inRange(number, to.type)) {
                 if (isTextType(value.type.type))
                     failWith(
