@@ -14,6 +14,8 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 namespace zov::test {
 
 ModalUser::ModalUser() {
@@ -29,6 +31,8 @@ void ModalUser::look() {
         return;
     }
     if (modal == handled_ || !modal->isVisible()) return;
+    // Back in front of its own action, which a box had interrupted.
+    if (std::find(acting_.begin(), acting_.end(), modal) != acting_.end()) return;
     handled_ = modal;
     if (auto* box = qobject_cast<QMessageBox*>(modal)) {
         seen += box->text().replace(QStringLiteral("\r\n"), QStringLiteral("|"));
@@ -58,7 +62,9 @@ void ModalUser::look() {
             handled_ = nullptr;
             return;
         }
+        acting_.push_back(modal);
         action(modal);
+        acting_.pop_back();
         if (QApplication::activeModalWidget() != modal) handled_ = nullptr;
     });
     actions_.pop_front();

@@ -7,11 +7,13 @@
 #include "shell/qt/qt_shell.h"
 #include "support/temp_home.h"
 
+#include <QPointer>
 #include <QTimer>
 
 #include <deque>
 #include <functional>
 #include <memory>
+#include <vector>
 
 namespace zov::test {
 
@@ -39,6 +41,7 @@ class ModalUser : public QObject {
     std::deque<std::function<void(QWidget*)>> actions_;
     std::deque<int> answers_;
     QWidget* handled_ = nullptr;
+    std::vector<QPointer<QWidget>> acting_;  // windows whose actions are under way
 };
 
 /// A stored embedded server with two databases.
