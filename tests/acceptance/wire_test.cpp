@@ -89,6 +89,11 @@ TEST_F(OverTheWire, RowsAreTheSame) {
           "stock.ChangeLog"})
         expectSame({"query"}, {"-S"},
                    {"-d", "ShopAfter", QStringLiteral("SELECT * FROM ") + table});
+    // Each result of a batch.
+    const QString batch = QStringLiteral("SELECT 1 AS a DECLARE @b int SELECT 'x\ty' AS b, @b AS c");
+    expectSame({"query"}, {"-S"}, {"-d", "ShopAfter", batch});
+    EXPECT_EQ(home_->run({"query", "-S", folder_, "-d", "ShopAfter", batch}).out,
+              "a\n1\n\nb\tc\nx\\ty\tNull\n");
 }
 
 TEST_F(OverTheWire, SourceAndTargetMayLieOnDifferentServers) {

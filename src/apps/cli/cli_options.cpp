@@ -285,7 +285,7 @@ void describeCommands(CLI::App& app, Options& options, Fields& fields, Choices& 
     choices.emplace_back(load, Command::Load);
 
     CLI::App* query =
-        app.add_subcommand("query", "Run a statement; rows come tab-separated with a header line");
+        app.add_subcommand("query", "Run a batch; rows come tab-separated with a header line, an empty line between results");
     addServer(query, options, fields);
     query->add_option("SQL", fields.text(options.sql), "The statement")->type_name("")->required();
     query->footer(QueryExamples);

@@ -1,6 +1,8 @@
 // zovrand-cli query
 #include "apps/cli/cli_support.h"
 #include "core/globals.h"
+#include "data/base/field_text.h"
+#include "data/mdlData.h"
 #include "shell/console/console_shell.h"
 #include "shell/console/interrupt.h"
 
@@ -10,6 +12,8 @@
 
 namespace zov::cli {
 namespace {
+
+constexpr qsizetype RowsAtOnce = 1024;
 
 /// Cancels the running statement once Ctrl-C was pressed.
 class CancelOnInterrupt {
@@ -59,27 +63,40 @@ void appendEscaped(QString& line, const QString& value) {
     }
 }
 
-void writeRows(Recordset& rows) {
+/// The rows of a stream's current result, below a line with the columns' names.
+void writeRows(ResultStream& stream) {
+    const std::vector<ColumnInfo> columns = stream.columns();
     QString line;
-    for (int i = 0; i < rows.fieldCount(); ++i) {
+    for (size_t i = 0; i < columns.size(); ++i) {
         if (i > 0) line += u'\t';
-        appendEscaped(line, rows.field(i).Name());
+        appendEscaped(line, columns[i].name);
     }
     writeOut(line + u'\n');
-    for (; !rows.isEof(); rows.MoveNext()) {
-        if (interruptRequested()) throw Failure(QStringLiteral("Stopped."));
-        line.clear();
-        for (int i = 0; i < rows.fieldCount(); ++i) {
-            if (i > 0) line += u'\t';
-            const Field field = rows.field(i);
-            if (field.isNull()) {
-                line += QStringLiteral("Null");
-            } else {
-                appendEscaped(line, field.text());
+    RowStore rows(columns);
+    for (; stream.fetch(rows, RowsAtOnce) > 0; rows.clear()) {
+        for (qsizetype row = 0; row < rows.rowCount(); ++row) {
+            if (interruptRequested()) throw Failure(QStringLiteral("Stopped."));
+            line.clear();
+            for (int i = 0; i < rows.columnCount(); ++i) {
+                if (i > 0) line += u'\t';
+                const CellView cell = rows.cell(row, i);
+                if (cell.isNull) line += QStringLiteral("Null");
+                else appendEscaped(line, cellText(cell));
             }
+            writeOut(line + u'\n');
         }
-        writeOut(line + u'\n');
     }
+}
+
+/// Every result of the batch, with an empty line between two.
+void writeResults(ResultStream& stream) {
+    bool isFirst = true;
+    do {
+        if (stream.columns().empty()) continue;
+        if (!isFirst) writeOut(QStringLiteral("\n"));
+        isFirst = false;
+        writeRows(stream);
+    } while (stream.nextResult());
 }
 
 }  // namespace
@@ -96,18 +113,11 @@ int runQuery(const Options& options, ConsoleShell& console) {
         connected = true;
         const auto session = connection->sessionForNewCommand();
         const CancelOnInterrupt canceller(session);
-        zov::Command command;
-        command.ActiveConnection = connection;
-        command.CommandText = options.sql;
-        command.CommandTimeout = globals().glngTimeout;
-        Recordset rows;
-        rows.CursorLocation = globals().glngCursorLocation;
-        rows.CacheSize = globals().glngCacheSize;
-        rows.Open(command);
-        if (rows.isOpen()) {
-            writeRows(rows);
-            rows.Close();
-        }
+        CommandSpec command;
+        command.text = options.sql;
+        command.timeout = globals().glngTimeout;
+        const auto stream = session->execute(command);
+        writeResults(*stream);
         flushOut();
         for (const ServerMessage& message : session->takeMessages()) {
             console.showNote(message.text);
