@@ -5,6 +5,8 @@
 #include "data/odbc/odbc_errors.h"
 #include "data/odbc/odbc_session.h"
 
+#include <thread>
+
 namespace zov {
 namespace {
 
@@ -345,6 +347,14 @@ class OdbcPoolTest : public OdbcTest {
 
 TEST_F(OdbcPoolTest, ASessionThatOnlyReadIsUsedAgainInItsDatabase) {
     EXPECT_EQ(loginsOf([&](ProviderConnection& c) { readRows(*run(c, ask)); }), 1);
+    EXPECT_EQ(endpoint.statements(), QStringList({ask, ask}));
+    // After a pause it is set up anew, which also tells whether the server is still there.
+    EXPECT_EQ(loginsOf([&](ProviderConnection& c) {
+                  readRows(*run(c, ask));
+                  c.close();
+                  std::this_thread::sleep_for(std::chrono::milliseconds(600));
+              }),
+              1);
     EXPECT_EQ(endpoint.statements(), QStringList({ask, QStringLiteral("USE [shop]"), ask}));
     // One that was only opened, too.
     EXPECT_EQ(loginsOf([](ProviderConnection&) {}), 1);
@@ -392,15 +402,23 @@ TEST_F(OdbcPoolTest, AnUnfinishedStreamDoesNotLeakIntoTheNextUse) {
 }
 
 TEST_F(OdbcPoolTest, ADeadSessionIsReplacedBeforeAnythingRuns) {
+    const QString change = QStringLiteral("UPDATE T SET n = 1");
     script.answer(ask, numbers(3));
-    readRows(*run(*open(), ask));
-    const quint16 port = endpoint.port();
-    endpoint.stop();
-    options.port = port;
-    endpoint.start(options);
-    endpoint.resetCounters();
-    EXPECT_EQ(readRows(*run(*open(), ask)).size(), 3);
-    EXPECT_EQ(endpoint.statements(), QStringList(ask));
+    script.answer(change, {});
+    // At once after its last use, and after a pause; a read, and what must not run twice.
+    for (const int pause : {0, 600}) {
+        for (const QString& statement : {ask, change}) {
+            readRows(*run(*open(), ask));
+            const quint16 port = endpoint.port();
+            endpoint.stop();
+            options.port = port;
+            endpoint.start(options);
+            endpoint.resetCounters();
+            std::this_thread::sleep_for(std::chrono::milliseconds(pause));
+            run(*open(), statement);
+            EXPECT_EQ(endpoint.statements(), QStringList(statement)) << pause;
+        }
+    }
 }
 
 }  // namespace

@@ -7,16 +7,32 @@ namespace {
 
 class OdbcConnection : public ProviderConnection {
  public:
-    explicit OdbcConnection(std::shared_ptr<Session> session) : session_(std::move(session)) {}
+    OdbcConnection(std::shared_ptr<Session> session, const ServerAddress& server,
+                   const ConnectionSpec& spec)
+        : session_(std::move(session)), server_(server), spec_(spec) {}
 
     std::unique_ptr<ResultStream> execute(const CommandSpec& command) override {
-        const std::shared_ptr<Session> session = current();
+        std::shared_ptr<Session> session = current();
         if (!session)
             throw DbError(ado_error::Unspecified, QStringLiteral("The connection is closed."));
         if (session->isBusy())
             throw DbError(ado_error::Unspecified,
                           QStringLiteral("The connection is busy with the results of another "
                                          "command."));
+        if (session->isProven) return std::make_unique<OdbcStream>(session, command);
+        // Whether the server is still there, a plain read finds out by itself; what may change
+        // something isn't sent twice.
+        session->isProven = true;
+        if (!command.storedProcedure && leavesSessionAsItWas(command.text)) {
+            try {
+                return std::make_unique<OdbcStream>(session, command);
+            } catch (const DbError& error) {
+                if (!error.connectionLost) throw;
+            }
+            session = replace(*session);
+        } else if (!session->makeFresh()) {
+            session = replace(*session);
+        }
         return std::make_unique<OdbcStream>(session, command);
     }
 
@@ -42,8 +58,17 @@ class OdbcConnection : public ProviderConnection {
         return session_;
     }
 
+    std::shared_ptr<Session> replace(const Session& dead) {
+        std::shared_ptr<Session> fresh = replaceSession(dead, server_, spec_);
+        const std::lock_guard lock(guard_);
+        session_ = fresh;
+        return fresh;
+    }
+
     mutable std::mutex guard_;
     std::shared_ptr<Session> session_;
+    const ServerAddress server_;
+    const ConnectionSpec spec_;
 };
 
 class OdbcProvider : public Provider {
@@ -75,7 +100,7 @@ class OdbcProvider : public Provider {
         const ServerAddress server = ServerAddress::parse(spec.dataSource);
         const QString text =
             odbcConnectionString(chooseDriver(), server, spec, Encryption::fromEnvironment());
-        return std::make_unique<OdbcConnection>(borrowSession(text, server, spec));
+        return std::make_unique<OdbcConnection>(borrowSession(text, server, spec), server, spec);
     }
 };
 

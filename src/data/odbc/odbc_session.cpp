@@ -17,6 +17,9 @@ using Clock = std::chrono::steady_clock;
 
 constexpr auto IdleTime = std::chrono::seconds(30);
 constexpr size_t MostIdle = 16;
+// A session that came back only now needn't show that it is alive: a run over thousands of objects
+// would ask as often as it reads.
+constexpr auto JustUsed = std::chrono::milliseconds(500);
 // Seconds in which an idle session must show that it is alive.
 constexpr SQLULEN AnswerTimeout = 5;
 
@@ -157,13 +160,16 @@ DbError Session::failure(SQLSMALLINT handleType, SQLHANDLE statement) {
     return error.connectionLost ? lostConnection(error, server_) : error;
 }
 
-bool Session::makeFresh() {
-    SQLUINTEGER dead = SQL_CD_FALSE;
-    if (SQL_SUCCEEDED(
-            SQLGetConnectAttrW(handle(), SQL_ATTR_CONNECTION_DEAD, &dead, sizeof dead, nullptr)) &&
-        dead == SQL_CD_TRUE)
-        return false;
+bool Session::reset() {
     messages.clear();
+    SQLUINTEGER dead = SQL_CD_FALSE;
+    return !SQL_SUCCEEDED(SQLGetConnectAttrW(handle(), SQL_ATTR_CONNECTION_DEAD, &dead, sizeof dead,
+                                             nullptr)) ||
+           dead == SQL_CD_FALSE;
+}
+
+bool Session::makeFresh() {
+    if (!reset()) return false;
     // A round trip, which also shows whether the server still answers. Not by setting the current
     // catalogue: FreeTDS would wait for the answer for ever.
     const QString use =
@@ -190,11 +196,13 @@ class SessionPool {
         return *pool;
     }
 
-    std::unique_ptr<Session> take(const QString& key) {
+    /// `justUsed`: its server answered a moment ago.
+    std::unique_ptr<Session> take(const QString& key, bool& justUsed) {
         const std::lock_guard lock(guard_);
         for (auto at = idle_.begin(); at != idle_.end(); ++at) {
             if (at->session->key() != key) continue;
             std::unique_ptr<Session> session = std::move(at->session);
+            justUsed = Clock::now() < at->until - IdleTime + JustUsed;
             idle_.erase(at);
             return session;
         }
@@ -281,16 +289,27 @@ std::shared_ptr<Session> borrowSession(const QString& connectionString, const Se
                                        const ConnectionSpec& spec) {
     SessionPool& pool = SessionPool::instance();
     std::unique_ptr<Session> session;
-    if ((session = pool.take(connectionString)) && !session->makeFresh()) {
-        // The others have most likely gone the same way, and each costs a wait to find out.
-        session.reset();
-        pool.drop(connectionString);
+    bool justUsed = false;
+    if ((session = pool.take(connectionString, justUsed))) {
+        const bool alive = justUsed ? session->reset() : session->makeFresh();
+        session->isProven = alive && !justUsed;
+        if (!alive) {
+            // The others have most likely gone the same way, and each costs a wait to find out.
+            session.reset();
+            pool.drop(connectionString);
+        }
     }
     if (!session) session = std::make_unique<Session>(connectionString, server, spec);
     return std::shared_ptr<Session>(session.release(), [](Session* ended) {
         std::unique_ptr<Session> owned(ended);
         if (owned->isReusable()) SessionPool::instance().give(std::move(owned));
     });
+}
+
+std::shared_ptr<Session> replaceSession(const Session& dead, const ServerAddress& server,
+                                        const ConnectionSpec& spec) {
+    SessionPool::instance().drop(dead.key());
+    return borrowSession(dead.key(), server, spec);
 }
 
 void dropIdleSessions() {

@@ -39,10 +39,14 @@ class Session {
     /// Turns a failed call into its error, and notes it.
     DbError failure(SQLSMALLINT handleType, SQLHANDLE handle);
 
-    /// Sets its database anew. False when the server is gone, or doesn't give it any more.
+    /// Forgets what its last user left. False when the driver knows that the server is gone.
+    bool reset();
+    /// The same, and sets its database anew. False when the server is gone, or doesn't give it any more.
     bool makeFresh();
 
     std::vector<ServerMessage> messages;
+    /// Whether it is known that the server still answers; else its first command tells.
+    bool isProven = true;
 
  private:
     void rememberDatabase();
@@ -66,5 +70,8 @@ bool leavesSessionAsItWas(const QString& commandText);
 /// lets go it returns to the pool, or ends.
 std::shared_ptr<Session> borrowSession(const QString& connectionString, const ServerAddress& server,
                                        const ConnectionSpec& spec);
+/// A new session in place of one whose server went away while it was idle.
+std::shared_ptr<Session> replaceSession(const Session& dead, const ServerAddress& server,
+                                        const ConnectionSpec& spec);
 
 }  // namespace zov::odbc
