@@ -206,7 +206,7 @@ void Walk::walkByKey() {
             source().MoveFirst();
             if (source().isEof()) break;
             lookup.emplace(source(), target, run_.Keys);
-            open.emplace(target, *lookup);
+            open.emplace(target);
         } else {
             source().MoveNext();
         }
@@ -214,10 +214,12 @@ void Walk::walkByKey() {
         lookup->prepareNext();
         const RowView row(source());
         int found = KeyLookup::NotYet;
-        if (record < minRecords_ && open->canLeaveOpen(row)) {
-            found = lookup->FindNear(row);
+        const std::optional<quint32> key =
+            record < minRecords_ && lookup->goesByValue() ? lookup->keyHash(row) : std::nullopt;
+        if (key && open->canLeaveOpen(*key)) {
+            found = lookup->FindNear(*key);
             if (found == KeyLookup::NotYet) {
-                open->leaveOpen(row);
+                open->leaveOpen(row, *key);
                 ++record;
                 continue;
             }

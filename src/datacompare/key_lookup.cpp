@@ -82,7 +82,7 @@ KeyLookup::KeyLookup(const Recordset& Rs1, KeyedRows& Rows2, const CompKeys (&Ke
 // With several keys a text 'Null' becomes a null wherever it stands in the filter, which breaks the
 // filter when it stands within a value.
 bool KeyLookup::needsCriterion(const CellView& cell) const {
-    if (parts_.size() == 1 || cell.isNull || cell.storage != Storage::Text) return false;
+    if (cell.isNull || cell.storage != Storage::Text) return false;
     const QStringView text = cell.text;
     for (qsizetype at = text.indexOf(NullText); at >= 0; at = text.indexOf(NullText, at + 1)) {
         const qsizetype end = at + NullText.size();
@@ -98,7 +98,8 @@ bool KeyLookup::needsCriterion(const CellView& cell) const {
 bool KeyLookup::makeKey(const RowView& record, bool& canBeThere) {
     canBeThere = true;
     for (const Part& part : parts_)
-        if (needsCriterion(record.rows->cell(record.row, part.sourceField))) return false;
+        if (parts_.size() > 1 && needsCriterion(record.rows->cell(record.row, part.sourceField)))
+            return false;
     for (size_t i = 0; i < parts_.size(); ++i) {
         const Part& part = parts_[i];
         const CellView cell = record.rows->cell(record.row, part.sourceField);
@@ -151,15 +152,18 @@ int KeyLookup::FindRecordByKey(const RowView& record) {
     return rows2_.isEof() ? 0 : 1;
 }
 
-int KeyLookup::FindNear(const RowView& record) {
-    if (!keyHash(record) || !rows2_.findNear(wanted_)) return NotYet;
+int KeyLookup::FindNear(quint32 keyHash) {
+    if (!rows2_.findNear(wanted_, keyHash)) return NotYet;
     return rows2_.isEof() ? 0 : 1;
 }
 
 std::optional<quint32> KeyLookup::keyHash(const RowView& record) {
     bool canBeThere = true;
     if (!makeKey(record, canBeThere) || !canBeThere) return std::nullopt;
-    return KeyedRows::hashOfKey(wanted_);
+    // With several keys a text may stand for a null.
+    const bool isPrepared = byValueOnly_ && parts_.size() == 1 && preparedIn_ == record.rows &&
+                            record.row <= preparedTo_ && record.row == rs1_.currentRow();
+    return isPrepared ? hashes_[record.row % RowsPrepared] : KeyedRows::hashOfKey(wanted_);
 }
 
 // Of tables in different orders each search would wait for memory several times. A hint that is

@@ -24,11 +24,12 @@ class KeyLookup {
 
     /// Whether searches go by the keys' values alone: the two calls below need it.
     bool goesByValue() const { return byValueOnly_; }
-    /// FindRecordByKey among the rows at hand; NotYet while rows that are still to be read decide.
-    static constexpr int NotYet = -2;
-    int FindNear(const RowView& record);
     /// Records with equal keys have equal hashes; none for a key that isn't sought by its value.
     std::optional<quint32> keyHash(const RowView& record);
+    /// FindRecordByKey for the record that keyHash() was asked for last, among the rows at hand; NotYet
+    /// while rows that are still to be read decide.
+    static constexpr int NotYet = -2;
+    int FindNear(quint32 keyHash);
     /// Has what the searches for the next Source records need fetched into the processor's cache.
     void prepareNext();
 

@@ -209,7 +209,8 @@ bool KeyedRows::findAmongRead(std::span<const CellView> key, quint32 hash, Place
     for (; node >= 0; node = nodes_[node].next) {
         const Node& at = nodes_[node];
         if (at.hash != hash || at.place < first || !hasKey(at.place, key)) continue;
-        current_ = at.place;
+        current_ = found_ = at.place;
+        foundHash_ = hash;
         lastFound_ = std::max(lastFound_, rowNumber());
         return true;
     }
@@ -226,8 +227,7 @@ void KeyedRows::find(std::span<const CellView> key) {
     MoveBehindLast();
 }
 
-bool KeyedRows::findNear(std::span<const CellView> key) {
-    const quint32 hash = hashOfKey(key);
+bool KeyedRows::findNear(std::span<const CellView> key, quint32 hash) {
     Place searched{0, 0};
     for (;;) {
         if (findAmongRead(key, hash, searched)) return true;
@@ -260,7 +260,7 @@ void KeyedRows::shrink(Block& block) {
 void KeyedRows::Delete() {
     Block& block = blocks_[size_t(current_.block)];
     if (current_ < indexed_) {
-        const quint32 hash = hashOf(rowAt(current_));
+        const quint32 hash = current_ == found_ ? foundHash_ : hashOf(rowAt(current_));
         Bucket& bucket = bucketOf(hash);
         qint32 before = -1, node = bucket.first;
         while (nodes_[node].place != current_) {

@@ -63,8 +63,8 @@ class KeyedRows : public RowCursor {
     /// to the end when there is none.
     void find(std::span<const CellView> key);
     /// The same among the rows read so far, and those that stand little further on than the last row
-    /// that was found. False: none of them, but there are more.
-    bool findNear(std::span<const CellView> key);
+    /// that was found. False: none of them, but there are more. `hash`: that of hashOfKey.
+    bool findNear(std::span<const CellView> key, quint32 hash);
     bool isAllRead() const { return allRead_; }
     /// Reads the rest, unless Stop is pressed meanwhile.
     void readAll();
@@ -156,6 +156,8 @@ class KeyedRows : public RowCursor {
     std::vector<Block> blocks_;
     bool allRead_ = false;
     Place current_;
+    Place found_;  // by its hash
+    quint32 foundHash_ = 0;
     int firstLiveBlock_ = 0;
     Place indexed_{0, 0};  // all rows before are
     PackedBuffer<Bucket> buckets_;

@@ -5,7 +5,7 @@
 #pragma once
 
 #include "core/globals.h"
-#include "datacompare/key_lookup.h"
+#include "datacompare/keyed_rows.h"
 
 #include <unordered_set>
 
@@ -13,18 +13,17 @@ namespace zov {
 
 class OpenRows {
  public:
-    OpenRows(const KeyedRows& target, KeyLookup& lookup) : target_(target), lookup_(lookup) {}
+    explicit OpenRows(const KeyedRows& target) : target_(target) {}
 
     bool isEmpty() const { return openCount_ == 0; }
     /// Whether the row's search may be put off: not when rows are open whose partner it might take,
     /// nor when so many are that the tables are in different orders.
-    bool canLeaveOpen(const RowView& row) {
-        if (target_.isAllRead() || !lookup_.goesByValue() || openCount_ >= MostOpen) return false;
-        const std::optional<quint32> hash = lookup_.keyHash(row);
-        return hash && !hashes_.contains(*hash);
+    /// `key` is the hash of its key.
+    bool canLeaveOpen(quint32 key) const {
+        return !target_.isAllRead() && openCount_ < MostOpen && !hashes_.contains(key);
     }
-    void leaveOpen(const RowView& row) {
-        hashes_.insert(lookup_.keyHash(row).value_or(0));
+    void leaveOpen(const RowView& row, quint32 key) {
+        hashes_.insert(key);
         events_.push_back({Event::Open, keep(source_, row), 0, 0});
         ++openCount_;
     }
@@ -78,7 +77,6 @@ class OpenRows {
     }
 
     const KeyedRows& target_;
-    KeyLookup& lookup_;
     std::vector<Event> events_;
     std::unordered_set<quint32> hashes_;
     RowStore source_;
