@@ -160,9 +160,10 @@ int KeyLookup::FindNear(quint32 keyHash) {
 std::optional<quint32> KeyLookup::keyHash(const RowView& record) {
     bool canBeThere = true;
     if (!makeKey(record, canBeThere) || !canBeThere) return std::nullopt;
-    // With several keys a text may stand for a null.
+    // With several keys a text may stand for a null, with one a null for a text.
     const bool isPrepared = byValueOnly_ && parts_.size() == 1 && preparedIn_ == record.rows &&
-                            record.row <= preparedTo_ && record.row == rs1_.currentRow();
+                            record.row <= preparedTo_ && record.row == rs1_.currentRow() &&
+                            !record.rows->column(parts_[0].sourceField).isNull(record.row);
     return isPrepared ? hashes_[record.row % RowsPrepared] : KeyedRows::hashOfKey(wanted_);
 }
 
