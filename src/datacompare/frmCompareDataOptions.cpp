@@ -17,13 +17,6 @@ namespace {
 
 constexpr const char* Module = "frmCompareDataOptions";
 
-// The cells' common text types: the server can neither sort nor compare them.
-bool isLargeObjectType(const QString& dataType) {
-    for (const char* type : {"text", "ntext", "image"})
-        if (dataType.compare(QLatin1String(type), Qt::CaseInsensitive) == 0) return true;
-    return false;
-}
-
 QString ordinal(int position) {
     static const char* const names[] = {"Primary", "Secondary", "Tertiary"};
     return QString::fromLatin1(names[position]);
@@ -47,6 +40,12 @@ bool areUnique(const QStringList& names, const QString& ending) {
 }
 
 }  // namespace
+
+bool frmCompareDataOptions::isLargeObjectType(const QString& dataType) {
+    for (const char* type : {"text", "ntext", "image"})
+        if (dataType.compare(QLatin1String(type), Qt::CaseInsensitive) == 0) return true;
+    return false;
+}
 
 const QString frmCompareDataOptions::DefaultOrderText = QStringLiteral("Default Order");
 

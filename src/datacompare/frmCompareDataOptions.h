@@ -27,6 +27,8 @@ class frmCompareDataOptions : public Screen {
  public:
     /// What the sort boxes hold first, and when nothing is chosen.
     static const QString DefaultOrderText;
+    /// "text", "ntext" or "image", in any case: the server can neither sort nor compare them.
+    static bool isLargeObjectType(const QString& dataType);
 
     QString screenName() const override { return QStringLiteral("frmCompareDataOptions"); }
     QString caption() const override { return QStringLiteral("Data Comparison Options"); }

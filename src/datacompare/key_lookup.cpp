@@ -46,7 +46,7 @@ bool seeksAlikeByValue(const ColumnInfo& from, const ColumnInfo& to) {
 }
 
 KeyLookup::KeyLookup(const Recordset& Rs1, KeyedRows& Rows2, const CompKeys (&Keys)[2])
-    : rs1_(Rs1), rows2_(Rows2) {
+    : rs1_(Rs1), rows2_(Rows2), sourceKey_(Keys[0].CompKey) {
     for (int field = 0; field < Rows2.columnCount(); ++field)
         columns2_.push_back(Rows2.columnInfo(field));
     std::vector<int> targetFields;
@@ -202,6 +202,12 @@ void KeyLookup::findByOneKey(const RowView& record) {
         findByCriteria(criterion(record));
     } catch (const DbError& error) {
         if (error.number != criteria_error::Unreadable || parts_[0].targetField >= 0) throw;
+        if (!isKeyField(name) || !isKeyField(sourceKey_))
+            throw DbError(error.number,
+                          QStringLiteral("No key field is chosen for the %1 table. Choose one on the "
+                                         "page \"Comparison Method\" of the options.")
+                              .arg(isKeyField(sourceKey_) ? QStringLiteral("Target")
+                                                          : QStringLiteral("Source")));
         const QString reason =
             standsInCondition(name)
                 ? QStringLiteral("The key \"%1\" is not among the compared columns of the Target "

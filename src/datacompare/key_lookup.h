@@ -53,6 +53,7 @@ class KeyLookup {
 
     const Recordset& rs1_;
     KeyedRows& rows2_;
+    const QString sourceKey_;
     std::vector<ColumnInfo> columns2_;
     std::vector<Part> parts_;
     bool indexable_ = true;

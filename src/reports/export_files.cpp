@@ -13,7 +13,10 @@ constexpr QByteArrayView LineEnd = "\r\n";
 // A file in the making: text is collected and written in large pieces.
 class ExportFile {
  public:
-    explicit ExportFile(const QString& path) : file_(path) { bytes_.reserve(PieceBytes + 4096); }
+    explicit ExportFile(const QString& path)
+        : file_(path, FileAccess::Default, MissingFolder::Refuse) {
+        bytes_.reserve(PieceBytes + 4096);
+    }
 
     void raw(QByteArrayView text) { bytes_.append(text); }
     void utf8(QStringView text) {

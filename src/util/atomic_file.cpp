@@ -15,21 +15,28 @@ QString cannotWrite(const QString& path, const QString& reason) {
     return QStringLiteral("Cannot write %1: %2.").arg(QDir::toNativeSeparators(path), reason);
 }
 
-/// Empty when the file's folder is there (made if need be), else the sentence.
-QString ensureFolder(const QString& path) {
+/// Empty when the file's folder is there, or was made, else the sentence.
+QString ensureFolder(const QString& path, MissingFolder missing = MissingFolder::Make) {
     if (path.isEmpty()) return QStringLiteral("Cannot write a file without a name.");
     const QString folder = QFileInfo(path).absolutePath();
-    if (QFileInfo(folder).isDir() || QDir().mkpath(folder)) return {};
+    if (QFileInfo(folder).isDir()) return {};
+    if (missing == MissingFolder::Refuse)
+        return cannotWrite(
+            path, QStringLiteral("there is no folder %1").arg(QDir::toNativeSeparators(folder)));
+    if (QDir().mkpath(folder)) return {};
     return cannotWrite(
         path, QStringLiteral("the folder %1 cannot be made").arg(QDir::toNativeSeparators(folder)));
 }
 
 }  // namespace
 
-AtomicFile::AtomicFile(const QString& path, FileAccess access)
-    : path_(path), failure_(ensureFolder(path)) {
+AtomicFile::AtomicFile(const QString& path, FileAccess access, MissingFolder folder)
+    : path_(path), failure_(ensureFolder(path, folder)) {
     if (!failure_.isEmpty()) return;
-    file_ = std::make_unique<QSaveFile>(path);
+    // A device or a pipe is written to; a file in its place would be no use to who reads it.
+    const QFileInfo info(path);
+    if (info.exists() && !info.isFile() && !info.isDir()) file_ = std::make_unique<QFile>(path);
+    else file_ = std::make_unique<QSaveFile>(path);
     // Unbuffered: with a buffer a disk that fills is noticed when the file is closed for renaming,
     // and the cut file takes the place of the old one all the same (Qt 6.4).
     if (!file_->open(QIODevice::WriteOnly | QIODevice::Unbuffered)) {
@@ -46,8 +53,10 @@ bool AtomicFile::write(const QByteArray& bytes) {
         const qint64 written = file_->write(bytes.constData() + done, bytes.size() - done);
         if (written <= 0) {
             failure_ = cannotWrite(path_, file_->errorString());
-            file_->cancelWriting();
-            file_->commit();
+            if (auto* replacing = qobject_cast<QSaveFile*>(file_.get())) {
+                replacing->cancelWriting();
+                replacing->commit();
+            }
             break;
         }
         done += qsizetype(written);
@@ -56,7 +65,9 @@ bool AtomicFile::write(const QByteArray& bytes) {
 }
 
 QString AtomicFile::commit() {
-    if (failure_.isEmpty() && !file_->commit()) failure_ = cannotWrite(path_, file_->errorString());
+    auto* const replacing = qobject_cast<QSaveFile*>(file_.get());
+    if (failure_.isEmpty() && replacing && !replacing->commit())
+        failure_ = cannotWrite(path_, file_->errorString());
     return failure_;
 }
 

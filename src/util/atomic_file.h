@@ -11,7 +11,7 @@
 #include <functional>
 #include <memory>
 
-class QSaveFile;
+class QFileDevice;
 
 namespace zov {
 
@@ -20,8 +20,13 @@ enum class FileAccess {
     OwnerOnly,  ///< nobody else may read or write it, from its first byte on
 };
 
+enum class MissingFolder {
+    Make,
+    Refuse,  ///< for a path that somebody typed: a slip of the pen makes no folders
+};
+
 /// Replaces (or makes) the file; its folder is made when missing. A symbolic link stays one and its
-/// target is replaced. On failure the old file stands as it was, and the result is one sentence
+/// target is replaced; what is no file, a device or a pipe, is written to. On failure the old file stands as it was, and the result is one sentence
 /// that names the path and the reason; empty on success.
 QString writeFileAtomically(const QString& path, const QByteArray& bytes,
                             FileAccess access = FileAccess::Default);
@@ -30,7 +35,8 @@ QString writeFileAtomically(const QString& path, const QByteArray& bytes,
 /// puts it in the place of the old one. An object that goes without it leaves the old file alone.
 class AtomicFile {
  public:
-    explicit AtomicFile(const QString& path, FileAccess access = FileAccess::Default);
+    explicit AtomicFile(const QString& path, FileAccess access = FileAccess::Default,
+                        MissingFolder folder = MissingFolder::Make);
     ~AtomicFile();
 
     /// False when this piece or an earlier one could not be written.
@@ -43,7 +49,7 @@ class AtomicFile {
  private:
     QString path_;
     QString failure_;
-    std::unique_ptr<QSaveFile> file_;
+    std::unique_ptr<QFileDevice> file_;
 };
 
 /// Reads a whole file. A missing file is empty and no failure; `exists` tells. The result is a

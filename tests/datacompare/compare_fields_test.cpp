@@ -194,6 +194,10 @@ TEST_P(CompareFieldsTest, AKeyThatIsGoneIsTheFirstFieldOrAnError) {
     byKey({QStringLiteral("K"), QStringLiteral("L"), {}}, {QStringLiteral("K"), QStringLiteral("Gone"), {}});
     EXPECT_EQ(compared().substr(0, 15), "different 2/2/2");
     told();
+    // None was chosen.
+    byKey({QStringLiteral("K"), {}, {}}, {NoField, {}, {}});
+    EXPECT_EQ(compared(), "failed 2/2/0");
+    EXPECT_NE(told().find("No key field is chosen for the Target table. Choose one on the page"), std::string::npos);
     // A name that no condition takes is as good as gone.
     tables("[My Key] int, L int", {"1, 5"}, "[My Key] int, L int", {"1, 5"});
     byKey(QStringLiteral("My Key"));

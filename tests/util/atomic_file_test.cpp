@@ -11,6 +11,12 @@
 #include <QLockFile>
 #include <QTemporaryDir>
 
+#ifdef Q_OS_UNIX
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+#endif
+
 namespace zov {
 namespace {
 
@@ -67,6 +73,31 @@ TEST_F(AtomicFile, AFullDiskLeavesTheOldFileAndNoOther) {
     EXPECT_EQ(trouble, QStringLiteral("Cannot write %1: File too large.").arg(name));
     EXPECT_EQ(bytesOf(name), "old");
     EXPECT_EQ(filesLeft(), QStringList{QStringLiteral("file")});
+}
+
+#ifdef Q_OS_UNIX
+// Who reads from a pipe gets the text; a file in its place would be lost on them.
+TEST_F(AtomicFile, APipeIsWrittenToAndStaysOne) {
+    const QString name = path("pipe");
+    ASSERT_EQ(mkfifo(QFile::encodeName(name).constData(), 0600), 0);
+    const int reader = open(QFile::encodeName(name).constData(), O_RDONLY | O_NONBLOCK);
+    EXPECT_EQ(writeFileAtomically(name, "text"), QString());
+    char bytes[10] = {};
+    EXPECT_EQ(read(reader, bytes, sizeof bytes), 4);
+    EXPECT_STREQ(bytes, "text");
+    close(reader);
+    EXPECT_EQ(filesLeft(), QStringList());
+    EXPECT_EQ(writeFileAtomically(QStringLiteral("/dev/full"), "text"),
+              QStringLiteral("Cannot write /dev/full: No space left on device."));
+}
+#endif
+
+TEST_F(AtomicFile, AFolderThatMustBeThereIsNotMade) {
+    const QString name = path("missing/file");
+    zov::AtomicFile file(name, FileAccess::Default, MissingFolder::Refuse);
+    EXPECT_EQ(file.commit(),
+              QStringLiteral("Cannot write %1: there is no folder %2.").arg(name, path("missing")));
+    EXPECT_FALSE(QFileInfo::exists(path("missing")));
 }
 
 TEST_F(AtomicFile, AFolderThatCannotBeMadeIsNamed) {

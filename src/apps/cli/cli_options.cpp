@@ -76,7 +76,8 @@ const char* const DataExamples = R"(Examples:
                    --table Log --method record --sort At,Id --offset 100 --target-offset 100
 
 By record, the first row of one table is compared with the first of the other, and so on;
-by key, each row with the one that has its key. Columns are paired by their places.
+by key, each row with the one that has its key. The source's columns are asked of both
+tables; a target that hasn't got them all is read with its own, paired by their places.
 The settings that count: DataCaseSensitive (1 or 0), MaxRowsInDiffTable, and
 CursorConnectionUseServer (1: rows are streamed and not kept, by record).
 
@@ -251,7 +252,7 @@ void describeData(CLI::App& app, Options& options, Fields& fields, Choices& choi
     CLI::Option* ignore =
         text("--ignore", options.ignore, "COLUMN,...", "Leave these columns out")->needs(table);
     text("--target-ignore", options.targetIgnore, "COLUMN,...",
-         "The target's, when they have other names")
+         "The target's, when they are others")
         ->needs(ignore);
     data->add_option("--limit", options.limit, "Most rows that an export shows (500)")
         ->type_name("N")
@@ -285,7 +286,8 @@ void describeCommands(CLI::App& app, Options& options, Fields& fields, Choices& 
     choices.emplace_back(load, Command::Load);
 
     CLI::App* query =
-        app.add_subcommand("query", "Run a batch; rows come tab-separated with a header line, an empty line between results");
+        app.add_subcommand("query", "Run a batch; rows come tab-separated below a header line, with an "
+                                    "empty line between results");
     addServer(query, options, fields);
     query->add_option("SQL", fields.text(options.sql), "The statement")->type_name("")->required();
     query->footer(QueryExamples);

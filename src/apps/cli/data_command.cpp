@@ -5,6 +5,7 @@
 #include "datacompare/compare_all_data.h"
 #include "datacompare/compare_records.h"
 #include "datacompare/frmCompareData.h"
+#include "datacompare/frmCompareDataOptions.h"
 #include "datacompare/frmCompareStatus.h"
 #include "datacompare/key_lookup.h"
 #include "reports/export_files.h"
@@ -111,48 +112,64 @@ CompareDataTable findTable(int panel, const QString& database, const QString& na
                            name));
 }
 
-/// The columns that an option names, as the table writes them; throws Failure for one that it hasn't
-/// got.
-QStringList columnsOf(const CompareDataTable& table, const QString& names, const char* option,
-                      int most) {
+std::vector<ColumnRecord> allColumnsOf(const CompareDataTable& table) {
     TableStructure structure;
     GetTableStructure(table.Server, table.Db, table.Table, structure, false,
                       IgnoreMode::DataComparison, table.ObjectId, {});
+    return structure.columns;
+}
+
+/// In the letters given, else in any; null when there is none.
+const ColumnRecord* columnNamed(const std::vector<ColumnRecord>& columns, const QString& name) {
+    const ColumnRecord* found = nullptr;
+    for (const ColumnRecord& column : columns) {
+        if (column.strName == name) return &column;
+        if (!found && column.strName.compare(name, Qt::CaseInsensitive) == 0) found = &column;
+    }
+    return found;
+}
+
+/// The columns that an option names, as the table writes them; throws Failure for one that it hasn't
+/// got. `compared`: the rows are sorted or sought by them.
+QStringList columnsOf(const CompareDataTable& table, const QString& names, const QString& option,
+                      int most, bool compared) {
+    const std::vector<ColumnRecord> all = allColumnsOf(table);
     QStringList columns;
     for (const QString& name : splitNames(names)) {
-        QString found;
-        for (const ColumnRecord& column : structure.columns) {
-            if (column.strName == name) found = name;
-            if (found.isEmpty() && column.strName.compare(name, Qt::CaseInsensitive) == 0)
-                found = column.strName;
-        }
-        if (found.isEmpty())
-            throw Failure(QStringLiteral("%1: the table %2 has no column \"%3\".\nIts columns are "
+        const ColumnRecord* found = columnNamed(all, name);
+        if (!found)
+            throw Failure(QStringLiteral("%1: the table %2 of %3 has no column \"%4\".\nIts columns are "
                                          "shown by: zovrand-cli text -t table.")
-                              .arg(QLatin1String(option), table.Table, name));
-        if (columns.contains(found))
-            throw Failure(QStringLiteral("%1 names the column \"%2\" twice.")
-                              .arg(QLatin1String(option), found));
-        columns += found;
+                              .arg(option, table.Table, table.Db, name));
+        if (columns.contains(found->strName))
+            throw Failure(QStringLiteral("%1 names the column \"%2\" twice.").arg(option, found->strName));
+        if (compared && frmCompareDataOptions::isLargeObjectType(found->strDataType))
+            throw Failure(QStringLiteral("%1 %2: The text, ntext, and image data types cannot be "
+                                         "compared or sorted.")
+                              .arg(option, found->strName));
+        columns += found->strName;
     }
-    if (columns.isEmpty())
-        throw Failure(QStringLiteral("%1 names no column.").arg(QLatin1String(option)));
+    if (columns.isEmpty()) throw Failure(QStringLiteral("%1 names no column.").arg(option));
     if (most > 0 && columns.size() > most)
-        throw Failure(QStringLiteral("%1 takes at most %2 columns.").arg(QLatin1String(option)).arg(most));
+        throw Failure(QStringLiteral("%1 takes at most %2 columns.").arg(option).arg(most));
     return columns;
 }
 
 /// Options for both sides: the target's own, or the source's for both.
 struct BothSides {
     QStringList columns[2];
+    BothSides() = default;
     BothSides(const CompareDataPair& tables, const QString& source, const QString& target,
-              const char* option, int most) {
-        columns[0] = columnsOf(tables[0], source, option, most);
-        columns[1] = columnsOf(tables[1], target.isEmpty() ? source : target,
-                               target.isEmpty() ? option : "the target's", most);
+              const QString& option, int most) {
+        columns[0] = columnsOf(tables[0], source, option, most, true);
+        columns[1] = target.isEmpty()
+                         ? columnsOf(tables[1], source, option, most, true)
+                         : columnsOf(tables[1], target, targetOption(option), most, true);
         if (columns[0].size() != columns[1].size())
-            throw Failure(QStringLiteral("%1: both sides need the same number of columns.")
-                              .arg(QLatin1String(option)));
+            throw Failure(QStringLiteral("%1: both sides need the same number of columns.").arg(option));
+    }
+    static QString targetOption(const QString& option) {
+        return QStringLiteral("--target-") + option.mid(2);
     }
     CompKeys keys(int side) const {
         const QStringList& names = columns[side];
@@ -160,30 +177,59 @@ struct BothSides {
     }
 };
 
+/// A column that one table alone has is left out of that one.
+BothSides ignoredColumns(const Options& options, const CompareDataPair& tables) {
+    const QString option = QStringLiteral("--ignore");
+    BothSides ignored;
+    if (!options.targetIgnore.isEmpty()) {
+        ignored.columns[0] = columnsOf(tables[0], options.ignore, option, 0, false);
+        ignored.columns[1] =
+            columnsOf(tables[1], options.targetIgnore, BothSides::targetOption(option), 0, false);
+    } else {
+        const std::vector<ColumnRecord> all[] = {allColumnsOf(tables[0]), allColumnsOf(tables[1])};
+        for (const QString& name : splitNames(options.ignore)) {
+            const ColumnRecord* found[] = {columnNamed(all[0], name), columnNamed(all[1], name)};
+            if (!found[0] && !found[1])
+                throw Failure(QStringLiteral("%1: neither table has a column \"%2\".\nTheir columns are "
+                                             "shown by: zovrand-cli text -t table.")
+                                  .arg(option, name));
+            for (size_t side = 0; side < 2; ++side)
+                if (found[side]) ignored.columns[side] += found[side]->strName;
+        }
+    }
+    for (QStringList& columns : ignored.columns) columns.removeDuplicates();
+    return ignored;
+}
+
 /// The stored ignored columns, or a copy of them with this run's in place of the two tables'.
 class IgnoredForThisRun {
  public:
     IgnoredForThisRun(const Options& options, const CompareDataPair& tables)
         : restore_(globals().gstrIgnoredColsDataIni, globals().gstrIgnoredColsDataIni) {
         if (options.ignore.isEmpty()) return;
-        const BothSides ignored(tables, options.ignore, options.targetIgnore, "--ignore", 0);
+        const BothSides ignored = ignoredColumns(options, tables);
         const QString copy = folder_.filePath(QStringLiteral("ignored.ini"));
         if (QFile::exists(globals().gstrIgnoredColsDataIni))
             QFile::copy(globals().gstrIgnoredColsDataIni, copy);
         globals().gstrIgnoredColsDataIni = copy;
-        for (size_t side = 0; side < 2; ++side)
+        qsizetype left[2];
+        for (size_t side = 0; side < 2; ++side) {
             SaveIgnoredColumnsList(
                 IgnoreMode::DataComparison,
                 GetObjectKeyName(tables[side].Server.Name, tables[side].Db, tables[side].Table),
                 ignored.columns[side]);
-        for (size_t side = 0; side < 2; ++side) {
-            TableStructure left;
-            GetTableStructure(tables[side].Server, tables[side].Db, tables[side].Table, left, true,
-                              IgnoreMode::DataComparison, tables[side].ObjectId, {});
-            if (left.columns.empty())
+            left[side] = qsizetype(allColumnsOf(tables[side]).size()) - ignored.columns[side].size();
+            if (left[side] < 1)
                 throw Failure(QStringLiteral("--ignore leaves no column of %1 to be compared.")
                                   .arg(tables[side].Table));
         }
+        // Columns are paired by their places: one too few on a side would shift them.
+        if (left[0] != left[1])
+            throw Failure(QStringLiteral("--ignore leaves %1 columns of the source table and %2 of the "
+                                         "target table: both need the same number.\nName the columns "
+                                         "to leave out of the target with --target-ignore.")
+                              .arg(left[0])
+                              .arg(left[1]));
     }
 
  private:
@@ -200,7 +246,9 @@ DataComparisonRun runOf(const Options& options, const CompareDataPair& tables) {
     if (!options.key.isEmpty()) {
         if (options.method == u"record")
             throw Failure(QStringLiteral("--key belongs to --method key."));
-        const BothSides keys(tables, options.key, options.targetKey, "--key", MostKeys);
+        if (options.offset > 1 || options.targetOffset > 1)
+            throw Failure(QStringLiteral("--offset belongs to --method record."));
+        const BothSides keys(tables, options.key, options.targetKey, QStringLiteral("--key"), MostKeys);
         run.Method = CompMethod::PrimaryKey;
         for (int side = 0; side < 2; ++side) run.Keys[side] = keys.keys(side);
     }
@@ -209,7 +257,8 @@ DataComparisonRun runOf(const Options& options, const CompareDataPair& tables) {
         throw Failure(QStringLiteral("No key is stored for %1.\nGive one to three columns with --key.")
                           .arg(tables[0].Table));
     if (!options.sort.isEmpty()) {
-        const BothSides sort(tables, options.sort, options.targetSort, "--sort", MostKeys);
+        const BothSides sort(tables, options.sort, options.targetSort, QStringLiteral("--sort"),
+                             MostKeys);
         for (int side = 0; side < 2; ++side) {
             const QStringList& by = sort.columns[side];
             run.OrderBy[side] = BuildOrderByClause(by.value(0), by.value(1), by.value(2));
@@ -225,18 +274,51 @@ DataComparisonRun runOf(const Options& options, const CompareDataPair& tables) {
 /// A column that the comparison goes by and leaves out: refused where it is asked for.
 void checkAgainstIgnored(const Options& options, const CompareDataPair& tables) {
     if (options.ignore.isEmpty()) return;
-    const BothSides ignored(tables, options.ignore, options.targetIgnore, "--ignore", 0);
-    const auto check = [&](const QString& source, const QString& target, const char* option) {
+    const BothSides ignored = ignoredColumns(options, tables);
+    const auto check = [&](const QString& source, const QString& target, const QString& option) {
         if (source.isEmpty()) return;
         const BothSides used(tables, source, target, option, MostKeys);
         for (int side = 0; side < 2; ++side)
             for (const QString& column : used.columns[side])
                 if (ignored.columns[side].contains(column))
                     throw Failure(QStringLiteral("%1 and --ignore both name the column \"%2\".")
-                                      .arg(QLatin1String(option), column));
+                                      .arg(option, column));
     };
-    check(options.key, options.targetKey, "--key");
-    check(options.sort, options.targetSort, "--sort");
+    check(options.key, options.targetKey, QStringLiteral("--key"));
+    check(options.sort, options.targetSort, QStringLiteral("--sort"));
+}
+
+/// Which stored settings take part, so that nobody wonders at the result.
+void noteStoredSettings(const Options& options, const DataComparisonRun& run, ConsoleShell& console) {
+    QStringList stored;
+    if (run.Method == CompMethod::PrimaryKey && options.key.isEmpty()) {
+        const CompKeys& keys = run.Keys[0];
+        QStringList names;
+        for (const QString& key : {keys.CompKey, keys.SecondaryCompKey, keys.TertiaryCompKey})
+            if (isKeyField(key)) names += key;
+        stored += QStringLiteral("the key ") + names.join(QStringLiteral(", "));
+    }
+    if (!run.OrderBy[0].isEmpty() && options.sort.isEmpty())
+        stored += QStringLiteral("the order") + run.OrderBy[0].mid(int(qstrlen(" ORDER BY"))).chopped(1);
+    if (run.Offset[0] > 1 && options.offset < 0)
+        stored += QStringLiteral("the start from record ") + formatCount(run.Offset[0]);
+    if (!stored.isEmpty())
+        console.showNote(QStringLiteral("As stored for %1: %2.")
+                             .arg(run.Tables[0].Table, stored.join(QStringLiteral("; "))));
+}
+
+/// A key that is given for this run must be among what is compared.
+void checkGivenKey(const Options& options, const DataComparisonRun& run) {
+    if (options.key.isEmpty()) return;
+    for (size_t side = 0; side < 2; ++side) {
+        const QStringList compared = ComparedColumns(run.Tables[side]);
+        const CompKeys& keys = run.Keys[side];
+        for (const QString& key : {keys.CompKey, keys.SecondaryCompKey, keys.TertiaryCompKey})
+            if (isKeyField(key) && !compared.contains(key))
+                throw Failure(QStringLiteral("--key: the column \"%1\" of %2 is ignored, as stored.\nName "
+                                             "the columns to ignore in this run with --ignore.")
+                                  .arg(key, run.Tables[side].Table));
+    }
 }
 
 /// What a stored key comes to whose column is gone or left out, or can't be sought.
@@ -301,6 +383,9 @@ void checkExportFile(const QString& file) {
 int compareOneTable(const Options& options, ConsoleShell& console, const ComparedServers& servers) {
     checkExportFile(options.exportFile);
     if (options.limit > 0) globals().glngMaxRowsInDiffTable = options.limit;
+    if (globals().glngMaxRowsInDiffTable < 1)
+        throw Failure(QStringLiteral("MaxRowsInDiffTable is %1; it must be at least 1.")
+                          .arg(globals().glngMaxRowsInDiffTable));
     const QString targetName = options.targetTable.isEmpty() ? options.table : options.targetTable;
     const CompareDataPair tables{findTable(SourcePanel, servers.sourceDb, options.table),
                                  findTable(TargetPanel, servers.targetDb, targetName)};
@@ -308,6 +393,8 @@ int compareOneTable(const Options& options, ConsoleShell& console, const Compare
     const IgnoredForThisRun ignored(options, tables);
     ConsoleScreens screens(console, options.exportFile);
     const DataComparisonRun run = runOf(options, tables);
+    checkGivenKey(options, run);
+    noteStoredSettings(options, run, console);
     noteUnfitKeys(run, console);
     const DataComparisonResult result = ExecuteDataComparison(run, &screens);
     if (result.Outcome == DataOutcome::Cancelled) {

@@ -149,7 +149,9 @@ QString QtShell::askSavePath(const QString& title, const QString& filter,
                              const QString& initialPath) {
     const ArrowPointer arrow;
     // Names without a dot are names too.
-    const QString shown = filter == u"*.*" ? QStringLiteral("All files (*)") : filter;
+    QString shown = filter == u"*.*" ? QStringLiteral("All files (*)") : filter;
+    // "Export Files (*.htm)|*.htm": the name says its patterns as this dialog wants them.
+    if (const qsizetype bar = shown.indexOf(u'|'); bar > 0) shown.truncate(bar);
     return QFileDialog::getSaveFileName(parentForDialogs(), title, initialPath, shown);
 }
 
