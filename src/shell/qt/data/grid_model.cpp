@@ -10,7 +10,7 @@ namespace {
 
 // What fits on a screen; a cell may hold megabytes.
 constexpr qsizetype ShownCharacters = 400;
-constexpr qsizetype ToolTipCharacters = 4000;
+constexpr qsizetype ToolTipCharacters = 1000;
 
 QString oneLine(QString text) {
     text.replace(u'\r', u' ').replace(u'\n', u' ').replace(u'\t', u' ');

@@ -8,7 +8,9 @@
 #include <QHeaderView>
 #include <QLabel>
 #include <QLineEdit>
+#include <QPainter>
 #include <QShortcut>
+#include <QStyledItemDelegate>
 #include <QTableView>
 #include <QToolButton>
 
@@ -25,6 +27,31 @@ QIcon iconNamed(const char* name) {
     return QIcon(QStringLiteral(":/icons/%1.svg").arg(QLatin1String(name)));
 }
 
+/// Marks selected cells by a tint and a frame: the colours of the cells say what differs.
+class CellDelegate : public QStyledItemDelegate {
+ public:
+    using QStyledItemDelegate::QStyledItemDelegate;
+
+    void paint(QPainter* painter, const QStyleOptionViewItem& option,
+               const QModelIndex& index) const override {
+        QStyleOptionViewItem plain(option);
+        plain.state &= ~QStyle::State_Selected;
+        QStyledItemDelegate::paint(painter, plain, index);
+        if (!(option.state & QStyle::State_Selected)) return;
+        const QColor frame = option.palette.color(QPalette::Highlight);
+        QColor tint = frame;
+        tint.setAlpha(SelectionTint);
+        painter->save();
+        painter->fillRect(option.rect, tint);
+        painter->setPen(frame);
+        painter->drawRect(option.rect.adjusted(0, 0, -1, -1));
+        painter->restore();
+    }
+
+ private:
+    static constexpr int SelectionTint = 60;  // of 255
+};
+
 }  // namespace
 
 GridPane::GridPane(const GridCells& grid, bool withDifferences, QWidget* parent)
@@ -34,6 +61,7 @@ GridPane::GridPane(const GridCells& grid, bool withDifferences, QWidget* parent)
     view_->setObjectName(QStringLiteral("VSFlexGrid1"));
     view_->setAccessibleName(QStringLiteral("Data"));
     view_->setModel(model_);
+    view_->setItemDelegate(new CellDelegate(view_));
     view_->setEditTriggers(QAbstractItemView::NoEditTriggers);
     view_->setSelectionMode(QAbstractItemView::ExtendedSelection);
     view_->setTabKeyNavigation(false);
@@ -91,8 +119,8 @@ GridPane::GridPane(const GridCells& grid, bool withDifferences, QWidget* parent)
             &QAction::triggered, this, [this] { findNext(false); });
     if (withDifferences) {
         nextDifference_ =
-            makeAction("forward", QStringLiteral("Next Difference"), QKeySequence(Qt::Key_F8));
-        previousDifference_ = makeAction("back", QStringLiteral("Previous Difference"),
+            makeAction("next", QStringLiteral("Next Difference"), QKeySequence(Qt::Key_F8));
+        previousDifference_ = makeAction("previous", QStringLiteral("Previous Difference"),
                                          QKeySequence(Qt::SHIFT | Qt::Key_F8));
         connect(nextDifference_, &QAction::triggered, this, [this] { goToDifference(true); });
         connect(previousDifference_, &QAction::triggered, this, [this] { goToDifference(false); });
