@@ -157,7 +157,13 @@ TEST_F(Data, TroubleIsToldPlainly) {
 TEST_F(Data, AColumnOfOneSideIsLeftOutThere) {
     home_->loadText(Server, "Wide", "CREATE TABLE D (Id int, Note text, A int)\nGO\nINSERT INTO D VALUES (1, 'x', 2)\nGO\n");
     home_->loadText(Server, "Narrow", "CREATE TABLE D (Id int, A int)\nGO\nINSERT INTO D VALUES (1, 2)\nGO\n");
-    EXPECT_EQ(data("Wide", "Narrow", {"--table", "D"}).status, 1);
+    const CliResult wider = data("Wide", "Narrow", {"--table", "D"});
+    EXPECT_EQ(wider.status, 1);
+    EXPECT_TRUE(wider.err.startsWith("zovrand-cli: The target table lacks Note: ")) << wider.err.toStdString();
+    const CliResult narrower = data("Narrow", "Wide", {"--table", "D"});
+    EXPECT_EQ(narrower.status, 0);
+    EXPECT_EQ(narrower.err.trimmed().toStdString(),
+              "zovrand-cli: Not compared, since only the target table has it: Note.");
     const CliResult result = data("Wide", "Narrow", {"--table", "D", "--ignore", "note"});
     EXPECT_EQ(result.status, 0) << ::testing::PrintToString(result);
     EXPECT_TRUE(result.out.contains("Column ignored during comparison: Source - Note"));

@@ -307,6 +307,23 @@ void noteStoredSettings(const Options& options, const DataComparisonRun& run, Co
                              .arg(run.Tables[0].Table, stored.join(QStringLiteral("; "))));
 }
 
+/// Tables may have different columns; what that comes to nobody sees in the counts.
+void noteDifferentColumns(const DataComparisonRun& run, ConsoleShell& console) {
+    const QStringList columns[] = {ComparedColumns(run.Tables[0]), ComparedColumns(run.Tables[1])};
+    QStringList lacking[2];
+    for (size_t side = 0; side < 2; ++side)
+        for (const QString& column : columns[side])
+            if (!columns[1 - side].contains(column, Qt::CaseInsensitive)) lacking[side] += column;
+    if (lacking[0].isEmpty() && lacking[1].isEmpty()) return;
+    if (lacking[0].isEmpty())
+        console.showNote(QStringLiteral("Not compared, since only the target table has it: ") +
+                         lacking[1].join(QStringLiteral(", ")) + u'.');
+    else
+        console.showNote(QStringLiteral("The target table lacks %1: its own columns are compared, paired "
+                                        "with the source's by their places.")
+                             .arg(lacking[0].join(QStringLiteral(", "))));
+}
+
 /// A key that is given for this run must be among what is compared.
 void checkGivenKey(const Options& options, const DataComparisonRun& run) {
     if (options.key.isEmpty()) return;
@@ -395,6 +412,7 @@ int compareOneTable(const Options& options, ConsoleShell& console, const Compare
     const DataComparisonRun run = runOf(options, tables);
     checkGivenKey(options, run);
     noteStoredSettings(options, run, console);
+    noteDifferentColumns(run, console);
     noteUnfitKeys(run, console);
     const DataComparisonResult result = ExecuteDataComparison(run, &screens);
     if (result.Outcome == DataOutcome::Cancelled) {
