@@ -26,7 +26,8 @@ TEST_F(Changes, InsertTakesColumnListsDefaultsAndManyRows) {
     server.run(QStringLiteral("INSERT INTO T (name) VALUES ('a')"));
     server.run(QStringLiteral(
         "INSERT T (made, name, price) VALUES ('19970704', 'b', 2.345), (NULL, 'c', DEFAULT)"));
-    server.run(QStringLiteral("INSERT T VALUES ('d', 'x', -0.004, '1997-07-04 10:30:15.126')"));
+    server.run(
+        QStringLiteral("INSERT T VALUES ('d', 'x', -0.004, '1997-07-04 10:30:15.126', DEFAULT)"));
     server.run(QStringLiteral(
         "INSERT INTO T (name, price) SELECT UPPER(name), price * 2 FROM T WHERE id < 20"));
     EXPECT_EQ(server.rows(QStringLiteral("SELECT id, name, kind, price, made FROM T")),

@@ -143,6 +143,12 @@ const Case Cases[] = {
     {"print 'x'\ncreate view w as select 1 as a",
      "2: 'CREATE/ALTER VIEW' must be the first statement in a query batch. [111] near create view "
      "w as select 1 as a"},
+    {"create view w as select a, c + 1 from p",
+     "1: Create View or Function failed because no column name was specified for column 2. [4511] "
+     "near create view w as select a, c + 1 from p"},
+    {"create function w() returns table as return (select 1)",
+     "1: Create View or Function failed because no column name was specified for column 1. [4511] "
+     "near create function w() returns table as return (select 1)"},
     {"create proc v as select 1",
      "1: There is already an object named 'v' in the database. [2714] near create proc v as select "
      "1"},

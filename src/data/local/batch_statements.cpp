@@ -2,8 +2,12 @@
 // RAISERROR, THROW, DBCC.
 #include "data/local/batch_stream.h"
 #include "data/local/definitions.h"
+#include "data/local/query_parser.h"
+#include "data/local/query_result.h"
 
 #include <QSet>
+
+#include <algorithm>
 
 namespace zov::local {
 namespace {
@@ -122,6 +126,62 @@ size_t intoOf(std::span<const Token> tokens) {
     return 0;
 }
 
+/// A column of SELECT ... INTO that keeps counting in the new table.
+struct KeptIdentity {
+    size_t place = 0;  // in the select list
+    QString seed, increment;
+};
+
+/// The place of the identity column in the list of a SELECT from one table alone: a join, a UNION,
+/// a grouping or a second mention end the counting.
+std::optional<KeptIdentity> identityOf(SessionState& session, std::span<const Token> select) {
+    QueryParser parser(select, true, typeReader(session));
+    const SelectPtr tree = parser.parseSelect();
+    const QuerySpec* spec = tree->body->spec.get();
+    if (!spec || spec->from.size() != 1 || spec->from[0]->kind != TableSource::Kind::Named ||
+        !spec->groupBy.empty() || spec->distinct || !tree->with.empty())
+        return std::nullopt;
+    const QStringList& path = spec->from[0]->path;
+    ObjectName name;
+    name.name = path.last();
+    if (path.size() > 1) name.schema = path[path.size() - 2];
+    if (path.size() > 2) name.database = path[path.size() - 3];
+    if (!name.database.isEmpty() && !session.store->hasDatabase(name.database)) return std::nullopt;
+    const Catalog catalog(session, name.database.isEmpty()
+                                       ? *session.current
+                                       : session.store->database(name.database));
+    const std::optional<ObjectFacts> table = catalog.find(name);
+    if (!table || !table->isTable()) return std::nullopt;
+    const std::vector<ColumnFacts> columns = catalog.columns(table->id);
+    std::optional<KeptIdentity> kept;
+    size_t place = 0;
+    bool twice = false;
+    const auto mention = [&](const ColumnFacts& column) {
+        if (!column.seed.isNull()) {
+            twice = twice || kept;
+            kept = {place, column.seed, column.increment};
+        }
+        ++place;
+    };
+    for (const SelectItem& item : spec->items) {
+        const Expr& expr = *item.expr;
+        if (expr.kind == Expr::Kind::Star) {
+            for (const ColumnFacts& column : columns) mention(column);
+            continue;
+        }
+        const auto found =
+            std::find_if(columns.begin(), columns.end(), [&](const ColumnFacts& column) {
+                return expr.kind == Expr::Kind::Column &&
+                       column.name.compare(expr.name, Qt::CaseInsensitive) == 0;
+            });
+        if (found == columns.end())
+            ++place;
+        else
+            mention(*found);
+    }
+    return twice ? std::nullopt : kept;
+}
+
 }  // namespace
 
 void BatchStream::define(std::span<const Token> tokens, bool first) {
@@ -154,6 +214,7 @@ void BatchStream::query(std::span<const Token> tokens) {
     std::unique_ptr<ResultStream> rows = runSelect(session_, tokens, variables());
     if (!rows || rows->columns().empty()) return;
     rowsLine_ = tokens.front().line;
+    rowsWords_ = sourceText(tokens).left(200).simplified().left(60);
     Result result;
     if (session_.rowCountLimit > 0)
         rows = std::make_unique<LimitedRows>(std::move(rows), session_.rowCountLimit);
@@ -174,6 +235,9 @@ void BatchStream::selectInto(std::span<const Token> tokens, size_t into) {
     const std::vector<Token> selectTokens = tokenize(select, session_.quotedIdentifier);
     const std::vector<ColumnInfo> columns = describeSelect(
         session_, std::span<const Token>(selectTokens).first(selectTokens.size() - 1));
+    const std::optional<KeptIdentity> identity =
+        identityOf(session_, std::span<const Token>(selectTokens).first(selectTokens.size() - 1));
+    QString names;
     QString target = bracketed(name.name);
     if (!name.schema.isEmpty()) target.prepend(bracketed(name.schema) + u'.');
     if (!name.database.isEmpty())
@@ -203,15 +267,21 @@ void BatchStream::selectInto(std::span<const Token> tokens, size_t into) {
             spec.facts.type = typeFacts(info);
             spec.nullable = info.nullable;
             spec.line = name.line;
+            if (identity && identity->place == specs.size()) {
+                spec.facts.seed = identity->seed;
+                spec.facts.increment = identity->increment;
+                spec.nullable = false;
+            }
+            names += (names.isEmpty() ? QString() : QStringLiteral(", ")) + bracketed(info.name);
             specs.push_back(std::move(spec));
         }
         writeColumns(catalog, table, specs, {});
         makeStorage(catalog, table);
     }
-    const QString insert = QStringLiteral("INSERT INTO %1 %2").arg(target, select);
+    const QString insert = QStringLiteral("INSERT INTO %1(%2) %3").arg(target, names, select);
     const std::vector<Token> insertTokens = tokenize(insert, session_.quotedIdentifier);
     changed(runInsert(session_, std::span<const Token>(insertTokens).first(insertTokens.size() - 1),
-                      variables()));
+                      variables(), true));
 }
 
 void BatchStream::use(std::span<const Token> tokens) {
@@ -219,6 +289,7 @@ void BatchStream::use(std::span<const Token> tokens) {
     const QString name = cursor.name();
     cursor.expectEnd();
     session_.current = &session_.store->database(name);
+    session_.databaseChosen = true;
 }
 
 void BatchStream::transaction(std::span<const Token> tokens) {

@@ -251,6 +251,20 @@ bool isModuleStart(std::span<const Token> tokens, size_t begin) {
     return tokens[begin].is("CREATE") && (tokens[at].is("DEFAULT") || tokens[at].is("RULE"));
 }
 
+// Verbs within DROP and ALTER that are no statement of their own: "IF EXISTS name" (the condition
+// of an IF stands in parentheses behind EXISTS), and what ALTER COLUMN takes away from a column.
+bool belongsToDefinition(std::span<const Token> tokens, size_t begin, size_t at) {
+    const auto is = [&](size_t ahead, const char* word) {
+        return at + ahead < tokens.size() && tokens[at + ahead].is(word);
+    };
+    if (!tokens[begin].is("DROP") && !tokens[begin].is("ALTER")) return false;
+    if (is(0, "IF")) return is(1, "EXISTS") && !is(2, "(");
+    if (!is(0, "DROP")) return false;
+    for (const char* word : {"ROWGUIDCOL", "PERSISTED", "NOT", "SPARSE", "HIDDEN", "MASKED"})
+        if (is(1, word)) return true;
+    return false;
+}
+
 // The verb behind WITH name AS (...), ...
 size_t verbOfWith(std::span<const Token> tokens, size_t begin) {
     int depth = 0;
@@ -325,6 +339,7 @@ size_t statementEnd(std::span<const Token> tokens, size_t begin) {
             break;
         if (!isStarter(token)) continue;
         if (at == action || before.is(".") || before.is("WITH")) continue;
+        if (belongsToDefinition(tokens, begin, at)) continue;
         if ((token.is("DELETE") || token.is("UPDATE")) && before.is("ON")) continue;
         if (token.is("SET") && after &&
             (after->is("(") || after->is("NULL") || after->is("DEFAULT")))

@@ -21,6 +21,13 @@ struct Frame {
     std::vector<size_t> tries;  ///< where errors go, innermost last
     std::shared_ptr<Variables> variables = std::make_shared<Variables>();
     QString returnTo;  ///< the database that was current before, empty for the batch
+    /// What SET had said before: an EXEC's own settings end with it.
+    struct Settings {
+        bool quotedIdentifier, ansiNulls, noCount;
+        qint64 rowCountLimit;
+        QString dateFormat;
+    };
+    std::optional<Settings> settings;
     struct Output {
         QString inner, outer;
     };
@@ -111,16 +118,18 @@ class BatchStream : public ResultStream {
     qint32 returnValue_ = 0;
     qint64 steps_ = 0;
     bool failed_ = false;
+    bool passedBy_ = false;  ///< the statement failed, and the batch goes on behind it
     int raisedSeverity_ = 0;
     int raisedState_ = 1;
     int rowsLine_ = 0;
+    QString rowsWords_;
 };
 
 // One statement: all of it or nothing; an error goes to the CATCH around it, or out with the line
 // of the batch's own statement.
 template <typename Action>
 void BatchStream::statement(Action&& action, int line, std::span<const Token> tokens) {
-    failed_ = false;
+    failed_ = passedBy_ = false;
     const size_t depth = frames_.size();
     session_.store->beginStatement();
     try {

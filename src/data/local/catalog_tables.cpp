@@ -100,4 +100,24 @@ UPDATE "zov$types" SET allownulls = 0 WHERE name IN ('sysname', 'timestamp');
 )sql";
 }
 
+const char* laterCatalogTablesSql() {
+    return R"sql(
+-- Facts that few objects have, by name. class as in zov$permissions, 7 index; minor_id a column's colid or 0:
+-- sparse, hidden, column_set, mask, not_for_replication, default (a type's bound default), rule
+CREATE TABLE IF NOT EXISTS "zov$details"(class INTEGER NOT NULL, major_id INTEGER NOT NULL,
+  minor_id INTEGER NOT NULL, name TEXT NOT NULL, value, PRIMARY KEY(class, major_id, minor_id, name)) WITHOUT ROWID;
+
+-- Statistics that were asked for by name; those of indexes are the indexes themselves.
+CREATE TABLE IF NOT EXISTS "zov$statistics"(id INTEGER NOT NULL, stats_id INTEGER NOT NULL,
+  name TEXT NOT NULL COLLATE NOCASE, no_recompute INTEGER NOT NULL DEFAULT 0, incremental INTEGER NOT NULL DEFAULT 0,
+  filter TEXT, PRIMARY KEY(id, stats_id)) WITHOUT ROWID;
+CREATE TABLE IF NOT EXISTS "zov$statcolumns"(id INTEGER NOT NULL, stats_id INTEGER NOT NULL,
+  keyno INTEGER NOT NULL, colid INTEGER NOT NULL, PRIMARY KEY(id, stats_id, keyno)) WITHOUT ROWID;
+
+-- Logins of the server; rows in master only. type S by password, U of the operating system
+CREATE TABLE IF NOT EXISTS "zov$logins"(principal_id INTEGER PRIMARY KEY, name TEXT NOT NULL UNIQUE COLLATE NOCASE,
+  type TEXT NOT NULL, is_disabled INTEGER NOT NULL DEFAULT 0, default_database TEXT, created TEXT NOT NULL);
+)sql";
+}
+
 }  // namespace zov::local

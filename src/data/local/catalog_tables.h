@@ -12,6 +12,9 @@ namespace zov::local {
 /// and the users that every new database has.
 const char* catalogTablesSql();
 
+/// Catalogue tables that files of earlier versions of the program lack, made where they are missing.
+const char* laterCatalogTablesSql();
+
 /// Fixed ids.
 inline constexpr int DboUserId = 1;
 inline constexpr int DboSchemaId = 1;

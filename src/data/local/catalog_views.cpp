@@ -35,6 +35,11 @@ CatalogView readView(const detail::CatalogViewText& source, int majorVersion) {
     text.replace(QLatin1String("$OBJECT_COLUMNS"), QLatin1String(detail::objectColumns));
     text.replace(QLatin1String("$COLUMN_COLUMNS"), QLatin1String(detail::columnColumns));
     text.replace(QLatin1String("$SOURCE"), QLatin1String(detail::sourceText));
+    // $DETAIL(id,minor,name): whether the object or column has that fact.
+    static const QRegularExpression fact(QStringLiteral("\\$DETAIL\\(([^,]+),([^,]+),(\\w+)\\)"));
+    text.replace(fact,
+                 QStringLiteral("EXISTS (SELECT 1 FROM \"zov$details\" d WHERE d.class = 1 AND "
+                                "d.major_id = \\1 AND d.minor_id = \\2 AND d.name = '\\3')"));
     // Owners became schemas with version 9, and the compatibility views show their ids as owners'
     // since.
     text.replace(QLatin1String("$UID"),
@@ -69,8 +74,8 @@ QString keyOf(const QString& schema, const QString& name) {
 
 ViewMap readAll(int majorVersion) {
     ViewMap views;
-    for (const auto& list :
-         {detail::compatibilityViews(), detail::systemViews(), detail::informationSchemaViews()}) {
+    for (const auto& list : {detail::compatibilityViews(), detail::systemViews(),
+                             detail::storageViews(), detail::informationSchemaViews()}) {
         for (const detail::CatalogViewText& source : list) {
             if (source.minVersion > majorVersion) continue;
             CatalogView view = readView(source, majorVersion);

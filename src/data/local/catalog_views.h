@@ -45,6 +45,7 @@ extern const char* const columnColumns;
 extern const char* const sourceText;
 std::vector<CatalogViewText> compatibilityViews();
 std::vector<CatalogViewText> systemViews();
+std::vector<CatalogViewText> storageViews();
 std::vector<CatalogViewText> informationSchemaViews();
 }  // namespace detail
 

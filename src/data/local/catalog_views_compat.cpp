@@ -86,8 +86,8 @@ xusertype smallint | t.xusertype
 length smallint | t.length
 xprec tinyint | CASE WHEN t.xtype IN (106, 108) THEN t.prec ELSE 0 END
 xscale tinyint | CASE WHEN t.xtype IN (106, 108) THEN t.scale ELSE 0 END
-tdefault int | 0
-domain int | 0
+tdefault int | coalesce((SELECT CAST(d.value AS INTEGER) FROM "zov$details" d WHERE d.class = 6 AND d.major_id = t.xusertype AND d.name = 'default'), 0)
+domain int | coalesce((SELECT CAST(d.value AS INTEGER) FROM "zov$details" d WHERE d.class = 6 AND d.major_id = t.xusertype AND d.name = 'rule'), 0)
 uid smallint | t.schema_id
 reserved smallint | 0
 collationid int | CASE WHEN t.xtype IN (35, 99, 167, 175, 231, 239) THEN 53256 ELSE NULL END
@@ -273,18 +273,21 @@ filename nvarchar(260) | json_extract(j.value, '$.file')
 version smallint | CASE WHEN json_extract(j.value, '$.compatibility') < 90 THEN 539 ELSE 957 END
 FROM json_each(zov_databases()) j)"},
         {"dbo", "syslogins", 0, R"(
-sid varbinary(85) | x'01'
+sid varbinary(85) | CASE json_extract(j.value, '$.id') WHEN 1 THEN x'01' END
 status smallint | 9
-createdate datetime | '2003-04-08 09:10:35.460'
-updatedate datetime | '2003-04-08 09:10:35.460'
-name sysname | 'sa'
-dbname sysname | 'master'
+createdate datetime | json_extract(j.value, '$.created')
+updatedate datetime | json_extract(j.value, '$.created')
+name sysname | json_extract(j.value, '$.name')
+dbname sysname | json_extract(j.value, '$.database')
 language sysname | 'us_english'
-loginname sysname | 'sa'
+denylogin int | 0
 hasaccess int | 1
-sysadmin int | 1
-isntname int | 0
-FROM (SELECT 1))"},
+isntname int | json_extract(j.value, '$.type') = 'U'
+isntgroup int | 0
+isntuser int | json_extract(j.value, '$.type') = 'U'
+sysadmin int | json_extract(j.value, '$.id') = 1
+loginname sysname | json_extract(j.value, '$.name')
+FROM json_each(zov_logins()) j WHERE json_extract(j.value, '$.type') <> 'R')"},
     };
 }
 

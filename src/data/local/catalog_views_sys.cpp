@@ -33,7 +33,7 @@ is_ansi_padded bit | CASE WHEN c.xtype IN (165, 167, 173, 175, 231, 239) THEN 1 
 is_rowguidcol bit | c.is_rowguid
 is_identity bit | c.identity_seed IS NOT NULL
 is_computed bit | c.computed IS NOT NULL
-is_filestream bit | 0
+is_filestream bit | $DETAIL(c.id,c.colid,filestream)
 is_replicated bit | 0
 is_non_sql_subscribed bit | 0
 is_merge_published bit | 0
@@ -41,9 +41,13 @@ is_dts_replicated bit | 0
 is_xml_document bit | 0
 xml_collection_id int | 0
 default_object_id int | c.cdefault
-rule_object_id int | 0
-is_sparse bit | 0
-is_column_set bit | 0
+rule_object_id int | c.crule
+is_sparse bit | $DETAIL(c.id,c.colid,sparse)
+is_column_set bit | $DETAIL(c.id,c.colid,column_set)
+generated_always_type tinyint | 0
+generated_always_type_desc nvarchar(60) | 'NOT_APPLICABLE'
+is_hidden bit | $DETAIL(c.id,c.colid,hidden)
+is_masked bit | $DETAIL(c.id,c.colid,mask)
 )";
 
 // The whole text of an object, from the rows that it was cut into.
@@ -98,6 +102,20 @@ base_object_name nvarchar(1035) | o.info
 FROM "zov$objects" o WHERE o.xtype = 'SN')"},
         {"sys", "sequences", 9, R"(
 $OBJECT_COLUMNS
+start_value sql_variant | CAST(zov_fact(o.info, 'start') AS INTEGER)
+increment sql_variant | CAST(zov_fact(o.info, 'increment') AS INTEGER)
+minimum_value sql_variant | CAST(zov_fact(o.info, 'min') AS INTEGER)
+maximum_value sql_variant | CAST(zov_fact(o.info, 'max') AS INTEGER)
+is_cycling bit | zov_fact(o.info, 'cycle') = '1'
+is_cached bit | zov_fact(o.info, 'cache') = '1'
+cache_size int | CAST(zov_fact(o.info, 'size') AS INTEGER)
+system_type_id tinyint | CAST(zov_fact(o.info, 'type') AS INTEGER)
+user_type_id int | CAST(zov_fact(o.info, 'type') AS INTEGER)
+precision tinyint | CAST(zov_fact(o.info, 'prec') AS INTEGER)
+scale tinyint | 0
+current_value sql_variant | CAST(zov_fact(o.info, 'current') AS INTEGER)
+is_exhausted bit | 0
+last_used_value sql_variant | CASE WHEN zov_fact(o.info, 'used') IS NOT NULL THEN CAST(zov_fact(o.info, 'current') AS INTEGER) END
 FROM "zov$objects" o WHERE o.xtype = 'SO')"},
         {"sys", "triggers", 9, R"(
 name sysname | o.name
@@ -111,7 +129,7 @@ create_date datetime | o.crdate
 modify_date datetime | o.modify_date
 is_ms_shipped bit | o.is_ms_shipped
 is_disabled bit | o.is_disabled
-is_not_for_replication bit | 0
+is_not_for_replication bit | $DETAIL(o.id,0,not_for_replication)
 is_instead_of_trigger bit | objectproperty(o.id, 'ExecIsInsteadOfTrigger')
 FROM "zov$objects" o WHERE o.xtype = 'TR')"},
         {"sys", "columns", 9, R"(
@@ -131,8 +149,12 @@ $COLUMN_COLUMNS
 seed_value sql_variant | c.identity_seed
 increment_value sql_variant | c.identity_incr
 last_value sql_variant | c.identity_last
-is_not_for_replication bit | 0
+is_not_for_replication bit | $DETAIL(c.id,c.colid,not_for_replication)
 FROM "zov$columns" c WHERE c.identity_seed IS NOT NULL)"},
+        {"sys", "masked_columns", 13, R"(
+$COLUMN_COLUMNS
+masking_function nvarchar(4000) | (SELECT d.value FROM "zov$details" d WHERE d.class = 1 AND d.major_id = c.id AND d.minor_id = c.colid AND d.name = 'mask')
+FROM "zov$columns" c WHERE $DETAIL(c.id,c.colid,mask))"},
         {"sys", "parameters", 9, R"(
 object_id int | 0
 name sysname | NULL
@@ -178,7 +200,7 @@ type char(4) | substr(p.type || '    ', 1, 4)
 permission_name nvarchar(128) | p.permission_name
 state char(1) | p.state
 state_desc nvarchar(60) | CASE p.state WHEN 'G' THEN 'GRANT' WHEN 'D' THEN 'DENY' WHEN 'W' THEN 'GRANT_WITH_GRANT_OPTION' ELSE 'REVOKE' END
-FROM "zov$permissions" p)"},
+FROM "zov$permissions" p WHERE p.class <> 100)"},
         {"sys", "types", 9, R"(
 name sysname | t.name
 system_type_id tinyint | t.xtype
@@ -192,8 +214,8 @@ collation_name sysname | CASE WHEN t.xtype IN (35, 99, 167, 175, 231, 239) THEN 
 is_nullable bit | t.allownulls
 is_user_defined bit | t.isuser
 is_assembly_type bit | t.xtype = 240
-default_object_id int | 0
-rule_object_id int | 0
+default_object_id int | coalesce((SELECT CAST(d.value AS INTEGER) FROM "zov$details" d WHERE d.class = 6 AND d.major_id = t.xusertype AND d.name = 'default'), 0)
+rule_object_id int | coalesce((SELECT CAST(d.value AS INTEGER) FROM "zov$details" d WHERE d.class = 6 AND d.major_id = t.xusertype AND d.name = 'rule'), 0)
 is_table_type bit | t.xtype = 243
 FROM "zov$types" t)"},
         {"sys", "indexes", 9, R"(
@@ -231,7 +253,7 @@ $OBJECT_COLUMNS
 referenced_object_id int | r.rkeyid
 key_index_id int | 1
 is_disabled bit | o.is_disabled
-is_not_for_replication bit | 0
+is_not_for_replication bit | $DETAIL(o.id,0,not_for_replication)
 is_not_trusted bit | o.is_not_trusted
 delete_referential_action tinyint | CASE r.delete_action WHEN 'CASCADE' THEN 1 WHEN 'SET_NULL' THEN 2 WHEN 'SET_DEFAULT' THEN 3 ELSE 0 END
 delete_referential_action_desc nvarchar(60) | r.delete_action
@@ -256,7 +278,7 @@ FROM "zov$objects" o WHERE o.xtype = 'D' AND o.parent_obj > 0)"},
         {"sys", "check_constraints", 9, R"(
 $OBJECT_COLUMNS
 is_disabled bit | o.is_disabled
-is_not_for_replication bit | 0
+is_not_for_replication bit | $DETAIL(o.id,0,not_for_replication)
 is_not_trusted bit | o.is_not_trusted
 parent_column_id int | 0
 definition nvarchar(max) | $SOURCE
@@ -318,14 +340,40 @@ is_ansi_nulls_on bit | 0
 is_quoted_identifier_on bit | 0
 FROM json_each(zov_databases()) j)"},
         {"sys", "server_principals", 9, R"(
-name sysname | 'sa'
-principal_id int | 1
-sid varbinary(85) | x'01'
+name sysname | json_extract(j.value, '$.name')
+principal_id int | json_extract(j.value, '$.id')
+sid varbinary(85) | CASE json_extract(j.value, '$.id') WHEN 1 THEN x'01' END
+type char(1) | json_extract(j.value, '$.type')
+type_desc nvarchar(60) | CASE json_extract(j.value, '$.type') WHEN 'R' THEN 'SERVER_ROLE' WHEN 'U' THEN 'WINDOWS_LOGIN' ELSE 'SQL_LOGIN' END
+is_disabled bit | json_extract(j.value, '$.disabled')
+create_date datetime | json_extract(j.value, '$.created')
+modify_date datetime | json_extract(j.value, '$.created')
+default_database_name sysname | json_extract(j.value, '$.database')
+default_language_name sysname | 'us_english'
+is_fixed_role bit | 0
+FROM json_each(zov_logins()) j)"},
+        {"sys", "sql_logins", 9, R"(
+name sysname | json_extract(j.value, '$.name')
+principal_id int | json_extract(j.value, '$.id')
 type char(1) | 'S'
 type_desc nvarchar(60) | 'SQL_LOGIN'
-is_disabled bit | 0
-default_database_name sysname | 'master'
-FROM (SELECT 1))"},
+is_disabled bit | json_extract(j.value, '$.disabled')
+create_date datetime | json_extract(j.value, '$.created')
+modify_date datetime | json_extract(j.value, '$.created')
+default_database_name sysname | json_extract(j.value, '$.database')
+FROM json_each(zov_logins()) j WHERE json_extract(j.value, '$.type') = 'S')"},
+        {"sys", "server_permissions", 9, R"(
+class tinyint | 100
+class_desc nvarchar(60) | 'SERVER'
+major_id int | 0
+minor_id int | 0
+grantee_principal_id int | CAST(json_extract(j.value, '$.grantee') AS INTEGER)
+grantor_principal_id int | 1
+type char(4) | json_extract(j.value, '$.type')
+permission_name nvarchar(128) | json_extract(j.value, '$.permission')
+state char(1) | json_extract(j.value, '$.state')
+state_desc nvarchar(60) | CASE json_extract(j.value, '$.state') WHEN 'G' THEN 'GRANT' WHEN 'D' THEN 'DENY' WHEN 'W' THEN 'GRANT_WITH_GRANT_OPTION' END
+FROM json_each(zov_server_permissions()) j)"},
     };
 }
 

@@ -99,6 +99,20 @@ void drop(SessionState& session, TokenCursor& cursor) {
     }
     if (cursor.accept({"APPLICATION", "ROLE"}))
         return dropPrincipal(session, cursor, QStringLiteral("ROLE"));
+    if (cursor.is("AGGREGATE") || cursor.is("ASSEMBLY") || cursor.is("SECURITY")) {
+        // None of these can be made here, so there is none to drop.
+        const QString word = cursor.accept({"SECURITY", "POLICY"})
+                                 ? QStringLiteral("SECURITY POLICY")
+                                 : kindOf(cursor.next());
+        if (cursor.accept({"IF", "EXISTS"})) return;
+        const ObjectName name = cursor.objectName();
+        fail(
+            3701,
+            QStringLiteral(
+                "Cannot drop the %1 '%2', because it does not exist or you do not have permission.")
+                .arg(word.toLower(), name.display()),
+            name.line);
+    }
     failUnsupported("DROP", kind);
 }
 

@@ -67,6 +67,10 @@ void alterAuthorization(SessionState& session, TokenCursor& cursor);
 enum class PermissionVerb { Grant, Deny, Revoke };
 void changePermissions(SessionState& session, TokenCursor& cursor, PermissionVerb verb);
 
+void createLogin(SessionState& session, TokenCursor& cursor, const QString& name);
+void alterLogin(SessionState& session, TokenCursor& cursor, const QString& name);
+void dropLogin(SessionState& session, const QString& name);
+
 void createDatabase(SessionState& session, TokenCursor& cursor);
 void alterDatabase(SessionState& session, TokenCursor& cursor);
 void dropDatabases(SessionState& session, TokenCursor& cursor);
@@ -84,6 +88,13 @@ bool runSystemProcedure(SessionState& session, const QString& name,
 
 // Shared between the families.
 
+/// The number of a login; throws 15151 for an unknown one. `catalog` is master's.
+int requireLogin(const Catalog& catalog, const QString& name);
+/// What every user of a database is given.
+void grantConnect(Catalog& catalog, int user);
+/// Throws 15151 unless there is a securable of that scope ("SCHEMA", "TYPE"; empty: an object).
+void requireSecurable(Catalog& catalog, const ObjectName& name, const QString& scope);
+
 /// What a column or table constraint says, before it is written.
 struct ConstraintSpec {
     QString kind;  ///< PK UQ F C D, as in sysobjects
@@ -99,6 +110,7 @@ struct ConstraintSpec {
     QString deleteAction = QStringLiteral("NO_ACTION");
     QString updateAction = QStringLiteral("NO_ACTION");
     bool notTrusted = false;
+    bool notForReplication = false;
     bool withValues = false;
     int line = 0;
 };
@@ -129,11 +141,17 @@ void readTableElement(const Catalog& catalog, TokenCursor& cursor, TableParts& p
 /// Writes the columns behind those that `table` has, with types and nullability settled.
 void writeColumns(Catalog& catalog, const ObjectFacts& table, std::vector<ColumnSpec>& columns,
                   const std::vector<ConstraintSpec>& constraints);
+/// Settles type, nullability and collation of a computed column over the columns that `table` has.
+/// Most expressions may give null, whatever they are made of: a bare column and ISNULL say
+/// otherwise. Throws 207 and 4121 for a column and a function that aren't there.
+void typeComputedColumn(Catalog& catalog, const ObjectFacts& table, ColumnFacts& column);
 /// Writes one constraint with its index; true when the SQLite table has to be made anew.
 bool writeConstraint(Catalog& catalog, const ObjectFacts& table, const ConstraintSpec& constraint);
 void writeTableIndex(Catalog& catalog, const ObjectFacts& table, const TableIndexSpec& index);
 /// "WITH (...)" or "WITH FILLFACTOR = 90" as "FILLFACTOR=90,PAD_INDEX=ON"; also reads "ON group".
 QString readIndexOptions(TokenCursor& cursor);
+/// The function's text of "WITH (FUNCTION = 'default()')" behind MASKED.
+QString readMask(TokenCursor& cursor);
 /// "(a, b DESC)"
 void readKeyColumns(TokenCursor& cursor, std::vector<QString>& names,
                     std::vector<bool>& descending);

@@ -137,10 +137,17 @@ QString dependentOn(const Catalog& catalog, const ObjectFacts& table, const Colu
         kinds);  // I index, D default, C check, F foreign key, X computed column
     if (wanted.contains('D') && column.cdefault != 0)
         if (const auto found = catalog.find(column.cdefault)) return found->name;
-    if (wanted.contains('I'))
+    if (wanted.contains('I')) {
         for (const IndexFacts& index : catalog.indexes(table.id))
             for (const IndexKey& key : index.keys)
                 if (key.colid == column.colid) return index.name;
+        CatalogQuery statistics(
+            catalog.handle(),
+            "SELECT s.name FROM \"zov$statcolumns\" k JOIN \"zov$statistics\" s ON s.id=k.id AND "
+            "s.stats_id=k.stats_id WHERE k.id=? AND k.colid=?");
+        statistics.add(table.id).add(column.colid);
+        if (statistics.step()) return statistics.text(0);
+    }
     const QString mention = bracketed(column.name);
     if (wanted.contains('C'))
         for (const ObjectFacts& child : catalog.children(table.id)) {
@@ -174,12 +181,12 @@ QString dependentOn(const Catalog& catalog, const ObjectFacts& table, const Colu
          line);
 }
 
-void dropColumn(Catalog& catalog, const ObjectFacts& table, const QString& name, bool ifExists,
+bool dropColumn(Catalog& catalog, const ObjectFacts& table, const QString& name, bool ifExists,
                 int line) {
     const std::vector<ColumnFacts> columns = catalog.columns(table.id);
     const ColumnFacts* column = findColumn(columns, name);
     if (!column) {
-        if (ifExists) return;
+        if (ifExists) return false;
         fail(4924,
              QStringLiteral(
                  "ALTER TABLE DROP COLUMN failed because column '%1' does not exist in table "
@@ -209,23 +216,27 @@ void dropColumn(Catalog& catalog, const ObjectFacts& table, const QString& name,
           "DELETE FROM \"zov$permissions\" WHERE class=1 AND major_id=? AND minor_id=?",
           "DELETE FROM \"zov$properties\" WHERE class=1 AND major_id=? AND minor_id=?"})
         CatalogQuery(catalog.handle(), sql).add(table.id).add(column->colid).run();
+    catalog.removeDetails(1, table.id, column->colid);
+    return true;
 }
 
 void drop(Catalog& catalog, const ObjectFacts& table, TokenCursor& cursor) {
     const QString oldName = quotedTable(table.schema, table.name);
     bool rebuild = false;
     bool columns = false;
+    bool ifExists = false;
     do {
-        if (cursor.accept("COLUMN"))
-            columns = true;
-        else if (cursor.accept("CONSTRAINT"))
-            columns = false;
-        const bool ifExists = cursor.accept({"IF", "EXISTS"});
+        // COLUMN, CONSTRAINT and IF EXISTS are about all names up to the next of these words.
+        const bool column = cursor.accept("COLUMN");
+        if (column || cursor.accept("CONSTRAINT")) {
+            columns = column;
+            ifExists = false;
+        }
+        ifExists = cursor.accept({"IF", "EXISTS"}) || ifExists;
         const int line = cursor.peek().line;
         const QString name = cursor.name();
         if (columns) {
-            dropColumn(catalog, table, name, ifExists, line);
-            rebuild = true;
+            rebuild = dropColumn(catalog, table, name, ifExists, line) || rebuild;
         } else {
             dropConstraint(catalog, table, name, ifExists, line, rebuild);
         }
@@ -233,6 +244,63 @@ void drop(Catalog& catalog, const ObjectFacts& table, TokenCursor& cursor) {
     } while (cursor.accept(","));
     cursor.expectEnd();
     if (rebuild) rebuildStorage(catalog, table, oldName);
+}
+
+[[noreturn]] void failTrait(const ColumnFacts& column, const QString& why, int line) {
+    fail(4928, QStringLiteral("Cannot alter column '%1' because it is '%2'.").arg(column.name, why),
+         line);
+}
+
+void setColumnFlag(Catalog& catalog, const ObjectFacts& table, int colid, const char* sql,
+                   bool on) {
+    CatalogQuery(catalog.handle(), sql).add(on).add(table.id).add(colid).run();
+}
+
+// ALTER COLUMN c {ADD | DROP} {ROWGUIDCOL | PERSISTED | NOT FOR REPLICATION | SPARSE | HIDDEN |
+// MASKED}
+void alterColumnTrait(Catalog& catalog, const ObjectFacts& table,
+                      const std::vector<ColumnFacts>& columns, const ColumnFacts& column,
+                      TokenCursor& cursor) {
+    const int line = cursor.peek().line;
+    const bool add = cursor.next().is("ADD");
+    const auto set = [&](const char* name, const QString& value = QStringLiteral("1")) {
+        catalog.setDetail(1, table.id, column.colid, name, add ? value : QString());
+    };
+    if (cursor.accept("ROWGUIDCOL")) {
+        if (add && column.type.xtype != 36)
+            failTrait(column, QStringLiteral("not uniqueidentifier"), line);
+        for (const ColumnFacts& other : columns)
+            if (add && other.rowguid && other.colid != column.colid)
+                fail(8196, QStringLiteral("Duplicate column specified as ROWGUIDCOL."), line);
+        setColumnFlag(catalog, table, column.colid,
+                      "UPDATE \"zov$columns\" SET is_rowguid=? WHERE id=? AND colid=?", add);
+    } else if (cursor.accept("PERSISTED")) {
+        if (column.computed.isNull()) failTrait(column, QStringLiteral("not COMPUTED"), line);
+        setColumnFlag(catalog, table, column.colid,
+                      "UPDATE \"zov$columns\" SET is_persisted=? WHERE id=? AND colid=?", add);
+    } else if (cursor.accept({"NOT", "FOR", "REPLICATION"})) {
+        if (column.seed.isNull()) failTrait(column, QStringLiteral("not IDENTITY"), line);
+        set("not_for_replication");
+    } else if (cursor.accept("SPARSE")) {
+        if (add && (!column.nullable || !column.computed.isNull() || column.rowguid))
+            failTrait(column, QStringLiteral("not nullable, computed or ROWGUIDCOL"), line);
+        set("sparse");
+    } else if (cursor.accept("HIDDEN")) {
+        set("hidden");
+    } else if (cursor.accept("MASKED")) {
+        const bool described = cursor.is("WITH");
+        const QString mask = described || add ? readMask(cursor) : QString();
+        if (add && !column.computed.isNull()) failTrait(column, QStringLiteral("COMPUTED"), line);
+        if (!add && catalog.detail(1, table.id, column.colid, "mask").isNull())
+            fail(16007,
+                 QStringLiteral("The column '%1' does not have a data masking function.")
+                     .arg(column.name),
+                 line);
+        set("mask", mask);
+    } else {
+        cursor.failHere();
+    }
+    cursor.expectEnd();
 }
 
 void alterColumn(Catalog& catalog, const ObjectFacts& table, TokenCursor& cursor) {
@@ -247,28 +315,8 @@ void alterColumn(Catalog& catalog, const ObjectFacts& table, TokenCursor& cursor
                  "'%2'.")
                  .arg(name, table.name),
              line);
-    if (cursor.is("ADD") || cursor.is("DROP")) {
-        const bool add = cursor.next().is("ADD");
-        if (cursor.accept("ROWGUIDCOL")) {
-            CatalogQuery(catalog.handle(),
-                         "UPDATE \"zov$columns\" SET is_rowguid=? WHERE id=? AND colid=?")
-                .add(add)
-                .add(table.id)
-                .add(column->colid)
-                .run();
-        } else if (cursor.accept("PERSISTED")) {
-            CatalogQuery(catalog.handle(),
-                         "UPDATE \"zov$columns\" SET is_persisted=? WHERE id=? AND colid=?")
-                .add(add)
-                .add(table.id)
-                .add(column->colid)
-                .run();
-        } else if (!cursor.accept("SPARSE") && !cursor.accept({"NOT", "FOR", "REPLICATION"})) {
-            cursor.failHere();
-        }
-        cursor.expectEnd();
-        return;
-    }
+    if (cursor.is("ADD") || cursor.is("DROP"))
+        return alterColumnTrait(catalog, table, columns, *column, cursor);
     ColumnFacts changed = *column;
     changed.type = readType(catalog, cursor);
     changed.nullable = changed.type.nullable;
@@ -281,7 +329,11 @@ void alterColumn(Catalog& catalog, const ObjectFacts& table, TokenCursor& cursor
             changed.nullable = false;
         } else if (cursor.accept("NULL")) {
             changed.nullable = true;
-        } else if (!cursor.accept("SPARSE")) {
+        } else if (cursor.accept("SPARSE")) {
+            changed.details.emplace_back("sparse", QStringLiteral("1"));
+        } else if (cursor.accept("MASKED")) {
+            changed.details.emplace_back("mask", readMask(cursor));
+        } else {
             break;
         }
     }

@@ -281,8 +281,44 @@ void Catalog::removeObject(int id) {
           "DELETE FROM \"zov$permissions\" WHERE class=1 AND major_id=?",
           "DELETE FROM \"zov$properties\" WHERE class=1 AND major_id=?",
           "DELETE FROM \"zov$references\" WHERE constid=?",
-          "DELETE FROM \"zov$columns\" WHERE id=?", "DELETE FROM \"zov$objects\" WHERE id=?"})
+          "DELETE FROM \"zov$columns\" WHERE id=?", "DELETE FROM \"zov$objects\" WHERE id=?",
+          "DELETE FROM \"zov$statistics\" WHERE id=?", "DELETE FROM \"zov$statcolumns\" WHERE id=?",
+          "DELETE FROM \"zov$details\" WHERE class IN (1, 7) AND major_id=?"})
         CatalogQuery(handle(), sql).add(id).run();
+}
+
+QString Catalog::detail(int objectClass, int major, int minor, const char* name) const {
+    CatalogQuery query(handle(),
+                       "SELECT value FROM \"zov$details\" WHERE class=? AND major_id=? AND"
+                       " minor_id=? AND name=?");
+    query.add(objectClass).add(major).add(minor).add(QString::fromLatin1(name));
+    return query.step() ? query.text(0) : QString();
+}
+
+void Catalog::setDetail(int objectClass, int major, int minor, const char* name,
+                        const QString& value) {
+    CatalogQuery(handle(),
+                 value.isNull()
+                     ? "DELETE FROM \"zov$details\" WHERE class=? AND major_id=? AND minor_id=?"
+                       " AND name=?"
+                     : "INSERT OR REPLACE INTO \"zov$details\"(class, major_id, minor_id, name,"
+                       " value) VALUES(?,?,?,?,?)")
+        .add(objectClass)
+        .add(major)
+        .add(minor)
+        .add(QString::fromLatin1(name))
+        .addIf(!value.isNull(), value)
+        .run();
+}
+
+void Catalog::removeDetails(int objectClass, int major, std::optional<int> minor) {
+    CatalogQuery(handle(),
+                 "DELETE FROM \"zov$details\" WHERE class=?1 AND major_id=?2 AND (?3 IS NULL OR"
+                 " minor_id=?3)")
+        .add(objectClass)
+        .add(major)
+        .add(minor)
+        .run();
 }
 
 std::vector<ObjectFacts> Catalog::children(int id) const {
@@ -355,6 +391,7 @@ void Catalog::addColumn(int id, const ColumnFacts& column) {
         .add(column.collation)
         .add(column.crule)
         .run();
+    for (const auto& [name, value] : column.details) setDetail(1, id, column.colid, name, value);
 }
 
 void Catalog::removeColumns(int id) {
@@ -440,7 +477,8 @@ void Catalog::removeIndex(int id, int indid) {
 int Catalog::nextIndexId(int id, bool clustered) const {
     if (clustered) return 1;
     CatalogQuery query(handle(),
-                       "SELECT indid FROM \"zov$indexes\" WHERE id=? AND indid>1 ORDER BY indid");
+                       "SELECT indid FROM \"zov$indexes\" WHERE id=?1 AND indid>1 UNION SELECT "
+                       "stats_id FROM \"zov$statistics\" WHERE id=?1 ORDER BY 1");
     query.add(id);
     int next = 2;
     while (query.step() && query.number(0) == next) ++next;

@@ -25,6 +25,7 @@ class CatalogQuery {
     CatalogQuery& add(bool value) { return add(qint64(value)); }
     CatalogQuery& add(const QString& text);  ///< a null text is NULL
     CatalogQuery& add(std::optional<int> value);
+    CatalogQuery& addIf(bool wanted, const QString& text) { return wanted ? add(text) : *this; }
     /// False behind the last row.
     bool step();
     /// Runs to the end.
@@ -86,6 +87,9 @@ struct ColumnFacts {
     bool persisted = false;
     bool rowguid = false;
     QString collation;
+    /// What few columns are: sparse, hidden, column_set, mask, not_for_replication; addColumn
+    /// writes them, columns() doesn't read them.
+    std::vector<std::pair<const char*, QString>> details;
 };
 
 struct IndexKey {
@@ -153,6 +157,13 @@ class Catalog {
     std::vector<ColumnFacts> columns(int id) const;
     void addColumn(int id, const ColumnFacts& column);
     void removeColumns(int id);
+
+    // Facts that few objects have ("sparse", "mask" ...); class 1 for objects and columns (by
+    // colid), 6 for types, 7 for indexes
+    QString detail(int objectClass, int major, int minor, const char* name) const;  ///< null: none
+    /// A null value takes the fact away.
+    void setDetail(int objectClass, int major, int minor, const char* name, const QString& value);
+    void removeDetails(int objectClass, int major, std::optional<int> minor = {});
 
     // Indexes
     std::vector<IndexFacts> indexes(int id) const;

@@ -196,6 +196,10 @@ void dropDatabases(SessionState& session, TokenCursor& cursor) {
     do {
         const int line = cursor.peek().line;
         const QString name = cursor.name();
+        // A load that was sent to a database may replace it: the session then waits in master,
+        // where scripts that make their database expect to begin.
+        if (same(name, session.current->name) && session.store->inLoad() && !session.databaseChosen)
+            session.current = &session.store->database(QStringLiteral("master"));
         if (same(name, session.current->name))
             fail(3702,
                  QStringLiteral("Cannot drop database \"%1\" because it is currently in use.")

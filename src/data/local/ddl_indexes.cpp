@@ -186,41 +186,116 @@ void alterIndex(SessionState& session, TokenCursor& cursor) {
     if (!found) fail(2727, QStringLiteral("Cannot find index '%1'.").arg(name), line);
 }
 
-// Statistics steer a query optimiser that isn't here. Their statements are checked and leave no
-// trace, as they leave none in what is compared.
+namespace {
+
+bool hasStatistics(const Catalog& catalog, int tableId, const QString& name) {
+    CatalogQuery query(catalog.handle(), "SELECT 1 FROM \"zov$statistics\" WHERE id=? AND name=?");
+    query.add(tableId).add(name);
+    return query.step();
+}
+
+}  // namespace
+
+// Statistics steer a query optimiser that isn't here; what was asked for is kept all the same,
+// since scripts ask for it before they make it.
 void createStatistics(SessionState& session, TokenCursor& cursor) {
-    cursor.name();
+    const QString statistics = cursor.name();
     cursor.expect("ON");
     const ObjectName name = cursor.objectName();
     std::vector<QString> columns;
     std::vector<bool> unused;
     readKeyColumns(cursor, columns, unused);
-    if (cursor.accept("WHERE")) cursor.until({"WITH"});
-    if (cursor.accept("WITH"))
-        while (!cursor.atEnd()) cursor.next();
+    QString filter;
+    if (cursor.accept("WHERE"))
+        filter = storedExpression(cursor.until({"WITH"}), DefinitionForm::Filter);
+    bool noRecompute = false, incremental = false;
+    if (cursor.accept("WITH")) do {
+            const QString option = cursor.name().toUpper();
+            noRecompute = noRecompute || option == QLatin1String("NORECOMPUTE");
+            if (cursor.accept("=")) {
+                const QString value = cursor.nameOrText();
+                if (option == QLatin1String("INCREMENTAL"))
+                    incremental = same(value, QStringLiteral("ON"));
+            } else if (option == QLatin1String("SAMPLE")) {
+                cursor.wholeNumber();
+                if (!cursor.accept("PERCENT")) cursor.expect("ROWS");
+            } else if (option == QLatin1String("STATS_STREAM")) {
+                cursor.failHere();
+            }
+        } while (cursor.accept(","));
     cursor.expectEnd();
-    Catalog catalog(session, name.database.isEmpty() ? *session.current
-                                                     : session.store->database(name.database));
+    Catalog catalog = Catalog::forWriting(session, name);
     const ObjectFacts table = requireIndexed(catalog, name);
+    const std::vector<IndexFacts> indexes = catalog.indexes(table.id);
+    const bool taken = hasStatistics(catalog, table.id, statistics) ||
+                       std::any_of(indexes.begin(), indexes.end(), [&](const IndexFacts& index) {
+                           return same(index.name, statistics);
+                       });
+    if (taken)
+        fail(1927,
+             QStringLiteral("There are already statistics on table '%1' named '%2'.")
+                 .arg(name.display(), statistics),
+             name.line);
+    const int id = catalog.nextIndexId(table.id, false);
+    CatalogQuery(
+        catalog.handle(),
+        "INSERT INTO \"zov$statistics\"(id, stats_id, name, no_recompute, incremental, filter)"
+        " VALUES(?,?,?,?,?,?)")
+        .add(table.id)
+        .add(id)
+        .add(statistics)
+        .add(noRecompute)
+        .add(incremental)
+        .add(filter)
+        .run();
     const std::vector<ColumnFacts> known = catalog.columns(table.id);
-    for (const QString& column : columns)
-        if (std::none_of(known.begin(), known.end(),
-                         [&](const ColumnFacts& facts) { return same(facts.name, column); }))
+    int number = 0;
+    for (const QString& column : columns) {
+        const auto found = std::find_if(known.begin(), known.end(), [&](const ColumnFacts& facts) {
+            return same(facts.name, column);
+        });
+        if (found == known.end())
             fail(1911,
                  QStringLiteral("Column name '%1' does not exist in the target table or view.")
                      .arg(column),
                  name.line);
+        CatalogQuery(catalog.handle(),
+                     "INSERT INTO \"zov$statcolumns\"(id, stats_id, keyno, colid) VALUES(?,?,?,?)")
+            .add(table.id)
+            .add(id)
+            .add(++number)
+            .add(found->colid)
+            .run();
+    }
 }
 
 void dropStatistics(SessionState& session, TokenCursor& cursor) {
     do {
         const ObjectName statistics = cursor.objectName();
-        ObjectName table;
-        table.name = statistics.schema;
-        table.schema = statistics.database;
-        table.line = statistics.line;
-        Catalog catalog(session, *session.current);
-        requireIndexed(catalog, table);
+        ObjectName tableName;
+        tableName.name = statistics.schema;
+        tableName.schema = statistics.database;
+        tableName.line = statistics.line;
+        Catalog catalog = Catalog::forWriting(session);
+        const ObjectFacts table = requireIndexed(catalog, tableName);
+        for (const IndexFacts& index : catalog.indexes(table.id))
+            if (same(index.name, statistics.name))
+                fail(3739,
+                     QStringLiteral(
+                         "Cannot DROP the index '%1' because it is not a statistics collection.")
+                         .arg(statistics.display()),
+                     statistics.line);
+        if (!hasStatistics(catalog, table.id, statistics.name))
+            fail(3701,
+                 QStringLiteral("Cannot drop the statistics '%1', because it does not exist or you "
+                                "do not have permission.")
+                     .arg(statistics.display()),
+                 statistics.line);
+        for (const char* sql :
+             {"DELETE FROM \"zov$statcolumns\" WHERE id=?1 AND stats_id=(SELECT stats_id FROM "
+              "\"zov$statistics\" WHERE id=?1 AND name=?2)",
+              "DELETE FROM \"zov$statistics\" WHERE id=?1 AND name=?2"})
+            CatalogQuery(catalog.handle(), sql).add(table.id).add(statistics.name).run();
     } while (cursor.accept(","));
     cursor.expectEnd();
 }

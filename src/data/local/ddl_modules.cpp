@@ -123,6 +123,11 @@ void writeResultColumns(Catalog& catalog, int id, const std::vector<ColumnInfo>&
         ColumnFacts column;
         column.colid = column.colorder = ++colid;
         column.name = size_t(colid) <= names.size() ? names[size_t(colid) - 1] : info.name;
+        if (column.name.isEmpty())
+            fail(4511, QStringLiteral(
+                           "Create View or Function failed because no column name was specified "
+                           "for column %1.")
+                           .arg(colid));
         column.type = typeFacts(info);
         column.nullable = info.nullable;
         if (column.type.isText()) column.collation = catalog.fact("collation");
@@ -155,6 +160,27 @@ bool isMissing(const Catalog& catalog, const QString& message) {
     return !system && name.database.isEmpty() && !name.name.isEmpty() && !catalog.find(name);
 }
 
+// The columns are described where that is possible; a view over something that the query side can't
+// read is a view all the same.
+std::vector<ColumnInfo> describe(Catalog& catalog, std::span<const Token> select,
+                                 const Variables* parameters) {
+    try {
+        return describeSelect(catalog.session(), select, parameters);
+    } catch (const DbError& error) {
+        if (error.native == 207 || (error.native == 208 && isMissing(catalog, error.description)))
+            throw;
+    }
+    return {};
+}
+
+// The SELECT of RETURN (SELECT ...), with or without parentheses.
+std::span<const Token> returnedSelect(std::span<const Token> tokens) {
+    tokens = selectOf(tokens.subspan(1));
+    while (tokens.size() > 2 && tokens.front().is("(") && tokens.back().is(")"))
+        tokens = tokens.subspan(1, tokens.size() - 2);
+    return tokens;
+}
+
 void defineView(Catalog& catalog, const Definition& statement, TokenCursor& cursor,
                 ModuleVerb verb) {
     const ObjectName name = cursor.objectName();
@@ -171,29 +197,22 @@ void defineView(Catalog& catalog, const Definition& statement, TokenCursor& curs
     ObjectFacts view = placeModule(catalog, name, {QStringLiteral("V")}, verb);
     storeModule(catalog, view, QStringLiteral("V"), 0, settingsOf(catalog.session(), options.words),
                 storedText(statement, verb), options.encrypted);
-    // The columns are described where that is possible; a view over something that the query side
-    // can't read is a view all the same.
-    std::vector<ColumnInfo> columns;
-    try {
-        columns = describeSelect(catalog.session(), select);
-    } catch (const DbError& error) {
-        if (error.native == 207 || (error.native == 208 && isMissing(catalog, error.description)))
-            throw;
-    }
-    writeResultColumns(catalog, view.id, columns, names);
+    writeResultColumns(catalog, view.id, describe(catalog, select, nullptr), names);
 }
 
-// Parameters are not kept; their types have to be known, as the server demands.
-void readParameters(const Catalog& catalog, TokenCursor& cursor, bool function) {
+// Parameters are not kept; their types have to be known, as the server demands. `into` gets those
+// that the module's text may mention as values.
+void readParameters(const Catalog& catalog, TokenCursor& cursor, bool function,
+                    Variables* into = nullptr) {
     const bool braces = function || cursor.is("(");
     if (braces) cursor.expect("(");
     if (braces && cursor.accept(")")) return;
     while (cursor.peek().source.startsWith(u'@')) {
-        cursor.next();
+        const QString name = cursor.next().source.toString();
         cursor.accept("AS");
-        if (cursor.accept("CURSOR")) {
-        } else {
-            readType(catalog, cursor);
+        if (!cursor.accept("CURSOR")) {
+            const TypeFacts type = readType(catalog, cursor);
+            if (into) into->declare(name, columnInfo(type, true));
         }
         cursor.accept("VARYING");
         cursor.accept({"NOT", "NULL"});
@@ -242,7 +261,8 @@ void defineProcedure(Catalog& catalog, const Definition& statement, TokenCursor&
 void defineFunction(Catalog& catalog, const Definition& statement, TokenCursor& cursor,
                     ModuleVerb verb) {
     const ObjectName name = cursor.objectName();
-    readParameters(catalog, cursor, true);
+    Variables parameters;
+    readParameters(catalog, cursor, true, &parameters);
     cursor.expect("RETURNS");
     QString xtype = QStringLiteral("FN");
     TableParts result;
@@ -267,6 +287,7 @@ void defineFunction(Catalog& catalog, const Definition& statement, TokenCursor& 
              name.line);
     if (xtype == QLatin1String("IF") ? !cursor.is("RETURN") : !cursor.is("BEGIN"))
         cursor.failHere();
+    const std::span<const Token> returned = returnedSelect(cursor.rest());
     const QStringList kinds = {QStringLiteral("FN"), QStringLiteral("IF"), QStringLiteral("TF")};
     ObjectFacts function = placeModule(catalog, name, kinds, verb);
     storeModule(catalog, function, xtype, 0, settingsOf(catalog.session(), options.words),
@@ -275,6 +296,8 @@ void defineFunction(Catalog& catalog, const Definition& statement, TokenCursor& 
         catalog.removeColumns(function.id);
         std::vector<ConstraintSpec> none;
         writeColumns(catalog, function, result.columns, none);
+    } else if (xtype == QLatin1String("IF")) {
+        writeResultColumns(catalog, function.id, describe(catalog, returned, &parameters), {});
     }
 }
 
@@ -306,7 +329,7 @@ void defineTrigger(Catalog& catalog, const Definition& statement, TokenCursor& c
         words.push_back(event);
     } while (cursor.accept(","));
     cursor.accept({"WITH", "APPEND"});
-    cursor.accept({"NOT", "FOR", "REPLICATION"});
+    const bool notForReplication = cursor.accept({"NOT", "FOR", "REPLICATION"});
     cursor.expect("AS");
     if (ownerName.schema.isEmpty()) ownerName.schema = name.schema;
     const std::optional<ObjectFacts> owner = catalog.find(ownerName);
@@ -329,6 +352,8 @@ void defineTrigger(Catalog& catalog, const Definition& statement, TokenCursor& c
     storeModule(catalog, trigger, QStringLiteral("TR"), owner->id,
                 settingsOf(catalog.session(), words + options.words), storedText(statement, verb),
                 options.encrypted);
+    catalog.setDetail(1, trigger.id, 0, "not_for_replication",
+                      notForReplication ? QStringLiteral("1") : QString());
 }
 
 }  // namespace
@@ -393,7 +418,11 @@ void dropModules(SessionState& session, TokenCursor& cursor, const QString& kind
                  name.line);
         }
         if (found->xtype == QLatin1String("D") || found->xtype == QLatin1String("R")) {
-            CatalogQuery bound(catalog.handle(), "SELECT 1 FROM \"zov$columns\" WHERE cdefault=?");
+            CatalogQuery bound(
+                catalog.handle(),
+                "SELECT 1 FROM \"zov$columns\" WHERE cdefault=?1 OR crule=?1 UNION ALL "
+                "SELECT 1 FROM \"zov$details\" WHERE class=6 AND name IN ('default', "
+                "'rule') AND value=CAST(?1 AS TEXT)");
             bound.add(found->id);
             if (bound.step())
                 fail(3716,
@@ -528,10 +557,13 @@ void createSequence(SessionState& session, TokenCursor& cursor, bool alter) {
     if (!facts.contains(QStringLiteral("start")))
         facts[QStringLiteral("start")] =
             facts[down ? QStringLiteral("max") : QStringLiteral("min")];
-    if (!alter || restart) facts[QStringLiteral("current")] = facts[QStringLiteral("start")];
+    if (!alter || restart) {
+        facts[QStringLiteral("current")] = facts[QStringLiteral("start")];
+        facts.remove(QStringLiteral("used"));
+    }
     QString info;
     for (const char* key : {"type", "prec", "start", "increment", "min", "max", "cycle", "cache",
-                            "size", "current"}) {
+                            "size", "current", "used"}) {
         const QString name = QLatin1String(key);
         if (facts.value(name).isEmpty()) continue;
         info += (info.isEmpty() ? QString() : QStringLiteral(" ")) + name + u'=' + facts[name];

@@ -83,6 +83,10 @@ void addType(SessionState& session, const Arguments& arguments) {
     runText(session, sql);
 }
 
+bool futureOnly(const Arguments& arguments, size_t position) {
+    return same(arguments.optional(position, "@futureonly"), QStringLiteral("futureonly"));
+}
+
 // "table.column" or a type's name.
 struct BindTarget {
     std::optional<ObjectFacts> table;
@@ -115,41 +119,79 @@ BindTarget bindTarget(const Catalog& catalog, const QString& text) {
     return target;
 }
 
-void bind(SessionState& session, const QString& object, const QString& to, bool rule) {
-    Catalog catalog = Catalog::forWriting(session);
-    const BindTarget target = bindTarget(catalog, to);
-    int id = 0;
-    if (!object.isNull()) {
-        const ObjectName name = ObjectName::parse(object);
-        const std::optional<ObjectFacts> found = catalog.find(name);
-        if (!found || found->xtype != (rule ? QLatin1String("R") : QLatin1String("D")) ||
-            found->parent != 0)
-            fail(15016,
-                 QStringLiteral("The %1 '%2' does not exist.")
-                     .arg(rule ? QStringLiteral("rule") : QStringLiteral("default"), object));
-        id = found->id;
+/// sp_bindefault and its three relations: what is bound is a default or a rule.
+struct Binding {
+    bool rule = false;
+    QString object;  ///< null unbinds
+    QString target;
+    bool futureOnly = false;  ///< a type's columns that are there stay as they are
+
+    const char* word() const { return rule ? "rule" : "default"; }
+};
+
+int boundObject(const Catalog& catalog, const Binding& binding) {
+    if (binding.object.isNull()) return 0;
+    const std::optional<ObjectFacts> found = catalog.find(ObjectName::parse(binding.object));
+    if (!found || found->xtype != (binding.rule ? QLatin1String("R") : QLatin1String("D")) ||
+        found->parent != 0)
+        fail(15016, QStringLiteral("The %1 '%2' does not exist.")
+                        .arg(QLatin1String(binding.word()), binding.object));
+    return found->id;
+}
+
+void bindColumn(Catalog& catalog, const BindTarget& target, const Binding& binding, int id) {
+    for (const ColumnFacts& column : catalog.columns(target.table->id)) {
+        if (column.colid != target.colid || binding.rule || column.cdefault == 0) continue;
+        const std::optional<ObjectFacts> known = catalog.find(column.cdefault);
+        if (!known || known->parent == 0) continue;
+        if (id)
+            fail(15103,
+                 QStringLiteral("Cannot bind a default to a column created with or altered to "
+                                "have a default value."));
+        fail(15049, QStringLiteral("Cannot unbind from '%1'. Use ALTER TABLE DROP CONSTRAINT.")
+                        .arg(binding.target));
     }
-    const char* column = rule ? "UPDATE \"zov$columns\" SET crule=?1 WHERE id=?2 AND colid=?3"
-                              : "UPDATE \"zov$columns\" SET cdefault=?1 WHERE id=?2 AND colid=?3";
-    const char* type = rule ? "UPDATE \"zov$columns\" SET crule=?1 WHERE xusertype=?2"
-                            : "UPDATE \"zov$columns\" SET cdefault=?1 WHERE xusertype=?2";
+    CatalogQuery(catalog.handle(),
+                 binding.rule ? "UPDATE \"zov$columns\" SET crule=? WHERE id=? AND colid=?"
+                              : "UPDATE \"zov$columns\" SET cdefault=? WHERE id=? AND colid=?")
+        .add(id)
+        .add(target.table->id)
+        .add(target.colid)
+        .run();
+}
+
+// A type's columns follow their type as long as nothing was bound to them by themselves.
+void bindType(Catalog& catalog, int type, const Binding& binding, int id) {
+    const int before = catalog.detail(6, type, 0, binding.word()).toInt();
+    catalog.setDetail(6, type, 0, binding.word(), id ? QString::number(id) : QString());
+    if (binding.futureOnly) return;
+    CatalogQuery(
+        catalog.handle(),
+        binding.rule
+            ? "UPDATE \"zov$columns\" SET crule=?1 WHERE xusertype=?2 AND crule IN (0, ?3)"
+            : "UPDATE \"zov$columns\" SET cdefault=?1 WHERE xusertype=?2 AND cdefault IN (0,"
+              " ?3) AND identity_seed IS NULL AND computed IS NULL")
+        .add(id)
+        .add(type)
+        .add(before)
+        .run();
+}
+
+void bind(SessionState& session, const Binding& binding) {
+    Catalog catalog = Catalog::forWriting(session);
+    const BindTarget target = bindTarget(catalog, binding.target);
+    const int id = boundObject(catalog, binding);
     if (target.colid)
-        CatalogQuery(catalog.handle(), column)
-            .add(id)
-            .add(target.table->id)
-            .add(target.colid)
-            .run();
+        bindColumn(catalog, target, binding, id);
     else
-        CatalogQuery(catalog.handle(), type).add(id).add(target.type).run();
-    session.messages.push_back(
-        {0, id ? 15511 : 15519, 0,
-         id ? QStringLiteral("%1 bound to %2.")
-                  .arg(rule ? QStringLiteral("Rule") : QStringLiteral("Default"),
-                       target.colid ? QStringLiteral("column") : QStringLiteral("data type"))
-            : QStringLiteral("%1 unbound from %2.")
-                  .arg(rule ? QStringLiteral("Rule") : QStringLiteral("Default"),
-                       target.colid ? QStringLiteral("table column")
-                                    : QStringLiteral("data type"))});
+        bindType(catalog, target.type, binding, id);
+    const QString word = binding.rule ? QStringLiteral("Rule") : QStringLiteral("Default");
+    const QString place = !target.colid ? QStringLiteral("data type")
+                          : id          ? QStringLiteral("column")
+                                        : QStringLiteral("table column");
+    session.messages.push_back({0, id ? 15511 : 15519, 0,
+                                id ? QStringLiteral("%1 bound to %2.").arg(word, place)
+                                   : QStringLiteral("%1 unbound from %2.").arg(word, place)});
 }
 
 [[noreturn]] void failRename(const QString& name, const QString& type) {
@@ -480,6 +522,13 @@ void changeOwner(SessionState& session, const Arguments& arguments) {
                               bracketed(name.name)));
 }
 
+void addLogin(SessionState& session, const Arguments& arguments) {
+    const QString database = arguments.optional(2, "@defdb");
+    runText(session, QStringLiteral("CREATE LOGIN %1 WITH PASSWORD = '', DEFAULT_DATABASE = %2")
+                         .arg(bracketed(arguments.required(0, "@loginame")),
+                              bracketed(database.isEmpty() ? QStringLiteral("master") : database)));
+}
+
 void addUser(SessionState& session, const QString& login, const QString& user,
              const QString& group) {
     runText(session, QStringLiteral("CREATE USER %1 FOR LOGIN %2")
@@ -495,15 +544,13 @@ const QSet<QString>& withoutEffect() {
         QSet<QString> set;
         for (const char* name :
              {"sp_dboption",          "sp_tableoption",       "sp_configure",
-              "sp_changedbowner",     "sp_addlogin",          "sp_droplogin",
-              "sp_grantlogin",        "sp_revokelogin",       "sp_denylogin",
-              "sp_password",          "sp_defaultdb",         "sp_defaultlanguage",
-              "sp_addsrvrolemember",  "sp_dropsrvrolemember", "sp_autostats",
-              "sp_updatestats",       "sp_createstats",       "sp_recompile",
-              "sp_refreshview",       "sp_refreshsqlmodule",  "sp_settriggerorder",
-              "sp_procoption",        "sp_indexoption",       "sp_fulltext_database",
-              "sp_addmessage",        "sp_dropmessage",       "sp_serveroption",
-              "sp_change_users_login"})
+              "sp_changedbowner",     "sp_denylogin",         "sp_password",
+              "sp_defaultdb",         "sp_defaultlanguage",   "sp_addsrvrolemember",
+              "sp_dropsrvrolemember", "sp_autostats",         "sp_updatestats",
+              "sp_createstats",       "sp_recompile",         "sp_refreshview",
+              "sp_refreshsqlmodule",  "sp_settriggerorder",   "sp_procoption",
+              "sp_indexoption",       "sp_fulltext_database", "sp_addmessage",
+              "sp_dropmessage",       "sp_serveroption",      "sp_change_users_login"})
             set.insert(QLatin1String(name));
         return set;
     }();
@@ -526,18 +573,24 @@ bool runSystemProcedure(SessionState& session, const QString& name,
          }},
         {QStringLiteral("sp_bindefault"),
          [&] {
-             bind(session, arguments.required(0, "@defname"), arguments.required(1, "@objname"),
-                  false);
+             bind(session, {false, arguments.required(0, "@defname"),
+                            arguments.required(1, "@objname"), futureOnly(arguments, 2)});
          }},
         {QStringLiteral("sp_bindrule"),
          [&] {
-             bind(session, arguments.required(0, "@rulename"), arguments.required(1, "@objname"),
-                  true);
+             bind(session, {true, arguments.required(0, "@rulename"),
+                            arguments.required(1, "@objname"), futureOnly(arguments, 2)});
          }},
         {QStringLiteral("sp_unbindefault"),
-         [&] { bind(session, QString(), arguments.required(0, "@objname"), false); }},
+         [&] {
+             bind(session,
+                  {false, QString(), arguments.required(0, "@objname"), futureOnly(arguments, 1)});
+         }},
         {QStringLiteral("sp_unbindrule"),
-         [&] { bind(session, QString(), arguments.required(0, "@objname"), true); }},
+         [&] {
+             bind(session,
+                  {true, QString(), arguments.required(0, "@objname"), futureOnly(arguments, 1)});
+         }},
         {QStringLiteral("sp_rename"), [&] { rename(session, arguments); }},
         {QStringLiteral("sp_addrole"),
          [&] {
@@ -589,6 +642,22 @@ bool runSystemProcedure(SessionState& session, const QString& name,
          [&] {
              runText(session, QStringLiteral("DROP USER ") +
                                   bracketed(arguments.required(0, "@name_in_db")));
+         }},
+        {QStringLiteral("sp_addlogin"), [&] { addLogin(session, arguments); }},
+        {QStringLiteral("sp_grantlogin"),
+         [&] {
+             runText(session, QStringLiteral("CREATE LOGIN %1 FROM WINDOWS")
+                                  .arg(bracketed(arguments.required(0, "@loginame"))));
+         }},
+        {QStringLiteral("sp_droplogin"),
+         [&] {
+             runText(session,
+                     QStringLiteral("DROP LOGIN ") + bracketed(arguments.required(0, "@loginame")));
+         }},
+        {QStringLiteral("sp_revokelogin"),
+         [&] {
+             runText(session,
+                     QStringLiteral("DROP LOGIN ") + bracketed(arguments.required(0, "@loginame")));
          }},
         {QStringLiteral("sp_changeobjectowner"), [&] { changeOwner(session, arguments); }},
         {QStringLiteral("sp_addextendedproperty"),

@@ -1,4 +1,4 @@
-// Schemas, users, roles, ownership and permissions.
+// Schemas, users, roles and who owns what.
 #include "data/local/ddl.h"
 #include "data/local/query_engine.h"
 #include "data/local/server_store.h"
@@ -7,232 +7,6 @@
 
 namespace zov::local {
 namespace {
-
-bool same(const QString& a, const QString& b) {
-    return a.compare(b, Qt::CaseInsensitive) == 0;
-}
-
-struct PermissionName {
-    const char* name;
-    const char* type;
-};
-
-constexpr PermissionName PermissionNames[] = {
-    {"SELECT", "SL  "},
-    {"INSERT", "IN  "},
-    {"UPDATE", "UP  "},
-    {"DELETE", "DL  "},
-    {"REFERENCES", "RF  "},
-    {"EXECUTE", "EX  "},
-    {"RECEIVE", "RC  "},
-    {"ALTER", "AL  "},
-    {"CONTROL", "CL  "},
-    {"TAKE OWNERSHIP", "TO  "},
-    {"VIEW DEFINITION", "VW  "},
-    {"VIEW CHANGE TRACKING", "VWCT"},
-    {"CONNECT", "CO  "},
-    {"CONNECT REPLICATION", "CORP"},
-    {"AUTHENTICATE", "AUTH"},
-    {"BACKUP DATABASE", "BADB"},
-    {"BACKUP LOG", "BALO"},
-    {"CHECKPOINT", "CP  "},
-    {"SHOWPLAN", "SPLN"},
-    {"SUBSCRIBE QUERY NOTIFICATIONS", "SUQN"},
-    {"VIEW DATABASE STATE", "VWDS"},
-    {"IMPERSONATE", "IM  "},
-    {"UNMASK", "UMSK"},
-    {"CREATE AGGREGATE", "CRAG"},
-    {"CREATE ASSEMBLY", "CRAS"},
-    {"CREATE DATABASE", "CRDB"},
-    {"CREATE DEFAULT", "CRDF"},
-    {"CREATE FUNCTION", "CRFN"},
-    {"CREATE PROCEDURE", "CRPR"},
-    {"CREATE QUEUE", "CRQU"},
-    {"CREATE ROLE", "CRRL"},
-    {"CREATE RULE", "CRRU"},
-    {"CREATE SCHEMA", "CRSM"},
-    {"CREATE SEQUENCE", "CRSO"},
-    {"CREATE SYNONYM", "CRSN"},
-    {"CREATE TABLE", "CRTB"},
-    {"CREATE TYPE", "CRTY"},
-    {"CREATE VIEW", "CRVW"},
-    {"CREATE XML SCHEMA COLLECTION", "CRXS"},
-    {"ALTER ANY APPLICATION ROLE", "ALAR"},
-    {"ALTER ANY DATABASE DDL TRIGGER", "ALTG"},
-    {"ALTER ANY DATASPACE", "ALDS"},
-    {"ALTER ANY ROLE", "ALRL"},
-    {"ALTER ANY SCHEMA", "ALSM"},
-    {"ALTER ANY USER", "ALUS"},
-    {"VIEW ANY DEFINITION", "VWAD"},
-};
-
-const PermissionName* findPermission(QString name) {
-    if (name == QLatin1String("EXEC")) name = QStringLiteral("EXECUTE");
-    if (name == QLatin1String("CREATE PROC")) name = QStringLiteral("CREATE PROCEDURE");
-    for (const PermissionName& permission : PermissionNames)
-        if (name == QLatin1String(permission.name)) return &permission;
-    return nullptr;
-}
-
-struct Wanted {
-    QString name;
-    std::vector<QString> columns;
-    int line = 0;
-};
-
-struct Securable {
-    int permissionClass = 0;  // 0 database, 1 object, 3 schema, 4 principal, 6 type
-    int id = 0;
-    std::optional<ObjectFacts> object;
-};
-
-Securable readSecurable(Catalog& catalog, TokenCursor& cursor, const ObjectName& name,
-                        const QString& scope) {
-    Securable target;
-    if (scope == QLatin1String("SCHEMA")) {
-        const std::optional<int> id = catalog.schemaId(name.name);
-        if (!id)
-            fail(15151,
-                 QStringLiteral(
-                     "Cannot find the schema '%1', because it does not exist or you do not have "
-                     "permission.")
-                     .arg(name.name),
-                 name.line);
-        target.permissionClass = 3;
-        target.id = *id;
-        return target;
-    }
-    if (scope == QLatin1String("TYPE")) {
-        CatalogQuery query(catalog.handle(),
-                           "SELECT t.xusertype FROM \"zov$types\" t JOIN \"zov$schemas\" s ON"
-                           " s.schema_id=t.schema_id WHERE t.isuser=1 AND t.name=?1 AND (?2 IS "
-                           "NULL OR s.name=?2)");
-        query.add(name.name).add(name.schema.isEmpty() ? QString() : name.schema);
-        if (!query.step())
-            fail(15151,
-                 QStringLiteral(
-                     "Cannot find the type '%1', because it does not exist or you do not have "
-                     "permission.")
-                     .arg(name.display()),
-                 name.line);
-        target.permissionClass = 6;
-        target.id = query.number(0);
-        return target;
-    }
-    if (scope == QLatin1String("USER") || scope == QLatin1String("ROLE")) {
-        target.permissionClass = 4;
-        target.id = catalog.requirePrincipal(name.name);
-        return target;
-    }
-    if (scope == QLatin1String("DATABASE")) {
-        if (!same(name.name, catalog.database().name))
-            fail(15151,
-                 QStringLiteral(
-                     "Cannot find the database '%1', because it does not exist or you do not have "
-                     "permission.")
-                     .arg(name.name),
-                 name.line);
-        return target;
-    }
-    if (!scope.isEmpty() && scope != QLatin1String("OBJECT"))
-        fail(40000, QStringLiteral("The embedded server keeps no permissions on %1.").arg(scope),
-             name.line);
-    Q_UNUSED(cursor);
-    target.object = catalog.find(name);
-    if (!target.object)
-        fail(15151,
-             QStringLiteral(
-                 "Cannot find the object '%1', because it does not exist or you do not have "
-                 "permission.")
-                 .arg(name.name),
-             name.line);
-    target.permissionClass = 1;
-    target.id = target.object->id;
-    return target;
-}
-
-std::vector<Wanted> permissionsOfAll(const Securable& target) {
-    std::vector<const char*> names;
-    if (target.permissionClass == 0)
-        names = {"BACKUP DATABASE",  "BACKUP LOG",  "CREATE DEFAULT", "CREATE FUNCTION",
-                 "CREATE PROCEDURE", "CREATE RULE", "CREATE TABLE",   "CREATE VIEW"};
-    else if (target.object && target.object->xtype == QLatin1String("P"))
-        names = {"EXECUTE"};
-    else if (target.object && target.object->xtype == QLatin1String("FN"))
-        names = {"EXECUTE", "REFERENCES"};
-    else
-        names = {"DELETE", "INSERT", "REFERENCES", "SELECT", "UPDATE"};
-    std::vector<Wanted> all;
-    for (const char* name : names) all.push_back({QLatin1String(name), {}, 0});
-    return all;
-}
-
-// Which column numbers a permission is about; 0 stands for the whole object.
-std::vector<int> minorIds(const Catalog& catalog, const Securable& target,
-                          const std::vector<QString>& columns, int line) {
-    if (columns.empty()) return {0};
-    std::vector<int> ids;
-    const std::vector<ColumnFacts> known =
-        target.object ? catalog.columns(target.id) : std::vector<ColumnFacts>();
-    for (const QString& name : columns) {
-        const auto found = std::find_if(known.begin(), known.end(), [&](const ColumnFacts& column) {
-            return same(column.name, name);
-        });
-        if (found == known.end())
-            fail(1763,
-                 QStringLiteral(
-                     "Column '%1' does not exist in the object that the permission is about.")
-                     .arg(name),
-                 line);
-        ids.push_back(found->colid);
-    }
-    return ids;
-}
-
-void writePermission(Catalog& catalog, const Securable& target, int minor, int grantee,
-                     const PermissionName& permission, PermissionVerb verb, bool withGrantOption,
-                     bool grantOptionOnly) {
-    const QString name = QLatin1String(permission.name);
-    if (grantOptionOnly) {
-        CatalogQuery(catalog.handle(),
-                     "UPDATE \"zov$permissions\" SET state='G' WHERE class=? AND major_id=? AND "
-                     "minor_id=? AND"
-                     " grantee=? AND permission_name=? AND state='W'")
-            .add(target.permissionClass)
-            .add(target.id)
-            .add(minor)
-            .add(grantee)
-            .add(name)
-            .run();
-        return;
-    }
-    CatalogQuery(catalog.handle(),
-                 "DELETE FROM \"zov$permissions\" WHERE class=? AND major_id=? AND (minor_id=? OR "
-                 "(?3=0 AND ?=1))"
-                 " AND grantee=? AND permission_name=?")
-        .add(target.permissionClass)
-        .add(target.id)
-        .add(minor)
-        .add(target.permissionClass)
-        .add(grantee)
-        .add(name)
-        .run();
-    if (verb == PermissionVerb::Revoke) return;
-    CatalogQuery(
-        catalog.handle(),
-        "INSERT INTO \"zov$permissions\"(class, major_id, minor_id, grantee, grantor, type,"
-        " permission_name, state) VALUES(?,?,?,?,1,?,?,?)")
-        .add(target.permissionClass)
-        .add(target.id)
-        .add(minor)
-        .add(grantee)
-        .add(QString(QLatin1String(permission.type)))
-        .add(name)
-        .add(verb == PermissionVerb::Deny ? QStringLiteral("D")
-             : withGrantOption            ? QStringLiteral("W")
-                                          : QStringLiteral("G"))
-        .run();
-}
 
 int nextUserId(const Catalog& catalog, bool role) {
     // Users and roles share their numbers from 5 on; fixed roles lie at 16384.
@@ -270,75 +44,39 @@ void changeMember(Catalog& catalog, const QString& role, const QString& member, 
 
 }  // namespace
 
-void changePermissions(SessionState& session, TokenCursor& cursor, PermissionVerb verb) {
-    Catalog catalog = Catalog::forWriting(session);
-    const bool grantOptionOnly =
-        verb == PermissionVerb::Revoke && cursor.accept({"GRANT", "OPTION", "FOR"});
-    bool all = false;
-    std::vector<Wanted> wanted;
-    if (cursor.is("ALL")) {
-        cursor.next();
-        cursor.accept("PRIVILEGES");
-        all = true;
-    } else {
-        do {
-            Wanted one;
-            one.line = cursor.peek().line;
-            while (cursor.peek().kind == TokenKind::Word && !cursor.is("ON") && !cursor.is("TO") &&
-                   !cursor.is("FROM")) {
-                if (!one.name.isEmpty()) one.name += u' ';
-                one.name += cursor.next().source.toString().toUpper();
-            }
-            if (one.name.isEmpty()) cursor.failHere();
-            if (cursor.is("(")) {
-                std::vector<bool> unused;
-                readKeyColumns(cursor, one.columns, unused);
-            }
-            wanted.push_back(std::move(one));
-        } while (cursor.accept(","));
-    }
-    Securable target;
-    if (cursor.accept("ON")) {
-        QString scope;
-        ObjectName name;
-        // "ON SCHEMA::sales": a word, "::", a name.
-        if (cursor.peek(1).is("::")) {
-            scope = cursor.next().source.toString().toUpper();
-            cursor.next();
-            name = cursor.objectName();
-        } else {
-            name = cursor.objectName();
-        }
-        target = readSecurable(catalog, cursor, name, scope);
-        if (cursor.is("(")) {  // GRANT SELECT ON t(a, b)
-            std::vector<QString> columns;
-            std::vector<bool> unused;
-            readKeyColumns(cursor, columns, unused);
-            for (Wanted& one : wanted) one.columns = columns;
-        }
-    }
-    if (all) wanted = permissionsOfAll(target);
-    if (!cursor.accept("TO") && !cursor.accept("FROM")) cursor.failHere();
-    std::vector<int> grantees;
-    do grantees.push_back(catalog.requirePrincipal(cursor.name()));
-    while (cursor.accept(","));
-    const bool withGrantOption = cursor.accept({"WITH", "GRANT", "OPTION"});
-    cursor.accept("CASCADE");
-    if (cursor.accept("AS")) catalog.requirePrincipal(cursor.name());
-    cursor.expectEnd();
-    for (const Wanted& one : wanted) {
-        const PermissionName* permission = findPermission(one.name);
-        if (!permission)
-            fail(102,
-                 QStringLiteral("Incorrect syntax near '%1': there is no such permission.")
-                     .arg(one.name),
-                 one.line);
-        for (const int minor : minorIds(catalog, target, one.columns, one.line))
-            for (const int grantee : grantees)
-                writePermission(catalog, target, minor, grantee, *permission, verb, withGrantOption,
-                                grantOptionOnly);
-    }
+namespace {
+
+void addSchema(Catalog& catalog, const QString& name, int owner) {
+    CatalogQuery last(catalog.handle(),
+                      "SELECT max(4, max(schema_id)) FROM \"zov$schemas\" WHERE schema_id<16384");
+    const int id = last.step() ? last.number(0) + 1 : 5;
+    CatalogQuery(catalog.handle(),
+                 "INSERT INTO \"zov$schemas\"(schema_id, name, principal_id) VALUES(?,?,?)")
+        .add(id)
+        .add(name)
+        .add(owner)
+        .run();
 }
+
+/// What a principal of version 8 owns goes by its name; nothing may be left when it is dropped.
+void dropOwner(Catalog& catalog, int uid, const QString& kind, int line) {
+    CatalogQuery owns(
+        catalog.handle(),
+        "SELECT 1 FROM \"zov$objects\" WHERE schema_id IN (SELECT schema_id FROM "
+        "\"zov$schemas\" WHERE principal_id=?1) UNION ALL SELECT 1 FROM \"zov$types\" WHERE "
+        "schema_id IN (SELECT schema_id FROM \"zov$schemas\" WHERE principal_id=?1)");
+    owns.add(uid);
+    if (owns.step())
+        fail(15183,
+             QStringLiteral("The %1 owns objects in the database and cannot be dropped.")
+                 .arg(kind.toLower()),
+             line);
+    CatalogQuery(catalog.handle(), "DELETE FROM \"zov$schemas\" WHERE principal_id=?")
+        .add(uid)
+        .run();
+}
+
+}  // namespace
 
 void createSchema(SessionState& session, const Definition& statement) {
     TokenCursor cursor(statement.tokens);
@@ -354,19 +92,13 @@ void createSchema(SessionState& session, const Definition& statement) {
         owner = catalog.requirePrincipal(principal);
         if (name.isEmpty()) name = principal;
     }
-    if (catalog.schemaId(name))
+    const bool known = catalog.schemaId(name).has_value();
+    // Version 8 has owners: its CREATE SCHEMA makes nothing but what the statement holds.
+    if (known && !catalog.isVersion8())
         fail(2714,
              QStringLiteral("There is already an object named '%1' in the database.").arg(name),
              line);
-    CatalogQuery last(catalog.handle(),
-                      "SELECT max(4, max(schema_id)) FROM \"zov$schemas\" WHERE schema_id<16384");
-    const int id = last.step() ? last.number(0) + 1 : 5;
-    CatalogQuery(catalog.handle(),
-                 "INSERT INTO \"zov$schemas\"(schema_id, name, principal_id) VALUES(?,?,?)")
-        .add(id)
-        .add(name)
-        .add(owner)
-        .run();
+    if (!known) addSchema(catalog, name, owner);
     // What follows in the statement is made in the new schema.
     std::span<const Token> rest = cursor.rest();
     const QString outer = session.defaultSchema;
@@ -494,13 +226,7 @@ void dropSchema(SessionState& session, TokenCursor& cursor) {
 void createPrincipal(SessionState& session, TokenCursor& cursor, const QString& kind) {
     const int line = cursor.peek().line;
     const QString name = cursor.name();
-    if (kind == QLatin1String("LOGIN")) {
-        // Logins belong to a server that checks them; here everybody who may read the file may log
-        // in.
-        if (!cursor.accept("WITH")) cursor.expect("FROM");
-        while (!cursor.atEnd()) cursor.next();
-        return;
-    }
+    if (kind == QLatin1String("LOGIN")) return createLogin(session, cursor, name);
     Catalog catalog = Catalog::forWriting(session);
     requireFreePrincipal(catalog, name, line);
     QString defaultSchema;
@@ -543,18 +269,14 @@ void createPrincipal(SessionState& session, TokenCursor& cursor, const QString& 
         .add(role ? QStringLiteral("R") : QStringLiteral("S"))
         .add(defaultSchema)
         .run();
-    if (!role)
-        writePermission(catalog, {}, 0, uid, *findPermission(QStringLiteral("CONNECT")),
-                        PermissionVerb::Grant, false, false);
+    if (!role) grantConnect(catalog, uid);
+    if (catalog.isVersion8()) addSchema(catalog, name, uid);
 }
 
 void alterPrincipal(SessionState& session, TokenCursor& cursor, const QString& kind) {
     const int line = cursor.peek().line;
     const QString name = cursor.name();
-    if (kind == QLatin1String("LOGIN")) {
-        while (!cursor.atEnd()) cursor.next();
-        return;
-    }
+    if (kind == QLatin1String("LOGIN")) return alterLogin(session, cursor, name);
     Catalog catalog = Catalog::forWriting(session);
     const int uid = catalog.requirePrincipal(name);
     if (kind == QLatin1String("ROLE") && (cursor.is("ADD") || cursor.is("DROP"))) {
@@ -593,7 +315,7 @@ void dropPrincipal(SessionState& session, TokenCursor& cursor, const QString& ki
     const int line = cursor.peek().line;
     const QString name = cursor.name();
     cursor.expectEnd();
-    if (kind == QLatin1String("LOGIN")) return;
+    if (kind == QLatin1String("LOGIN")) return dropLogin(session, name);
     Catalog catalog = Catalog::forWriting(session);
     CatalogQuery query(catalog.handle(),
                        "SELECT uid, type FROM \"zov$users\" WHERE name=? AND isfixed=0 AND uid>4");
@@ -608,6 +330,7 @@ void dropPrincipal(SessionState& session, TokenCursor& cursor, const QString& ki
              line);
     }
     const int uid = query.number(0);
+    if (catalog.isVersion8()) dropOwner(catalog, uid, kind, line);
     CatalogQuery owns(catalog.handle(), "SELECT 1 FROM \"zov$schemas\" WHERE principal_id=?");
     owns.add(uid);
     if (owns.step())
@@ -665,7 +388,7 @@ void alterAuthorization(SessionState& session, TokenCursor& cursor) {
             .run();
         return;
     }
-    readSecurable(catalog, cursor, name, scope);
+    requireSecurable(catalog, name, scope);
     if (owner != 1)
         fail(40000,
              QStringLiteral(

@@ -48,7 +48,7 @@ void readReference(TokenCursor& cursor, ConstraintSpec& spec) {
         else if (cursor.accept({"ON", "UPDATE"}))
             spec.updateAction = readAction(cursor);
         else if (cursor.accept({"NOT", "FOR", "REPLICATION"}))
-            continue;
+            spec.notForReplication = true;
         else
             return;
     }
@@ -80,7 +80,7 @@ ConstraintSpec readConstraint(const Catalog& catalog, TokenCursor& cursor, const
         spec.options = readIndexOptions(cursor);
     } else if (cursor.accept("CHECK")) {
         spec.kind = QStringLiteral("C");
-        cursor.accept({"NOT", "FOR", "REPLICATION"});
+        spec.notForReplication = cursor.accept({"NOT", "FOR", "REPLICATION"});
         spec.text = storedExpression(cursor.parenthesised(), formFor(catalog));
     } else if (cursor.is("FOREIGN") || cursor.is("REFERENCES")) {
         spec.kind = QStringLiteral("F");
@@ -152,6 +152,12 @@ TableIndexSpec readInlineIndex(const Catalog& catalog, TokenCursor& cursor, cons
     return index;
 }
 
+bool acceptNotForReplication(TokenCursor& cursor, ColumnSpec& column) {
+    if (!cursor.accept({"NOT", "FOR", "REPLICATION"})) return false;
+    column.facts.details.emplace_back("not_for_replication", QStringLiteral("1"));
+    return true;
+}
+
 void readIdentity(TokenCursor& cursor, ColumnSpec& column) {
     column.facts.seed = column.facts.increment = QStringLiteral("1");
     if (cursor.accept("(")) {
@@ -160,7 +166,7 @@ void readIdentity(TokenCursor& cursor, ColumnSpec& column) {
         column.facts.increment = cursor.wholeNumber();
         cursor.expect(")");
     }
-    cursor.accept({"NOT", "FOR", "REPLICATION"});
+    acceptNotForReplication(cursor, column);
 }
 
 void requireIdentityType(const ColumnSpec& column) {
@@ -220,6 +226,8 @@ void readColumn(const Catalog& catalog, TokenCursor& cursor, TableParts& parts) 
             column.nullable = false;
         } else if (cursor.accept("NULL")) {
             column.nullable = true;
+        } else if (!column.facts.seed.isNull() && acceptNotForReplication(cursor, column)) {
+            continue;
         } else if (cursor.accept("ROWGUIDCOL")) {
             if (column.facts.type.xtype != 36)
                 fail(
@@ -228,13 +236,16 @@ void readColumn(const Catalog& catalog, TokenCursor& cursor, TableParts& parts) 
                         .arg(column.facts.name),
                     column.line);
             column.facts.rowguid = true;
-        } else if (cursor.accept("SPARSE") || cursor.accept("FILESTREAM") ||
-                   cursor.accept("PERSISTED")) {
-            continue;
-        } else if (cursor.is("MASKED")) {
-            cursor.next();
-            cursor.expect("WITH");
-            cursor.parenthesised();
+        } else if (cursor.accept("SPARSE")) {
+            column.facts.details.emplace_back("sparse", QStringLiteral("1"));
+        } else if (cursor.accept("HIDDEN")) {
+            column.facts.details.emplace_back("hidden", QStringLiteral("1"));
+        } else if (cursor.accept({"COLUMN_SET", "FOR", "ALL_SPARSE_COLUMNS"})) {
+            column.facts.details.emplace_back("column_set", QStringLiteral("1"));
+        } else if (cursor.accept("FILESTREAM")) {
+            column.facts.details.emplace_back("filestream", QStringLiteral("1"));
+        } else if (cursor.accept("MASKED")) {
+            column.facts.details.emplace_back("mask", readMask(cursor));
         } else if (cursor.is("INDEX")) {
             parts.indexes.push_back(readInlineIndex(catalog, cursor, column.facts.name));
         } else {
@@ -250,6 +261,15 @@ const ColumnFacts* findColumn(const std::vector<ColumnFacts>& columns, const QSt
     return nullptr;
 }
 
+// A default and a rule that are bound to a column's type are the column's from its beginning on.
+void takeTypesBindings(const Catalog& catalog, ColumnFacts& column) {
+    constexpr int LastSystemType = 256;
+    if (column.type.xusertype <= LastSystemType || !column.computed.isNull()) return;
+    column.crule = catalog.detail(6, column.type.xusertype, 0, "rule").toInt();
+    if (column.seed.isNull())
+        column.cdefault = catalog.detail(6, column.type.xusertype, 0, "default").toInt();
+}
+
 bool hasClustered(const Catalog& catalog, int tableId) {
     CatalogQuery query(catalog.handle(), "SELECT 1 FROM \"zov$indexes\" WHERE id=? AND indid=1");
     query.add(tableId);
@@ -257,6 +277,17 @@ bool hasClustered(const Catalog& catalog, int tableId) {
 }
 
 }  // namespace
+
+QString readMask(TokenCursor& cursor) {
+    cursor.expect("WITH");
+    cursor.expect("(");
+    cursor.expect("FUNCTION");
+    cursor.expect("=");
+    const Token& function = cursor.next();
+    if (function.kind != TokenKind::String) failSyntax(function);
+    cursor.expect(")");
+    return function.value;
+}
 
 void readKeyColumns(TokenCursor& cursor, std::vector<QString>& names,
                     std::vector<bool>& descending) {
@@ -397,6 +428,7 @@ void writeColumns(Catalog& catalog, const ObjectFacts& table, std::vector<Column
         if (facts.type.isText() && facts.collation.isEmpty())
             facts.collation = catalog.fact("collation");
         if (!facts.type.isText()) facts.collation = QString();
+        takeTypesBindings(catalog, facts);
         known.push_back(facts);
         if (!facts.computed.isNull()) continue;
         catalog.addColumn(table.id, facts);
@@ -404,20 +436,9 @@ void writeColumns(Catalog& catalog, const ObjectFacts& table, std::vector<Column
     // Computed columns see the plain ones, whatever their order.
     for (ColumnSpec& column : columns) {
         if (column.facts.computed.isNull()) continue;
-        ColumnInfo info;
-        info.type = SqlType::Variant;
-        const std::vector<Token> tokens = tokenize(column.facts.computed);
-        const std::span<const Token> all(tokens);
-        catalogChanged(catalog.database());
-        try {
-            translateForSqlite(catalog.session(), all.first(all.size() - 1), table.id, &info);
-        } catch (const DbError& error) {
-            if (error.native == 207) throw;  // an unknown column is the user's mistake
-        }
-        column.facts.type = typeFacts(info);
-        column.facts.nullable = column.nullable.value_or(true) && !inPrimaryKey(column) &&
-                                (info.nullable || column.facts.persisted);
-        if (column.facts.type.isText()) column.facts.collation = catalog.fact("collation");
+        typeComputedColumn(catalog, table, column.facts);
+        column.facts.nullable =
+            column.nullable.value_or(column.facts.nullable) && !inPrimaryKey(column);
         catalog.addColumn(table.id, column.facts);
     }
 }
@@ -481,6 +502,17 @@ bool writeKey(Catalog& catalog, const ObjectFacts& table, const ConstraintSpec& 
     index.indid = catalog.nextIndexId(table.id, spec.clustered.value_or(primary && !taken));
     catalog.addIndex(table.id, index);
     return isRowidKey(catalog, table, index, columns);
+}
+
+// What foreign keys and checks say of the rows that they look at. One that replication goes past is
+// never trusted.
+void writeTrust(Catalog& catalog, int id, const ConstraintSpec& spec) {
+    if (spec.notForReplication)
+        catalog.setDetail(1, id, 0, "not_for_replication", QStringLiteral("1"));
+    if (spec.notTrusted || spec.notForReplication)
+        CatalogQuery(catalog.handle(), "UPDATE \"zov$objects\" SET is_not_trusted=1 WHERE id=?")
+            .add(id)
+            .run();
 }
 
 void writeForeignKey(Catalog& catalog, const ObjectFacts& table, const ConstraintSpec& spec,
@@ -572,10 +604,7 @@ void writeForeignKey(Catalog& catalog, const ObjectFacts& table, const Constrain
     }
     const int id = catalog.addObject(name, table.schemaId, QStringLiteral("F"), table.id, {},
                                      spec.name.isEmpty());
-    if (spec.notTrusted)
-        CatalogQuery(catalog.handle(), "UPDATE \"zov$objects\" SET is_not_trusted=1 WHERE id=?")
-            .add(id)
-            .run();
+    writeTrust(catalog, id, spec);
     for (size_t i = 0; i < from.size(); ++i)
         CatalogQuery(catalog.handle(),
                      "INSERT INTO \"zov$references\"(constid, keyno, fkeyid, rkeyid, fkey, rkey,"
@@ -645,10 +674,7 @@ bool writeConstraint(Catalog& catalog, const ObjectFacts& table, const Constrain
             catalog.addObject(name, table.schemaId, spec.kind, table.id,
                               QString::number(column ? column->colid : 0), spec.name.isEmpty());
         catalog.setText(id, spec.text);
-        if (spec.notTrusted)
-            CatalogQuery(catalog.handle(), "UPDATE \"zov$objects\" SET is_not_trusted=1 WHERE id=?")
-                .add(id)
-                .run();
+        writeTrust(catalog, id, spec);
     }
     return false;
 }
@@ -662,6 +688,15 @@ void writeTableIndex(Catalog& catalog, const ObjectFacts& table, const TableInde
                                "already exists on table '%2'.")
                     .arg(index.facts.name, table.display()),
                 index.line);
+    CatalogQuery statistics(catalog.handle(),
+                            "SELECT 1 FROM \"zov$statistics\" WHERE id=? AND name=?");
+    statistics.add(table.id).add(index.facts.name);
+    if (statistics.step())
+        fail(1913,
+             QStringLiteral("The operation failed because an index or statistics with name '%1' "
+                            "already exists on table '%2'.")
+                 .arg(index.facts.name, table.display()),
+             index.line);
     if (index.clustered && hasClustered(catalog, table.id))
         fail(1902,
              QStringLiteral("Cannot create more than one clustered index on table '%1'. Drop the "

@@ -92,6 +92,7 @@ void dropTypes(SessionState& session, TokenCursor& cursor) {
     const ObjectName name = cursor.objectName();
     cursor.expectEnd();
     Catalog catalog = Catalog::forWriting(session, name);
+    if (ifExists && !name.schema.isEmpty() && !catalog.schemaId(name.schema)) return;
     const int schema = catalog.requireSchema(name.schema);
     CatalogQuery found(
         catalog.handle(),
@@ -130,6 +131,7 @@ void dropTypes(SessionState& session, TokenCursor& cursor) {
                             "DELETE FROM \"zov$permissions\" WHERE class=6 AND major_id=?",
                             "DELETE FROM \"zov$properties\" WHERE class=6 AND major_id=?"})
         CatalogQuery(catalog.handle(), sql).add(id).run();
+    catalog.removeDetails(6, id);
 }
 
 }  // namespace zov::local

@@ -162,6 +162,8 @@ void installFunctions(sqlite3* handle, Database& database, ServerStore& store) {
     installNumberFunctions(handle);
     installDateFunctions(handle);
     installCatalogFunctions(handle, database);
+    installPropertyFunctions(handle, database);
+    installSequenceFunctions(handle, database);
 }
 
 }  // namespace zov::local

@@ -105,7 +105,10 @@ int propertyOf(QueryCache& cache, int id, const QString& xtype, int parent, bool
     }
     if (is(property, "CnstIsDisabled")) return disabled;
     if (is(property, "CnstIsNotTrusted")) return untrusted;
-    if (is(property, "CnstIsNotRepl")) return 0;
+    if (is(property, "CnstIsNotRepl"))
+        return exists(
+            "SELECT 1 FROM \"zov$details\" WHERE class = 1 AND major_id = ?1 AND minor_id = 0 "
+            "AND name = 'not_for_replication'");
     if (is(property, "CnstIsDeleteCascade"))
         return exists(
             "SELECT 1 FROM \"zov$references\" WHERE constid = ?1 AND delete_action = 'CASCADE'");
@@ -193,6 +196,15 @@ void objectProperty(sqlite3_context* context, int, sqlite3_value** v) {
     giveInt(context, value);
 }
 
+/// INDEXPROPERTY of statistics that are no index.
+void statisticsProperty(sqlite3_context* context, sqlite3_value** v, const QString& property) {
+    LookUp find(cacheOf(context),
+                "SELECT stats_id FROM \"zov$statistics\" WHERE id = ?1 AND name = ?2");
+    find.bind(sqlite3_value_int64(v[0])).bind(textOf(v[1]));
+    if (!find.next()) return sqlite3_result_null(context);
+    giveInt(context, is(property, "IndexID") ? find.integer(0) : is(property, "IsStatistics"));
+}
+
 void indexProperty(sqlite3_context* context, int, sqlite3_value** v) {
     if (isNull(v[0]) || isNull(v[1]) || isNull(v[2])) return sqlite3_result_null(context);
     LookUp find(cacheOf(context),
@@ -200,8 +212,8 @@ void indexProperty(sqlite3_context* context, int, sqlite3_value** v) {
                 "WHERE k.id = i.id "
                 "AND k.indid = i.indid) FROM \"zov$indexes\" i WHERE id = ?1 AND name = ?2");
     find.bind(sqlite3_value_int64(v[0])).bind(textOf(v[1]));
-    if (!find.next()) return sqlite3_result_null(context);
     const QString property = textOf(v[2]);
+    if (!find.next()) return statisticsProperty(context, v, property);
     if (is(property, "IndexID")) return giveInt(context, find.integer(0));
     if (is(property, "IsUnique")) return giveInt(context, find.integer(1));
     if (is(property, "IsClustered")) return giveInt(context, find.integer(0) == 1);
@@ -243,9 +255,24 @@ void columnProperty(sqlite3_context* context, int, sqlite3_value** v) {
     if (is(property, "UsesAnsiTrim")) return giveInt(context, 1);
     if (is(property, "IsIndexable"))
         return giveInt(context, xtype != 34 && xtype != 35 && xtype != 99 && xtype != 241);
-    for (const char* none : {"IsIdNotForRepl", "IsFulltextIndexed", "IsCursorType", "IsOutParam",
-                             "IsSparse", "IsHidden"})
+    for (const char* none : {"IsFulltextIndexed", "IsCursorType", "IsOutParam"})
         if (is(property, none)) return giveInt(context, 0);
+    static const struct {
+        const char* property;
+        const char* detail;
+    } details[] = {{"IsIdNotForRepl", "not_for_replication"},
+                   {"IsSparse", "sparse"},
+                   {"IsHidden", "hidden"},
+                   {"IsColumnSet", "column_set"}};
+    for (const auto& one : details) {
+        if (!is(property, one.property)) continue;
+        LookUp look(
+            cacheOf(context),
+            "SELECT 1 FROM \"zov$details\" WHERE class = 1 AND major_id = ?1 AND minor_id = ?2 "
+            "AND name = ?3");
+        look.bind(sqlite3_value_int64(v[0])).bind(find.integer(0)).bind(QLatin1String(one.detail));
+        return giveInt(context, look.next());
+    }
     if (is(property, "IsDeterministic")) return giveInt(context, find.integer(3));
     if (is(property, "IsPersisted") || is(property, "IsPrecise"))
         return giveInt(context, find.integer(10));
@@ -361,6 +388,58 @@ void giveDatabases(sqlite3_context* context, int, sqlite3_value**) {
     giveText(context, QJsonDocument(list).toJson(QJsonDocument::Compact));
 }
 
+/// Rows of master's catalogue as JSON, a key per column; a server whose master was never written to
+/// has none.
+QJsonArray rowsOfMaster(ServerStore* store, const char* sql, const QStringList& keys) {
+    QJsonArray rows;
+    if (!store) return rows;
+    for (const DatabaseFacts& facts : store->databases()) {
+        if (facts.dbid != 1 || facts.file.isEmpty()) continue;
+        LookUp find(QueryCache::of(store->database(facts.name)), sql);
+        while (find.next()) {
+            QJsonObject row;
+            for (int i = 0; i < keys.size(); ++i)
+                if (!find.isNull(i)) row.insert(keys[i], find.text(i));
+            rows.append(row);
+        }
+    }
+    return rows;
+}
+
+void giveLogins(sqlite3_context* context, int, sqlite3_value**) {
+    const QString made = QStringLiteral("2003-04-08 09:10:35.460");
+    const auto fixed = [&](const char* name, int id, const char* type) {
+        return QJsonObject{{QStringLiteral("name"), QLatin1String(name)},
+                           {QStringLiteral("id"), id},
+                           {QStringLiteral("type"), QLatin1String(type)},
+                           {QStringLiteral("disabled"), 0},
+                           {QStringLiteral("created"), made},
+                           {QStringLiteral("database"), QStringLiteral("master")}};
+    };
+    QJsonArray rows{fixed("sa", 1, "S"), fixed("public", 2, "R")};
+    for (const QJsonValue& row : rowsOfMaster(
+             databaseOf(context).store,
+             "SELECT name, principal_id, type, is_disabled, created, default_database FROM "
+             "\"zov$logins\" ORDER BY principal_id",
+             {QStringLiteral("name"), QStringLiteral("id"), QStringLiteral("type"),
+              QStringLiteral("disabled"), QStringLiteral("created"), QStringLiteral("database")})) {
+        QJsonObject numbers = row.toObject();
+        for (const char* key : {"id", "disabled"})
+            numbers[QLatin1String(key)] = numbers[QLatin1String(key)].toString().toInt();
+        rows.append(numbers);
+    }
+    giveText(context, QJsonDocument(rows).toJson(QJsonDocument::Compact));
+}
+
+void giveServerPermissions(sqlite3_context* context, int, sqlite3_value**) {
+    QJsonArray rows = rowsOfMaster(
+        databaseOf(context).store,
+        "SELECT grantee, type, permission_name, state FROM \"zov$permissions\" WHERE class = 100",
+        {QStringLiteral("grantee"), QStringLiteral("type"), QStringLiteral("permission"),
+         QStringLiteral("state")});
+    giveText(context, QJsonDocument(rows).toJson(QJsonDocument::Compact));
+}
+
 void typeDescription(sqlite3_context* context, int, sqlite3_value** v) {
     static const struct {
         const char* type;
@@ -423,6 +502,8 @@ void installCatalogFunctions(sqlite3* handle, Database& database) {
     look("databasepropertyex", 2, databaseProperty);
     look("zov_type_desc", 1, typeDescription);
     define(handle, "zov_databases", 0, giveDatabases, &database, false);
+    define(handle, "zov_logins", 0, giveLogins, &database, false);
+    define(handle, "zov_server_permissions", 0, giveServerPermissions, &database, false);
     define(handle, "zov_rowcount", 1, rowCount, &database, false);
     look("ident_seed", 1, [](sqlite3_context* c, int, sqlite3_value** v) {
         giveIdentity(c, v[0],

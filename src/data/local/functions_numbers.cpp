@@ -5,6 +5,7 @@
 #include <QUuid>
 
 #include <cmath>
+#include <map>
 #include <random>
 
 namespace zov::local {
@@ -156,6 +157,7 @@ DecimalText addDecimals(DecimalText a, DecimalText b) {
 
 struct DecimalState {
     DecimalText* value;
+    qint64 count;
 };
 
 enum class DecimalAggregate { Sum, Min, Max };
@@ -167,6 +169,7 @@ void decimalStep(sqlite3_context* context, int, sqlite3_value** v) {
         static_cast<DecimalState*>(sqlite3_aggregate_context(context, sizeof(DecimalState)));
     if (!state) return sqlite3_result_error_nomem(context);
     const DecimalText value = DecimalText::ofValue(valueOf(v[0], ColumnInfo()));
+    ++state->count;
     if (!state->value) {
         state->value = new DecimalText(value);
     } else if (what == DecimalAggregate::Sum) {
@@ -177,12 +180,69 @@ void decimalStep(sqlite3_context* context, int, sqlite3_value** v) {
     }
 }
 
-void decimalFinal(sqlite3_context* context) {
+// Rows leave a window's sum again.
+void decimalInverse(sqlite3_context* context, int, sqlite3_value** v) {
     auto* state = static_cast<DecimalState*>(sqlite3_aggregate_context(context, 0));
-    if (!state || !state->value) return sqlite3_result_null(context);
+    if (isNull(v[0]) || !state || !state->value) return;
+    DecimalText value = DecimalText::ofValue(valueOf(v[0], ColumnInfo()));
+    value.negative = !value.negative && !value.digits.isEmpty();
+    *state->value = addDecimals(*state->value, value);
+    --state->count;
+}
+
+void decimalValue(sqlite3_context* context) {
+    const auto* state = static_cast<DecimalState*>(sqlite3_aggregate_context(context, 0));
+    if (!state || !state->value || state->count == 0) return sqlite3_result_null(context);
     giveValue(context, state->value->stored(ColumnInfo()));
+}
+
+void decimalFinal(sqlite3_context* context) {
+    decimalValue(context);
+    auto* state = static_cast<DecimalState*>(sqlite3_aggregate_context(context, 0));
+    if (!state) return;
     delete state->value;
     state->value = nullptr;
+}
+
+/// The decimals within a window, by their order.
+using DecimalsInOrder = std::multimap<QByteArray, DecimalText>;
+
+DecimalsInOrder** decimalsInOrder(sqlite3_context* context, int bytes) {
+    return static_cast<DecimalsInOrder**>(sqlite3_aggregate_context(context, bytes));
+}
+
+void orderedStep(sqlite3_context* context, int, sqlite3_value** v) {
+    if (isNull(v[0])) return;
+    DecimalsInOrder** all = decimalsInOrder(context, int(sizeof(DecimalsInOrder*)));
+    if (!all) return sqlite3_result_error_nomem(context);
+    if (!*all) *all = new DecimalsInOrder;
+    const DecimalText value = DecimalText::ofValue(valueOf(v[0], ColumnInfo()));
+    (*all)->emplace(decimalKey(value), value);
+}
+
+void orderedInverse(sqlite3_context* context, int, sqlite3_value** v) {
+    DecimalsInOrder** all = decimalsInOrder(context, 0);
+    if (isNull(v[0]) || !all || !*all) return;
+    const auto found = (*all)->find(decimalKey(DecimalText::ofValue(valueOf(v[0], ColumnInfo()))));
+    if (found != (*all)->end()) (*all)->erase(found);
+}
+
+template <DecimalAggregate what>
+void orderedValue(sqlite3_context* context) {
+    DecimalsInOrder** all = decimalsInOrder(context, 0);
+    if (!all || !*all || (*all)->empty()) return sqlite3_result_null(context);
+    const DecimalText& value =
+        what == DecimalAggregate::Min ? (*all)->begin()->second : std::prev((*all)->end())->second;
+    giveValue(context, value.stored(ColumnInfo()));
+}
+
+template <DecimalAggregate what>
+void orderedFinal(sqlite3_context* context) {
+    orderedValue<what>(context);
+    DecimalsInOrder** all = decimalsInOrder(context, 0);
+    if (!all) return;
+    delete *all;
+    *all = nullptr;
 }
 
 struct SpreadState {
@@ -199,6 +259,19 @@ void spreadStep(sqlite3_context* context, int, sqlite3_value** v) {
     const double delta = value - state->mean;
     state->mean += delta / double(++state->count);
     state->squares += delta * (value - state->mean);
+}
+
+void spreadInverse(sqlite3_context* context, int, sqlite3_value** v) {
+    auto* state = static_cast<SpreadState*>(sqlite3_aggregate_context(context, 0));
+    if (isNull(v[0]) || !state || state->count == 0) return;
+    const double value = sqlite3_value_double(v[0]);
+    if (--state->count == 0) {
+        *state = {};
+        return;
+    }
+    const double before = state->mean;
+    state->mean -= (value - before) / double(state->count);
+    state->squares = std::max(0.0, state->squares - (value - before) * (value - state->mean));
 }
 
 template <bool root, bool sample>
@@ -270,20 +343,29 @@ void installNumberFunctions(sqlite3* handle) {
             giveText(c, QUuid::createUuid().toString(QUuid::WithoutBraces).toUpper());
         },
         nullptr, false);
-    sqlite3_create_function_v2(handle, "zov_dsum", 1, SQLITE_UTF8, nullptr, nullptr,
-                               decimalStep<DecimalAggregate::Sum>, decimalFinal, nullptr);
     sqlite3_create_function_v2(handle, "zov_dmin", 1, SQLITE_UTF8, nullptr, nullptr,
                                decimalStep<DecimalAggregate::Min>, decimalFinal, nullptr);
     sqlite3_create_function_v2(handle, "zov_dmax", 1, SQLITE_UTF8, nullptr, nullptr,
                                decimalStep<DecimalAggregate::Max>, decimalFinal, nullptr);
-    sqlite3_create_function_v2(handle, "zov_stdev", 1, SQLITE_UTF8, nullptr, nullptr, spreadStep,
-                               spreadFinal<true, true>, nullptr);
-    sqlite3_create_function_v2(handle, "zov_stdevp", 1, SQLITE_UTF8, nullptr, nullptr, spreadStep,
-                               spreadFinal<true, false>, nullptr);
-    sqlite3_create_function_v2(handle, "zov_var", 1, SQLITE_UTF8, nullptr, nullptr, spreadStep,
-                               spreadFinal<false, true>, nullptr);
-    sqlite3_create_function_v2(handle, "zov_varp", 1, SQLITE_UTF8, nullptr, nullptr, spreadStep,
-                               spreadFinal<false, false>, nullptr);
+    using Step = void (*)(sqlite3_context*, int, sqlite3_value**);
+    using Give = void (*)(sqlite3_context*);
+    const auto window = [handle](const char* name, Step step, Give last, Give value, Step inverse) {
+        sqlite3_create_window_function(handle, name, 1, SQLITE_UTF8, nullptr, step, last, value,
+                                       inverse, nullptr);
+    };
+    window("zov_dsum", decimalStep<DecimalAggregate::Sum>, decimalFinal, decimalValue,
+           decimalInverse);
+    window("zov_wmin", orderedStep, orderedFinal<DecimalAggregate::Min>,
+           orderedValue<DecimalAggregate::Min>, orderedInverse);
+    window("zov_wmax", orderedStep, orderedFinal<DecimalAggregate::Max>,
+           orderedValue<DecimalAggregate::Max>, orderedInverse);
+    const auto spread = [&](const char* name, Give value) {
+        window(name, spreadStep, value, value, spreadInverse);
+    };
+    spread("zov_stdev", spreadFinal<true, true>);
+    spread("zov_stdevp", spreadFinal<true, false>);
+    spread("zov_var", spreadFinal<false, true>);
+    spread("zov_varp", spreadFinal<false, false>);
 }
 
 }  // namespace zov::local

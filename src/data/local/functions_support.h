@@ -53,5 +53,7 @@ void installTextFunctions(sqlite3* handle);
 void installNumberFunctions(sqlite3* handle);
 void installDateFunctions(sqlite3* handle);
 void installCatalogFunctions(sqlite3* handle, Database& database);
+void installPropertyFunctions(sqlite3* handle, Database& database);
+void installSequenceFunctions(sqlite3* handle, Database& database);
 
 }  // namespace zov::local

@@ -1,5 +1,6 @@
 #include "data/local/local_provider.h"
 
+#include "data/base/load_reporting.h"
 #include "data/local/query_engine.h"
 #include "data/local/server_store.h"
 #include "data/local/statement_runner.h"
@@ -43,7 +44,7 @@ class LocalStream : public ResultStream {
     int timeout_;
 };
 
-class LocalConnection : public ProviderConnection {
+class LocalConnection : public ProviderConnection, public LoadReporting {
  public:
     LocalConnection(const ConnectionSpec& spec, bool createDatabase)
         : store_(ServerStore::open(spec.dataSource, createDatabase)) {
@@ -86,6 +87,15 @@ class LocalConnection : public ProviderConnection {
         session_.store = nullptr;
         store_.reset();
     }
+
+    void onStatementFailed(std::function<bool(const DbError&)> failed) override {
+        session_.statementFailed = std::move(failed);
+    }
+    void scriptsBegin() override {
+        session_.databaseChosen = false;
+        store_->offerToMake(*session_.current);
+    }
+    QStringList changedDatabases() override { return store_->changedDatabases(); }
 
     bool beginLoad() override {
         store_->beginLoad();

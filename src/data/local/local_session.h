@@ -12,6 +12,7 @@
 
 #include <atomic>
 #include <chrono>
+#include <functional>
 #include <map>
 #include <memory>
 #include <optional>
@@ -66,6 +67,9 @@ struct SessionState {
         QString text;
     };
     std::optional<CaughtError> caught;
+    bool databaseChosen = false;          ///< by USE; false: where the session began
+    /// Asked whether a batch goes on behind a statement that failed; may be empty.
+    std::function<bool(const DbError&)> statementFailed;
     std::shared_ptr<ExecutionControl> control;   ///< may be null
 };
 

@@ -80,7 +80,7 @@ struct SelectItem {
 };
 
 struct TableSource {
-    enum class Kind { Named, Derived, Values, Join };
+    enum class Kind { Named, Derived, Values, Join, Function };
     enum class Join { Inner, Left, Right, Full, Cross };
 
     Kind kind = Kind::Named;
@@ -89,7 +89,7 @@ struct TableSource {
     QString alias;
     QStringList columnAliases;
     SelectPtr select;
-    std::vector<std::vector<ExprPtr>> rows;
+    std::vector<std::vector<ExprPtr>> rows;  ///< Values; of a Function one row, its arguments
     Join join = Join::Inner;
     std::unique_ptr<TableSource> left, right;
     ExprPtr on;

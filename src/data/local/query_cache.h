@@ -125,6 +125,11 @@ class LookUp {
                           SQLITE_TRANSIENT);
         return *this;
     }
+    LookUp& bindNull() {
+        ++bound_;  // what isn't bound is null
+        return *this;
+    }
+    sqlite3_stmt* statement() const { return statement_; }
     bool next() { return sqlite3_step(statement_) == SQLITE_ROW; }
     bool isNull(int column) const { return sqlite3_column_type(statement_, column) == SQLITE_NULL; }
     qint64 integer(int column) const { return sqlite3_column_int64(statement_, column); }

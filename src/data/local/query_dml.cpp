@@ -228,15 +228,16 @@ Target targetOf(Translator& translator, const QStringList& path, const Token* to
 
 class Inserter {
  public:
-    Inserter(SessionState& session, Target target, const InsertStatement& insert)
+    Inserter(SessionState& session, Target target, const InsertStatement& insert, bool copying)
         : session_(session),
           table_(*target.table),
           database_(*target.database),
           cache_(QueryCache::of(database_)),
           counters_(cache_, table_),
-          held_(target.table) {
+          held_(target.table),
+          copying_(copying) {
         const bool explicitIdentity =
-            session.identityInsert && session.identityInsertTable == table_.id;
+            copying || (session.identityInsert && session.identityInsertTable == table_.id);
         places_.assign(table_.columns.size(), -1);
         if (insert.hasColumns) {
             for (const QString& name : insert.columns) {
@@ -253,19 +254,12 @@ class Inserter {
                              QStringLiteral("Cannot insert explicit value for identity column in "
                                             "table '%1' when IDENTITY_INSERT is set to OFF.")
                                  .arg(table_.name));
-                if (column.info.type == SqlType::RowVersion)
-                    failWith(
-                        273,
-                        QStringLiteral(
-                            "Cannot insert an explicit value into a timestamp column. Use INSERT "
-                            "with a column list to exclude the "
-                            "timestamp column, or insert a DEFAULT into the timestamp column."));
                 places_[size_t(at)] = width_++;
             }
         } else if (!insert.defaultValues) {
             for (size_t i = 0; i < table_.columns.size(); ++i) {
                 const QueryColumn& column = table_.columns[i];
-                if (!column.computed.isNull() || column.info.type == SqlType::RowVersion) continue;
+                if (!column.computed.isNull()) continue;
                 if (column.isIdentity && !explicitIdentity) continue;
                 if (column.isIdentity)
                     failWith(8101,
@@ -328,6 +322,11 @@ class Inserter {
             bool useDefault = places_[i] < 0;
             if (!useDefault) {
                 StoredValue given = value(places_[i], useDefault);
+                // A row version is the server's to give: DEFAULT and NULL ask for it.
+                if (column.info.type == SqlType::RowVersion && !useDefault && !copying_) {
+                    if (!given.isNull()) explicitVersion();
+                    useDefault = true;
+                }
                 if (!useDefault) {
                     stored = storedFor(session_, given, column);
                     if (column.isIdentity && !stored.isNull())
@@ -360,6 +359,20 @@ class Inserter {
         if (counters_.given()) session_.lastIdentity = counters_.given();
         session_.rowCount = count_;
         return count_;
+    }
+
+    [[noreturn]] static void explicitVersion() {
+        failWith(273,
+                 QStringLiteral(
+                     "Cannot insert an explicit value into a timestamp column. Use INSERT with a "
+                     "column list to exclude the timestamp column, or insert a DEFAULT into the "
+                     "timestamp column."));
+    }
+    /// Refuses the rows of a SELECT where they would fill a row version.
+    void checkSelected() const {
+        for (size_t i = 0; i < table_.columns.size(); ++i)
+            if (!copying_ && places_[i] >= 0 && table_.columns[i].info.type == SqlType::RowVersion)
+                explicitVersion();
     }
 
     [[noreturn]] static void computedColumn(const QueryColumn& column) {
@@ -442,6 +455,7 @@ class Inserter {
     std::vector<StoredValue> row_;
     int width_ = 0;
     bool listed_ = false;
+    bool copying_ = false;
     qint64 count_ = 0;
 };
 
@@ -474,7 +488,8 @@ std::vector<std::vector<StoredValue>> readAll(SessionState& session, PreparedSel
 
 }  // namespace
 
-qint64 runInsert(SessionState& session, std::span<const Token> statement, Variables& variables) {
+qint64 runInsert(SessionState& session, std::span<const Token> statement, Variables& variables,
+                 bool copying) {
     QueryParser parser(statement, true, typeReader(session));
     const std::unique_ptr<InsertStatement> insert = parser.parseInsert();
     parser.expectEnd();
@@ -484,7 +499,7 @@ qint64 runInsert(SessionState& session, std::span<const Token> statement, Variab
         target = targetOf(translator, insert->table, insert->tableToken);
     }
     willWrite(session, *target.database);
-    Inserter inserter(session, target, *insert);
+    Inserter inserter(session, target, *insert, copying);
     if (insert->defaultValues) {
         inserter.row([](int, bool& isDefault) {
             isDefault = true;
@@ -515,6 +530,7 @@ qint64 runInsert(SessionState& session, std::span<const Token> statement, Variab
                                           "items than the insert list. The number of SELECT values "
                                           "must match the number of INSERT columns."));
         }
+        inserter.checkSelected();
         bindParameters(session, *select, tokens, variables);
         for (const std::vector<StoredValue>& row : readAll(session, *select))
             inserter.row([&](int place, bool&) { return row[size_t(place)]; });

@@ -58,10 +58,14 @@ std::unique_ptr<ResultStream> runSelect(SessionState& session, std::span<const T
                                         Variables& variables);
 
 /// The columns that a SELECT would give, without running it (views, SELECT INTO).
-std::vector<ColumnInfo> describeSelect(SessionState& session, std::span<const Token> statement);
+/// `variables` may be null when the statement mentions none.
+std::vector<ColumnInfo> describeSelect(SessionState& session, std::span<const Token> statement,
+                                       const Variables* variables = nullptr);
 
 /// Run one statement; the result is the number of rows touched (also left in session.rowCount).
-qint64 runInsert(SessionState& session, std::span<const Token> statement, Variables& variables);
+/// `copying` rows into a table made for them: identities and row versions stay what they were.
+qint64 runInsert(SessionState& session, std::span<const Token> statement, Variables& variables,
+                 bool copying = false);
 qint64 runUpdate(SessionState& session, std::span<const Token> statement, Variables& variables);
 qint64 runDelete(SessionState& session, std::span<const Token> statement, Variables& variables);
 

@@ -268,7 +268,9 @@ Sql Translator::translate(const Expr& expr, Scope& scope) {
             if (value.type.isText())
                 value = plain(converted(value, makeType(SqlType::Int)), knownType(SqlType::Int));
             const QString text = u'(' + expr.name + use(value) + u')';
-            return plain(text, value.type);
+            ValueType type = value.type;
+            type.info.nullable = type.info.nullable || !value.literal;
+            return plain(text, type);
         }
         case Expr::Kind::Arithmetic:
             return arithmetic(expr, scope);
@@ -332,6 +334,7 @@ Sql Translator::plus(Sql a, Sql b) {
                            a.type.type() == b.type.type();
         type.info.type = unicode ? (fixed ? SqlType::NChar : SqlType::NVarChar)
                                  : (fixed ? SqlType::Char : SqlType::VarChar);
+        type.info.nullable = true;
         type.info.size = sizeOf(a) < 0 || sizeOf(b) < 0
                              ? -1
                              : std::min(unicode ? 4000 : 8000, sizeOf(a) + sizeOf(b));
@@ -411,9 +414,10 @@ Sql Translator::arithmetic(const Expr& expr, Scope& scope) {
             type.info.precision = int(side.literal->token->source.size());
         return type;
     };
-    const ValueType type =
-        arithmeticType(op, a.type.isExact() || b.type.isExact() ? shown(a) : a.type,
-                       a.type.isExact() || b.type.isExact() ? shown(b) : b.type);
+    ValueType type = arithmeticType(op, a.type.isExact() || b.type.isExact() ? shown(a) : a.type,
+                                    a.type.isExact() || b.type.isExact() ? shown(b) : b.type);
+    // An overflow gives null where the session wants it so, whatever the operands are.
+    type.info.nullable = true;
     switch (op.unicode()) {
         case '&':
         case '|':
@@ -507,8 +511,7 @@ Sql Translator::cast(const Expr& expr, Scope& scope) {
     type.info = expr.castType;
     type.known = true;
     // Without a size, CAST makes texts of thirty characters.
-    type.info.nullable =
-        value.type.untypedNull || !value.type.known || value.type.info.nullable || expr.tolerant;
+    type.info.nullable = true;  // a conversion may fail, and give null then
     return plain(converted(value, type.info, style, expr.tolerant), type);
 }
 

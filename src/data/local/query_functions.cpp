@@ -3,6 +3,7 @@
 // by functions_*.cpp.
 #include "data/local/query_translator.h"
 #include "data/local/query_values.h"
+#include "data/local/server_store.h"
 
 #include <limits>
 
@@ -262,10 +263,12 @@ Sql Translator::aggregate(const Expr& expr, Scope& scope, bool& found) {
             }
             return windowed(made(QStringLiteral("sum(") + text + u')', type), expr, scope);
         }
-        if (value.type.isInteger() && !expr.window)
-            return made(QStringLiteral("(sum(") + text + QStringLiteral(") / count(") + text +
-                            QStringLiteral("))"),
-                        type);
+        if (value.type.isInteger()) {
+            const Sql sum = windowed(made(QStringLiteral("sum(") + text + u')', type), expr, scope);
+            const Sql count =
+                windowed(made(QStringLiteral("count(") + text + u')', type), expr, scope);
+            return made(u'(' + sum.text + QStringLiteral(" / ") + count.text + u')', type);
+        }
         return windowed(made(QStringLiteral("avg(") + text + u')', type), expr, scope);
     }
     if (name == u"min" || name == u"max") {
@@ -275,17 +278,17 @@ Sql Translator::aggregate(const Expr& expr, Scope& scope, bool& found) {
         if (value.type.isText() && !value.collated) text += QStringLiteral(" COLLATE NOCASE");
         ValueType type = value.type;
         type.info.nullable = true;
-        const QString function =
-            value.type.isWide()
-                ? (name == u"min" ? QStringLiteral("zov_dmin(") : QStringLiteral("zov_dmax("))
-                : name + u'(';
+        const QString function = !value.type.isWide() ? name + u'('
+                                 : expr.window        ? QStringLiteral("zov_w") + name + u'('
+                                                      : QStringLiteral("zov_d") + name + u'(';
         return windowed(made(function + text + u')', type), expr, scope);
     }
     if (name == u"stdev" || name == u"stdevp" || name == u"var" || name == u"varp") {
         if (expr.args.size() != 1) wrongCount(name, 1);
-        return made(QStringLiteral("zov_") + name + u'(' + distinct +
-                        use(translate(*expr.args[0], scope)) + u')',
-                    knownType(SqlType::Float));
+        return windowed(made(QStringLiteral("zov_") + name + u'(' + distinct +
+                                 use(translate(*expr.args[0], scope)) + u')',
+                             knownType(SqlType::Float)),
+                        expr, scope);
     }
     if (name == u"string_agg") {
         if (expr.args.size() != 2) wrongCount(name, 2);
@@ -316,8 +319,43 @@ Sql Translator::aggregate(const Expr& expr, Scope& scope, bool& found) {
     return {};
 }
 
+Sql Translator::nextValue(const Expr& expr) {
+    Database& database = *context_.database;
+    const QStringList& path = expr.path;
+    const QString text = path.join(u'.');
+    if (path.size() > 2 && !(path.size() == 3 && path[0].compare(database.name, Qt::CaseInsensitive) == 0))
+        failWith(40000, QStringLiteral("The embedded server counts sequences of the current database "
+                                       "only ('%1').")
+                            .arg(text));
+    qint64 id = 0;
+    ColumnInfo type;
+    {
+        LookUp find(QueryCache::of(database),
+                    "SELECT o.id, zov_fact(o.info, 'type'), zov_fact(o.info, 'prec') FROM "
+                    "\"zov$objects\" o JOIN \"zov$schemas\" s ON s.schema_id = o.schema_id WHERE "
+                    "o.name = ?1 AND s.name = ?2 AND o.xtype = 'SO'");
+        const QString schema = path.size() > 1 ? path[path.size() - 2] : QString();
+        find.bind(path.last()).bind(schema.isEmpty() ? QStringLiteral("dbo") : schema);
+        if (find.next()) {
+            id = find.integer(0);
+            type = typeFromCatalogue(int(find.integer(1)), 0, int(find.integer(2)), 0, false);
+        }
+    }
+    if (!id)
+        failWith(208, QStringLiteral("Invalid object name '%1'.").arg(text), ado_error::NoSuchTable,
+                 QStringLiteral("42S02"));
+    // The number is gone for good, whatever reads it.
+    if (session_.store) session_.store->willWrite(database);
+    prefixFor(&database);
+    ValueType value;
+    value.info = type;
+    value.known = true;
+    return made(QStringLiteral("zov_nextval(%1)").arg(id), value);
+}
+
 Sql Translator::function(const Expr& expr, Scope& scope) {
     const QString& name = expr.name;
+    if (name == u"next value for") return nextValue(expr);
     const int count = int(expr.args.size());
     bool found = false;
     Sql aggregated = aggregate(expr, scope, found);
@@ -331,17 +369,24 @@ Sql Translator::function(const Expr& expr, Scope& scope) {
     if (const Rule* rule = ruleMap().value(name); rule && rule->minVersion <= majorVersion_) {
         if (count < rule->least || count > rule->most) wrongCount(name, rule->least);
         QStringList arguments;
-        ValueType first = unknownType();
+        ValueType first = unknownType(), second = unknownType();
         for (int i = 0; i < count; ++i) {
             Sql value = argument(i);
             if (i == 0) first = value.type;
+            if (i == 1) second = value.type;
             arguments.append(rule->bind ? bound(value) : rule->texts ? asText(value) : use(value));
         }
         ValueType type;
         switch (rule->result) {
-            case Result::Int:
-                type = knownType(SqlType::Int);
+            case Result::Int: {
+                // What is looked through may be longer than an int counts.
+                const ValueType& searched = count > 1 ? second : first;
+                const bool counts = name == u"len" || name == u"charindex" || name == u"patindex";
+                type = knownType(counts && searched.known && searched.info.size < 0
+                                     ? SqlType::BigInt
+                                     : SqlType::Int);
                 break;
+            }
             case Result::BigInt:
                 type = knownType(SqlType::BigInt);
                 break;
@@ -374,6 +419,9 @@ Sql Translator::function(const Expr& expr, Scope& scope) {
                 if ((name == u"floor" || name == u"ceiling") && first.isExact() &&
                     first.type() < SqlType::Money)
                     type.info.scale = 0;
+                if (name == u"power" && first.isExact() && first.type() < SqlType::Money)
+                    type.info.precision = 38;
+                type.info.nullable = true;
                 break;
             case Result::FirstText:
                 if (first.isBinary())
@@ -421,6 +469,7 @@ Sql Translator::function(const Expr& expr, Scope& scope) {
         if (count < 2) wrongCount(name, 2);
         ValueType type = argument(0).type;
         for (int i = 1; i < count; ++i) type = commonType(type, argument(i).type);
+        type.info.nullable = true;  // unlike ISNULL's, whatever stands at its end
         QStringList arguments;
         for (int i = 0; i < count; ++i) {
             const Sql value = argument(i);

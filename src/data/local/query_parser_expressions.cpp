@@ -232,6 +232,13 @@ ExprPtr QueryParser::parsePrimary() {
                 return node;
             }
             if (token.is("case")) return parseCase();
+            if (token.is("next") && is("value", 1) && is("for", 2)) {
+                ExprPtr node = make(Expr::Kind::Function);
+                node->name = QStringLiteral("next value for");
+                at_ += 3;
+                if (!parsePath(node->path)) failHere();
+                return node;
+            }
             if ((token.is("left") || token.is("right")) && is("(", 1)) {
                 ++at_;
                 return parseFunction(token);

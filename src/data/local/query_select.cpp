@@ -38,6 +38,9 @@ QString shapeOf(const SessionState& session, std::span<const Token> tokens) {
                 break;
             default:
                 if (token.kind == TokenKind::Word && token.source.startsWith(u'@')) return {};
+                // NEXT VALUE FOR writes, which is begun when it is translated.
+                if (token.is("value") && &token != tokens.data() && (&token)[-1].is("next"))
+                    return {};
                 shape += token.source;
         }
     }
@@ -52,7 +55,7 @@ bool literalsMatch(const PreparedSelect& select, std::span<const Token> tokens) 
 
 std::shared_ptr<PreparedSelect> translateAndPrepare(SessionState& session,
                                                     std::span<const Token> tokens,
-                                                    Variables* variables, bool describeOnly) {
+                                                    const Variables* variables, bool describeOnly) {
     QueryParser parser(tokens, true, typeReader(session));
     const SelectPtr tree = parser.parseSelect();
     parser.expectEnd();
@@ -169,8 +172,9 @@ std::unique_ptr<ResultStream> runSelect(SessionState& session, std::span<const T
     return streamWithoutRows(rows);
 }
 
-std::vector<ColumnInfo> describeSelect(SessionState& session, std::span<const Token> statement) {
-    return translateAndPrepare(session, statement, nullptr, true)->columns;
+std::vector<ColumnInfo> describeSelect(SessionState& session, std::span<const Token> statement,
+                                       const Variables* variables) {
+    return translateAndPrepare(session, statement, variables, true)->columns;
 }
 
 namespace {

@@ -134,6 +134,9 @@ void Translator::addSources(const TableSource& source, Scope& scope) {
         case TableSource::Kind::Named:
             addNamed(source, scope);
             break;
+        case TableSource::Kind::Function:
+            addPropertyList(source, scope);
+            break;
         case TableSource::Kind::Derived: {
             TranslatedSelect inner =
                 selectIn(*source.select, scope.outer ? scope.outer : root_.get());
@@ -208,6 +211,40 @@ void Translator::addSources(const TableSource& source, Scope& scope) {
     }
 }
 
+// fn_listextendedproperty: DEFAULT and NULL among its seven arguments ask for all.
+void Translator::addPropertyList(const TableSource& source, Scope& scope) {
+    constexpr size_t Arguments = 7;
+    const std::vector<ExprPtr>& given = source.rows[0];
+    if (given.size() != Arguments)
+        failWith(313, QStringLiteral("An insufficient number of arguments were supplied for the "
+                                     "procedure or function %1.")
+                          .arg(source.path.last()));
+    QString arguments;
+    for (const ExprPtr& one : given)
+        arguments += (arguments.isEmpty() ? QString() : QStringLiteral(", ")) +
+                     (one->kind == Expr::Kind::Default ? QStringLiteral("NULL")
+                                                       : use(translate(*one, *root_)));
+    prefixFor(context_.database);
+    Source added;
+    added.sqlAlias = QStringLiteral("t%1").arg(++nextAlias_);
+    added.alias = source.alias;
+    static const char* const names[] = {"objtype", "objname", "name", "value"};
+    QString list;
+    for (const char* name : names) {
+        SourceColumn column;
+        column.name = QLatin1String(name);
+        column.type = column.name == u"value" ? knownType(SqlType::Variant)
+                                              : knownType(SqlType::NVarChar, 128);
+        column.sql = quotedName(column.name);
+        list += (list.isEmpty() ? QString() : QStringLiteral(", ")) +
+                QStringLiteral("json_extract(j.value, '$.%1') AS %2").arg(column.name, column.sql);
+        added.columns.push_back(std::move(column));
+    }
+    added.body =
+        QStringLiteral("(SELECT %1 FROM json_each(zov_properties(%2)) j)").arg(list, arguments);
+    scope.sources.push_back(std::move(added));
+}
+
 void Translator::addNamed(const TableSource& source, Scope& scope) {
     Source added;
     added.sqlAlias = QStringLiteral("t%1").arg(++nextAlias_);
@@ -240,7 +277,7 @@ void Translator::addNamed(const TableSource& source, Scope& scope) {
             if (!session_.store || !session_.store->hasDatabase(source.path[0]))
                 noSuchObject(source.path, source.token);
             // What is the same for the whole server needs no second database.
-            if (!view->from.contains(QLatin1String("zov_databases")))
+            if (!view->from.contains(QLatin1String("json_each(zov_")))
                 database = &session_.store->database(source.path[0]);
         }
         added.view = view;

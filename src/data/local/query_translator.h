@@ -130,6 +130,7 @@ class Translator {
 
     void addSources(const TableSource& source, Scope& scope);
     void addNamed(const TableSource& source, Scope& scope);
+    void addPropertyList(const TableSource& source, Scope& scope);
     void addView(const QueryTable& view, Database* database, Source& source);
     QString fromText(const TableSource& source, Scope& scope, size_t& index,
                      std::vector<QString>& conditions, bool innerOnly);
@@ -146,6 +147,7 @@ class Translator {
     Sql caseExpr(const Expr& expr, Scope& scope);
     Sql cast(const Expr& expr, Scope& scope);
     Sql function(const Expr& expr, Scope& scope);
+    Sql nextValue(const Expr& expr);
     Sql aggregate(const Expr& expr, Scope& scope, bool& found);
     Sql windowed(Sql call, const Expr& expr, Scope& scope);
     Sql literal(const Expr& expr);

@@ -562,7 +562,7 @@ StoredValue toDecimalType(const StoredValue& value, const ColumnInfo& to) {
         }
         if (!DecimalText::parse(text, decimal)) cannotConvert(value, to);
     } else if (value.kind == Kind::Blob) {
-        cannotConvert(value, to);
+        decimal = decimalOfBytes(value.bytes, to);
     } else {
         if (value.kind == Kind::Real && !std::isfinite(value.real)) overflow(value, to);
         decimal = DecimalText::ofValue(value);
@@ -612,7 +612,10 @@ StoredValue toDateType(const StoredValue& value, const ColumnInfo& to, const QSt
                        int style) {
     qint64 ticks = 0;
     qint16 offset = 0;
-    if (!ticksOf(value, dateFormat, style, ticks, offset)) cannotConvert(value, to);
+    if (value.kind == Kind::Blob)
+        ticks = ticksOfBytes(value.bytes, to, offset);
+    else if (!ticksOf(value, dateFormat, style, ticks, offset))
+        cannotConvert(value, to);
     const qint64 days = ticks / TicksPerDay;
     const bool tooEarly = (to.type == SqlType::DateTime && days < daysFromCivil(1753, 1, 1)) ||
                           (to.type == SqlType::SmallDateTime &&

@@ -42,6 +42,11 @@ struct DecimalText {
     StoredValue stored(const ColumnInfo& type) const;
 };
 
+/// The moment in the bytes of a type of the date family, and the number in those of a decimal or a
+/// money (query_binary_values.cpp). Throw DbError 210 and 8114 for bytes that hold none.
+qint64 ticksOfBytes(const QByteArray& bytes, const ColumnInfo& to, qint16& offset);
+DecimalText decimalOfBytes(const QByteArray& bytes, const ColumnInfo& to);
+
 /// A value's text as `style` of CONVERT writes it (0 the default); empty for a null.
 QString valueText(const StoredValue& value, int style = 0);
 

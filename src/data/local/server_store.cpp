@@ -22,6 +22,22 @@ const QString DefaultVersion = QStringLiteral("16.0.4085.2");
 const QString DefaultCollation = QStringLiteral("SQL_Latin1_General_CP1_CI_AS");
 const QString Scheme = QStringLiteral("local:");
 
+// A file that an earlier version of the program made gets the tables that it lacks; one that can't
+// be written reads as if they were there and empty.
+void addLaterTables(sqlite3* handle, bool readOnly) {
+    sqlite3_stmt* statement = nullptr;
+    checkSqlite(handle,
+                sqlite3_prepare_v2(handle, "SELECT 1 FROM sqlite_master WHERE name='zov$logins'",
+                                   -1, &statement, nullptr));
+    const int code = sqlite3_step(statement);
+    sqlite3_finalize(statement);
+    checkSqlite(handle, code);
+    if (code == SQLITE_ROW) return;
+    QByteArray sql = laterCatalogTablesSql();
+    if (readOnly) sql.replace("CREATE TABLE", "CREATE TEMP TABLE");
+    execSql(handle, ("BEGIN; " + sql + "; COMMIT").constData());
+}
+
 class Statement {
  public:
     Statement(sqlite3* handle, const char* sql) {
@@ -282,6 +298,7 @@ ServerStore::Entry& ServerStore::openEntry(const QString& name, const QString& f
                 staged
                     ? "PRAGMA synchronous=OFF; PRAGMA journal_mode=MEMORY; PRAGMA temp_store=MEMORY"
                     : "PRAGMA synchronous=NORMAL; PRAGMA temp_store=MEMORY");
+        addLaterTables(handle, entry->readOnly);
         installFunctions(handle, entry->database, *this);
         Statement id(handle, "SELECT value FROM \"zov$facts\" WHERE name='dbid'");
         if (id.step()) entry->database.dbid = sqlite3_column_int(id.get(), 0);
@@ -388,6 +405,7 @@ Database& ServerStore::openOrCreate(const QString& name) {
     if (hasDatabase(name)) return database(name);
     createDatabase(name);
     createdAtOpen_.insert(fold(name));
+    unclaimed_.insert(fold(name));
     return database(name);
 }
 
@@ -397,6 +415,9 @@ void ServerStore::createDatabase(const QString& name) {
     if (transactionCount_ > 0)
         throw nativeError(226, QStringLiteral("CREATE DATABASE statement not allowed within "
                                               "multi-statement transaction."));
+    // A script that makes the database which was made for it finds it as it wants it: new and
+    // empty.
+    if (inLoad_ && unclaimed_.erase(fold(name)) && hasDatabase(name)) return;
     if (hasDatabase(name))
         throw nativeError(1801, QStringLiteral("Database '%1' already exists. Choose a different "
                                                "database name.")

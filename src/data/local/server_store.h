@@ -73,6 +73,11 @@ class ServerStore {
     void commitLoad();
     void rollbackLoad();
     bool inLoad() const { return inLoad_; }
+    /// A database that is new and empty may be made once more: whoever does so finds it as he wants
+    /// it.
+    void offerToMake(const Database& database);
+    /// Those that the running load has written to; one that was only made is none of them.
+    QStringList changedDatabases() const;
 
     // Transactions of the session (BEGIN TRAN ...). Within a load they nest into it.
     void beginTransaction();
@@ -115,6 +120,8 @@ class ServerStore {
     std::vector<std::unique_ptr<Entry>> gone_;        // closed; sessions may still point at them
     std::map<QString, QString> dropped_;              // in this load: folded name -> file
     std::set<QString> createdAtOpen_;
+    std::set<QString>
+        unclaimed_;  // made at open, and nothing said of them yet: CREATE DATABASE may
     bool folderMade_ = false;
     bool inLoad_ = false;
     bool inStatement_ = false;

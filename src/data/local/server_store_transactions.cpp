@@ -36,6 +36,7 @@ void ServerStore::commitLoad() {
     }
     dropped_.clear();
     createdAtOpen_.clear();
+    unclaimed_.clear();
     folderMade_ = false;
     inLoad_ = false;
     transactionCount_ = 0;
@@ -47,6 +48,7 @@ void ServerStore::rollbackLoad() {
     inStatement_ = false;
     transactionCount_ = 0;
     dropped_.clear();
+    unclaimed_.clear();
     for (auto& [key, entry] : open_) entry->detachOthers();
     std::vector<QString> leaving;
     for (auto& [key, entry] : open_) {
@@ -89,6 +91,18 @@ void ServerStore::rollbackLoad() {
         }
     }
     createdAtOpen_.clear();
+}
+
+void ServerStore::offerToMake(const Database& database) {
+    const Entry* entry = entryOf(database);
+    if (entry && entry->staged && !entry->begun) unclaimed_.insert(fold(database.name));
+}
+
+QStringList ServerStore::changedDatabases() const {
+    QStringList names;
+    for (const auto& [key, entry] : open_)
+        if (entry->begun) names.push_back(entry->database.name);
+    return names;
 }
 
 void ServerStore::beginTransaction() {
@@ -154,6 +168,7 @@ void ServerStore::willWrite(Database& database) {
     if (!entry->begun) {
         execSql(database.handle, "BEGIN IMMEDIATE");
         entry->begun = true;
+        unclaimed_.erase(fold(database.name));
     }
     if (transactionCount_ > 0 && !entry->marked) {
         execSql(database.handle, "SAVEPOINT zov_transaction");

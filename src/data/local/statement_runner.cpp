@@ -33,8 +33,15 @@ qsizetype BatchStream::fetch(RowStore& rows, qsizetype maxRows) {
     try {
         return current_.rows->fetch(rows, maxRows);
     } catch (DbError& error) {
-        frames_.clear();
         if (error.line == 0) error.line = rowsLine_;
+        if (error.nearText.isEmpty()) error.nearText = rowsWords_;
+        const bool stopped =
+            error.number == ado_error::Cancelled || error.number == ado_error::Timeout;
+        if (!stopped && session_.statementFailed && session_.statementFailed(error)) {
+            current_ = {};
+            return 0;
+        }
+        frames_.clear();
         throw;
     }
 }
@@ -79,13 +86,24 @@ void BatchStream::pushFrame(const QString& text) {
     frame->text = text;
     frame->tokens = tokenize(frame->text, session_.quotedIdentifier);
     frame->steps = cutBatch(frame->tokens);
-    if (!frames_.empty()) frame->returnTo = session_.current->name;
+    if (!frames_.empty()) {
+        frame->returnTo = session_.current->name;
+        frame->settings = {session_.quotedIdentifier, session_.ansiNulls, session_.noCount,
+                           session_.rowCountLimit, session_.dateFormat};
+    }
     frames_.push_back(std::move(frame));
 }
 
 void BatchStream::leaveFrame() {
     const std::unique_ptr<Frame> done = std::move(frames_.back());
     frames_.pop_back();
+    if (done->settings) {
+        session_.quotedIdentifier = done->settings->quotedIdentifier;
+        session_.ansiNulls = done->settings->ansiNulls;
+        session_.noCount = done->settings->noCount;
+        session_.rowCountLimit = done->settings->rowCountLimit;
+        session_.dateFormat = done->settings->dateFormat;
+    }
     if (frames_.empty()) return;
     for (const Frame::Output& output : done->outputs)
         if (const StoredValue* value = done->variables->find(output.inner))
@@ -144,8 +162,10 @@ void BatchStream::run() {
                 statement(
                     [&] { holds = evaluateCondition(session_, frame().span(step), variables()); },
                     step.line, frame().span(step));
-                // A failed condition may have jumped to a CATCH already.
-                if (!failed_ && !holds && frames_.size() == depth) frame().at = step.target;
+                // A failed condition may have jumped to a CATCH already; one that is passed by
+                // takes what it guards along.
+                if (passedBy_ || (!failed_ && !holds && frames_.size() == depth))
+                    frame().at = step.target;
                 break;
             }
             case BatchStep::Kind::Statement: {
@@ -211,6 +231,10 @@ void BatchStream::handle(DbError& error, int line, std::span<const Token> tokens
     if (error.line == 0) error.line = line;
     if (error.nearText.isEmpty() && !tokens.empty()) {
         error.nearText = sourceText(tokens).left(200).simplified().left(60);
+    }
+    if (!stopped && session_.statementFailed && session_.statementFailed(error)) {
+        passedBy_ = true;
+        return;
     }
     if (frames_.size() > 1 && session_.store->hasDatabase(frames_[1]->returnTo))
         session_.current = &session_.store->database(frames_[1]->returnTo);

@@ -38,6 +38,7 @@ class Lexer {
             read(token);
             token.source = text_.mid(token.position, at_ - token.position);
             tokens.push_back(std::move(token));
+            noticeSetting(tokens);
         }
     }
 
@@ -48,6 +49,23 @@ class Lexer {
     void advance() {
         if (text_[at_] == u'\n') ++line_;
         ++at_;
+    }
+
+    // SET [ANSI_NULLS,] QUOTED_IDENTIFIER {ON | OFF} counts for what is read behind it, whether or
+    // not it is ever run.
+    void noticeSetting(const std::vector<Token>& tokens) {
+        const bool on = tokens.back().is("ON");
+        if (!on && !tokens.back().is("OFF")) return;
+        bool named = false;
+        for (size_t at = tokens.size() - 1; at >= 2; at -= 2) {
+            const Token& name = tokens[at - 1];
+            named = named || name.is("QUOTED_IDENTIFIER") || name.is("ANSI_DEFAULTS");
+            if (tokens[at - 2].is("SET")) {
+                if (named) quoted_ = on;
+                return;
+            }
+            if (!tokens[at - 2].is(",")) return;
+        }
     }
 
     void skipBlanksAndComments() {
@@ -130,22 +148,33 @@ class Lexer {
                 if (peek(1) != close) break;
                 ++at_;
             }
+            if (kind == TokenKind::String && continuesLine()) {
+                skipContinuation();
+                continue;
+            }
             token.value += text_[at_];
             advance();
         }
         ++at_;
     }
 
+    // A backslash at a line's end continues a constant on the next line; neither is a part of it.
+    bool continuesLine() const {
+        return peek() == u'\\' && (peek(1) == u'\n' || (peek(1) == u'\r' && peek(2) == u'\n'));
+    }
+    void skipContinuation() {
+        at_ += peek(1) == u'\r' ? 2 : 1;
+        advance();
+    }
+
     void readBinary(Token& token) {
         token.kind = TokenKind::Binary;
         at_ += 2;
-        // A backslash at a line's end continues the constant on the next line.
         for (;;) {
             if (isHexDigit(peek())) {
                 ++at_;
-            } else if (peek() == u'\\' && (peek(1) == u'\n' || (peek(1) == u'\r' && peek(2) == u'\n'))) {
-                at_ += peek(1) == u'\r' ? 2 : 1;
-                advance();
+            } else if (continuesLine()) {
+                skipContinuation();
             } else {
                 return;
             }

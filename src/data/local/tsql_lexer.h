@@ -33,7 +33,8 @@ struct Token {
     qsizetype end() const { return position + source.size(); }
 };
 
-/// Comments (-- to the line's end, /* nested */) and blanks separate tokens and are dropped. The last
+/// `quotedIdentifiers`: whether "x" is a name at the beginning of the text; SET QUOTED_IDENTIFIER in
+/// it counts from there on. Comments (-- to the line's end, /* nested */) and blanks separate tokens and are dropped. The last
 /// token is End. `text` must outlive the tokens. An unterminated string, name or comment throws
 /// DbError with the server's wording and the line where it starts.
 std::vector<Token> tokenize(QStringView text, bool quotedIdentifiers = true);
