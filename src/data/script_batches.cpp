@@ -1,6 +1,7 @@
 #include "data/script_batches.h"
 
 #include <QRegularExpression>
+#include <QSet>
 
 namespace zov {
 namespace {
@@ -18,8 +19,12 @@ void scanLine(QStringView line, ScanState& state) {
         const QChar c = line[i];
         const QChar next = i + 1 < line.size() ? line[i + 1] : QChar();
         if (!state.openQuote.isNull()) {
-            // A doubled quote closes and opens again, which comes to the same.
-            if (c == state.openQuote) state.openQuote = QChar();
+            // A doubled quote closes and opens again, which comes to the same; "]]" would only
+            // close.
+            if (c == u']' && next == u']' && state.openQuote == u']')
+                ++i;
+            else if (c == state.openQuote)
+                state.openQuote = QChar();
         } else if (c == u'/' && next == u'*') {
             ++state.commentDepth;
             ++i;
@@ -38,7 +43,98 @@ void scanLine(QStringView line, ScanState& state) {
     }
 }
 
+/// Behind the block comment that was opened in front of `at`; comments nest.
+qsizetype endOfComment(const QString& script, qsizetype at) {
+    for (int open = 1; open > 0 && at < script.size(); ++at) {
+        const QStringView two = QStringView(script).mid(at, 2);
+        if (two == u"/*" || two == u"*/") {
+            open += two == u"/*" ? 1 : -1;
+            ++at;
+        }
+    }
+    return at;
+}
+
+/// A word, a quoted name or a mark of a script, outside of comments and strings.
+struct ScriptToken {
+    QString text;
+    bool quoted = false;
+    qsizetype position = 0;
+    int line = 1;
+    int depth = 0;  ///< of parentheses around it
+
+    bool is(QLatin1StringView word) const {
+        return !quoted && text.compare(word, Qt::CaseInsensitive) == 0;
+    }
+};
+
+std::vector<ScriptToken> tokensOf(const QString& script) {
+    static const QRegularExpression token(
+        QStringLiteral("--[^\\n]*|'(?:[^']|'')*'|\\[((?:[^\\]]|\\]\\])*)\\]|\"((?:[^\"]|\"\")*)\"|("
+                       "[\\w@#$]+)|/\\*|[^\\s]"));
+    std::vector<ScriptToken> tokens;
+    int depth = 0, line = 1;
+    qsizetype counted = 0;
+    for (qsizetype at = 0; at < script.size();) {
+        const QRegularExpressionMatch match = token.match(script, at);
+        if (!match.hasMatch()) break;
+        at = match.capturedEnd();
+        const QStringView text = match.capturedView();
+        if (text == u"/*") {
+            at = endOfComment(script, at);
+            continue;
+        }
+        if (text.startsWith(u"--") || text.startsWith(u'\'')) continue;
+        if (text == u")") --depth;
+        line += int(QStringView(script).mid(counted, match.capturedStart() - counted).count(u'\n'));
+        counted = match.capturedStart();
+        ScriptToken one{text.toString(), false, match.capturedStart(), line, depth};
+        for (const int group : {1, 2}) {
+            if (!match.hasCaptured(group)) continue;
+            const QChar close = group == 1 ? u']' : u'"';
+            one.quoted = true;
+            one.text = match.captured(group).replace(QString(2, close), QString(close));
+        }
+        if (text == u"(") ++depth;
+        tokens.push_back(std::move(one));
+    }
+    return tokens;
+}
+
 }  // namespace
+
+std::vector<UseStatement> useStatements(const QString& script) {
+    std::vector<UseStatement> uses;
+    const std::vector<ScriptToken> tokens = tokensOf(script);
+    for (size_t i = 0; i + 1 < tokens.size(); ++i) {
+        const ScriptToken& name = tokens[i + 1];
+        const bool named = name.quoted || name.text[0].isLetterOrNumber() || name.text[0] == u'_';
+        if (tokens[i].is(QLatin1StringView("use")) && tokens[i].depth == 0 && named)
+            uses.push_back({name.text, tokens[i].position, tokens[i].line});
+    }
+    return uses;
+}
+
+QStringList createdDatabases(const QString& script) {
+    // CREATE DATABASE ENCRYPTION KEY and its like make no database.
+    static const QSet<QString> others = {QStringLiteral("ENCRYPTION"), QStringLiteral("AUDIT"),
+                                         QStringLiteral("SCOPED")};
+    QStringList names;
+    const std::vector<ScriptToken> tokens = tokensOf(script);
+    for (size_t i = 0; i + 2 < tokens.size(); ++i) {
+        const ScriptToken& name = tokens[i + 2];
+        if (!tokens[i].is(QLatin1StringView("create")) ||
+            !tokens[i + 1].is(QLatin1StringView("database")))
+            continue;
+        if (!name.quoted && others.contains(name.text.toUpper()) && i + 3 < tokens.size() &&
+            (tokens[i + 3].is(QLatin1StringView("key")) ||
+             tokens[i + 3].is(QLatin1StringView("specification")) ||
+             tokens[i + 3].is(QLatin1StringView("credential"))))
+            continue;
+        if (!names.contains(name.text, Qt::CaseInsensitive)) names.push_back(name.text);
+    }
+    return names;
+}
 
 std::vector<ScriptBatch> splitBatches(const QString& script) {
     static const QRegularExpression separator(

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <QString>
+#include <QStringList>
 
 #include <vector>
 
@@ -17,5 +18,16 @@ struct ScriptBatch {
 /// count, a semicolon or a comment may follow), in any case, and not inside a comment, a string or a
 /// quoted name.
 std::vector<ScriptBatch> splitBatches(const QString& script);
+
+struct UseStatement {
+    QString database;
+    qsizetype position = 0;  ///< of its USE within the text
+    int line = 1;            ///< from 1
+};
+
+/// The USE statements of a text in their order; what stands in comments and strings is none.
+std::vector<UseStatement> useStatements(const QString& script);
+/// The databases that a text makes by CREATE DATABASE, each once.
+QStringList createdDatabases(const QString& script);
 
 }  // namespace zov

@@ -1,5 +1,6 @@
 #include "data/script_loading.h"
 
+#include "data/base/load_reporting.h"
 #include "data/connection.h"
 #include "data/mdlData.h"
 #include "data/script_batches.h"
@@ -52,20 +53,24 @@ class Loader {
         connection_.Open();
         session_ = connection_.sessionForNewCommand();
         undoable_ = session_->beginLoad();
+        reporting_ = dynamic_cast<LoadReporting*>(session_.get());
     }
 
-    void replace(const QString& database) {
+    /// `toBeMade`: the scripts make it themselves.
+    void replace(const QString& database, bool toBeMade) {
         if (!undoable_)
             throw DbError(
                 ado_error::Unspecified,
                 QStringLiteral("Replacing a whole database works on the embedded server alone."));
         QString name = database;
         name.replace(u']', QLatin1StringView("]]"));
-        execute(QStringLiteral("USE master DROP DATABASE [%1] CREATE DATABASE [%1]").arg(name));
-        execute(QStringLiteral("USE [%1]").arg(name));
+        execute(QStringLiteral("USE master IF DB_ID(N'%2') IS NOT NULL DROP DATABASE [%1]")
+                    .arg(name, QString(database).replace(u'\'', QLatin1StringView("''"))));
+        if (!toBeMade) execute(QStringLiteral("CREATE DATABASE [%1] USE [%1]").arg(name));
     }
 
     void run(const std::vector<Script>& scripts) {
+        if (reporting_) reporting_->scriptsBegin();
         size_t total = 0, done = 0;
         for (const Script& script : scripts) total += script.batches.size();
         for (const Script& script : scripts) {
@@ -78,6 +83,7 @@ class Loader {
                 if (!runBatch(script, batch) && !options_.keepGoing) return;
             }
         }
+        if (reporting_) outcome_.changedDatabases = reporting_->changedDatabases();
     }
 
     void finish() {
@@ -92,20 +98,78 @@ class Loader {
     }
 
  private:
+    /// True when all of it ran.
     bool runBatch(const Script& script, const ScriptBatch& batch) {
-        try {
-            for (int round = 0; round < batch.repeat; ++round) execute(batch.text);
-            ++outcome_.batches;
+        ScriptBatch part = batch;
+        bool good = true;
+        // Behind a USE that failed each statement would land in another database.
+        while (!astray_ || continueAtUse(part)) {
+            const int failedAt = runPart(script, part);
+            good = good && failedAt == 0;
+            if (!astray_) break;
+            astrayLine_ = failedAt;
+        }
+        if (astray_ && good) ++outcome_.leftOut;
+        astrayLine_ = 0;
+        if (good && !astray_) ++outcome_.batches;
+        return good && !astray_;
+    }
+
+    /// Cuts the batch down to what begins with its next USE; false when there is none.
+    bool continueAtUse(ScriptBatch& batch) {
+        for (const UseStatement& use : useStatements(batch.text)) {
+            if (batch.firstLine + use.line - 1 <= astrayLine_) continue;
+            batch.text = batch.text.mid(use.position);
+            batch.firstLine += use.line - 1;
+            astray_ = false;
             return true;
-        } catch (const DbError& error) {
-            tellMessages();
+        }
+        return false;
+    }
+
+    /// The script's line of the statement that ended the part; -1 when some failed on the way, 0
+    /// when all went well.
+    int runPart(const Script& script, const ScriptBatch& batch) {
+        const size_t before = outcome_.problems.size();
+        const auto problemOf = [&](const DbError& error) {
             const int line = batch.firstLine + std::max(error.line, 1) - 1;
             const QString words =
                 error.nearText.isEmpty() ? firstWordsOf(batch.text) : firstWordsOf(error.nearText);
-            outcome_.problems.push_back({script.file, line, words, error.description});
+            return LoadProblem{script.file, line, words, error.description};
+        };
+        if (reporting_ && options_.keepGoing)
+            reporting_->onStatementFailed([&](const DbError& error) {
+                if (isUse(error)) return false;
+                tellMessages();
+                outcome_.problems.push_back(problemOf(error));
+                return true;
+            });
+        // What is asked lives as long as this part.
+        struct Forget {
+            LoadReporting* reporting;
+            ~Forget() {
+                if (reporting) reporting->onStatementFailed({});
+            }
+        } forget{reporting_};
+        try {
+            for (int round = 0; round < batch.repeat; ++round) execute(batch.text);
+        } catch (const DbError& error) {
+            tellMessages();
+            LoadProblem problem = problemOf(error);
+            astray_ = options_.keepGoing && isUse(error);
+            if (astray_)
+                problem.message += QStringLiteral(" What follows up to the next USE is left out.");
+            outcome_.problems.push_back(problem);
             if (error.connectionLost) throw;
-            return false;
+            return problem.line;
         }
+        return outcome_.problems.size() > before ? -1 : 0;
+    }
+
+    static bool isUse(const DbError& error) {
+        const QString& words = error.nearText;
+        return words.startsWith(QLatin1StringView("use"), Qt::CaseInsensitive) &&
+               words.size() > 3 && !words[3].isLetterOrNumber() && words[3] != u'_';
     }
 
     void execute(const QString& text) {
@@ -129,8 +193,31 @@ class Loader {
     LoadOutcome& outcome_;
     Connection connection_;
     std::shared_ptr<ProviderConnection> session_;
+    LoadReporting* reporting_ = nullptr;  // null: the provider runs whole batches
     bool undoable_ = false;
+    bool astray_ = false;  // a USE failed, and none has come since
+    int astrayLine_ = 0;   // where, within the batch that is being run
 };
+
+/// The one database that the scripts make and use; empty when it isn't one.
+QString databaseOf(const std::vector<Script>& scripts) {
+    static const QStringList system = {QStringLiteral("master"), QStringLiteral("tempdb"),
+                                       QStringLiteral("model"), QStringLiteral("msdb")};
+    QStringList made, used;
+    for (const Script& script : scripts) {
+        for (const ScriptBatch& batch : script.batches) {
+            for (const QString& name : createdDatabases(batch.text))
+                if (!made.contains(name, Qt::CaseInsensitive)) made.push_back(name);
+            for (const UseStatement& use : useStatements(batch.text))
+                if (!used.contains(use.database, Qt::CaseInsensitive) &&
+                    !system.contains(use.database, Qt::CaseInsensitive))
+                    used.push_back(use.database);
+        }
+    }
+    const bool one = made.size() == 1 && used.size() == 1 &&
+                     made.front().compare(used.front(), Qt::CaseInsensitive) == 0;
+    return one ? made.front() : QString();
+}
 
 }  // namespace
 
@@ -150,9 +237,19 @@ LoadOutcome LoadScripts(const ServerInfo& server, const QString& database, const
     for (qsizetype i = 0; i < files.size(); ++i) readScript(files[i], scripts[size_t(i)], outcome);
     if (!outcome.problems.empty()) return outcome;
 
+    outcome.database = database.isEmpty() ? databaseOf(scripts) : database;
+    if (outcome.database.isEmpty()) {
+        if (options.otherwise.isEmpty()) {
+            outcome.unnamed = true;
+            return outcome;
+        }
+        outcome.database = options.otherwise;
+    }
+    // Scripts that make their database expect to begin beside it.
+    const bool own = database.isEmpty() && outcome.database != options.otherwise;
     Loader loader(options, outcome);
-    loader.connect(server, database);
-    if (options.replace) loader.replace(database);
+    loader.connect(server, own ? QStringLiteral("master") : outcome.database);
+    if (options.replace) loader.replace(outcome.database, own);
     loader.run(scripts);
     loader.finish();
     return outcome;

@@ -25,10 +25,13 @@ struct LoadProblem {
 };
 
 struct LoadOptions {
-    /// Go on behind a batch that failed and keep what could be loaded.
+    /// Go on behind what failed (a statement; a batch where the provider knows no statements) and keep
+    /// what could be loaded. Behind a USE that failed, what follows up to the next USE is left out.
     bool keepGoing = false;
     /// Drop the database first when it is there: only where a load can be undone.
     bool replace = false;
+    /// The database for scripts that name none, when LoadScripts is given none either.
+    QString otherwise;
     /// Told before each batch: its file and how much of all files' batches is done.
     std::function<void(const QString& file, int batch, int batches)> progress;
     /// PRINT and RAISERROR texts as they come.
@@ -40,6 +43,11 @@ struct LoadOptions {
 struct LoadOutcome {
     std::vector<LoadProblem> problems;
     int batches = 0;          ///< that ran to their end
+    int leftOut = 0;          ///< batches behind a USE that failed
+    QString database;         ///< that was loaded: the given one, or the scripts' own
+    bool unnamed = false;     ///< nothing ran: no database was given, and the scripts don't make one
+    /// All that were written to, in no order; empty where the provider can't tell.
+    QStringList changedDatabases;
     bool stopped = false;
     /// The database holds what was loaded. False: it is as it was before.
     bool kept = false;
@@ -48,8 +56,9 @@ struct LoadOutcome {
 };
 
 /// Reads all files first (an unreadable one is a problem and nothing runs), then runs their batches in
-/// order in one session, starting in `database`, which is made when it is missing. A failed connection
-/// throws DbError.
+/// order in one session, starting in `database`, which is made when it is missing. An empty one stands
+/// for the one database that the scripts make and use, and the session starts in master. A failed
+/// connection throws DbError.
 LoadOutcome LoadScripts(const ServerInfo& server, const QString& database, const QStringList& files,
                         const LoadOptions& options = {});
 

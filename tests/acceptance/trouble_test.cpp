@@ -226,6 +226,53 @@ TEST_F(Trouble, KeepGoingTellsEachStatementLeftOut) {
     EXPECT_EQ(home_.list(Server, "Small", "tables"), (QStringList{"A1", "A3", "Kept"}));
 }
 
+TEST_F(Trouble, KeepGoingTellsWhatAFailedUseCost) {
+    loadSmall();
+    const QString script =
+        home_.write("astray.sql",
+                    "USE Nowhere\nCREATE TABLE A1 (a int)\nGO\nCREATE TABLE A2 (a int)\n"
+                    "GO\nUSE Small CREATE TABLE A3 (a int)\n");
+    const CliResult result =
+        home_.run({"load", "-S", Server, "-d", "Small", "--keep-going", script});
+    EXPECT_EQ(result.status, 0) << ::testing::PrintToString(result);
+    for (const char* words : {"astray.sql:1: Database 'Nowhere' does not exist",
+                              "1 of the scripts' statements could not be run",
+                              "1 of the scripts' batches were left out behind a USE that failed"})
+        EXPECT_TRUE(result.err.contains(words)) << ::testing::PrintToString(result);
+    EXPECT_EQ(home_.list(Server, "Small", "tables"), (QStringList{"A3", "Kept"}));
+}
+
+TEST_F(Trouble, ScriptsOfADatabaseOfTheirOwnPassForNoComparison) {
+    const QString script =
+        home_.write("own.sql",
+                    "IF DB_ID('Own') IS NOT NULL DROP DATABASE Own\nGO\nCREATE DATABASE Own\nGO\n"
+                    "USE Own\nGO\nCREATE TABLE T (a int)\nGO\n");
+    for (const char* database : {"v1", "v2"}) {
+        const CliResult result = home_.run({"load", "-S", Server, "-d", database, script});
+        EXPECT_EQ(result.status, 0) << ::testing::PrintToString(result);
+        EXPECT_TRUE(result.err.contains(
+            QStringLiteral("The scripts' statements went to Own; nothing was loaded into %1.")
+                .arg(database)))
+            << ::testing::PrintToString(result);
+    }
+    const CliResult compared = home_.run({"compare", "--source", Server, "--source-db", "v1",
+                                          "--target", Server, "--target-db", "v2"});
+    EXPECT_EQ(compared.status, 0) << ::testing::PrintToString(compared);
+    EXPECT_TRUE(
+        compared.err.contains("There is nothing to compare: neither v1 nor v2 holds an object"))
+        << ::testing::PrintToString(compared);
+    // Without -d the script's own database is meant; a script that names none needs one.
+    const CliResult own = home_.run({"load", "-S", Server, script});
+    EXPECT_EQ(own.status, 0) << ::testing::PrintToString(own);
+    EXPECT_FALSE(own.err.contains("went to")) << ::testing::PrintToString(own);
+    expectTrouble(
+        home_.run({"load", "-S", Server, home_.write("bare.sql", "CREATE TABLE T (a int)\n")}),
+        {"-d DB"});
+    const CliResult alike = home_.run({"compare", "--source", Server, "--source-db", "Own",
+                                       "--target", Server, "--target-db", "Own"});
+    EXPECT_FALSE(alike.err.contains("nothing to compare")) << ::testing::PrintToString(alike);
+}
+
 TEST_F(Trouble, ScriptsOfEveryEncodingReadRight) {
     const QString script = QStringLiteral(
         "CREATE TABLE [Größe] (t nvarchar(40))\r\nGO\r\n"

@@ -32,6 +32,8 @@ TEST(ScriptBatches, GoStandsAloneOnItsLine) {
         {"inside a nested comment", "/* /*\n*/\nGO\n*/a\nGO", "1x1</* /*\n*/\nGO\n*/a\n>"},
         {"inside a string", "print 'x\nGO\n''y'\nGO\nb", "1x1<print 'x\nGO\n''y'\n>5x1<b>"},
         {"inside a name", "select [a\nGO\n]\nGO", "1x1<select [a\nGO\n]\n>"},
+        {"behind a bracket within a name", "select [a]]'b]\nGO\nc [d]]]\nGO\ne",
+         "1x1<select [a]]'b]\n>3x1<c [d]]]\n>5x1<e>"},
         {"a quote in a line comment", "-- don't\nGO\nb", "1x1<-- don't\n>3x1<b>"},
         {"a quote in a block comment", "/* don't */\nGO\nb", "1x1</* don't */\n>3x1<b>"},
         {"comment marks in a string", "print '/*'\nGO\nprint '--'\nGO", "1x1<print '/*'\n>3x1<print '--'\n>"},

@@ -271,12 +271,15 @@ void describeCommands(CLI::App& app, Options& options, Fields& fields, Choices& 
     describeServerCommands(app, options, fields, choices);
 
     CLI::App* load = app.add_subcommand(
-        "load", "Run T-SQL scripts in a database, which is made when it is missing");
+        "load",
+        "Run T-SQL scripts in a database, which is made when it is missing; scripts that make and "
+        "use one database of their own need no -d");
     addServer(load, options, fields);
     load->add_flag(
         "--keep-going", options.keepGoing,
-        "Report statements that fail and go on; without it the first one ends the load and "
-        "the embedded server leaves the database as it was");
+        "Report statements that fail and go on behind them (a real server: behind their batch; "
+        "behind a failed USE: at the next one); without it the first one ends the load and the "
+        "embedded server leaves the database as it was");
     load->add_flag("--replace", options.replace,
                    "Start from an empty database (embedded server only)");
     load->add_option("FILE", fields.list(options.files), "Scripts, in this order")

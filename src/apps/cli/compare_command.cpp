@@ -66,6 +66,17 @@ ObjectKindBoxes chooseKinds(const QString& types) {
     return kinds;
 }
 
+bool holdsAnyObject(const ObjectKindBoxes& kinds, const ComparedServers& servers) {
+    for (int box = 0; box < comparedKindCount(); ++box) {
+        if (!kinds[size_t(box)]) continue;
+        const ObjectType type = ObjectTypeOfBox(box);
+        if (!listedObjects(type, SourcePanel, servers.sourceDb).empty() ||
+            !listedObjects(type, TargetPanel, servers.targetDb).empty())
+            return true;
+    }
+    return false;
+}
+
 }  // namespace
 
 int runCompare(const Options& options, ConsoleShell& console) {
@@ -94,6 +105,11 @@ int runCompare(const Options& options, ConsoleShell& console) {
     }
     // A list that could not be read was told, too; a report without it must not pass for a result.
     if (troubled) return Trouble;
+    if (!run.somethingDiffers && !holdsAnyObject(request.kinds, servers))
+        console.showNote(
+            QStringLiteral("There is nothing to compare: neither %1 nor %2 holds an object of "
+                           "the compared kinds.")
+                .arg(servers.sourceDb, servers.targetDb));
     writeReport(options, globals().gstrReport);
     return run.somethingDiffers ? Different : Identical;
 }

@@ -5,11 +5,44 @@
 #include "shell/console/interrupt.h"
 
 namespace zov::cli {
+namespace {
+
+void noteWhatWasLoaded(const LoadOutcome& outcome, ConsoleShell& console) {
+    if (!outcome.problems.empty())
+        console.showNote(
+            QStringLiteral("%1 of the scripts' statements could not be run; the others "
+                           "are loaded.")
+                .arg(outcome.problems.size()));
+    if (outcome.leftOut > 0)
+        console.showNote(
+            QStringLiteral("%1 of the scripts' batches were left out behind a USE that "
+                           "failed.")
+                .arg(outcome.leftOut));
+    QStringList others;
+    bool own = false;
+    for (const QString& name : outcome.changedDatabases) {
+        if (name.compare(outcome.database, Qt::CaseInsensitive) == 0)
+            own = true;
+        else
+            others.push_back(name);
+    }
+    if (others.isEmpty()) return;
+    others.sort(Qt::CaseInsensitive);
+    const QString names = others.join(QStringLiteral(", "));
+    console.showNote(
+        own ? QStringLiteral("Some of the scripts' statements went to %1, not to %2.")
+                  .arg(names, outcome.database)
+            : QStringLiteral("The scripts' statements went to %1; nothing was loaded into "
+                             "%2.")
+                  .arg(names, outcome.database));
+}
+
+}  // namespace
 
 int runLoad(const Options& options, ConsoleShell& console) {
     const ServerInfo server = chooseServer(options, options.server);
-    const QString database = chooseDatabase(options.server, server, "-d");
     LoadOptions load;
+    load.otherwise = server.MRUDb;
     load.keepGoing = options.keepGoing;
     load.replace = options.replace;
     load.stopRequested = interruptRequested;
@@ -22,19 +55,19 @@ int runLoad(const Options& options, ConsoleShell& console) {
 
     LoadOutcome outcome;
     try {
-        outcome = LoadScripts(server, database, options.files, load);
+        outcome = LoadScripts(server, options.server.database, options.files, load);
     } catch (const DbError& error) {
-        throw Failure(explainDbError(error, server, database, batchesBegun));
+        throw Failure(explainDbError(error, server, options.server.database, batchesBegun));
     }
+    const QString& database = outcome.database;
     console.clearProgress();
     for (const LoadProblem& problem : outcome.problems) console.showError(problem.toString());
+    if (outcome.unnamed)
+        throw Failure(
+            QStringLiteral("No database is given, and the scripts don't make and use exactly "
+                           "one.\nName one with -d DB."));
     if (outcome.kept) {
-        if (!outcome.problems.empty()) {
-            console.showNote(
-                QStringLiteral("%1 of the scripts' batches could not be run; the others are "
-                               "loaded.")
-                    .arg(outcome.problems.size()));
-        }
+        noteWhatWasLoaded(outcome, console);
         return Identical;
     }
     if (outcome.stopped) console.showError(QStringLiteral("Stopped."));
