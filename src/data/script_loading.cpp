@@ -9,6 +9,8 @@
 
 #include "core/globals.h"
 
+#include <QSet>
+
 namespace zov {
 namespace {
 
@@ -139,7 +141,7 @@ class Loader {
         };
         if (reporting_ && options_.keepGoing)
             reporting_->onStatementFailed([&](const DbError& error) {
-                if (isUse(error)) return false;
+                if (isUse(error, batch)) return false;
                 tellMessages();
                 outcome_.problems.push_back(problemOf(error));
                 return true;
@@ -156,7 +158,7 @@ class Loader {
         } catch (const DbError& error) {
             tellMessages();
             LoadProblem problem = problemOf(error);
-            astray_ = options_.keepGoing && isUse(error);
+            astray_ = options_.keepGoing && isUse(error, batch);
             if (astray_)
                 problem.message += QStringLiteral(" What follows up to the next USE is left out.");
             outcome_.problems.push_back(problem);
@@ -166,8 +168,14 @@ class Loader {
         return outcome_.problems.size() > before ? -1 : 0;
     }
 
-    static bool isUse(const DbError& error) {
+    /// A server that runs whole batches tells no statement: there the number of the error says that
+    /// a database could not be gone to.
+    static bool isUse(const DbError& error, const ScriptBatch& batch) {
         const QString& words = error.nearText;
+        if (words.isEmpty()) {
+            static const QSet<qint32> unreachable = {911, 916, 921, 922, 924, 927, 942, 945, 976};
+            return unreachable.contains(error.native) && !useStatements(batch.text).empty();
+        }
         return words.startsWith(QLatin1StringView("use"), Qt::CaseInsensitive) &&
                words.size() > 3 && !words[3].isLetterOrNumber() && words[3] != u'_';
     }

@@ -243,6 +243,13 @@ TEST(GeneratedScripts, CountTheirSequences) {
 }
 
 constexpr CatalogueCase Questions[] = {
+    {"SettingsOfADatabaseAreTaken",
+     "alter database scoped configuration set maxdop = 0 alter database scoped configuration for "
+     "secondary set legacy_cardinality_estimation = primary alter database scoped configuration "
+     "clear procedure_cache\nexec sys.sp_db_vardecimal_storage_format N'shop', N'ON'\nalter "
+     "database "
+     "shop set temporal_history_retention on set ansi_nulls on create table t (a int)",
+     "select name from sysobjects", "t"},
     {"StatisticsAreKept",
      "create table t (a int, b int)\ncreate index i on t(b)\ngo\nif not exists (select * from "
      "sys.stats where "

@@ -4,6 +4,7 @@
 
 #include "core/server_info.h"
 #include "data/script_loading.h"
+#include "support/served_database.h"
 
 #include <gtest/gtest.h>
 #include <QFile>
@@ -102,6 +103,28 @@ TEST_F(ScriptLoading, BehindAUseThatFailedNothingRunsUpToTheNext) {
         "follows up to the next USE is left out. [use nowhere]\n"
         "11 Database 'gone' does not exist. Make sure that the name is entered correctly. What "
         "follows up to the next USE is left out. [use gone]");
+}
+
+TEST(ScriptLoadingOverTheWire, ABatchThatCannotUseItsDatabaseLeavesTheFollowingOut) {
+    // A server that is handed whole batches.
+    ServedDatabases served(Road::Odbc);
+    served.load(QStringLiteral("shop"), QStringLiteral("create table first (x int)"));
+    QTemporaryDir folder;
+    const QString path = folder.filePath(QStringLiteral("script.sql"));
+    QFile file(path);
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    file.write(
+        "use nowhere\ngo\ncreate table a (x int)\ngo\nuse shop\ngo\ncreate table b (x int)\ngo\n");
+    file.close();
+    LoadOptions options;
+    options.keepGoing = true;
+    const LoadOutcome outcome =
+        LoadScripts(served.server(), QStringLiteral("shop"), {path}, options);
+    ASSERT_EQ(outcome.problems.size(), 1u);
+    EXPECT_TRUE(outcome.problems[0].message.contains(u"up to the next USE is left out"))
+        << outcome.problems[0].toString().toStdString();
+    EXPECT_EQ(outcome.leftOut, 1);
+    EXPECT_EQ(outcome.batches, 2);
 }
 
 TEST_F(ScriptLoading, AScriptMayMakeTheDatabaseThatItIsLoadedInto) {

@@ -232,6 +232,13 @@ size_t actionOfAlter(std::span<const Token> tokens, size_t begin) {
     };
     if (at < tokens.size() && tokens[at].is("ON")) ++at;  // ALTER AUTHORIZATION ON
     name();
+    const auto is = [&](size_t ahead, const char* word) {
+        return at + ahead < tokens.size() && tokens[at + ahead].is(word);
+    };
+    if (tokens[begin + 1].is("DATABASE") && is(0, "CONFIGURATION")) {  // behind SCOPED
+        ++at;
+        if (is(0, "FOR") && is(1, "SECONDARY")) at += 2;
+    }
     if (at < tokens.size() && tokens[at].is("ON")) {  // ALTER INDEX i ON t
         ++at;
         name();

@@ -73,7 +73,21 @@ const QSet<QString>& databaseOptions() {
                                  "TORN_PAGE_DETECTION",
                                  "TRUSTWORTHY",
                                  "ACCELERATED_DATABASE_RECOVERY",
-                                 "MIXED_PAGE_ALLOCATION"})
+                                 "MIXED_PAGE_ALLOCATION",
+                                 "AUTOMATIC_TUNING",
+                                 "DATA_RETENTION",
+                                 "DEFAULT_FULLTEXT_LANGUAGE",
+                                 "DEFAULT_LANGUAGE",
+                                 "HADR",
+                                 "NESTED_TRIGGERS",
+                                 "OPTIMIZED_LOCKING",
+                                 "PARTNER",
+                                 "SUPPLEMENTAL_LOGGING",
+                                 "TEMPORAL_HISTORY_RETENTION",
+                                 "TRANSFORM_NOISE_WORDS",
+                                 "TWO_DIGIT_YEAR_CUTOFF",
+                                 "VARDECIMAL_STORAGE_FORMAT",
+                                 "WITNESS"})
             set.insert(QLatin1String(name));
         return set;
     }();
@@ -122,7 +136,28 @@ void createDatabase(SessionState& session, TokenCursor& cursor) {
     }
 }
 
+namespace {
+
+// ALTER DATABASE SCOPED CONFIGURATION: how queries are run is nothing that is kept here.
+void alterScopedConfiguration(TokenCursor& cursor) {
+    cursor.accept({"FOR", "SECONDARY"});
+    if (cursor.accept("CLEAR")) {
+        cursor.expect("PROCEDURE_CACHE");
+        if (!cursor.atEnd()) cursor.next();
+    } else {
+        cursor.expect("SET");
+        cursor.name();
+        cursor.expect("=");
+        if (!cursor.accept("-")) cursor.accept("+");
+        cursor.next();
+    }
+    cursor.expectEnd();
+}
+
+}  // namespace
+
 void alterDatabase(SessionState& session, TokenCursor& cursor) {
+    if (cursor.accept({"SCOPED", "CONFIGURATION"})) return alterScopedConfiguration(cursor);
     const int line = cursor.peek().line;
     QString name = cursor.name();
     if (same(name, QStringLiteral("CURRENT"))) name = session.current->name;

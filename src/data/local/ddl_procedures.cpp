@@ -542,15 +542,31 @@ void addUser(SessionState& session, const QString& login, const QString& user,
 const QSet<QString>& withoutEffect() {
     static const QSet<QString> names = [] {
         QSet<QString> set;
-        for (const char* name :
-             {"sp_dboption",          "sp_tableoption",       "sp_configure",
-              "sp_changedbowner",     "sp_denylogin",         "sp_password",
-              "sp_defaultdb",         "sp_defaultlanguage",   "sp_addsrvrolemember",
-              "sp_dropsrvrolemember", "sp_autostats",         "sp_updatestats",
-              "sp_createstats",       "sp_recompile",         "sp_refreshview",
-              "sp_refreshsqlmodule",  "sp_settriggerorder",   "sp_procoption",
-              "sp_indexoption",       "sp_fulltext_database", "sp_addmessage",
-              "sp_dropmessage",       "sp_serveroption",      "sp_change_users_login"})
+        for (const char* name : {"sp_dboption",
+                                 "sp_tableoption",
+                                 "sp_configure",
+                                 "sp_changedbowner",
+                                 "sp_denylogin",
+                                 "sp_password",
+                                 "sp_defaultdb",
+                                 "sp_defaultlanguage",
+                                 "sp_addsrvrolemember",
+                                 "sp_dropsrvrolemember",
+                                 "sp_autostats",
+                                 "sp_updatestats",
+                                 "sp_createstats",
+                                 "sp_recompile",
+                                 "sp_refreshview",
+                                 "sp_refreshsqlmodule",
+                                 "sp_settriggerorder",
+                                 "sp_procoption",
+                                 "sp_indexoption",
+                                 "sp_fulltext_database",
+                                 "sp_addmessage",
+                                 "sp_dropmessage",
+                                 "sp_serveroption",
+                                 "sp_change_users_login",
+                                 "sp_db_vardecimal_storage_format"})
             set.insert(QLatin1String(name));
         return set;
     }();
