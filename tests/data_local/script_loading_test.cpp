@@ -7,6 +7,7 @@
 #include "support/served_database.h"
 
 #include <gtest/gtest.h>
+#include <sqlite3.h>
 #include <QFile>
 
 namespace zov::test {
@@ -209,6 +210,34 @@ TEST_F(ScriptLoading, WithoutADatabaseTheScriptsOwnOneIsMeant) {
     options.otherwise = QStringLiteral("shop");
     EXPECT_EQ(load({}, "create table t (x int)", options).database, QStringLiteral("shop"));
     EXPECT_EQ(tables(QStringLiteral("shop")), "t");
+}
+
+TEST_F(ScriptLoading, FilesOfEarlierVersionsGetTheTablesThatTheyLack) {
+    server_.connect(QStringLiteral("shop"));
+    ASSERT_EQ(server_.run(QStringLiteral("create table t (a int) create index i on t(a)")),
+              QString());
+    const QString folder = server_.folder() + QStringLiteral("/server/");
+    const auto onFile = [&](const QString& name, const char* sql) {
+        sqlite3* handle = nullptr;
+        ASSERT_EQ(sqlite3_open((folder + name).toUtf8().constData(), &handle), SQLITE_OK);
+        EXPECT_EQ(sqlite3_exec(handle, sql, nullptr, nullptr, nullptr), SQLITE_OK)
+            << sqlite3_errmsg(handle);
+        sqlite3_close(handle);
+    };
+    onFile(QStringLiteral("shop.db"), "PRAGMA wal_checkpoint(TRUNCATE)");
+    ASSERT_TRUE(QFile::copy(folder + QStringLiteral("shop.db"), folder + QStringLiteral("old.db")));
+    onFile(QStringLiteral("old.db"),
+           "DROP TABLE \"zov$details\"; DROP TABLE \"zov$statistics\"; DROP TABLE "
+           "\"zov$statcolumns\"; DROP TABLE \"zov$logins\"");
+    server_.connect(QStringLiteral("old"), false);
+    EXPECT_EQ(server_.one(QStringLiteral("select name, is_sparse from sys.columns")),
+              QStringLiteral("a|False"));
+    EXPECT_EQ(
+        server_.run(QStringLiteral("create statistics s on t(a) alter table t alter column a add "
+                                   "sparse")),
+        QString());
+    EXPECT_EQ(server_.one(QStringLiteral("select name from sys.stats order by name")),
+              QStringLiteral("i\ns"));
 }
 
 }  // namespace
