@@ -152,7 +152,8 @@ QString BuildObjSQLString(ObjectType Type, bool IgnoreSysObjects, const QString&
 
 void LoadObjects(const ServerInfo& Server, ObjectList& pvlSqlObj, TextPane& txtTXProc,
                  ObjectType Type, const QString& DbName, bool SelectFirst,
-                 const QString& NameCondition, int Index, ObjectTexts* texts, bool* Busy) {
+                 const QString& NameCondition, int Index, ObjectTexts* texts, bool* Busy,
+                 const ObjectDirectory* directory) {
     bool unwatched = false;
     const ScopedValue<bool> busy(Busy ? *Busy : unwatched, true);
     guardedRun("modNew", "LoadObjects", [&] {
@@ -174,6 +175,10 @@ void LoadObjects(const ServerInfo& Server, ObjectList& pvlSqlObj, TextPane& txtT
         if (Type != ObjectType::Permission && GetMajorVersion(Server.Version) >= 9 &&
             ListHasAdjacentDuplicates(list))
             FillSchemasForDuplicates(Server, Type, DbName, list);
+        if (Type != ObjectType::Permission && !list.empty()) {
+            DescribeEntries(directory ? *directory : ObjectDirectory::read(Server, DbName), list);
+            if (GetMajorVersion(Server.Version) >= 9) showSchemasOfNamesakes(list);
+        }
         LoadListView(pvlSqlObj, list);
         if (SelectFirst && texts) {
             texts->showSelectedObject(Server, txtTXProc, pvlSqlObj, Type, DbName, Index);
@@ -196,7 +201,7 @@ bool RecordsetToObjectList(Recordset& Rs, std::vector<ObjectListEntry>& List, qi
     if (!Rs.isOpen()) return false;
     for (; !Rs.isEof(); Rs.MoveNext()) {
         ObjectListEntry& entry = List.emplace_back();
-        entry.Name = Rs.field(0).text();
+        entry.Name = entry.ObjectName = Rs.field(0).text();
         entry.RefDate = Rs.field(1).text();
         entry.Id = qint32(Rs.field(2).toInt64());
         entry.Mode = Mode;
@@ -230,10 +235,30 @@ void FillSchemasForDuplicates(const ServerInfo& Server, ObjectType Type, const Q
     if (!List.empty()) pass(List.back());
 }
 
+void DescribeEntries(const ObjectDirectory& directory, std::vector<ObjectListEntry>& List) {
+    QHash<QString, int> loose;
+    for (const ObjectListEntry& entry : List) ++loose[looseName(entry.ObjectName)];
+    for (ObjectListEntry& entry : List) {
+        if (entry.Schema.isEmpty()) entry.Schema = directory.schemaOf(entry.Id);
+        entry.HasNamesakes =
+            directory.isShared(entry.ObjectName) || loose.value(looseName(entry.ObjectName)) > 1;
+    }
+}
+
+void showSchemasOfNamesakes(std::vector<ObjectListEntry>& List) {
+    QHash<QString, int> namesakes;
+    for (const ObjectListEntry& entry : List) ++namesakes[entry.ObjectName];
+    for (ObjectListEntry& entry : List)
+        if (namesakes.value(entry.ObjectName) > 1 && !entry.Schema.isEmpty())
+            entry.Name = entry.Schema + u'.' + entry.ObjectName;
+}
+
 void LoadListView(ObjectList& pvlSqlObj, const std::vector<ObjectListEntry>& List) {
     std::vector<ObjectListRow> rows;
     rows.reserve(List.size());
-    for (const ObjectListEntry& entry : List) rows.push_back({entry.Name, entry.RefDate, entry.Id});
+    for (const ObjectListEntry& entry : List)
+        rows.push_back({entry.Name, entry.RefDate, entry.Id, entry.Schema, entry.ObjectName,
+                        entry.HasNamesakes});
     pvlSqlObj.setRows(std::move(rows));
 }
 
@@ -257,7 +282,8 @@ bool GetAllObjectsOfType(const ServerInfo& Server, const QString& DbName, Object
                 {}, BoxIcon::Exclamation);
             return false;
         }
-        if (rs) RecordsetToObjectList(*rs, Names, 0);
+        if (rs && RecordsetToObjectList(*rs, Names, 0) && Type != ObjectType::Permission)
+            DescribeEntries(ObjectDirectory::read(Server, DbName), Names);
         return true;
     });
 }

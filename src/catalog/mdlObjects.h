@@ -4,6 +4,8 @@
 // object's text is made: that is handed in as ObjectTexts.
 #pragma once
 
+#include "catalog/object_directory.h"
+#include "catalog/object_ref.h"
 #include "data/mdlData.h"
 #include "shell/controls.h"
 
@@ -14,18 +16,6 @@
 #include <vector>
 
 namespace zov {
-
-/// The numbers are stored in saved processes and in combo boxes. 70 is unused.
-enum class ObjectType : qint32 {
-    Procedure = 10,
-    Function = 20,
-    View = 30,
-    Trigger = 40,
-    Table = 50,
-    Relationship = 60,
-    Constraint = 80,
-    Permission = 90,
-};
 
 /// "Procedure" or "procedures"; "Object" and "objects" for any other value.
 QString GetObjectTypeName(ObjectType Type, bool Plural);
@@ -45,6 +35,8 @@ struct ObjectListEntry {
     qint32 Id = 0;
     qint32 Mode = 0;  ///< the caller's
     QString Schema;   ///< empty until looked up
+    QString ObjectName = {};    ///< as the catalogue has it, whatever Name shows; empty: Name is that
+    bool HasNamesakes = false;  ///< other objects of the database may have this name
 };
 
 /// What a list needs from the makers of texts, which stand above the catalogue.
@@ -68,10 +60,12 @@ QString BuildObjSQLString(ObjectType Type, bool IgnoreSysObjects, const QString&
 
 /// Loads a panel's list. A failed query was reported by GetAdoRS and leaves the list empty.
 /// `texts` may be null when nothing is to be shown and the type isn't Permission; `Busy`, when
-/// given, is the window's re-entrancy flag, set meanwhile.
+/// given, is the window's re-entrancy flag, set meanwhile. `directory` is the database's when the
+/// caller has read it already; otherwise it is read for a list that isn't empty.
 void LoadObjects(const ServerInfo& Server, ObjectList& pvlSqlObj, TextPane& txtTXProc,
                  ObjectType Type, const QString& DbName, bool SelectFirst,
-                 const QString& NameCondition, int Index, ObjectTexts* texts, bool* Busy = nullptr);
+                 const QString& NameCondition, int Index, ObjectTexts* texts, bool* Busy = nullptr,
+                 const ObjectDirectory* directory = nullptr);
 
 /// The same query as a recordset on the caller's connection; null after a failure.
 void LoadObjects_ToRecordset(const std::shared_ptr<Connection>& Connection,
@@ -88,11 +82,18 @@ bool ListHasAdjacentDuplicates(const std::vector<ObjectListEntry>& List);
 void FillSchemasForDuplicates(const ServerInfo& Server, ObjectType Type, const QString& DbName,
                               std::vector<ObjectListEntry>& List);
 
+/// What a list carries beside what it shows: each entry's schema and whether its name is shared.
+void DescribeEntries(const ObjectDirectory& directory, std::vector<ObjectListEntry>& List);
+
+/// Puts the schema in front of every name that the list holds twice, wherever its rows stand: a
+/// server's order may have put others between them, and a lookup may have failed.
+void showSchemasOfNamesakes(std::vector<ObjectListEntry>& List);
+
 void LoadListView(ObjectList& pvlSqlObj, const std::vector<ObjectListEntry>& List);
 /// "Id: 1,234, Name: Orders, Ref. Date: ...".
 QString GetObjectToolTip(const ObjectListRow& row);
 
-/// All objects of one type; false, with a box, when the query fails.
+/// All objects of one type, with schemas and bare names; false, with a box, when the query fails.
 bool GetAllObjectsOfType(const ServerInfo& Server, const QString& DbName, ObjectType Type,
                          std::vector<ObjectListEntry>& Names, int Index);
 /// All objects of all types, type by type; false when one can't be had.
@@ -108,7 +109,8 @@ bool IsItDbObject(const QString& Word, const std::vector<ObjectListEntry>& Objec
 QString DoubleSingleQuotes(const QString& Text);
 /// "a,b" to "'a','b'".
 QString WrapStringIntoQuotes(const QString& List);
-/// Adds "[" and "]" where they are missing, each side alone.
+/// Adds "[" and "]" where they are missing, each side alone: for what a user types. Names out of a
+/// catalogue are quoted by quoteName().
 QString AddSquareBrackets(const QString& Name);
 
 }  // namespace zov

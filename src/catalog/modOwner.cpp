@@ -3,6 +3,7 @@
 #include "catalog/modSchema.h"
 #include "core/error_report.h"
 #include "core/globals.h"
+#include "data/sql_names.h"
 #include "shell/shell.h"
 #include "util/text.h"
 
@@ -48,8 +49,10 @@ QString xtypeOf(ObjectType type) {
     }
 }
 
-QString qualified(const QString& schema, const QString& name) {
-    return AddSquareBrackets(schema) + u'.' + AddSquareBrackets(name);
+// "[owner].[name]", without the owner when that is dbo or not known.
+QString nameWithOwner(const ServerInfo& server, const QString& database, const ObjectRef& object) {
+    const QString owner = GetOwner(server, database, object);
+    return quotedName(owner == QLatin1StringView("dbo") ? QString() : owner, object.name);
 }
 
 }  // namespace
@@ -73,13 +76,19 @@ qint32 GetAllOwnersIntoArray(const ServerInfo& Server, const QString& DbName, QS
 
 QString GetOwner(const ServerInfo& Server, const QString& DbName, const QString& ObjectName,
                  ObjectType Type) {
+    return GetOwner(Server, DbName, objectNamed(ObjectName, Type));
+}
+
+QString GetOwner(const ServerInfo& Server, const QString& DbName, const ObjectRef& Object) {
     try {
-        const QString text =
+        QString text =
             QStringLiteral(
                 "SELECT so.name AS ObjectName, su.name AS Owner FROM sysobjects so INNER "
                 "JOIN sysusers su ON so.uid = su.uid WHERE so.name = '") +
-            DoubleSingleQuotes(ObjectName) + QStringLiteral("' AND so.xtype = '") + xtypeOf(Type) +
-            u'\'';
+            DoubleSingleQuotes(Object.name) + QStringLiteral("' AND so.xtype = '") +
+            xtypeOf(Object.kind) + u'\'';
+        if (Object.hasNamesakes && Object.id >= 1)
+            text += QStringLiteral(" AND so.id = %1").arg(Object.id);
         std::unique_ptr<Recordset> rs;
         if (GetAdoRS(Server, adCmdText, text, rs, DbName) == -1 || !rs || !rs->isOpen() ||
             rs->isEof())
@@ -111,25 +120,31 @@ void LoadOwners(const ServerInfo& Server, const QString& DbName, ChoiceList& cmb
 
 QString GetExtendedObjectName(const ServerInfo& Server, const QString& DbName,
                               const QString& ObjectName, ObjectType Type, qint32 Id) {
-    if (!globals().gblnExtendedNames) return ObjectName;
     const qsizetype dot = ObjectName.indexOf(u'.');
-    const QString plainName = dot < 0 ? ObjectName : ObjectName.mid(dot + 1);
+    ObjectRef object = objectNamed(ObjectName.mid(dot + 1), Type, Id);
+    object.shownName = ObjectName;
+    // What stands in front of the point is an owner by hearsay: the server's answer counts.
+    if (dot >= 0 && globals().gblnExtendedNames) return nameWithOwner(Server, DbName, object);
+    return GetExtendedObjectName(Server, DbName, object);
+}
 
-    if (dot < 0 && GetMajorVersion(Server.Version) >= 9) {
-        QString schema;
-        if (Id >= 1) {
-            if (!Db_GetObjSchemaById(Server, Type, DbName, Id, schema)) return ObjectName;
-            if (!schema.isEmpty()) return qualified(schema, plainName);
-        } else {
-            schema = GetSchemaForObject(Server, DbName, plainName, Type);
-            if (!schema.isEmpty() && schema != QLatin1StringView("dbo"))
-                return qualified(schema, plainName);
-        }
-        return AddSquareBrackets(plainName);
+QString GetExtendedObjectName(const ServerInfo& Server, const QString& DbName,
+                              const ObjectRef& Object) {
+    if (!globals().gblnExtendedNames) return Object.shownName.isEmpty() ? Object.name : Object.shownName;
+    const bool knowsSchemas = GetMajorVersion(Server.Version) >= 9;
+    if (!Object.schema.isEmpty()) {
+        const bool needed = knowsSchemas || Object.schema != QLatin1StringView("dbo");
+        return quotedName(needed ? Object.schema : QString(), Object.name);
     }
-    const QString owner = GetOwner(Server, DbName, plainName, Type);
-    if (owner.isEmpty() || owner == QLatin1StringView("dbo")) return AddSquareBrackets(plainName);
-    return qualified(owner, plainName);
+    if (!knowsSchemas) return nameWithOwner(Server, DbName, Object);
+    QString schema;
+    if (Object.id >= 1) {
+        if (!Db_GetObjSchemaById(Server, Object.kind, DbName, Object.id, schema))
+            return isRegularName(Object.name) ? Object.name : quoteName(Object.name);
+        return quotedName(schema, Object.name);
+    }
+    schema = GetSchemaForObject(Server, DbName, Object.name, Object.kind);
+    return quotedName(schema == QLatin1StringView("dbo") ? QString() : schema, Object.name);
 }
 
 }  // namespace zov

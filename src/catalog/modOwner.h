@@ -13,6 +13,8 @@ qint32 GetAllOwnersIntoArray(const ServerInfo& Server, const QString& DbName, QS
 /// Empty when there is no such object.
 QString GetOwner(const ServerInfo& Server, const QString& DbName, const QString& ObjectName,
                  ObjectType Type);
+/// The same; the id goes into the statement where the name has namesakes.
+QString GetOwner(const ServerInfo& Server, const QString& DbName, const ObjectRef& Object);
 
 /// Fills the owner box, "All Owners" first; nothing happens while gblnShowOwners is off.
 void LoadOwners(const ServerInfo& Server, const QString& DbName, ChoiceList& cmbOwners);
@@ -22,5 +24,9 @@ void LoadOwners(const ServerInfo& Server, const QString& DbName, ChoiceList& cmb
 /// unknown. As it came while gblnExtendedNames is off or when the schema can't be asked.
 QString GetExtendedObjectName(const ServerInfo& Server, const QString& DbName,
                               const QString& ObjectName, ObjectType Type, qint32 Id);
+/// The same for an object whose name isn't looked into: one whose schema isn't known is asked for
+/// by its id, and without one by its name.
+QString GetExtendedObjectName(const ServerInfo& Server, const QString& DbName,
+                              const ObjectRef& Object);
 
 }  // namespace zov

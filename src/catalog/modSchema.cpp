@@ -2,6 +2,8 @@
 
 #include "core/error_report.h"
 #include "core/globals.h"
+#include "core/run_account.h"
+#include "data/sql_names.h"
 #include "util/text.h"
 
 #include <QRegularExpression>
@@ -144,7 +146,7 @@ bool RetryWithSchema(ServerInfo& Server, const QString& DbName, QString& Name, O
     Server.SchemaCheckPerformed = true;
     const QString schema = GetSchemaForObject(Server, DbName, Name, ObjectType::Table);
     if (schema.isEmpty()) return false;
-    Name = AddSquareBrackets(schema) + u'.' + AddSquareBrackets(Name);
+    Name = quotedName(schema, Name);
     Server.AddSchema = true;
     return true;
 }
@@ -166,15 +168,17 @@ bool Db_GetObjSchemaById(const ServerInfo& Server, ObjectType, const QString& Db
         const QString id = QString::number(ObjectId);
         QSet<QString>& oldWay = serversWithoutSchemaFunction();
         if (GetMajorVersion(Server.Version) >= 9 && !oldWay.contains(Server.Name)) {
-            if (Is_OBJECT_SCHEMA_NAME_Implemented(Server.Version) &&
-                GetAdoRS(
-                    Server, adCmdText,
-                    QStringLiteral("SELECT OBJECT_SCHEMA_NAME([object_id]) FROM sys.objects WHERE "
-                                   "[object_id] = ") +
-                        id,
-                    rs, DbName) != -1) {
-                Schema = firstFieldOfFirstRow(rs);
-                return true;
+            if (Is_OBJECT_SCHEMA_NAME_Implemented(Server.Version)) {
+                // When it fails the old way is the one that counts.
+                const ExpectFailure probing;
+                if (GetAdoRS(Server, adCmdText,
+                             QStringLiteral("SELECT OBJECT_SCHEMA_NAME([object_id]) FROM "
+                                            "sys.objects WHERE [object_id] = ") +
+                                 id,
+                             rs, DbName) != -1) {
+                    Schema = firstFieldOfFirstRow(rs);
+                    return true;
+                }
             }
             // Counts as a server of version 8 for this question from now on.
             oldWay.insert(Server.Name);

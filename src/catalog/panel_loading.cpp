@@ -282,7 +282,7 @@ void cmbOwners_Click(const ServerInfo& Server, Panel& panel, ChoiceList& cmbType
         const QString owner = panel.cmbOwners.text();
         if (owner != QLatin1StringView("All Owners")) {
             for (int row = list.rowCount() - 1; row >= 0; --row)
-                if (GetOwner(Server, database, list.row(row).name, type) != owner)
+                if (GetOwner(Server, database, objectOf(list.row(row), type)) != owner)
                     list.removeRow(row);
             if (list.rowCount() > 0) list.selectRow(0);
         }

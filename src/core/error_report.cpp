@@ -2,6 +2,7 @@
 
 #include "core/frmErrorReport.h"
 #include "core/globals.h"
+#include "core/run_account.h"
 #include "shell/shell.h"
 #include "util/numbered_error.h"
 
@@ -41,12 +42,14 @@ CaughtError caughtError() {
 
 void reportCaughtError(const char* module, const char* procedure, const QString& extra) {
     const CaughtError error = caughtError();
+    addCaughtErrorToAccount({}, QString::fromLatin1(procedure), true);
     ShowErrorReport(error.number, error.description, ProgramVersionText(), ProgramBuildNumber,
                     QString::fromLatin1(module), QString::fromLatin1(procedure), extra);
 }
 
 void showCaughtErrorInSub(const char* routine) {
     const CaughtError error = caughtError();
+    addCaughtErrorToAccount({}, QString::fromLatin1(routine), true);
     shell().messageBox(QStringLiteral("Error in Sub ") + QString::fromLatin1(routine) +
                            QStringLiteral(", error nr ") + QString::number(error.number) +
                            QStringLiteral(" (") + error.description + QStringLiteral(")."),
@@ -55,6 +58,7 @@ void showCaughtErrorInSub(const char* routine) {
 
 void showCaughtErrorTitled(const char* procedure) {
     const CaughtError error = caughtError();
+    addCaughtErrorToAccount({}, QString::fromLatin1(procedure), true);
     shell().messageBox(QStringLiteral("Error: ") + QString::number(error.number) +
                            QStringLiteral(". ") + error.description,
                        QString::fromLatin1(procedure), BoxIcon::Exclamation);

@@ -15,6 +15,11 @@ void Connection::Close() {
     session_.reset();
 }
 
+QString Connection::place() const {
+    const ConnectionSpec spec = ConnectionSpec::parse(ConnectionString);
+    return spec.database.isEmpty() ? spec.dataSource : spec.dataSource + u'.' + spec.database;
+}
+
 std::shared_ptr<ProviderConnection> Connection::sessionForNewCommand() {
     if (!session_)
         throw DbError(3709, QStringLiteral("The connection cannot be used to perform this operation. "

@@ -35,6 +35,8 @@ class Connection {
     std::shared_ptr<ProviderConnection> sessionForNewCommand();
     void noteStream(const std::shared_ptr<RowSource>& stream) { running_ = stream; }
     ProviderConnection* session() const { return session_.get(); }
+    /// "server.database", as accounts of runs name it.
+    QString place() const;
 
     /// Version of ADO whose meanings this layer gives; 0 would mean that no provider is there.
     static double Version() { return 6.1; }

@@ -2,10 +2,13 @@
 
 #include "core/error_report.h"
 #include "core/globals.h"
+#include "core/run_account.h"
+#include "data/sql_names.h"
 #include "shell/shell.h"
 
 #include <QMetaType>
 #include <QRandomGenerator>
+#include <QRegularExpression>
 
 #include <cstdlib>
 #include <mutex>
@@ -14,6 +17,7 @@ namespace zov {
 namespace {
 
 constexpr const char* Module = "mdlData";
+const QString CancelledText = QStringLiteral("Operation was canceled.");
 
 // A value that holds what would end it is quoted, as OLE DB reads it; all others stand bare.
 QString connectionValue(const QString& value) {
@@ -79,12 +83,44 @@ void takeOutputs(const Command& command, const CommandResult& result,
     }
 }
 
+QString placeOf(const ServerInfo& server, const QString& database) {
+    return database.isEmpty() ? server.Name : server.Name + u'.' + database;
+}
+
+/// Runs `work`; its failure goes into the account of the run, and on.
+template <typename Work>
+auto accounted(const QString& place, const QString& doing, Work work) {
+    try {
+        return work();
+    } catch (...) {
+        addCaughtErrorToAccount(place, doing);
+        throw;
+    }
+}
+
+// A SELECT that isn't SELECT ... INTO has columns, even when it has no rows.
+bool mustGiveColumns(const QString& text) {
+    static const QRegularExpression select(QStringLiteral("^\\s*SELECT\\b"),
+                                           QRegularExpression::CaseInsensitiveOption);
+    static const QRegularExpression quoted(
+        QStringLiteral("'(?:[^']|'')*'|\\[(?:[^\\]]|\\]\\])*\\]|\"(?:[^\"]|\"\")*\""));
+    static const QRegularExpression into(QStringLiteral("\\bINTO\\b"),
+                                         QRegularExpression::CaseInsensitiveOption);
+    if (!select.match(text).hasMatch()) return false;
+    QString bare = text;
+    return !bare.remove(quoted).contains(into);
+}
+
 std::unique_ptr<Recordset> openRecordset(Command& command, qint32 cursorLocation,
                                          qint32 cacheSize) {
     auto rs = std::make_unique<Recordset>();
     rs->CursorLocation = cursorLocation;
     if (rs->CursorLocation == adUseServer) rs->CacheSize = cacheSize;
     rs->Open(command);
+    if (!rs->isOpen() && command.CommandType == adCmdText && mustGiveColumns(command.CommandText))
+        throw DbError(ado_error::Unspecified,
+                      QStringLiteral("The server answered a query without any column. Run it again; "
+                                     "when that doesn't help, look at the server's error log."));
     if (rs->isOpen() && rs->CursorLocation == adUseClient) rs->disconnect();
     return rs;
 }
@@ -149,17 +185,20 @@ qint32 GetAdoRS(const ServerInfo& Server, int CommandType, const QString& Comman
         const auto query =
             std::make_shared<Query>(BuildConnectionString(Server, Database), std::move(command));
         if (!shell().runBlocking([query] { query->run(); }, [query] { query->cancel(); }))
-            throw DbError(ado_error::Cancelled, QStringLiteral("Operation was canceled."));
+            throw DbError(ado_error::Cancelled, CancelledText);
         if (CommandText.isEmpty()) return 0;
         Rs = std::move(query->rows);
         takeOutputs(query->command(), Rs->result(), names, Outputs);
         return Rs->result().returnValue;
     } catch (...) {
         const CaughtError error = caughtError();
+        const bool told =
+            !globals().gblnSuppressConnErrors && error.number != ado_error::Cancelled;
+        addCaughtErrorToAccount(placeOf(Server, Database), CommandText, told);
         if (Failure) *Failure = {error.number, error.description};
         // Who gave up waiting knows it; the operation around the query ends at its next named point.
         if (error.number == ado_error::Cancelled) globals().gblnStop = true;
-        if (!globals().gblnSuppressConnErrors && error.number != ado_error::Cancelled) {
+        if (told) {
             reportCaughtError(Module, "GetAdoRS",
                               QStringLiteral("Server connection failed; cursor location = %1")
                                   .arg(globals().glngCursorLocation));
@@ -177,7 +216,9 @@ qint32 GetAdoRS_OnConnection(const std::shared_ptr<Connection>& Connection, int 
         Rs = openRecordset(command, globals().glngCursorLocation, globals().glngCacheSize);
         return Rs->result().returnValue;
     } catch (...) {
-        if (!globals().gblnSuppressConnErrors) {
+        const bool told = !globals().gblnSuppressConnErrors;
+        addCaughtErrorToAccount(Connection->place(), CommandText, told);
+        if (told) {
             const CaughtError error = caughtError();
             shell().messageBox(QStringLiteral("Server connection failed.\r\n\r\nRun time error: %1\r\n")
                                        .arg(error.number) +
@@ -191,9 +232,15 @@ qint32 GetAdoRS_OnConnection(const std::shared_ptr<Connection>& Connection, int 
 
 bool ADO_Connection_Open(std::shared_ptr<Connection>& Connection, const ServerInfo& Server,
                          const QString& Database) {
+    const QString place = placeOf(Server, Database);
+    const QString doing = QStringLiteral("connecting");
     return guarded(Module, "ADO_Connection_Open", false, [&] {
         auto fresh = newConnection(connectionString(Server, Database, true));
-        if (!shell().runBlocking([fresh] { fresh->Open(); }, [] {})) {
+        const bool opened = accounted(place, doing, [&] {
+            return shell().runBlocking([fresh] { fresh->Open(); }, [] {});
+        });
+        if (!opened) {
+            addToAccount({place, doing, CancelledText, ado_error::Cancelled});
             globals().gblnStop = true;
             return false;
         }
@@ -205,14 +252,16 @@ bool ADO_Connection_Open(std::shared_ptr<Connection>& Connection, const ServerIn
 qint32 ExecAdoCmd(const ServerInfo& Server, int CommandType, const QString& CommandText,
                   const QString& Database, const std::vector<QVariant>& InParams,
                   OutParams* Outputs) {
-    return guarded(Module, "ExecAdoCmd", qint32(-1), [&] {
+    const auto execute = [&] {
         Command command = commandOn(openConnection(connectionString(Server, Database, true)),
                                     CommandType, CommandText);
         const std::vector<QString> names = addParameters(command, InParams, Outputs);
         const CommandResult result = ExecuteCommand(command);
         takeOutputs(command, result, names, Outputs);
         return result.returnValue;
-    });
+    };
+    return guarded(Module, "ExecAdoCmd", qint32(-1),
+                   [&] { return accounted(placeOf(Server, Database), CommandText, execute); });
 }
 
 QString AddAdoParameter(Command& Command, const QVariant& Value, int Direction) {
@@ -263,9 +312,10 @@ bool NullExistsInColumn(const ServerInfo& Server, const QString& Database, const
                         const QString& Column, bool* Failed) {
     if (Failed) *Failed = true;
     return guarded(Module, "NullExistsInColumn", false, [&] {
-        const QString text = QStringLiteral("IF EXISTS (SELECT TOP (1) [") + Column +
-                             QStringLiteral("] FROM [") + Table + QStringLiteral("] WHERE [") +
-                             Column + QStringLiteral("]  IS NULL) SELECT 1 ELSE SELECT 0");
+        const QString text = QStringLiteral("IF EXISTS (SELECT TOP (1) ") + quoteName(Column) +
+                             QStringLiteral(" FROM [") + Table + QStringLiteral("] WHERE ") +
+                             quoteName(Column) +
+                             QStringLiteral("  IS NULL) SELECT 1 ELSE SELECT 0");
         std::unique_ptr<Recordset> rs;
         if (GetAdoRS(Server, adCmdText, text, rs, Database) == -1 || !rs || rs->isEof()) return false;
         const bool exists = rs->field(0).toInt64() == 1;
@@ -277,34 +327,45 @@ bool NullExistsInColumn(const ServerInfo& Server, const QString& Database, const
 
 namespace {
 
-QString commentsQuery(const QString& objectName) {
-    return QStringLiteral("SELECT text FROM syscomments sc INNER JOIN sysobjects so ON sc.id = so.id "
-                          "WHERE so.name = '") +
-           objectName + QStringLiteral("' ORDER BY sc.colid");
+QString commentsQuery(const QString& objectName, qint32 objectId) {
+    QString text = QStringLiteral(
+                       "SELECT text FROM syscomments sc INNER JOIN sysobjects so ON sc.id = so.id "
+                       "WHERE so.name = '") +
+                   objectName + QStringLiteral("' ");
+    if (objectId >= 1) text += QStringLiteral("AND so.id = %1 ").arg(objectId);
+    return text + QStringLiteral("ORDER BY sc.colid");
 }
 
-QString joinedText(std::unique_ptr<Recordset>& rs) {
+QString joinedText(std::unique_ptr<Recordset>& rs, bool* whole) {
     QString text;
-    if (!rs) return text;
-    for (; !rs->isEof(); rs->MoveNext()) text += rs->field(QStringLiteral("text")).text();
-    rs->Close();
+    int rows = 0, nulls = 0;
+    if (rs) {
+        for (; !rs->isEof(); rs->MoveNext(), ++rows) {
+            const Field field = rs->field(QStringLiteral("text"));
+            nulls += field.isNull();
+            text += field.text();
+        }
+        rs->Close();
+    }
+    if (whole) *whole = rows > 0 && nulls == 0;
     return text;
 }
 
 }  // namespace
 
 QString GetObjectTextFromComments(const ServerInfo& Server, const QString& Database,
-                                  const QString& ObjectName) {
+                                  const QString& ObjectName, qint32 ObjectId, bool* Whole) {
     std::unique_ptr<Recordset> rs;
-    GetAdoRS(Server, adCmdText, commentsQuery(ObjectName), rs, Database);
-    return joinedText(rs);
+    GetAdoRS(Server, adCmdText, commentsQuery(ObjectName, ObjectId), rs, Database);
+    return joinedText(rs, Whole);
 }
 
 QString GetObjectTextFromComments_OnConnection(const std::shared_ptr<Connection>& Connection,
-                                               const QString& ObjectName) {
+                                               const QString& ObjectName, qint32 ObjectId,
+                                               bool* Whole) {
     std::unique_ptr<Recordset> rs;
-    GetAdoRS_OnConnection(Connection, adCmdText, commentsQuery(ObjectName), rs);
-    return joinedText(rs);
+    GetAdoRS_OnConnection(Connection, adCmdText, commentsQuery(ObjectName, ObjectId), rs);
+    return joinedText(rs, Whole);
 }
 
 }  // namespace zov

@@ -55,10 +55,15 @@ QString AddAdoParameter(Command& Command, const QVariant& Value, int Direction);
 bool NullExistsInColumn(const ServerInfo& Server, const QString& Database, const QString& Table,
                         const QString& Column, bool* Failed = nullptr);
 
-/// The stored source of a programmable object: the rows of syscomments, joined.
+/// The stored source of a programmable object: the rows of syscomments, joined. `ObjectName` goes
+/// into the literal as it stands; `ObjectId` from 1 on tells it from its namesakes. `Whole`, when
+/// given, tells whether there was a row and each had a text: the source of an object that is
+/// encrypted, or hidden from the login, has none.
 QString GetObjectTextFromComments(const ServerInfo& Server, const QString& Database,
-                                  const QString& ObjectName);
+                                  const QString& ObjectName, qint32 ObjectId = 0,
+                                  bool* Whole = nullptr);
 QString GetObjectTextFromComments_OnConnection(const std::shared_ptr<Connection>& Connection,
-                                               const QString& ObjectName);
+                                               const QString& ObjectName, qint32 ObjectId = 0,
+                                               bool* Whole = nullptr);
 
 }  // namespace zov

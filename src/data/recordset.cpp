@@ -1,7 +1,7 @@
 #include "data/recordset.h"
 
 #include "core/globals.h"
-
+#include "core/run_account.h"
 #include "data/base/field_text.h"
 #include "data/criteria.h"
 #include "data/row_source.h"
@@ -97,7 +97,19 @@ Recordset::~Recordset() = default;
 Recordset::Recordset(Recordset&&) noexcept = default;
 Recordset& Recordset::operator=(Recordset&&) noexcept = default;
 
+template <typename Read>
+auto Recordset::accounted(Read read) {
+    try {
+        return read();
+    } catch (...) {
+        addCaughtErrorToAccount(place_, statement_);
+        throw;
+    }
+}
+
 void Recordset::Open(Command& command) {
+    place_ = command.ActiveConnection->place();
+    statement_ = command.CommandText;
     CommandSpec spec{command.CommandText, command.CommandType == adCmdStoredProc,
                      command.CommandTimeout, command.Parameters};
     auto rows = std::make_shared<RowSource>(command.ActiveConnection->sessionForNewCommand(),
@@ -140,14 +152,20 @@ bool Recordset::isEof() const { return !isOpen() || cursor_->row >= cursor_->cou
 
 void Recordset::MoveFirst() {
     if (!isOpen()) return;
-    // A stream that has not gone beyond its first rows needn't be read to its end for that.
-    if (!cursor_->rows->isStreaming() || cursor_->rows->droppedRows() > 0)
-        cursor_->rows->spoolFromStart();
-    cursor_->row = 0;
-    cursor_->settleForward();
+    accounted([&] {
+        // A stream that has not gone beyond its first rows needn't be read to its end for that.
+        if (!cursor_->rows->isStreaming() || cursor_->rows->droppedRows() > 0)
+            cursor_->rows->spoolFromStart();
+        cursor_->row = 0;
+        cursor_->settleForward();
+    });
 }
 
 void Recordset::MoveNext() {
+    accounted([&] { moveNext(); });
+}
+
+void Recordset::moveNext() {
     if (isEof()) return;
     ++cursor_->row;
     cursor_->settleForward();
@@ -155,7 +173,7 @@ void Recordset::MoveNext() {
 
 void Recordset::MoveLast() {
     if (!isOpen()) return;
-    cursor_->rows->spool();
+    accounted([&] { cursor_->rows->spool(); });
     cursor_->row = cursor_->count() - 1;
     while (cursor_->row >= 0 && !cursor_->isVisible(cursor_->row)) --cursor_->row;
 }
@@ -163,7 +181,7 @@ void Recordset::MoveLast() {
 qint64 Recordset::RecordCount() {
     if (!isOpen()) return 0;
     RowSource& rows = *cursor_->rows;
-    rows.spool();
+    accounted([&] { rows.spool(); });
     if (cursor_->filter.empty())
         return rows.droppedRows() + cursor_->count() - rows.deletedCount();
     qint64 visible = 0;
@@ -209,16 +227,19 @@ void Recordset::Find(const QString& criterion) {
         cursor_->row = found < 0 ? cursor_->count() : found;
         return;
     }
-    for (cursor_->settleForward(); !isEof(); MoveNext()) {
-        bool met = true;
-        for (const Criterion& one : criteria) met = met && meetsCriterion(rowStore(), cursor_->row, one);
-        if (met) return;
-    }
+    accounted([&] {
+        for (cursor_->settleForward(); !isEof(); moveNext()) {
+            bool met = true;
+            for (const Criterion& one : criteria)
+                met = met && meetsCriterion(rowStore(), cursor_->row, one);
+            if (met) return;
+        }
+    });
 }
 
 void Recordset::FindEqual(int fieldIndex, QStringView text) {
     if (!isOpen()) return;
-    cursor_->rows->spool();
+    accounted([&] { cursor_->rows->spool(); });
     const std::optional<RowStore> wanted = readAs(cursor_->rows->columns()[size_t(fieldIndex)], text);
     if (!wanted) {
         cursor_->row = cursor_->count();
@@ -230,7 +251,7 @@ void Recordset::FindEqual(int fieldIndex, QStringView text) {
 
 void Recordset::FindEqual(std::span<const int> fieldIndexes, std::span<const CellView> cells) {
     if (!isOpen()) return;
-    cursor_->rows->spool();
+    accounted([&] { cursor_->rows->spool(); });
     qsizetype found = std::max<qsizetype>(cursor_->row, 0);
     while ((found = cursor_->rows->findEqual(fieldIndexes, cells, found)) >= 0 &&
            !cursor_->filter.empty() && !cursor_->isVisible(found))
@@ -240,23 +261,25 @@ void Recordset::FindEqual(std::span<const int> fieldIndexes, std::span<const Cel
 
 bool Recordset::TakeWindow(RowStore& rows) {
     if (!isOpen()) return false;
-    RowSource& source = *cursor_->rows;
-    while (source.store().rowCount() == 0)
-        if (!source.nextWindow(1)) return false;
-    source.takeWindow(rows);
-    cursor_->row = 0;
-    return true;
+    return accounted([&] {
+        RowSource& source = *cursor_->rows;
+        while (source.store().rowCount() == 0)
+            if (!source.nextWindow(1)) return false;
+        source.takeWindow(rows);
+        cursor_->row = 0;
+        return true;
+    });
 }
 
 void Recordset::MoveBehindLast() {
     if (!isOpen()) return;
-    cursor_->rows->spool();
+    accounted([&] { cursor_->rows->spool(); });
     cursor_->row = cursor_->count();
 }
 
 void Recordset::Filter(const QString& criteria) {
     if (!isOpen()) return;
-    cursor_->rows->spoolFromStart();
+    accounted([&] { cursor_->rows->spoolFromStart(); });
     cursor_->filter.clear();
     if (!criteria.trimmed().isEmpty()) cursor_->filter = parseCriteria(cursor_->rows->columns(), criteria);
     cursor_->row = 0;
@@ -266,9 +289,11 @@ void Recordset::Filter(const QString& criteria) {
 Recordset Recordset::Clone() {
     Recordset other;
     if (!isOpen()) return other;
-    cursor_->rows->spool();
+    accounted([&] { cursor_->rows->spool(); });
     other.CursorLocation = CursorLocation;
     other.CacheSize = CacheSize;
+    other.place_ = place_;
+    other.statement_ = statement_;
     other.cursor_ = std::make_unique<Cursor>();
     other.cursor_->rows = cursor_->rows;
     other.cursor_->settleForward();

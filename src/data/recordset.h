@@ -111,7 +111,14 @@ class Recordset {
  private:
     friend class Field;
     struct Cursor;
+    /// Runs what may read from the stream; a failure goes into the account of the run, and on.
+    template <typename Read>
+    auto accounted(Read read);
+    void moveNext();
+
     std::unique_ptr<Cursor> cursor_;
+    QString place_;  ///< where the rows come from, and by which statement: for accounts
+    QString statement_;
 };
 
 }  // namespace zov

@@ -47,7 +47,7 @@ class DataComparisonOfAll {
     bool loadLists();
     void addCountLine(int count, const QString& side);
     void addList(const TableList& list);
-    bool isWanted(const QString& name) const;
+    bool isWanted(const ObjectListRow& row) const;
     bool findTable(const ObjectListRow& row, const CompareSide& from, const CompareSide& in,
                    const ObjectList& list, qint32& id, bool& found);
     bool compareSourceTables();
@@ -152,9 +152,12 @@ void DataComparisonOfAll::addList(const TableList& list) {
                (list.count == 1 ? singular_ : plural_) + u')' + CRLF + CRLF;
 }
 
-bool DataComparisonOfAll::isWanted(const QString& name) const {
-    return ProceedWithThisObject(partBehindLastDot(name), request_.selective, request_.sourceTables,
-                                 request_.targetTables);
+bool DataComparisonOfAll::isWanted(const ObjectListRow& row) const {
+    const auto takes = [&](const QString& name) {
+        return ProceedWithThisObject(name, request_.selective, request_.sourceTables,
+                                     request_.targetTables);
+    };
+    return takes(row.bareName()) || takes(objectOf(row, ObjectType::Table).fullName());
 }
 
 /// Looks for a table of one side on the other: by name and schema, where servers know schemas, else
@@ -180,7 +183,7 @@ bool DataComparisonOfAll::compareSourceTables() {
     for (int i = 0; i < list.rowCount(); ++i) {
         if (!mayGoOn()) return false;
         const ObjectListRow row = list.row(i);
-        if (!isWanted(row.name)) continue;
+        if (!isWanted(row)) continue;
         form_.setCurrentName(row.name);
         qint32 targetId = 0;
         bool found = false;
@@ -232,7 +235,7 @@ bool DataComparisonOfAll::listTargetTables() {
     for (int i = 0; i < list.rowCount(); ++i) {
         if (!mayGoOn()) return false;
         const ObjectListRow row = list.row(i);
-        if (!isWanted(row.name) || comparedTargets_.contains(row.id)) continue;
+        if (!isWanted(row) || comparedTargets_.contains(row.id)) continue;
         qint32 sourceId = 0;
         bool found = false;
         if (!findTable(row, target_, source_, panels_.source.pvlSqlObj, sourceId, found)) return false;

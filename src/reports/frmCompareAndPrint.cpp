@@ -8,15 +8,14 @@
 namespace zov {
 namespace {
 
-// A list may show a name with its schema where the other one needs none: the whole name goes before
-// the part behind the point.
-int rowOfNamesake(const ObjectList& list, const QString& name) {
-    const QString shortName = partBehindLastDot(name);
+// By schema and name; where there is none of that schema, the first of that name.
+int rowOfNamesake(const ObjectList& list, const ObjectListRow& wanted) {
     int found = -1;
     for (int row = 0; row < list.rowCount(); ++row) {
-        const QString& other = list.row(row).name;
-        if (other == name) return row;
-        if (found < 0 && partBehindLastDot(other) == shortName) found = row;
+        const ObjectListRow& other = list.row(row);
+        if (other.bareName() != wanted.bareName()) continue;
+        if (other.schema == wanted.schema) return row;
+        if (found < 0) found = row;
     }
     return found;
 }
@@ -50,7 +49,7 @@ void frmCompareAndPrint::CompareAndPrint() {
         tmrStatus_Timer();
         shell().pumpEvents();
         if (globals().gblnStop) return;
-        const int partner = rowOfNamesake(target, source.row(row).name);
+        const int partner = rowOfNamesake(target, source.row(row));
         if (partner < 0) continue;
         window_->showObject(SourcePanel, row);
         window_->showObject(TargetPanel, partner);

@@ -3,6 +3,8 @@
 #include "core/error_report.h"
 #include "core/globals.h"
 #include "core/modIgnoreColumns.h"
+#include "core/run_account.h"
+#include "data/sql_names.h"
 #include "util/text.h"
 
 #include <QSet>
@@ -19,14 +21,41 @@ std::unique_ptr<Recordset> select(const ServerInfo& server, const QString& text,
     return rs;
 }
 
-QString structureQuery(const QString& tableLiteral, qint32 objectId) {
+/// A table's name as the structure's statement has it, in two literals.
+struct TableLiterals {
+    QString name;
+    QString identity;  ///< for ident_seed and ident_incr, which read it as a statement would
+};
+
+// A plain name of the default schema stands as it is.
+QString identityName(const ObjectRef& table) {
+    const bool defaultSchema = table.schema.isEmpty() || table.schema == QLatin1StringView("dbo");
+    const bool plain = !table.name.contains(u'.') && !table.name.contains(u'[') &&
+                       !table.name.contains(u']') && !table.name.contains(u'"');
+    if (plain && defaultSchema && !table.hasNamesakes) return table.name;
+    return quotedName(table.schema, table.name);
+}
+
+/// The statement's condition on the object beside its name: nothing for a name that stands once.
+QString idCondition(const QString& column, const ObjectRef& object) {
+    if (!object.hasNamesakes || object.id < 1) return {};
+    return QStringLiteral("AND ") + column + QStringLiteral(" = %1 ").arg(object.id);
+}
+
+// Something that the catalogue names, and has no text for.
+void accountForUnreadable(const ServerInfo& server, const QString& dbName, const QString& doing,
+                          const QString& message) {
+    addToAccount({server.Name + u'.' + dbName, doing, message, 0, true});
+}
+
+QString structureQuery(const TableLiterals& table, qint32 objectId) {
     const QString where =
-        objectId < 1 ? QStringLiteral("WHERE sob.name = '") + tableLiteral + QStringLiteral("' ")
+        objectId < 1 ? QStringLiteral("WHERE sob.name = '") + table.name + QStringLiteral("' ")
                      : QStringLiteral("WHERE sco.id = %1 ").arg(objectId);
     return QStringLiteral(
                "SELECT sco.[name] AS [column], sco.autoval, sco.isnullable, sco.length, sco.prec, "
                "sco.scale, sty.[name] AS datatype, ident_seed('") +
-           tableLiteral + QStringLiteral("') AS identityseed, ident_incr('") + tableLiteral +
+           table.identity + QStringLiteral("') AS identityseed, ident_incr('") + table.identity +
            QStringLiteral(
                "') AS identityincrement, isID=case when sco.status&128=0 then '' else 'Y' end , "
                "sco.cdefault, sob.[id] AS [table_id], sco.[colid] AS [col_id] FROM sysobjects sob "
@@ -72,9 +101,12 @@ QString defaultClause(const ServerInfo& server, const QString& dbName, const Rec
     if (defaultId <= 0 || columnId <= 0) return {};
     const qint32 tableId = qint32(rs.field(TableId).toInt64());
     const QString value = GetDefaultValue(server, dbName, tableId, columnId);
-    return QStringLiteral(" CONSTRAINT [") +
-           GetDefaultConstraintName(server, dbName, tableId, defaultId) +
-           QStringLiteral("] DEFAULT ") + value;
+    const QString name = GetDefaultConstraintName(server, dbName, tableId, defaultId);
+    if (value.isEmpty() || name.isEmpty())
+        accountForUnreadable(server, dbName, QStringLiteral("reading a default"),
+                             QStringLiteral("The default of column %1 can't be read.")
+                                 .arg(rs.field(Column).text()));
+    return QStringLiteral(" CONSTRAINT [") + name + QStringLiteral("] DEFAULT ") + value;
 }
 
 ColumnRecord columnOfRow(const ServerInfo& server, const QString& dbName, const Recordset& rs) {
@@ -108,11 +140,15 @@ ColumnRecord columnOfRow(const ServerInfo& server, const QString& dbName, const 
             break;
     }
     if (rs.field(IsIdentity).cell().text == QLatin1StringView("Y")) {
-        if (rs.field(IdentitySeed).isNull())
+        if (rs.field(IdentitySeed).isNull()) {
+            accountForUnreadable(server, dbName, QStringLiteral("reading an identity"),
+                                 QStringLiteral("The seed of identity column %1 can't be read.")
+                                     .arg(column.strName));
             line += QLatin1StringView("IDENTITY ");
-        else
+        } else {
             line += QStringLiteral("IDENTITY(") + rs.field(IdentitySeed).text() + u',' +
                     rs.field(IdentityIncrement).text() + QStringLiteral(") ");
+        }
     }
     if (rs.field(IsNullable).toInt64() == 0) line += QLatin1StringView("NOT ");
     line += QLatin1StringView("NULL");
@@ -130,6 +166,70 @@ QSet<QString> ignoredColumns(qint32 kind, const QString& key, qint32& count) {
     return names;
 }
 
+struct StructureRequest {
+    QString keyName;  ///< the table in the key of its ignored columns
+    TableLiterals literals;
+    qint32 objectId = 0;
+    bool useIgnoredColumns = false;
+    qint32 ignoredColumnKind = 0;
+    QString lineSuffix;
+};
+
+void readStructure(const ServerInfo& server, const QString& dbName, const StructureRequest& request,
+                   TableStructure& structure) {
+    QSet<QString> ignored;
+    if (request.useIgnoredColumns)
+        ignored = ignoredColumns(request.ignoredColumnKind,
+                                 GetObjectKeyName(server.Name, dbName, request.keyName),
+                                 structure.ignoredColumnCount);
+    std::unique_ptr<Recordset> rs;
+    {
+        const ScopedValue<bool> silent(globals().gblnSuppressConnErrors, true);
+        rs = select(server, structureQuery(request.literals, request.objectId), dbName);
+    }
+    if (rs) {
+        structure.found = !rs->isEof();
+        for (; !rs->isEof(); rs->MoveNext()) {
+            if (!ignored.isEmpty() && ignored.contains(rs->field(Column).text().toLower()))
+                continue;
+            structure.columns.push_back(columnOfRow(server, dbName, *rs));
+            structure.lastColumnIndex += 1;
+            structure.structureText += structure.columns.back().strLine + request.lineSuffix + CRLF;
+        }
+        rs->Close();
+        if (!structure.found && request.objectId >= 1)
+            accountForUnreadable(server, dbName, QStringLiteral("reading columns"),
+                                 QStringLiteral("The columns of table %1 can't be read: they are "
+                                                "hidden from this login, or the table is gone.")
+                                     .arg(request.keyName));
+    }
+    if (!structure.structureText.isEmpty()) {
+        structure.structureText.chop(2);
+        structure.structureText = Trim(structure.structureText);
+    }
+}
+
+bool readStructureReported(const ServerInfo& server, const QString& dbName,
+                           const StructureRequest& request, TableStructure& structure) {
+    structure = {};
+    try {
+        readStructure(server, dbName, request, structure);
+        return true;
+    } catch (...) {
+        const CaughtError error = caughtError();
+        const QString message =
+            QStringLiteral(
+                "Error occured while attempting to get the structure of table\r\n\r\n'") +
+            request.keyName + QStringLiteral("'\r\n\r\nin SQL Server database\r\n\r\n'") +
+            server.Name + u'.' + dbName + QStringLiteral("'\r\n\r\nError %1 (").arg(error.number) +
+            error.description + QStringLiteral(").");
+        LogWrite(message);
+        reportCaughtError(Module, "GetTableStructure", message);
+        structure.found = false;
+        return false;
+    }
+}
+
 }  // namespace
 
 bool GetTableStructure(const ServerInfo& server, const QString& dbName, const QString& tableName,
@@ -143,45 +243,20 @@ bool GetTableStructure(const ServerInfo& server, const QString& dbName, const QS
                        const QString& tableLiteral, TableStructure& structure,
                        bool useIgnoredColumns, qint32 ignoredColumnKind, qint32 objectId,
                        const QString& lineSuffix) {
-    structure = {};
-    try {
-        QSet<QString> ignored;
-        if (useIgnoredColumns)
-            ignored =
-                ignoredColumns(ignoredColumnKind, GetObjectKeyName(server.Name, dbName, tableName),
-                               structure.ignoredColumnCount);
-        std::unique_ptr<Recordset> rs;
-        {
-            const ScopedValue<bool> silent(globals().gblnSuppressConnErrors, true);
-            rs = select(server, structureQuery(tableLiteral, objectId), dbName);
-        }
-        if (rs) {
-            for (; !rs->isEof(); rs->MoveNext()) {
-                if (!ignored.isEmpty() && ignored.contains(rs->field(Column).text().toLower()))
-                    continue;
-                structure.columns.push_back(columnOfRow(server, dbName, *rs));
-                structure.lastColumnIndex += 1;
-                structure.structureText += structure.columns.back().strLine + lineSuffix + CRLF;
-            }
-            rs->Close();
-        }
-        if (!structure.structureText.isEmpty()) {
-            structure.structureText.chop(2);
-            structure.structureText = Trim(structure.structureText);
-        }
-        return true;
-    } catch (...) {
-        const CaughtError error = caughtError();
-        const QString message =
-            QStringLiteral(
-                "Error occured while attempting to get the structure of table\r\n\r\n'") +
-            tableName + QStringLiteral("'\r\n\r\nin SQL Server database\r\n\r\n'") + server.Name +
-            u'.' + dbName + QStringLiteral("'\r\n\r\nError %1 (").arg(error.number) +
-            error.description + QStringLiteral(").");
-        LogWrite(message);
-        reportCaughtError(Module, "GetTableStructure", message);
-        return false;
-    }
+    const StructureRequest request{tableName, {tableLiteral, tableLiteral}, objectId,
+                                   useIgnoredColumns, ignoredColumnKind, lineSuffix};
+    return readStructureReported(server, dbName, request, structure);
+}
+
+bool GetTableStructure(const ServerInfo& server, const QString& dbName, const ObjectRef& table,
+                       TableStructure& structure, bool useIgnoredColumns, qint32 ignoredColumnKind,
+                       const QString& lineSuffix) {
+    const TableLiterals literals{DoubleSingleQuotes(table.name),
+                                 DoubleSingleQuotes(identityName(table))};
+    const StructureRequest request{table.shownName.isEmpty() ? table.name : table.shownName,
+                                   literals, table.id, useIgnoredColumns, ignoredColumnKind,
+                                   lineSuffix};
+    return readStructureReported(server, dbName, request, structure);
 }
 
 qint32 GetColumnsCount(const ServerInfo& server, const QString& dbName, const QString& tableName,
@@ -234,6 +309,13 @@ QString GetDefaultConstraintName(const ServerInfo& server, const QString& dbName
 QString GetIndexes(const ServerInfo& server, const QString& tableName, const QString& dbName,
                    bool clusteredOnly, const QString& nameSuffix,
                    std::vector<ColumnRecord>* indexes) {
+    return GetIndexes(server, objectNamed(tableName, ObjectType::Table), dbName, clusteredOnly,
+                      nameSuffix, indexes);
+}
+
+QString GetIndexes(const ServerInfo& server, const ObjectRef& table, const QString& dbName,
+                   bool clusteredOnly, const QString& nameSuffix,
+                   std::vector<ColumnRecord>* indexes) {
     if (indexes) indexes->clear();
     return guarded(Module, "GetIndexes", QString(), [&]() -> QString {
         const auto rs = select(
@@ -244,7 +326,8 @@ QString GetIndexes(const ServerInfo& server, const QString& tableName, const QSt
                 "sk.id INNER JOIN sysindexes si ON sk.id = si.id AND sk.indid = si.indid "
                 "INNER JOIN syscolumns sc ON sk.id = sc.id AND sk.colid = sc.colid INNER "
                 "JOIN sysobjects so2 ON so.parent_obj = so2.id WHERE so2.name = '") +
-                DoubleSingleQuotes(tableName) + QStringLiteral("' AND ") +
+                DoubleSingleQuotes(table.name) + QStringLiteral("' ") +
+                idCondition(QStringLiteral("so2.id"), table) + QStringLiteral("AND ") +
                 (clusteredOnly ? QStringLiteral("si.indid = 1 AND ")
                                : QStringLiteral("si.indid BETWEEN 1 AND 254 AND ")) +
                 QStringLiteral("INDEXPROPERTY(si.id, si.name, 'IsStatistics') = 0 AND "
@@ -323,7 +406,11 @@ QString GetTableConstraints(const ServerInfo& server, const QString& tableName,
 
 QString GetExtras(const ServerInfo& server, const QString& objectName, const QString& dbName,
                   ObjectType objectType) {
-    if (objectType != ObjectType::View) return {};
+    return GetExtras(server, objectNamed(objectName, objectType), dbName);
+}
+
+QString GetExtras(const ServerInfo& server, const ObjectRef& object, const QString& dbName) {
+    if (object.kind != ObjectType::View) return {};
     return guarded(Module, "GetExtras", QString(), [&]() -> QString {
         const auto rs =
             select(server,
@@ -332,7 +419,9 @@ QString GetExtras(const ServerInfo& server, const QString& objectName, const QSt
                        "sysindexkeys sk INNER JOIN sysindexes si ON sk.id = si.id AND sk.indid = "
                        "si.indid INNER JOIN syscolumns sc ON sk.id = sc.id AND sk.colid = sc.colid "
                        "INNER JOIN sysobjects so ON so.id = sk.id WHERE so.[name] = '") +
-                       DoubleSingleQuotes(objectName) + QStringLiteral("' ORDER BY sk.indid"),
+                       DoubleSingleQuotes(object.name) + QStringLiteral("' ") +
+                       idCondition(QStringLiteral("so.id"), object) +
+                       QStringLiteral("ORDER BY sk.indid"),
                    dbName);
         if (!rs || rs->isEof()) return {};
         const auto opening = [&](bool first, qint64 indid) {
@@ -340,7 +429,7 @@ QString GetExtras(const ServerInfo& server, const QString& objectName, const QSt
                                      ? QStringLiteral("EXEC('CREATE UNIQUE CLUSTERED INDEX [")
                                      : QStringLiteral("EXEC('CREATE INDEX [");
             return kind + rs->field(0).text() + QStringLiteral("] ON ' + @Database + '.[dbo].[") +
-                   objectName + QStringLiteral("]\r\n(");
+                   object.name + QStringLiteral("]\r\n(");
         };
         qint64 openIndid = rs->field(1).toInt64();
         QString result;

@@ -25,6 +25,7 @@ struct TableStructure {
     std::vector<ColumnRecord> columns;
     qint32 lastColumnIndex = -1;    ///< of `columns`, -1 when there is none
     qint32 ignoredColumnCount = 0;  ///< columns marked as ignored, found in the table or not
+    bool found = false;             ///< the table's columns could be read, and there is one at least
 };
 
 /// Reads a table's columns in their physical order. `tableName` has no owner and goes into the
@@ -40,6 +41,12 @@ bool GetTableStructure(const ServerInfo& server, const QString& dbName, const QS
 bool GetTableStructure(const ServerInfo& server, const QString& dbName, const QString& tableName,
                        const QString& tableLiteral, TableStructure& structure,
                        bool useIgnoredColumns, qint32 ignoredColumnKind, qint32 objectId,
+                       const QString& lineSuffix);
+
+/// The same for a table whose schema and name are known apart. One with an id that has no columns
+/// can't be read: it goes into the account of the run, as does a default or a seed without its text.
+bool GetTableStructure(const ServerInfo& server, const QString& dbName, const ObjectRef& table,
+                       TableStructure& structure, bool useIgnoredColumns, qint32 ignoredColumnKind,
                        const QString& lineSuffix);
 
 /// 0 for a table that isn't there.
@@ -59,6 +66,10 @@ QString GetDefaultConstraintName(const ServerInfo& server, const QString& dbName
 QString GetIndexes(const ServerInfo& server, const QString& tableName, const QString& dbName,
                    bool clusteredOnly, const QString& nameSuffix,
                    std::vector<ColumnRecord>* indexes = nullptr);
+/// The same; the id goes into the statement where the name has namesakes.
+QString GetIndexes(const ServerInfo& server, const ObjectRef& table, const QString& dbName,
+                   bool clusteredOnly, const QString& nameSuffix,
+                   std::vector<ColumnRecord>* indexes = nullptr);
 
 /// The defaults of a table as a statement for a script that declares @Database and @ErrorVal.
 QString GetTableConstraints(const ServerInfo& server, const QString& tableName,
@@ -66,5 +77,6 @@ QString GetTableConstraints(const ServerInfo& server, const QString& tableName,
 /// The indexes of a view in the same form; empty for any other type, without asking the server.
 QString GetExtras(const ServerInfo& server, const QString& objectName, const QString& dbName,
                   ObjectType objectType);
+QString GetExtras(const ServerInfo& server, const ObjectRef& object, const QString& dbName);
 
 }  // namespace zov

@@ -4,9 +4,12 @@
 #include "core/error_report.h"
 #include "core/globals.h"
 #include "core/modIgnoreColumns.h"
+#include "core/run_account.h"
 #include "scripting/modPermissions.h"
 #include "shell/shell.h"
 #include "util/text.h"
+
+#include <QScopeGuard>
 
 namespace zov {
 namespace {
@@ -27,29 +30,77 @@ class ScriptedTexts : public ObjectTexts {
 };
 
 // False for a type that has no text.
-bool textOf(const ServerInfo& server, ObjectType type, const QString& name, const QString& dbName,
-            qint32 id, int panel, QString& text) {
-    switch (type) {
+bool textOf(const ServerInfo& server, const ObjectRef& object, const QString& dbName, int panel,
+            QString& text) {
+    switch (object.kind) {
         case ObjectType::Procedure:
         case ObjectType::Function:
         case ObjectType::View:
         case ObjectType::Trigger:
-            text = GetObjectText(server, name, dbName, type);
+            text = GetObjectText(server, object, dbName);
             return true;
         case ObjectType::Table:
-            text = GetTableStructureWithIndexes(server, name, dbName, false, nullptr, id);
+            text = GetTableStructureWithIndexes(server, object, dbName, false, nullptr);
             return true;
         case ObjectType::Relationship:
-            text = GetRelationshipText(server, name, dbName);
+            text = GetRelationshipText(server, object, dbName);
             return true;
         case ObjectType::Constraint:
-            text = GetConstraintText(server, name, dbName);
+            text = GetConstraintText(server, object, dbName);
             return true;
         case ObjectType::Permission:
-            text = GetPermissionText(panel, id);
+            text = GetPermissionText(panel, object.id);
             return true;
     }
     return false;
+}
+
+// The selected row's object, or the one that is named or given by its id instead.
+ObjectRef chosenObject(const ObjectList& list, ObjectType type, const QString& name, qint32 id) {
+    const int row = list.selectedIndex();
+    // An id alone may come with an empty list; then there is no row to read.
+    ObjectRef object = row < 0 ? objectNamed(name, type, id) : objectOf(list.row(row), type);
+    if (!name.isEmpty() && name != object.name && name != object.shownName)
+        object = objectNamed(name, type, object.id);
+    if (id >= 1 && id != object.id) object = objectNamed(object.name, type, id);
+    return object;
+}
+
+void accountForUnreadable(const QString& place, const ObjectRef& object) {
+    addToAccount({place, QStringLiteral("reading a text"),
+                  QStringLiteral("The text of %1 can't be read: it is encrypted, hidden from this "
+                                 "login, or the object is gone.")
+                      .arg(object.shownName.isEmpty() ? object.name : object.shownName),
+                  0, true});
+}
+
+QString placeOf(const ServerInfo& server, const QString& dbName) {
+    return server.Name + u'.' + dbName;
+}
+
+/// The condition on an id behind that on the name: nothing for a name that stands once.
+QString idCondition(const QString& column, const ObjectRef& object) {
+    if (!object.hasNamesakes || object.id < 1) return {};
+    return QStringLiteral("AND ") + column + QStringLiteral(" = %1 ").arg(object.id);
+}
+qint32 idWhereNeeded(const ObjectRef& object) {
+    return object.hasNamesakes ? object.id : 0;
+}
+
+// A source as the server has it, trimmed. One that the server withholds goes into the account; a
+// statement that failed is in it already.
+template <typename Read>
+QString sourceText(const QString& place, const ObjectRef& object, Read read) {
+    bool whole = false;
+    QString text;
+    RunAccount account;
+    {
+        const KeepAccount keep(account);
+        text = read(whole);
+    }
+    for (const AccountEntry& entry : account.entries()) addToAccount(entry);
+    if (!whole && account.isWhole()) accountForUnreadable(place, object);
+    return TrimBlanksAndLineBreaks(text);
 }
 
 bool isTrimmed(QChar c) {
@@ -68,6 +119,7 @@ void UpdateProcedureTextBox(const ServerInfo& server, TextPane& pane, ObjectList
         [&] {
             LogWrite(QStringLiteral("Begin UpdateProcedureTextBox, pstrDbName = ") + dbName +
                      QStringLiteral(", pstrSelProcName = ") + selProcName);
+            pane.Trouble.clear();
             step = 2;
             int count = objectId < 1 ? list.selectedCount() : 1;
             LogWrite(QStringLiteral("llngCount = %1").arg(count));
@@ -82,42 +134,91 @@ void UpdateProcedureTextBox(const ServerInfo& server, TextPane& pane, ObjectList
                 return;
             }
             step = 5;
-            // An id alone may come with an empty list; then there is no row to read.
-            const int row = list.selectedIndex();
-            const qint32 id = objectId >= 1 || row < 0 ? objectId : list.row(row).id;
-            const QString name =
-                !selProcName.isEmpty() || row < 0 ? selProcName : list.row(row).name;
-            LogWrite(QStringLiteral("lstrProcedure = ") + name);
+            const ObjectRef object = chosenObject(list, objectType, selProcName, objectId);
+            LogWrite(QStringLiteral("lstrProcedure = ") + object.shownName);
             step = 6;
-            QString text;
-            if (!textOf(server, objectType, name, dbName, id, panel, text)) {
-                shell().messageBox(QStringLiteral("SHOULDN't HAPPEN"), {}, BoxIcon::None);
-                return;
-            }
-            step = 7;
-            if (text.isEmpty()) return;
-            pane.setText(text);
-            pane.setCaret(0);
+            const bool told = ShowObjectText(server, pane, dbName, object, panel);
+            if (!told)
+                shell().messageBox(pane.Trouble, QStringLiteral("Cannot Show Text"),
+                                   BoxIcon::Exclamation);
         },
         [&] { return QStringLiteral("Line num: %1").arg(step); });
     list.Tag.clear();
     LogWrite(QStringLiteral("End UpdateProcedureTextBox"));
 }
 
-QString GetObjectText(const ServerInfo& server, const QString& objectName, const QString& dbName,
-                      ObjectType) {
+bool ShowObjectText(const ServerInfo& server, TextPane& pane, const QString& dbName,
+                    const ObjectRef& object, int panel) {
+    pane.Trouble.clear();
+    RunAccount account;
+    QString text;
+    // An exception leaves nothing behind that could pass for this object's text.
+    auto emptied = qScopeGuard([&] { pane.setText({}); });
+    {
+        const KeepAccount keep(account);
+        if (!textOf(server, object, dbName, panel, text)) {
+            shell().messageBox(QStringLiteral("SHOULDN't HAPPEN"), {}, BoxIcon::None);
+            emptied.dismiss();
+            return true;
+        }
+    }
+    emptied.dismiss();
+    bool told = true;
+    // A half is no text: what stands there could pass for the whole.
+    if (!account.isWhole()) {
+        text.clear();
+        pane.Trouble = account.entries().front().sentence();
+        told = false;
+        for (const AccountEntry& entry : account.entries()) {
+            addToAccount(entry);
+            // Who gave up waiting knows it.
+            told |= entry.told || entry.number == ado_error::Cancelled;
+        }
+    }
+    pane.setText(text);
+    pane.setCaret(0);
+    return told;
+}
+
+QString GetObjectText(const ServerInfo& server, const ObjectRef& object, const QString& dbName) {
     return guarded(Module, "GetObjectText", QString(), [&] {
-        return TrimBlanksAndLineBreaks(
-            GetObjectTextFromComments(server, dbName, DoubleSingleQuotes(objectName)));
+        return sourceText(placeOf(server, dbName), object, [&](bool& whole) {
+            return GetObjectTextFromComments(server, dbName, DoubleSingleQuotes(object.name),
+                                             idWhereNeeded(object), &whole);
+        });
     });
 }
 
-QString GetObjectTextOnConnection(const std::shared_ptr<Connection>& connection, const ServerInfo&,
-                                  const QString& objectName, const QString&) {
+QString GetObjectText(const ServerInfo& server, const QString& objectName, const QString& dbName,
+                      ObjectType objectType) {
+    return GetObjectText(server, objectNamed(objectName, objectType), dbName);
+}
+
+QString GetObjectTextOnConnection(const std::shared_ptr<Connection>& connection,
+                                  const ServerInfo& server, const ObjectRef& object,
+                                  const QString& dbName) {
     return guarded(Module, "GetObjectTextOnConnection", QString(), [&] {
-        return TrimBlanksAndLineBreaks(
-            GetObjectTextFromComments_OnConnection(connection, DoubleSingleQuotes(objectName)));
+        return sourceText(placeOf(server, dbName), object, [&](bool& whole) {
+            return GetObjectTextFromComments_OnConnection(
+                connection, DoubleSingleQuotes(object.name), idWhereNeeded(object), &whole);
+        });
     });
+}
+
+QString GetTableStructureWithIndexes(const ServerInfo& server, const ObjectRef& table,
+                                     const QString& dbName, bool useIgnoredColumns,
+                                     qint32* ignoredColumnCount, const QString& lineSuffix,
+                                     bool clusteredOnly, const QString& indexNameSuffix) {
+    TableStructure structure;
+    GetTableStructure(server, dbName, table, structure, useIgnoredColumns,
+                      IgnoreMode::StructureComparison, lineSuffix);
+    if (ignoredColumnCount) *ignoredColumnCount = structure.ignoredColumnCount;
+    if (!structure.found) return {};
+    QString indexes;
+    if (clusteredOnly || !globals().gblnIgnoreIndexes)
+        indexes = GetIndexes(server, table, dbName, clusteredOnly, indexNameSuffix);
+    if (indexes.isEmpty()) return structure.structureText;
+    return structure.structureText + CRLF + CRLF + indexes;
 }
 
 QString GetTableStructureWithIndexes(const ServerInfo& server, const QString& tableName,
@@ -125,18 +226,12 @@ QString GetTableStructureWithIndexes(const ServerInfo& server, const QString& ta
                                      qint32* ignoredColumnCount, qint32 objectId,
                                      const QString& lineSuffix, bool clusteredOnly,
                                      const QString& indexNameSuffix) {
-    TableStructure structure;
-    GetTableStructure(server, dbName, tableName, DoubleSingleQuotes(tableName), structure,
-                      useIgnoredColumns, IgnoreMode::StructureComparison, objectId, lineSuffix);
-    if (ignoredColumnCount) *ignoredColumnCount = structure.ignoredColumnCount;
-    QString indexes;
-    if (clusteredOnly || !globals().gblnIgnoreIndexes)
-        indexes = GetIndexes(server, tableName, dbName, clusteredOnly, indexNameSuffix);
-    if (indexes.isEmpty()) return structure.structureText;
-    return structure.structureText + CRLF + CRLF + indexes;
+    return GetTableStructureWithIndexes(
+        server, objectNamed(tableName, ObjectType::Table, objectId), dbName, useIgnoredColumns,
+        ignoredColumnCount, lineSuffix, clusteredOnly, indexNameSuffix);
 }
 
-QString GetRelationshipText(const ServerInfo& server, const QString& relationshipName,
+QString GetRelationshipText(const ServerInfo& server, const ObjectRef& relationship,
                             const QString& dbName) {
     return guarded(Module, "GetRelationshipText", QString(), [&]() -> QString {
         std::unique_ptr<Recordset> rs;
@@ -149,9 +244,14 @@ QString GetRelationshipText(const ServerInfo& server, const QString& relationshi
                            "sysobjects sor ON sor.id = sr.rkeyid INNER JOIN syscolumns scf ON "
                            "scf.id = sof.id AND scf.colid = sr.fkey1 INNER JOIN syscolumns scr "
                            "ON scr.id = sor.id AND scr.colid = sr.rkey1 WHERE so.name = '") +
-                DoubleSingleQuotes(relationshipName) + QStringLiteral("' ORDER BY scf.name"),
+                DoubleSingleQuotes(relationship.name) + QStringLiteral("' ") +
+                idCondition(QStringLiteral("so.id"), relationship) +
+                QStringLiteral("ORDER BY scf.name"),
             rs, dbName);
-        if (!rs || !rs->isOpen() || rs->isEof()) return {};
+        if (!rs || rs->isEof()) {
+            if (rs) accountForUnreadable(placeOf(server, dbName), relationship);
+            return {};
+        }
         return TrimBlanksAndLineBreaks(QStringLiteral("TABLE ") + rs->field(4).text() +
                                        QStringLiteral("\r\nCONSTRAINT [") + rs->field(0).text() +
                                        QStringLiteral("]\r\nFOREIGN KEY [") + rs->field(1).text() +
@@ -160,7 +260,13 @@ QString GetRelationshipText(const ServerInfo& server, const QString& relationshi
     });
 }
 
-QString GetConstraintText(const ServerInfo& server, const QString& constraintName,
+QString GetRelationshipText(const ServerInfo& server, const QString& relationshipName,
+                            const QString& dbName) {
+    return GetRelationshipText(server, objectNamed(relationshipName, ObjectType::Relationship),
+                               dbName);
+}
+
+QString GetConstraintText(const ServerInfo& server, const ObjectRef& constraint,
                           const QString& dbName) {
     return guarded(Module, "GetConstraintText", QString(), [&]() -> QString {
         std::unique_ptr<Recordset> rs;
@@ -175,17 +281,26 @@ QString GetConstraintText(const ServerInfo& server, const QString& constraintNam
                 "si.indid INNER JOIN syscolumns sc ON sk.id = sc.id AND sk.colid = sc.colid INNER "
                 "JOIN sysobjects so2 ON so.parent_obj = so2.id WHERE si.indid = 1 AND  si.name = "
                 "'") +
-                DoubleSingleQuotes(constraintName) +
-                QStringLiteral("' AND INDEXPROPERTY(si.id, si.name, 'IsStatistics') = 0 AND "
+                DoubleSingleQuotes(constraint.name) + QStringLiteral("' ") +
+                idCondition(QStringLiteral("so2.id"), constraint) +
+                QStringLiteral("AND INDEXPROPERTY(si.id, si.name, 'IsStatistics') = 0 AND "
                                "INDEXPROPERTY(si.id, si.name, 'IsHypothetical') = 0 "),
             rs, dbName);
-        if (!rs || !rs->isOpen() || rs->isEof()) return {};
+        if (!rs || rs->isEof()) {
+            if (rs) accountForUnreadable(placeOf(server, dbName), constraint);
+            return {};
+        }
         // The first two lines end in a blank.
         return TrimBlanksAndLineBreaks(
             QStringLiteral("CONSTRAINT [") + rs->field(0).text() +
             QStringLiteral("] \r\nPRIMARY KEY CLUSTERED \r\nON COLUMN [") + rs->field(3).text() +
             QStringLiteral("]\r\nON TABLE [") + rs->field(5).text() + u']');
     });
+}
+
+QString GetConstraintText(const ServerInfo& server, const QString& constraintName,
+                          const QString& dbName) {
+    return GetConstraintText(server, objectNamed(constraintName, ObjectType::Constraint), dbName);
 }
 
 QString RecordsetToString(const ListingProgress& progress, Recordset* objects,

@@ -60,18 +60,17 @@ QString dropHeader(const CreateStatementRequest& request, const QString& name) {
 QString bodyOf(const ServerInfo& server, const CreateStatementRequest& request) {
     switch (request.objectType) {
         case ObjectType::Table:
-            return GetTableStructureWithIndexes(server, request.objectName, request.dbName,
+            return GetTableStructureWithIndexes(server, request.meant(), request.dbName,
                                                 request.useIgnoredColumns, nullptr,
-                                                request.objectId, request.lineSuffix, true);
+                                                request.lineSuffix, true);
         case ObjectType::Relationship:
-            return GetRelationshipText(
-                server,
-                request.constraintName.isEmpty() ? request.objectName : request.constraintName,
-                request.dbName);
+            if (request.constraintName.isEmpty())
+                return GetRelationshipText(server, request.meant(), request.dbName);
+            return GetRelationshipText(server, request.constraintName, request.dbName);
         default:
             break;
     }
-    QString text = GetObjectText(server, request.objectName, request.dbName, request.objectType);
+    QString text = GetObjectText(server, request.meant(), request.dbName);
     if (!request.ownerFrom.isEmpty()) text.replace(request.ownerFrom, request.ownerTo);
     return text;
 }
@@ -99,8 +98,11 @@ QString BuildObjectCreateStatement(const ServerInfo& server, const CreateStateme
         return {};
     }
     return guarded(Module, "BuildObjectCreateStatement", QString(), [&] {
-        QString name = GetExtendedObjectName(server, request.dbName, request.objectName,
-                                             request.objectType, request.objectId);
+        QString name =
+            request.object.name.isEmpty()
+                ? GetExtendedObjectName(server, request.dbName, request.objectName,
+                                        request.objectType, request.objectId)
+                : GetExtendedObjectName(server, request.dbName, request.object);
         if (!request.ownerFrom.isEmpty()) name.replace(request.ownerFrom, request.ownerTo);
 
         QString opening, closing;
@@ -111,7 +113,7 @@ QString BuildObjectCreateStatement(const ServerInfo& server, const CreateStateme
             closing = QStringLiteral(")");
         }
         QString body = bodyOf(server, request);
-        QString extras = GetExtras(server, request.objectName, request.dbName, request.objectType);
+        QString extras = GetExtras(server, request.meant(), request.dbName);
         if (!request.lineSuffix.isEmpty() && !cutSuffix(extras, request.lineSuffix))
             cutSuffix(body, request.lineSuffix);
 

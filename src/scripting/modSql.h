@@ -8,6 +8,7 @@ namespace zov {
 struct CreateStatementRequest {
     QString dbName;
     QString objectName;
+    ObjectRef object = {};  ///< with schema and name apart, where a list's row is meant
     QString constraintName;  ///< the relationship's name, when it isn't objectName
     ObjectType objectType = ObjectType::Table;
     qint32 objectId = 0;
@@ -16,6 +17,10 @@ struct CreateStatementRequest {
     QString ownerTo;
     bool bodyOnly = false;  ///< without the header that drops the old object
     bool useIgnoredColumns = false;
+
+    ObjectRef meant() const {
+        return object.name.isEmpty() ? objectNamed(objectName, objectType, objectId) : object;
+    }
 };
 /// Empty, with `ok` false, when the request is incomplete (which a box tells) or fails.
 QString BuildObjectCreateStatement(const ServerInfo& server, const CreateStatementRequest& request,

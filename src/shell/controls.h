@@ -26,13 +26,22 @@ class TextPane {
     /// Paints the background of the selection, colour as 0xBBGGRR.
     virtual void setSelectionBackColor(quint32 color) = 0;
     virtual void setFocus() = 0;
+
+    /// Why the text of the selected object isn't here; empty when it is.
+    QString Trouble;
 };
 
-/// One row of `pvlSqlObj`: name, reference date, catalogue id.
+/// One row of `pvlSqlObj`: name, reference date, catalogue id; and what the list doesn't show.
 struct ObjectListRow {
-    QString name;
+    QString name;  ///< as shown, with the schema in front where the list holds the bare name twice
     QString refDate;
     qint32 id = 0;
+    QString schema = {};      ///< empty: not known
+    QString objectName = {};  ///< as the catalogue has it; empty: `name` is that
+    bool hasNamesakes = false;  ///< other objects of the database may have this name
+
+    /// The name as the catalogue has it.
+    QString bareName() const { return objectName.isEmpty() ? name : objectName; }
 };
 
 /// `pvlSqlObj`: rows from 0. The tag "OFF" silences its selection events.

@@ -1,53 +1,54 @@
 #include "structcompare/modCompareAll.h"
 
 #include "catalog/modSchema.h"
-#include "core/globals.h"
+#include "catalog/run_checks.h"
 #include "core/error_report.h"
+#include "core/globals.h"
+#include "data/mdlData.h"
 #include "scripting/modNew.h"
 #include "shell/shell.h"
-#include "structcompare/line_differences.h"
+#include "structcompare/kind_report.h"
 #include "structcompare/modCompareObjects.h"
 #include "structcompare/modIgnoreColumnsOrder.h"
+#include "structcompare/object_pairing.h"
 #include "util/text.h"
 
 #include <QElapsedTimer>
+#include <QSet>
+
+#include <algorithm>
 
 namespace zov {
 namespace {
 
-/// A list of the report that gets its heading with its first object.
-struct NameList {
-    QString text;
-    int count = 0;
+/// One side of a run.
+struct RunSide {
+    RunSide(int panel, const QString& name, const QString& database, ComparePanel& scratch)
+        : server(globals().gtCurrentServers[panel]),
+          database(database),
+          panel(panel),
+          name(name),
+          list(scratch.pvlSqlObj),
+          pane(scratch.txtTXProc) {}
 
-    /// Puts the object in the list and gives back what that added to the list's text.
-    QString add(const QString& which, const QString& plural, const QString& name) {
-        QString added;
-        if (count == 0) added = QStringLiteral("List of ") + plural + which + CRLF;
-        added += u'\t' + name + CRLF;
-        text += added;
-        ++count;
-        return added;
-    }
+    ServerInfo server;
+    QString database;
+    int panel;
+    QString name;  ///< "Source", "Target"
+    ObjectList& list;
+    TextPane& pane;
+    std::shared_ptr<Connection> connection;
+    ObjectDirectory directory;
+    bool seesEverything = true;
+
+    bool knowsSchemas() const { return zov::knowsSchemas(server); }
+    QString place() const { return server.Name + u'.' + database; }
 };
 
-/// What is known of one kind while it is compared.
-struct KindState {
-    ObjectType type;
-    QString plural;
-    QString singular;  ///< the plural less its last letter
-    NameList differing;
-    NameList onlyInSource;
-    NameList onlyInTarget;
-    QString identical;  ///< lines of names, without a heading
-    int identicalCount = 0;
-    QString lastIdentical;
-    QString detailText;
+/// An object's text on one side, as the comparison wants it.
+struct ReadText {
+    QString text;
     bool columnsIgnored = false;
-    bool blnSomethingDiffers = false;
-
-    explicit KindState(ObjectType type)
-        : type(type), plural(GetObjectTypeName(type, true)), singular(plural.chopped(1)) {}
 };
 
 /// Both texts of an object that both sides have.
@@ -60,60 +61,58 @@ struct TextPair {
 class StructureComparison {
  public:
     StructureComparison(CompareAllForm& form, const StructureRunRequest& request,
-                        ComparePanels& panels)
+                        ComparePanels& panels, StructureRun& result)
         : form_(form),
           request_(request),
-          panels_(panels),
-          source_{globals().gtCurrentServers[SourcePanel], request.sourceDb, SourcePanel},
-          target_{globals().gtCurrentServers[TargetPanel], request.targetDb, TargetPanel} {}
+          result_(result),
+          source_(SourcePanel, QStringLiteral("Source"), request.sourceDb, panels.source),
+          target_(TargetPanel, QStringLiteral("Target"), request.targetDb, panels.target) {}
 
     /// True when the end was reached and the report stands.
     bool run();
-    bool somethingDiffers() const { return somethingDiffers_; }
 
  private:
-    bool connect();
+    bool connect(RunSide& side);
+    void readDirectory(RunSide& side);
     bool mayGoOn();
     void addRunHeading();
     bool compareKind(int box);
-    void addKindHeading(const KindState& kind);
-    void addCountLine(const KindState& kind, int count, const QString& side);
-    void addCount(const KindState& kind, int count);
-    bool compareSourceObjects(KindState& kind);
-    bool compareSourceObject(KindState& kind, const ObjectListRow& row);
-    bool listTargetObjects(KindState& kind);
-    bool isInSource(const KindState& kind, const ObjectListRow& row, const QSet<QString>& names,
-                    bool& found);
-    TextPair textsOf(KindState& kind, const QString& name, qint32 sourceId, qint32 targetId);
-    bool areIdentical(const KindState& kind, TextPair& texts, const QString& name, qint32 sourceId,
-                      qint32 targetId);
-    void addDetails(KindState& kind, const QString& name, const TextPair& texts);
-    void addClosing(const KindState& kind, bool bothEmpty);
+    void addKindHeading(const KindReport& kind);
+    bool loadList(RunSide& side, const KindReport& kind);
+    bool isChosen(const ObjectRef& object) const;
+    bool compareLists(KindReport& kind, const std::vector<ObjectRef>& sources,
+                      const std::vector<ObjectRef>& targets);
+    void comparePair(KindReport& kind, const ObjectRef& source, const ObjectRef& target);
+    TextPair textsOf(KindReport& kind, const ObjectRef& source, const ObjectRef& target);
+    ReadText textOn(RunSide& side, const ObjectRef& object);
+    bool areIdentical(TextPair& texts, const ObjectRef& source, const ObjectRef& target);
+    void noteUnreadable(KindReport& kind, const ObjectRef& object, const RunAccount& account);
 
     CompareAllForm& form_;
     const StructureRunRequest& request_;
-    ComparePanels& panels_;
-    CompareSide source_;
-    CompareSide target_;
-    std::shared_ptr<Connection> sourceConnection_;
-    std::shared_ptr<Connection> targetConnection_;
+    StructureRun& result_;
+    RunSide source_;
+    RunSide target_;
     QElapsedTimer clock_;
     QString report_;
-    bool somethingDiffers_ = false;
 };
 
-bool StructureComparison::connect() {
-    if (!ADO_Connection_Open(sourceConnection_, source_.server, source_.database)) {
-        shell().messageBox(QStringLiteral("Cannot connect to Source database - aborting."), {},
-                           BoxIcon::Exclamation);
+bool StructureComparison::connect(RunSide& side) {
+    if (!ADO_Connection_Open(side.connection, side.server, side.database)) {
+        shell().messageBox(
+            QStringLiteral("Cannot connect to %1 database - aborting.").arg(side.name), {},
+            BoxIcon::Exclamation);
         return false;
     }
-    if (!ADO_Connection_Open(targetConnection_, target_.server, target_.database)) {
-        shell().messageBox(QStringLiteral("Cannot connect to Target database - aborting."), {},
-                           BoxIcon::Exclamation);
-        return false;
-    }
+    if (!knowVersion(side.server)) return false;
+    QString sentence;
+    side.seesEverything = seesWholeCatalogue(side.server, side.database, sentence);
+    if (!side.seesEverything) result_.blindness += sentence;
     return true;
+}
+
+void StructureComparison::readDirectory(RunSide& side) {
+    side.directory = ObjectDirectory::read(side.server, side.database);
 }
 
 bool StructureComparison::mayGoOn() {
@@ -124,16 +123,19 @@ bool StructureComparison::mayGoOn() {
 
 bool StructureComparison::run() {
     globals().gblnStop = false;
-    if (!connect()) return false;
+    if (!connect(source_) || !connect(target_)) return false;
     form_.showRunning();
     shell().pumpEvents();
     clock_.start();
     form_.runStatusTimer(true);
     LogWrite(QStringLiteral("Begin CompareAll_Structure"));
 
+    readDirectory(source_);
+    readDirectory(target_);
     addRunHeading();
     for (int box = 0; box < comparedKindCount(); ++box)
         if (request_.kinds[size_t(box)] && !compareKind(box)) return false;
+    if (globals().gblnStop) return false;
 
     report_ += CRLF + CRLF + QStringLiteral("Time Elapsed: ") + formatElapsed(clock_.elapsed());
     globals().gstrReport = report_;
@@ -141,52 +143,45 @@ bool StructureComparison::run() {
 }
 
 void StructureComparison::addRunHeading() {
-    const auto place = [](const CompareSide& side) {
-        return side.server.Name + u'.' + side.database + CRLF;
-    };
     report_ = QStringLiteral("Comparison of databases") + CRLF + CRLF;
-    report_ += QStringLiteral("Source database ") + place(source_);
-    report_ += QStringLiteral("Target database ") + place(target_);
+    report_ += QStringLiteral("Source database ") + source_.place() + CRLF;
+    report_ += QStringLiteral("Target database ") + target_.place() + CRLF;
     const QString filter = BuildSchemaFilteringString();
     if (!filter.isEmpty()) report_ += filter + CRLF;
+    for (const QString& sentence : result_.blindness) report_ += sentence + CRLF;
 }
 
 /// One kind, from its heading to its closing sentence; false ends the run.
 bool StructureComparison::compareKind(int box) {
     if (!mayGoOn()) return false;
-    KindState kind(ObjectTypeOfBox(box));
+    KindReport kind(ObjectTypeOfBox(box));
+    kind.mayLackObjects = !source_.seesEverything || !target_.seesEverything ||
+                          !source_.directory.isRead() || !target_.directory.isRead();
     const QString caption = QStringLiteral("Comparing ") + kind.plural + QStringLiteral("...");
     form_.setComparing(box, caption);
     shell().pumpEvents();
     addKindHeading(kind);
 
-    LoadObjects(source_.server, panels_.source.pvlSqlObj, panels_.source.txtTXProc, kind.type,
-                source_.database, false, QString(), SourcePanel, &objectTexts());
-    LoadObjects(target_.server, panels_.target.pvlSqlObj, panels_.target.txtTXProc, kind.type,
-                target_.database, false, QString(), TargetPanel, &objectTexts());
+    const bool sourceLoaded = loadList(source_, kind);
+    const bool targetLoaded = loadList(target_, kind);
     shell().pumpEvents();
-    const int sourceCount = panels_.source.pvlSqlObj.rowCount();
-    const int targetCount = panels_.target.pvlSqlObj.rowCount();
-    if (!request_.selective) {
-        addCountLine(kind, sourceCount, QStringLiteral("Source"));
-        addCountLine(kind, targetCount, QStringLiteral("Target"));
+    if (globals().gblnStop) return false;
+    if (sourceLoaded && targetLoaded) {
+        const std::vector<ObjectRef> sources = objectsOf(source_.list, kind.type);
+        const std::vector<ObjectRef> targets = objectsOf(target_.list, kind.type);
+        result_.objectCount += int(sources.size() + targets.size());
+        if (!request_.selective) {
+            report_ += kind.countLine(int(sources.size()), source_.name);
+            report_ += kind.countLine(int(targets.size()), target_.name);
+        }
+        if (!compareLists(kind, sources, targets)) return false;
     }
-
-    const bool bothEmpty = sourceCount == 0 && targetCount == 0;
-    if (!bothEmpty && (sourceCount == 0 || targetCount == 0)) {
-        // Nothing can be compared: the count lines say it all, and no closing sentence follows.
-        kind.blnSomethingDiffers = true;
-    } else {
-        if (!bothEmpty && (!compareSourceObjects(kind) || !listTargetObjects(kind))) return false;
-        addClosing(kind, bothEmpty);
-    }
-    if (request_.details && kind.blnSomethingDiffers) report_ += kind.detailText;
-    somethingDiffers_ |= kind.blnSomethingDiffers;
+    result_.somethingDiffers |= kind.somethingDiffers();
     form_.setComparing(box, caption + QStringLiteral(" Finished"));
     return true;
 }
 
-void StructureComparison::addKindHeading(const KindState& kind) {
+void StructureComparison::addKindHeading(const KindReport& kind) {
     report_ += CRLF + CRLF;
     if (!request_.selective) {
         report_ += QStringLiteral("Comparison of ") + kind.plural + CRLF;
@@ -199,245 +194,178 @@ void StructureComparison::addKindHeading(const KindState& kind) {
                QStringLiteral(" objects selected in Target database") + CRLF + CRLF;
 }
 
-void StructureComparison::addCountLine(const KindState& kind, int count, const QString& side) {
-    if (count == 0)
-        report_ += QStringLiteral("There are no ") + kind.plural;
-    else if (count == 1)
-        report_ += QStringLiteral("There is 1 ") + kind.singular;
-    else
-        report_ += QStringLiteral("There are %1 ").arg(count) + kind.plural;
-    report_ += QStringLiteral(" in ") + side + QStringLiteral(" database.") + CRLF;
+/// An empty list that isn't read must not look like a database without such objects.
+bool StructureComparison::loadList(RunSide& side, const KindReport& kind) {
+    RunAccount account;
+    {
+        const KeepAccount keep(account);
+        LoadObjects(side.server, side.list, side.pane, kind.type, side.database, false, QString(),
+                    side.panel, &objectTexts(), nullptr, &side.directory);
+    }
+    if (account.isWhole()) return true;
+    for (const AccountEntry& entry : account.entries()) addToAccount(entry);
+    report_ += QStringLiteral("The list of %1 in %2 database can't be read: the %1 aren't compared.")
+                   .arg(kind.plural, side.name) +
+               CRLF;
+    return false;
 }
 
-void StructureComparison::addCount(const KindState& kind, int count) {
-    report_ += QStringLiteral("\t(%1 ").arg(count) + (count == 1 ? kind.singular : kind.plural) +
-               u')' + CRLF;
+/// Whether a run takes this object: in a selective run one that either side's choice names, with
+/// its schema or without.
+bool StructureComparison::isChosen(const ObjectRef& object) const {
+    const auto takes = [&](const QString& name) {
+        return ProceedWithThisObject(name, request_.selective, request_.sourceObjects,
+                                     request_.targetObjects);
+    };
+    return takes(object.name) || (!object.schema.isEmpty() && takes(object.fullName()));
 }
 
-bool StructureComparison::compareSourceObjects(KindState& kind) {
-    const ObjectList& list = panels_.source.pvlSqlObj;
-    for (int i = 0; i < list.rowCount(); ++i) {
+bool StructureComparison::compareLists(KindReport& kind, const std::vector<ObjectRef>& sources,
+                                       const std::vector<ObjectRef>& targets) {
+    const auto anyChosen = [&](const std::vector<ObjectRef>& objects) {
+        return std::any_of(objects.begin(), objects.end(),
+                           [&](const ObjectRef& object) { return isChosen(object); });
+    };
+    if (sources.empty() || targets.empty()) {
+        // Nothing can be compared: the count lines say it all, and no closing sentence follows. A kind
+        // of which nothing was chosen differs in nothing.
+        if (sources.empty() && targets.empty())
+            report_.chop(2);
+        else
+            kind.oneSided = !request_.selective || anyChosen(sources) || anyChosen(targets);
+        return true;
+    }
+
+    PairingRules rules;
+    rules.schemaMayDiffer = source_.knowsSchemas() != target_.knowsSchemas() ||
+                            !source_.directory.isRead() || !target_.directory.isRead();
+    rules.sameName = [&](const ObjectRef& a, const ObjectRef& b) {
+        return serverTakesForSame(target_.server, target_.database, a, b);
+    };
+    if (kind.type == ObjectType::Constraint)
+        rules.parentOf = [&](const ObjectRef& object, int panel) {
+            return (panel == SourcePanel ? source_ : target_).directory.nameOf(object.id);
+        };
+    const std::vector<int> partners = pairObjects(sources, targets, rules);
+
+    QSet<QString> found;  // the target's objects that the source has
+    const auto identity = [](const ObjectRef& object) {
+        return QString::number(object.id) + u' ' + object.name;
+    };
+    for (const int partner : partners)
+        if (partner >= 0) found.insert(identity(targets[size_t(partner)]));
+
+    for (size_t i = 0; i < sources.size(); ++i) {
         if (!mayGoOn()) return false;
-        const ObjectListRow row = list.row(i);
-        if (!ProceedWithThisObject(partBehindLastDot(row.name), request_.selective,
-                                   request_.sourceObjects, request_.targetObjects))
-            continue;
-        form_.setCurrentName(row.name);
-        if (!compareSourceObject(kind, row)) return false;
+        if (!isChosen(sources[i])) continue;
+        form_.setCurrentName(sources[i].shownName);
+        if (partners[i] < 0)
+            kind.addOnlyInSource(sources[i].shownName);
+        else
+            comparePair(kind, sources[i], targets[size_t(partners[i])]);
     }
-    if (kind.differing.count > 0) addCount(kind, kind.differing.count);
-    if (kind.onlyInSource.count > 0) {
-        report_ += kind.onlyInSource.text;
-        addCount(kind, kind.onlyInSource.count);
+    for (const ObjectRef& object : targets) {
+        if (!mayGoOn()) return false;
+        if (!isChosen(object)) continue;
+        form_.setCurrentName(object.shownName);
+        if (!found.contains(identity(object))) kind.addOnlyInTarget(object.shownName);
     }
+    report_ += kind.lists() + kind.closing(request_.selective) + kind.unreadableList();
+    if (request_.details && kind.somethingDiffers()) report_ += kind.detailText;
     return true;
 }
 
-bool StructureComparison::compareSourceObject(KindState& kind, const ObjectListRow& row) {
-    const QString shortName = partBehindLastDot(row.name);
-    qint32 targetId = 0;
-    bool existsInTarget = false;
-    if (!CompareAll_CheckForDuplicateNames(kind.type, source_, row.name, target_, row.id, targetId,
-                                           existsInTarget))
-        return false;
-
+void StructureComparison::comparePair(KindReport& kind, const ObjectRef& source,
+                                      const ObjectRef& target) {
     TextPair texts;
     bool identical = false;
-    if (existsInTarget) {
-        texts = textsOf(kind, shortName, row.id, targetId);
-        if (!texts.target.isEmpty())
-            identical = areIdentical(kind, texts, shortName, row.id, targetId);
+    RunAccount account;
+    {
+        const KeepAccount keep(account);
+        texts = textsOf(kind, source, target);
+        if (account.isWhole()) identical = areIdentical(texts, source, target);
     }
-    if (identical) {
-        ++kind.identicalCount;
-        kind.identical += u'\t' + row.name + texts.suffix + CRLF;
-        kind.lastIdentical = row.name;
-        return true;
-    }
-
-    kind.blnSomethingDiffers = true;
-    if (texts.source.isEmpty() || texts.target.isEmpty()) {
-        kind.onlyInSource.add(
-            QStringLiteral(" which exist in Source database but not in Target database:"),
-            kind.plural, row.name);
-        return true;
-    }
-    report_ +=
-        kind.differing.add(QStringLiteral(" which differ:"), kind.plural, row.name + texts.suffix);
-    if (request_.details) addDetails(kind, row.name, texts);
-    return true;
+    const QString name = source.shownName + texts.suffix;
+    if (!account.isWhole()) return noteUnreadable(kind, source, account);
+    if (identical) return kind.addIdentical(source.shownName, texts.suffix);
+    kind.addDiffering(name);
+    if (request_.details) kind.addDetails(source.shownName, texts.source, texts.target);
 }
 
-TextPair StructureComparison::textsOf(KindState& kind, const QString& name, qint32 sourceId,
-                                      qint32 targetId) {
-    TextPair texts;
-    switch (kind.type) {
-        case ObjectType::Table: {
-            qint32 sourceIgnored = 0;
-            qint32 targetIgnored = 0;
-            texts.source = GetTableStructureWithIndexes(source_.server, name, source_.database,
-                                                        true, &sourceIgnored, sourceId);
-            texts.target = GetTableStructureWithIndexes(target_.server, name, target_.database,
-                                                        true, &targetIgnored, targetId);
-            if (sourceIgnored > 0 || targetIgnored > 0) {
-                kind.columnsIgnored = true;
-                texts.suffix = QStringLiteral(" (some columns ignored during comparison)");
-            }
-            break;
-        }
-        case ObjectType::Relationship:
-            texts.source = GetRelationshipText(source_.server, name, source_.database);
-            texts.target = GetRelationshipText(target_.server, name, target_.database);
-            break;
-        case ObjectType::Constraint:
-            texts.source = GetConstraintText(source_.server, name, source_.database);
-            texts.target = GetConstraintText(target_.server, name, target_.database);
-            break;
-        case ObjectType::Permission:
-            shell().messageBox(
-                QStringLiteral("Compare all - structure - permissions - to be finished."));
-            break;
-        default:
-            texts.source = GetObjectTextOnConnection(sourceConnection_, source_.server, name,
-                                                     source_.database);
-            texts.target = GetObjectTextOnConnection(targetConnection_, target_.server, name,
-                                                     target_.database);
+/// What the server refused or hides is this object's trouble alone; a lost connection or a time-out
+/// is the run's.
+void StructureComparison::noteUnreadable(KindReport& kind, const ObjectRef& object,
+                                         const RunAccount& account) {
+    kind.addUnreadable(object.shownName);
+    for (const AccountEntry& entry : account.entries()) {
+        if (entry.refused)
+            result_.unreadable.append({object, entry});
+        else
+            addToAccount(entry);
+    }
+}
+
+TextPair StructureComparison::textsOf(KindReport& kind, const ObjectRef& source,
+                                      const ObjectRef& target) {
+    const ReadText first = textOn(source_, source);
+    const ReadText second = textOn(target_, target);
+    TextPair texts{first.text, second.text, {}};
+    if (first.columnsIgnored || second.columnsIgnored) {
+        kind.columnsIgnored = true;
+        texts.suffix = QStringLiteral(" (some columns ignored during comparison)");
     }
     return texts;
 }
 
+ReadText StructureComparison::textOn(RunSide& side, const ObjectRef& object) {
+    switch (object.kind) {
+        case ObjectType::Table: {
+            qint32 ignored = 0;
+            const QString text = GetTableStructureWithIndexes(side.server, object, side.database,
+                                                              true, &ignored);
+            return {text, ignored > 0};
+        }
+        case ObjectType::Relationship:
+            return {GetRelationshipText(side.server, object, side.database)};
+        case ObjectType::Constraint:
+            return {GetConstraintText(side.server, object, side.database)};
+        case ObjectType::Permission:
+            shell().messageBox(
+                QStringLiteral("Compare all - structure - permissions - to be finished."));
+            return {};
+        default:
+            return {GetObjectTextOnConnection(side.connection, side.server, object, side.database)};
+    }
+}
+
 /// Cleans the texts on its way as the settings say; they stay cleaned for the detailed list.
-bool StructureComparison::areIdentical(const KindState& kind, TextPair& texts, const QString& name,
-                                       qint32 sourceId, qint32 targetId) {
+bool StructureComparison::areIdentical(TextPair& texts, const ObjectRef& source,
+                                       const ObjectRef& target) {
     const Globals& settings = globals();
     if (settings.gblnIgnoreComments && texts.source != texts.target) {
-        texts.source = StripCommentsFromProc(texts.source);
-        texts.target = StripCommentsFromProc(texts.target);
+        const QString strippedSource = StripCommentsFromProc(texts.source);
+        const QString strippedTarget = StripCommentsFromProc(texts.target);
+        // Nothing left means that what isn't a comment went, too.
+        if (!Trim(strippedSource).isEmpty() && !Trim(strippedTarget).isEmpty()) {
+            texts.source = strippedSource;
+            texts.target = strippedTarget;
+        }
     }
-    if (kind.type == ObjectType::View) AdjustCreateViewStatements(texts.source, texts.target);
+    if (source.kind == ObjectType::View) AdjustCreateViewStatements(texts.source, texts.target);
     if (settings.gblnIgnoreWhitespace ? CompareProcs_IgnoreWhiteSpace(texts.source, texts.target)
                                       : texts.source == texts.target)
         return true;
 
-    // The target's id is known only where tables of one name had to be told apart. So the order of
-    // lines counts for all other kinds, and for tables of servers older than version 9, whatever
-    // the setting: a procedure with its lines in another order differs here, and is identical
-    // when the pair is compared by itself.
-    if (!settings.gblnIgnoreColSeq || sourceId < 1 || targetId < 1) return false;
-    UpdateProcedureTextBox(source_.server, panels_.source.txtTXProc, panels_.source.pvlSqlObj,
-                           kind.type, source_.database, name, sourceId, SourcePanel);
-    UpdateProcedureTextBox(target_.server, panels_.target.txtTXProc, panels_.target.pvlSqlObj,
-                           kind.type, target_.database, name, targetId, TargetPanel);
-    return CompareProcs_IgnoreColumnsOrder(panels_.source.txtTXProc, panels_.target.txtTXProc);
-}
-
-void StructureComparison::addDetails(KindState& kind, const QString& name, const TextPair& texts) {
-    const int number = kind.differing.count;
-    if (number == 1)
-        kind.detailText =
-            CRLF + QStringLiteral("===========================================") + CRLF + CRLF +
-            QStringLiteral("Detailed list of differences between compared ") + kind.plural + CRLF;
-    QString differences;
-    ListLineDifferences(texts.source, texts.target, differences);
-    kind.detailText +=
-        CRLF + QString::number(number) + QStringLiteral(". ") + name + CRLF + CRLF + differences;
-}
-
-bool StructureComparison::listTargetObjects(KindState& kind) {
-    std::unique_ptr<Recordset> sourceNames;
-    LoadObjects_ToRecordset(sourceConnection_, sourceNames, kind.type, SourcePanel);
-    const QSet<QString> names = NamesOfRecordset(sourceNames.get());
-
-    const ObjectList& list = panels_.target.pvlSqlObj;
-    for (int i = 0; i < list.rowCount(); ++i) {
-        if (!mayGoOn()) return false;
-        const ObjectListRow row = list.row(i);
-        if (!ProceedWithThisObject(partBehindLastDot(row.name), request_.selective,
-                                   request_.sourceObjects, request_.targetObjects))
-            continue;
-        form_.setCurrentName(row.name);
-        bool found = false;
-        if (!isInSource(kind, row, names, found)) return false;
-        if (found) continue;
-        kind.blnSomethingDiffers = true;
-        kind.onlyInTarget.add(
-            QStringLiteral(" which exist in Target database but not in Source database:"),
-            kind.plural, row.name);
-    }
-    if (kind.onlyInTarget.count > 0) {
-        report_ += kind.onlyInTarget.text;
-        addCount(kind, kind.onlyInTarget.count);
-    }
-    return true;
-}
-
-/// Whether Source has an object of Target; false when that can't be found out.
-bool StructureComparison::isInSource(const KindState& kind, const ObjectListRow& row,
-                                     const QSet<QString>& names, bool& found) {
-    const QString shortName = partBehindLastDot(row.name);
-    qint32 sourceId = 0;
-    bool existsInSource = false;
-    if (!CompareAll_CheckForDuplicateNames(kind.type, target_, row.name, source_, row.id, sourceId,
-                                           existsInSource))
-        return false;
-    switch (kind.type) {
-        case ObjectType::Table:
-            // The name alone decides only where schemas couldn't be asked: a table that Source has
-            // under another schema is missing there.
-            found = existsInSource && (sourceId >= 1 || ObjectExistsInRecordset(names, shortName));
-            break;
-        case ObjectType::Relationship:
-            found = !GetRelationshipText(source_.server, shortName, source_.database).isEmpty();
-            break;
-        case ObjectType::Constraint:
-            found = !GetConstraintText(source_.server, shortName, source_.database).isEmpty();
-            break;
-        case ObjectType::Permission:
-            shell().messageBox(
-                QStringLiteral("Compare all - structure - permissions - to be finished"));
-            found = true;
-            break;
-        default:
-            found = ObjectExistsInRecordset(names, shortName);
-    }
-    return true;
-}
-
-/// No line break follows a closing sentence: the next heading brings its own.
-void StructureComparison::addClosing(const KindState& kind, bool bothEmpty) {
-    const bool tables = kind.type == ObjectType::Table;
-    if (!kind.blnSomethingDiffers) {
-        if (bothEmpty) {
-            report_.chop(2);
-        } else if (tables) {
-            report_ += QStringLiteral("The structure of all ") +
-                       (request_.selective ? QStringLiteral("selected ") : QString()) +
-                       QStringLiteral("tables in both databases is identical.");
-            if (kind.columnsIgnored)
-                report_ += QStringLiteral(" (Some columns were ignored during comparison.)");
-        } else {
-            report_ += QStringLiteral("All ") +
-                       (request_.selective ? QStringLiteral("selected ") : QString()) +
-                       kind.plural + QStringLiteral(" in both databases are identical.");
-        }
-        return;
-    }
-    if (kind.identicalCount == 0) {
-        report_ +=
-            tables ? QStringLiteral(
-                         "There are no tables which have identical structure in both databases.")
-                   : QStringLiteral("There are no ") + kind.plural +
-                         QStringLiteral(" which are identical in both databases.");
-    } else if (kind.identicalCount == 1) {
-        report_ += QStringLiteral("One ") + kind.singular + QStringLiteral(" [") +
-                   kind.lastIdentical +
-                   QStringLiteral("] has identical structure in both databases.");
-    } else {
-        report_ += QStringLiteral("All %1 remaining ").arg(kind.identicalCount) + kind.plural +
-                   (tables ? QStringLiteral(" have identical structures:")
-                           : QStringLiteral(" are identical:"));
-        report_ += CRLF + kind.identical.chopped(2);
-    }
+    // The order of lines counts for all other kinds, and for tables of servers older than version
+    // 9, whatever the setting: a procedure with its lines in another order differs here, and is
+    // identical when the pair is compared by itself.
+    const bool orderMayBeIgnored = settings.gblnIgnoreColSeq && source.kind == ObjectType::Table &&
+                                   source_.knowsSchemas() && target_.knowsSchemas();
+    if (!orderMayBeIgnored) return false;
+    ShowObjectText(source_.server, source_.pane, source_.database, source, SourcePanel);
+    ShowObjectText(target_.server, target_.pane, target_.database, target, TargetPanel);
+    return source_.pane.Trouble.isEmpty() && target_.pane.Trouble.isEmpty() &&
+           CompareProcs_IgnoreColumnsOrder(source_.pane, target_.pane);
 }
 
 }  // namespace
@@ -448,10 +376,10 @@ StructureRun CompareAll_Structure(CompareAllForm& form, const StructureRunReques
     result.objectTypesChosen = EncodeObjTypes(request.kinds);
 
     globals().gstrReport.clear();
+    const KeepAccount keep(result.account);
     guardedRun("modCompareAll", "CompareAll_Structure", [&] {
-        StructureComparison comparison(form, request, panels);
+        StructureComparison comparison(form, request, panels, result);
         result.finished = comparison.run();
-        result.somethingDiffers = comparison.somethingDiffers();
     });
     form.runStatusTimer(false);
     return result;

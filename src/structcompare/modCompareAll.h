@@ -4,6 +4,7 @@
 #pragma once
 
 #include "catalog/mdlObjects.h"
+#include "core/run_account.h"
 #include "structcompare/compare_all_screens.h"
 
 #include <QSet>
@@ -17,9 +18,15 @@ struct StructureRunRequest {
     ObjectKindBoxes kinds{};
     bool selective = false;
     bool details = false;
-    /// The chosen objects of a selective run, without schema.
+    /// The chosen objects of a selective run: names, or "schema.name" where a name isn't enough.
     QStringList sourceObjects;
     QStringList targetObjects;
+};
+
+/// An object that is there and whose text can't be read on a side.
+struct UnreadableObject {
+    ObjectRef object;
+    AccountEntry reason;
 };
 
 struct StructureRun {
@@ -28,8 +35,22 @@ struct StructureRun {
     bool finished = false;
     /// Some object differs or is missing on one side. Of a finished run only.
     bool somethingDiffers = false;
+    /// What failed and is no single object's trouble: lists, connections, time-outs.
+    RunAccount account;
+    QList<UnreadableObject> unreadable;
+    /// A sentence for each side whose login may not see all objects.
+    QStringList blindness;
+    /// Objects of the compared kinds, on both sides.
+    int objectCount = 0;
     /// The boxes' states, "1" or "0", eight in all, joined by commas.
     QString objectTypesChosen;
+
+    /// Everything that a verdict rests on came, but for objects that can't be read.
+    bool isReliable() const { return finished && account.isWhole(); }
+    /// Reliable, and nothing was left out.
+    bool isWhole() const {
+        return isReliable() && unreadable.isEmpty() && blindness.isEmpty();
+    }
 };
 
 /// Lists and panes of both sides are overwritten. The stop flag (gblnStop) is cleared at the start

@@ -76,14 +76,38 @@ qsizetype headerEnd(const QString& upperCased) {
     return end;
 }
 
+/// The last part of a name as it is written, without its marks: "[dbo].[a.b]" gives "a.b". What
+/// stands behind the name belongs to it here.
+QString lastPartOf(const QString& written) {
+    QString part;
+    qsizetype markedEnd = 0;  // of what stood in marks: blanks there belong to the name
+    for (qsizetype at = 0; at < written.size(); ++at) {
+        const QChar c = written[at];
+        if (c == u'[' || c == u'"') {
+            const QChar close = c == u'[' ? u']' : u'"';
+            for (++at; at < written.size(); ++at) {
+                if (written[at] == close && written.mid(at + 1, 1) != close) break;
+                if (written[at] == close) ++at;
+                part += written[at];
+            }
+            markedEnd = part.size();
+        } else if (c == u'.') {
+            part.clear();
+            markedEnd = 0;
+        } else if (c != u'\n' && (c != u' ' || !part.isEmpty())) {
+            part += c;
+        }
+    }
+    while (part.size() > markedEnd && part.endsWith(u' ')) part.chop(1);
+    return part;
+}
+
 /// The view's bare name out of an upper-cased header; none when the header isn't a view's.
-std::optional<QString> viewNameIn(QString header) {
-    for (const QChar mark : {u'"', u'[', u']', u'\n'}) header.remove(mark);
+std::optional<QString> viewNameIn(const QString& header) {
     const QString keyword = QStringLiteral(" VIEW ");
     const qsizetype at = header.indexOf(keyword);
     if (at < 0) return std::nullopt;
-    const QString name = Trim(header.mid(at + keyword.size()));
-    return name.mid(name.lastIndexOf(u'.') + 1);
+    return lastPartOf(header.mid(at + keyword.size()));
 }
 
 }  // namespace

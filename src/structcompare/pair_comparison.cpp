@@ -3,6 +3,7 @@
 #include "core/error_report.h"
 #include "core/globals.h"
 #include "core/modIgnoreColumns.h"
+#include "core/run_account.h"
 #include "scripting/modNew.h"
 #include "shell/shell.h"
 #include "structcompare/modCompareAll.h"
@@ -19,22 +20,36 @@ QString fullName(const ServerInfo& server, const QString& db, const QString& obj
     return object.isEmpty() ? name : name + u'.' + object;
 }
 
-// A table with ignored columns is read again without them, by its name. True when it has any.
-bool readWithoutIgnoredColumns(const ServerInfo& server, const QString& db, const QString& object,
-                               qint32 id, const QString& key, QString& text) {
+// A table with ignored columns is read again without them. True when it has any.
+bool readWithoutIgnoredColumns(const ServerInfo& server, const QString& db, const ObjectRef& table,
+                               const QString& key, QString& text) {
     QStringList columns;
     if (GetIgnoredColumnsList(IgnoreMode::StructureComparison, key, columns) == 0) return false;
-    // A name that the list shows with its schema is no table's name: that one is found by its id.
-    const bool qualified = partBehindLastDot(object) != object;
-    text = GetTableStructureWithIndexes(server, object, db, true, nullptr, qualified ? id : 0);
+    text = GetTableStructureWithIndexes(server, table, db, true, nullptr);
     return true;
 }
 
+// What stands in the way of any verdict on the panes' objects; empty when nothing does.
+QString obstacle(const SelectedPair& pair, const TextPane& source, const TextPane& target) {
+    for (const TextPane* pane : {&source, &target})
+        if (!pane->Trouble.isEmpty()) return pane->Trouble;
+    if (pair.objectType != ObjectType::Table) return {};
+    // Without it defaults were left out of the texts, whatever the server.
+    for (const ServerInfo* server : {&pair.sourceServer, &pair.targetServer})
+        if (server->Version.isEmpty())
+            return QStringLiteral("The version of server %1 isn't known. Refresh the panel.")
+                .arg(server->Name);
+    return {};
+}
+
+QString headingOf(const SelectedPair& pair) {
+    return QStringLiteral("Source: ") + pair.sourceFullName() + CRLF + QStringLiteral("Target: ") +
+           pair.targetFullName() + CRLF + CRLF + QStringLiteral("The selected ") +
+           pair.typeNamePlural();
+}
+
 QString verdictText(const SelectedPair& pair, bool identical, bool columnsIgnored) {
-    QString text = QStringLiteral("Source: ") + pair.sourceFullName() + CRLF +
-                   QStringLiteral("Target: ") + pair.targetFullName() + CRLF + CRLF +
-                   QStringLiteral("The selected ") + pair.typeNamePlural() +
-                   QStringLiteral(" are ") +
+    QString text = headingOf(pair) + QStringLiteral(" are ") +
                    (identical ? QStringLiteral("identical.") : QStringLiteral("different."));
     if (!identical) return text;
     if (columnsIgnored)
@@ -84,6 +99,53 @@ ComparisonReport reportOf(const SelectedPair& pair) {
     return report;
 }
 
+namespace {
+
+struct PairTexts {
+    QString source;
+    QString target;
+    bool columnsIgnored = false;
+};
+
+void leaveOutIgnoredColumns(const SelectedPair& pair, PairTexts& texts) {
+    const bool inSource =
+        readWithoutIgnoredColumns(pair.sourceServer, pair.sourceDb, pair.source(),
+                                  pair.sourceFullName(), texts.source);
+    const bool inTarget =
+        readWithoutIgnoredColumns(pair.targetServer, pair.targetDb, pair.target(),
+                                  pair.targetFullName(), texts.target);
+    texts.columnsIgnored = inSource || inTarget;
+}
+
+/// The verdict, and the report's text. Only what was read whole is compared.
+bool judge(const SelectedPair& pair, PairTexts texts, TextPane& source, TextPane& target,
+           QString& report) {
+    RunAccount account;
+    const KeepAccount keep(account);
+    QString trouble = obstacle(pair, source, target);
+    bool identical = false;
+    if (trouble.isEmpty()) {
+        if (pair.objectType == ObjectType::Table) leaveOutIgnoredColumns(pair, texts);
+        if (pair.objectType == ObjectType::View)
+            AdjustCreateViewStatements(texts.source, texts.target);
+        if (account.isWhole())
+            identical = AreIdentical(pair.objectType, texts.source, texts.target, source, target);
+        if (!account.isWhole()) trouble = account.entries().front().sentence();
+    }
+    if (!trouble.isEmpty()) {
+        report = headingOf(pair) + QStringLiteral(" can't be compared.") + CRLF + CRLF + trouble;
+        return false;
+    }
+    if (!identical) {
+        bool error = false;
+        Mark_Differences(source, target, error, pair.objectType);
+    }
+    report = verdictText(pair, identical, texts.columnsIgnored);
+    return identical;
+}
+
+}  // namespace
+
 bool CompareSelProcs(PairComparisonWindow& window, TextPane& source, TextPane& target,
                      bool useGivenText, const QString& givenSource, const QString& givenTarget) {
     return guarded("frmMain", "CompareSelProcs", false, [&] {
@@ -92,32 +154,16 @@ bool CompareSelProcs(PairComparisonWindow& window, TextPane& source, TextPane& t
         SelectedPair pair;
         {
             const WaitPointer wait;
-            QString sourceText = useGivenText ? givenSource : Trim(source.text());
-            QString targetText = useGivenText ? givenTarget : Trim(target.text());
-            if (sourceText.isEmpty() && targetText.isEmpty()) {
+            const PairTexts texts{useGivenText ? givenSource : Trim(source.text()),
+                                  useGivenText ? givenTarget : Trim(target.text())};
+            const bool troubled = !source.Trouble.isEmpty() || !target.Trouble.isEmpty();
+            if (texts.source.isEmpty() && texts.target.isEmpty() && !troubled) {
                 shell().messageBox(QStringLiteral("Cannot compare - the list of objects is empty."),
                                    QStringLiteral("Cannot Compare"));
                 return false;
             }
             pair = window.GetNamesOfSelected();
-            bool columnsIgnored = false;
-            if (pair.objectType == ObjectType::Table) {
-                const bool inSource =
-                    readWithoutIgnoredColumns(pair.sourceServer, pair.sourceDb, pair.sourceObject,
-                                              pair.sourceId, pair.sourceFullName(), sourceText);
-                const bool inTarget =
-                    readWithoutIgnoredColumns(pair.targetServer, pair.targetDb, pair.targetObject,
-                                              pair.targetId, pair.targetFullName(), targetText);
-                columnsIgnored = inSource || inTarget;
-            }
-            if (pair.objectType == ObjectType::View)
-                AdjustCreateViewStatements(sourceText, targetText);
-            identical = AreIdentical(pair.objectType, sourceText, targetText, source, target);
-            if (!identical) {
-                bool error = false;
-                Mark_Differences(source, target, error, pair.objectType);
-            }
-            globals().gstrReport = verdictText(pair, identical, columnsIgnored);
+            identical = judge(pair, texts, source, target, globals().gstrReport);
         }
         if (window.isPrintJob())
             window.printBothPanes();

@@ -22,12 +22,23 @@ struct SelectedPair {
     QString targetObject;
     qint32 sourceId = 0;
     qint32 targetId = 0;
+    /// The same objects with schema and name apart, where a list's row is selected.
+    ObjectRef sourceRow;
+    ObjectRef targetRow;
+
+    ObjectRef source() const { return rowOr(sourceRow, sourceObject, sourceId); }
+    ObjectRef target() const { return rowOr(targetRow, targetObject, targetId); }
 
     /// "tables"
     QString typeNamePlural() const { return GetObjectTypeName(objectType, true); }
     /// "server.db.object", without the last part when no object is selected.
     QString sourceFullName() const;
     QString targetFullName() const;
+
+ private:
+    ObjectRef rowOr(const ObjectRef& row, const QString& name, qint32 id) const {
+        return row.name.isEmpty() ? objectNamed(name, objectType, id) : row;
+    }
 };
 
 /// What the comparison asks of the window around it.
@@ -53,7 +64,8 @@ bool AreIdentical(ObjectType type, const QString& sourceText, const QString& tar
 /// The record of a finished pair comparison for the report screen.
 ComparisonReport reportOf(const SelectedPair& pair);
 
-/// Compares the panes' texts, or the given ones (highlighted sections). True when identical.
+/// Compares the panes' texts, or the given ones (highlighted sections). True when identical. Objects
+/// whose text can't be read aren't compared: the report says so.
 bool CompareSelProcs(PairComparisonWindow& window, TextPane& source, TextPane& target,
                      bool useGivenText = false, const QString& sourceText = {},
                      const QString& targetText = {});

@@ -3,7 +3,6 @@
 #include "core/error_report.h"
 #include "core/globals.h"
 #include "shell/shell.h"
-#include "util/text.h"
 
 #include <algorithm>
 
@@ -23,6 +22,7 @@ bool frmListObjects::ShowUp(const QString& DbName1, const QString& DbName2, Obje
             if (!GetAllObjectsOfType(globals().gtCurrentServers[Index], db, Type, entries, Index))
                 return false;
             pvlSqlObj[Index].clear();
+            showSchemasOfNamesakes(entries);
             for (const ObjectListEntry& entry : entries)
                 pvlSqlObj[Index].push_back({entry.Name, false});
         }
@@ -39,7 +39,7 @@ bool frmListObjects::ShowUp(const QString& DbName1, const QString& DbName2, Obje
 QStringList frmListObjects::tickedNames(int Index) const {
     QStringList names;
     for (const Row& row : pvlSqlObj[Index])
-        if (row.ticked) names += partBehindLastDot(row.name);
+        if (row.ticked) names += row.name;
     return names;
 }
 

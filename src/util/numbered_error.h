@@ -14,6 +14,8 @@ struct NumberedError : std::exception {
         : number(number), description(description), utf8_(description.toUtf8()) {}
 
     const char* what() const noexcept override { return utf8_.constData(); }
+    /// A server answered, and refused this request alone.
+    virtual bool onlyThisRequestFailed() const { return false; }
 
     qint32 number;
     QString description;

@@ -124,9 +124,9 @@ TEST_F(Samples, TablesShowTypesDefaultsAndKeys) {
                   "('EUR')\n"
                   "\n"
                   "CONSTRAINT [PK_Price List] PRIMARY KEY CLUSTERED ([ProductId], [ValidFrom])"));
-    // ident_seed gets the bare name, which names nothing in the user's own schema.
+    // ident_seed gets the name with its schema: the bare one names nothing in the user's own.
     EXPECT_EQ(text("table", "SalesOrder").section(u'\n', 0, 0),
-              "[OrderNo] [int] IDENTITY NOT NULL");
+              "[OrderNo] [int] IDENTITY(5001,1) NOT NULL");
     EXPECT_EQ(text("table", "Supplier").section(u'\n', 0, 0),
               "[SupplierId] [int] IDENTITY(100,10) NOT NULL");
     // A clustered index made after a key that isn't clustered still comes first.

@@ -29,11 +29,11 @@ class SchemaLookup : public ::testing::Test {
         server.Password = options.password;
         provider.otherwise = [](const CommandSpec&) { return ScriptedAnswer(); };
     }
-    void answers(const QString& statement, const QString& schema) {
+    void answers(const QString& statement, const QString& schema, int rows = 1) {
         ScriptedResult result;
         result.columns.resize(1);
         result.columns[0].size = 128;
-        result.rowCount = 1;
+        result.rowCount = rows;
         result.fill = [schema](RowStore& rows, qint64) { rows.column(0).appendText(schema); };
         ScriptedAnswer answer;
         answer.results.push_back(result);
@@ -105,6 +105,7 @@ TEST_F(SchemaLookup, AFailureIsFollowedByTheOldWayOnce) {
 }
 
 TEST_F(SchemaLookup, AMissingObjectHasNoSchema) {
+    answers(newWay, {}, 0);
     EXPECT_EQ(lookUp("16.0.4085.2"), "'' new");
 }
 

@@ -127,7 +127,7 @@ TEST_F(Guards, GiveTheTableThatIsMeant) {
     EXPECT_GT(choice.id, 0);
     select(0, QStringLiteral("Orders"));
     EXPECT_EQ(view_(1), "");
-    EXPECT_EQ(choice.schema.toStdString() + "|" + choice.table.toStdString(), "|Orders");
+    EXPECT_EQ(choice.schema.toStdString() + "|" + choice.table.toStdString(), "dbo|Orders");
     view.sides[0].pvlSqlObj.MemoryObjectList::selectRow(-1);
     EXPECT_EQ(view_(0), "information [View]: Cannot view - the list of tables is empty.");
 }

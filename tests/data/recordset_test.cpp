@@ -1,5 +1,6 @@
 // ADO's recordset verbs over both cursor locations: what is seen, and what it
 // costs on the wire.
+#include "core/run_account.h"
 #include "data/recordset.h"
 #include "support/fake_session.h"
 
@@ -192,6 +193,46 @@ TEST_P(ServerSide, ClosingEarlyReadsNoFurther) {
     rs.Close();
     EXPECT_EQ(journal.last(), "closed");
     EXPECT_LT(journal.size(), 20);
+}
+
+// Each way of going on in a stream that breaks off.
+TEST(RecordsetAccount, AReadThatFailsGoesIntoTheAccountOfTheRun) {
+    using Read = void (*)(Recordset&);
+    const struct {
+        const char* name;
+        Read read;
+    } rows[] = {
+        {"to the end", [](Recordset& rs) { while (!rs.isEof()) rs.MoveNext(); }},
+        {"the count", [](Recordset& rs) { rs.RecordCount(); }},
+        {"the last", [](Recordset& rs) { rs.MoveLast(); }},
+        {"behind the last", [](Recordset& rs) { rs.MoveBehindLast(); }},
+        {"a search", [](Recordset& rs) { rs.Find(QStringLiteral("[n] = 4999")); }},
+        {"a search by value", [](Recordset& rs) { rs.FindEqual(0, QStringLiteral("4999")); }},
+        {"a filter", [](Recordset& rs) { rs.Filter(QStringLiteral("[n] > 1")); }},
+        {"a second cursor", [](Recordset& rs) { rs.Clone(); }},
+        {"windows", [](Recordset& rs) { RowStore rows; while (rs.TakeWindow(rows)) {} }},
+    };
+    for (const auto& row : rows) {
+        Journal journal;
+        auto session = std::make_shared<FakeSession>(numbersTable(5000), &journal);
+        session->failAfterRows = 4000;
+        auto connection = std::make_shared<Connection>(session);
+        connection->ConnectionString = QStringLiteral("Data Source=S;Initial Catalog=D;");
+        RunAccount account;
+        const KeepAccount keep(account);
+        Command command;
+        command.ActiveConnection = connection;
+        command.CommandText = QStringLiteral("SELECT n");
+        Recordset rs;
+        rs.CursorLocation = 2;
+        rs.Open(command);
+        EXPECT_TRUE(account.isWhole()) << row.name;
+        EXPECT_THROW(row.read(rs), DbError) << row.name;
+        ASSERT_EQ(account.entries().size(), 1u) << row.name;
+        EXPECT_EQ(account.entries()[0].sentence().toStdString(), "S.D: Connection broken");
+        EXPECT_EQ(account.entries()[0].doing.toStdString(), "SELECT n");
+        EXPECT_FALSE(account.entries()[0].refused);
+    }
 }
 
 }  // namespace

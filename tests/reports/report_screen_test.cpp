@@ -183,7 +183,10 @@ struct Job : CompareAndPrintWindow {
 
     void fill(int Index, const QStringList& names) {
         std::vector<ObjectListRow> rows;
-        for (const QString& name : names) rows.push_back({name, {}, 1});
+        for (const QString& name : names) {
+            const QString schema = name.contains(u'.') ? name.section(u'.', 0, 0) : QString();
+            rows.push_back({name, {}, 1, schema, name.section(u'.', -1)});
+        }
         lists[Index].setRows(std::move(rows));
     }
     const ObjectList& objects(int Index) override { return lists[Index]; }

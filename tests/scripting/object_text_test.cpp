@@ -1,5 +1,6 @@
 // The texts of programmable objects, relationships, constraints and rights, and
 // what a pane shows of a list's selection.
+#include "core/run_account.h"
 #include "scripting/modNew.h"
 #include "scripting/modPermissions.h"
 #include "shell/memory_controls.h"
@@ -64,9 +65,12 @@ TEST_P(ObjectTextTest, SourcesComeTrimmedAndOtherwiseAsStored) {
 
     std::shared_ptr<Connection> connection;
     ASSERT_TRUE(ADO_Connection_Open(connection, server, db));
-    EXPECT_EQ(GetObjectTextOnConnection(connection, server, QStringLiteral("p_One"), db),
+    const auto named = [](const char* name) {
+        return objectNamed(QLatin1String(name), ObjectType::Procedure);
+    };
+    EXPECT_EQ(GetObjectTextOnConnection(connection, server, named("p_One"), db),
               procedure);
-    EXPECT_EQ(GetObjectTextOnConnection(connection, server, QStringLiteral("t"), db),
+    EXPECT_EQ(GetObjectTextOnConnection(connection, server, named("t"), db),
               QStringLiteral("CREATE TRIGGER dbo.t ON dbo.Parent FOR INSERT AS RETURN"));
 }
 
@@ -122,9 +126,7 @@ TEST_P(ObjectTextTest, APaneShowsTheSelectedObject) {
     EXPECT_EQ(show(ObjectType::Table), QStringLiteral("<<Nothing to show>>"));
     EXPECT_TRUE(show(ObjectType::Table, QStringLiteral("Parent"), list.row(1).id)
                     .startsWith(QStringLiteral("[A] [int] NOT NULL")));
-    // An object without a text leaves the pane as it is.
     const QString before = pane.text();
-    EXPECT_EQ(show(ObjectType::Procedure, QStringLiteral("missing"), 1), before);
     EXPECT_EQ(show(ObjectType(70), QStringLiteral("p_One"), 1), before);
     EXPECT_EQ(shell.takeLines().join(u'|'), QStringLiteral("box: SHOULDN't HAPPEN"));
 
@@ -134,6 +136,51 @@ TEST_P(ObjectTextTest, APaneShowsTheSelectedObject) {
     EXPECT_EQ(list.selectedIndex(), 0);  // a list without a selection shows its first object
     list.setRows({});
     EXPECT_EQ(show(ObjectType::Table), QStringLiteral("<<Nothing to show>>"));
+}
+
+// What stood in the pane before must not pass for the text of an object that can't be read.
+TEST_P(ObjectTextTest, ATextThatCantBeReadEmptiesThePaneAndSaysSo) {
+    load(objectsScript +
+         QStringLiteral("GO\nCREATE PROCEDURE dbo.p_Secret WITH ENCRYPTION AS SELECT 1\n"));
+    MemoryObjectList list;
+    MemoryTextPane pane;
+    const auto load = [&](ObjectType type) {
+        LoadObjects(server, list, pane, type, db, true, {}, SourcePanel, &objectTexts());
+    };
+    load(ObjectType::Procedure);
+    EXPECT_TRUE(pane.text().contains(QStringLiteral("p_One")));
+    EXPECT_TRUE(pane.Trouble.isEmpty());
+    list.selectRow(1);
+    RunAccount account;
+    {
+        const KeepAccount keep(account);
+        UpdateProcedureTextBox(server, pane, list, ObjectType::Procedure, db, {}, 0, SourcePanel);
+    }
+    const QString sentence = server.Name + QStringLiteral(
+        ".Objects: The text of p_Secret can't be read: it is encrypted, hidden from this login, or "
+        "the object is gone.");
+    EXPECT_EQ(pane.text(), QString());
+    EXPECT_EQ(pane.Trouble, sentence);
+    EXPECT_EQ(shell.takeLines().join(u'|'), QStringLiteral("exclamation [Cannot Show Text]: ") + sentence);
+    ASSERT_EQ(account.entries().size(), 1u);
+    EXPECT_TRUE(account.entries()[0].refused);
+
+    // The next selection is a text again.
+    list.selectRow(0);
+    UpdateProcedureTextBox(server, pane, list, ObjectType::Procedure, db, {}, 0, SourcePanel);
+    EXPECT_TRUE(pane.text().contains(QStringLiteral("p_One")));
+    EXPECT_TRUE(pane.Trouble.isEmpty());
+
+    // An id that no longer stands for anything, of each kind.
+    for (const ObjectType type : {ObjectType::View, ObjectType::Table, ObjectType::Relationship,
+                                  ObjectType::Constraint}) {
+        pane.setText(QStringLiteral("left over"));
+        UpdateProcedureTextBox(server, pane, list, type, db, QStringLiteral("missing"), 1,
+                               SourcePanel);
+        EXPECT_EQ(pane.text(), QString()) << qint32(type);
+        EXPECT_FALSE(pane.Trouble.isEmpty()) << qint32(type);
+        EXPECT_EQ(shell.takeLines().size(), 1) << qint32(type);
+    }
 }
 
 TEST_P(ObjectTextTest, AListingCountsTheRecordsOfTables) {

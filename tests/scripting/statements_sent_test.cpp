@@ -125,5 +125,67 @@ TEST_F(StatementsSent, ForOtherObjects) {
         "so.[name] = 'v' ORDER BY sk.indid");
 }
 
+// A name that stands for several objects of the database comes with the id of the one that is meant.
+TEST_F(StatementsSent, ForNamesakesHoldTheId) {
+    const auto namesake = [](ObjectType kind) {
+        return ObjectRef{QStringLiteral("h'r"), QStringLiteral("o'p"), kind, 55, true,
+                         QStringLiteral("h'r.o'p")};
+    };
+    const auto ends = [](const std::string& statement, const std::string& tail) {
+        return statement.size() >= tail.size() &&
+               statement.compare(statement.size() - tail.size(), tail.size(), tail) == 0;
+    };
+    EXPECT_EQ(
+        sent([&] { GetObjectText(server, namesake(ObjectType::View), db); }),
+        "SELECT text FROM syscomments sc INNER JOIN sysobjects so ON sc.id = so.id WHERE so.name "
+        "= 'o''p' AND so.id = 55 ORDER BY sc.colid");
+    std::string statement =
+        sent([&] { GetRelationshipText(server, namesake(ObjectType::Relationship), db); });
+    EXPECT_TRUE(ends(statement, "WHERE so.name = 'o''p' AND so.id = 55 ORDER BY scf.name"))
+        << statement;
+    statement = sent([&] { GetConstraintText(server, namesake(ObjectType::Constraint), db); });
+    EXPECT_TRUE(statement.find("si.indid = 1 AND  si.name = 'o''p' AND so2.id = 55 AND "
+                               "INDEXPROPERTY(") != std::string::npos)
+        << statement;
+    statement = sent([&] { GetIndexes(server, namesake(ObjectType::Table), db, true, {}); });
+    EXPECT_TRUE(statement.find("WHERE so2.name = 'o''p' AND so2.id = 55 AND si.indid = 1 AND "
+                               "INDEXPROPERTY(") != std::string::npos)
+        << statement;
+}
+
+// ident_seed reads its argument as a statement would: a plain name of dbo stands as it is.
+TEST_F(StatementsSent, AnIdentityIsAskedOfTheTableThatIsMeant) {
+    const struct {
+        const char* schema;
+        const char* name;
+        bool namesakes;
+        const char* literal;
+    } rows[] = {
+        {"", "T", false, "T"},
+        {"dbo", "T", false, "T"},
+        {"dbo", "Order Details", false, "Order Details"},
+        {"dbo", "O'Brien", false, "O''Brien"},
+        {"dbo", "T", true, "[dbo].[T]"},
+        {"hr", "T", false, "[hr].[T]"},
+        {"dbo", "p.q", false, "[dbo].[p.q]"},
+        {"", "p.q", false, "[p.q]"},
+        {"dbo", "a]b", false, "[dbo].[a]]b]"},
+        {"d'o", "x\"", false, "[d''o].[x\"]"},
+    };
+    for (const auto& row : rows) {
+        TableStructure structure;
+        const ObjectRef table{QLatin1String(row.schema), QLatin1String(row.name), ObjectType::Table,
+                              7, row.namesakes, {}};
+        const std::string statement = sent([&] {
+            GetTableStructure(server, db, table, structure, false, IgnoreMode::StructureComparison,
+                              {});
+        });
+        const std::string wanted = std::string("ident_seed('") + row.literal +
+                                   "') AS identityseed, ident_incr('" + row.literal + "')";
+        EXPECT_NE(statement.find(wanted), std::string::npos) << row.name << ": " << statement;
+        EXPECT_NE(statement.find("WHERE sco.id = 7 "), std::string::npos) << statement;
+    }
+}
+
 }  // namespace
 }  // namespace zov

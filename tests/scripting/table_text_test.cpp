@@ -198,7 +198,7 @@ TEST_P(TableText, AnyNameCanBeATable) {
     load(tablesScript);
     EXPECT_EQ(lines(GetTableStructureWithIndexes(server, QStringLiteral("O'Brien.[x]"), db, true,
                                                  nullptr, idOf(QStringLiteral("name like 'O%'")))),
-              QStringLiteral("[ID] [int] IDENTITY NOT NULL$\n$\n"
+              QStringLiteral("[ID] [int] IDENTITY(5,-1) NOT NULL$\n$\n"
                              "CONSTRAINT [PK O'Brien] PRIMARY KEY CLUSTERED ([ID])$\n"));
 }
 

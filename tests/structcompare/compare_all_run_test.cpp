@@ -128,26 +128,92 @@ TEST_F(CompareAllOverTheWire, EachTextIsReadOnce) {
     databases_.takeStatements();
     EXPECT_TRUE(CompareAll_Structure(form_, request_, scratch_.panels).finished);
     const QStringList statements = databases_.takeStatements();
-    // Of the source the list of names is read again for the second pass.
-    EXPECT_EQ(statements.filter(QStringLiteral("IsProcedure")).size(), 3);
+    EXPECT_EQ(statements.filter(QStringLiteral("IsProcedure")).size(), 2);
+    EXPECT_EQ(statements.filter(QStringLiteral("HAS_PERMS_BY_NAME")).size(), 2);
     EXPECT_EQ(statements.filter(QStringLiteral("syscomments")).size(), 2 * procedures);
 }
 
-TEST_F(CompareAllOverTheWire, AnObjectThatCannotBeReadIsListedAsMissing) {
+// It is neither missing nor different: nobody knows.
+TEST_F(CompareAllOverTheWire, AnObjectThatCannotBeReadStandsInAListOfItsOwn) {
+    const auto expectOthersIdentical = [] {
+        EXPECT_TRUE(globals().gstrReport.contains(
+            QStringLiteral("There are 3 procedures in Target database.\r\n"
+                           "All 2 remaining procedures are identical:\r\n\tP0\r\n\tP2\r\n"
+                           "List of procedures which can't be read:\r\n\tP1\r\n"
+                           "\t(1 procedure)\r\n\r\nTime Elapsed: ")))
+            << globals().gstrReport.toStdString();
+    };
     TdsFaults faults;
     faults.onlyStatementsWith = QStringLiteral("'P1'");
     faults.errorAfterRows = 0;
+    faults.errorNumber = 229;
+    faults.errorText = QStringLiteral("The SELECT permission was denied.");
+    databases_.endpoint().setFaults(faults);
+    StructureRun run = CompareAll_Structure(form_, request_, scratch_.panels);
+    EXPECT_TRUE(run.isReliable());
+    EXPECT_FALSE(run.isWhole());
+    EXPECT_FALSE(run.somethingDiffers);
+    ASSERT_EQ(run.unreadable.size(), 2);  // both sides
+    EXPECT_EQ(run.unreadable[0].object.name, u"P1");
+    EXPECT_TRUE(run.unreadable[0].reason.message.contains(QStringLiteral("permission was denied")));
+    expectOthersIdentical();
+
+    // A connection that breaks may keep anything back: that is more than this object's trouble.
+    faults.errorAfterRows = -1;
+    faults.dropAfterRows = 0;
+    databases_.endpoint().setFaults(faults);
+    run = CompareAll_Structure(form_, request_, scratch_.panels);
+    EXPECT_FALSE(run.isReliable());
+}
+
+TEST_F(CompareAllOverTheWire, AListThatCannotBeReadIsntAnEmptyOne) {
+    TdsFaults faults;
+    faults.onlyStatementsWith = QStringLiteral("IsProcedure");
+    for (const qint64 rows : {0, 1}) {
+        faults.errorAfterRows = rows;
+        databases_.endpoint().setFaults(faults);
+        const StructureRun run = CompareAll_Structure(form_, request_, scratch_.panels);
+        EXPECT_TRUE(run.finished);
+        EXPECT_FALSE(run.isReliable());
+        const QString report = globals().gstrReport;
+        EXPECT_TRUE(report.contains(QStringLiteral(
+            "Comparison of procedures\r\n"
+            "The list of procedures in Source database can't be read: the procedures aren't "
+            "compared.\r\nThe list of procedures in Target database can't be read: the procedures "
+            "aren't compared.\r\n")))
+            << report.toStdString();
+        EXPECT_FALSE(report.contains(QStringLiteral("identical")));
+    }
+}
+
+TEST_F(CompareAllOverTheWire, WithoutAVersionThereIsNoRun) {
+    TdsFaults faults;
+    faults.onlyStatementsWith = QStringLiteral("ProductVersion");
+    faults.errorAfterRows = 0;
+    databases_.endpoint().setFaults(faults);
+    shell_.takeLines();
+    const StructureRun run = CompareAll_Structure(form_, request_, scratch_.panels);
+    EXPECT_FALSE(run.finished);
+    EXPECT_FALSE(run.account.isWhole());
+    EXPECT_TRUE(globals().gstrReport.isEmpty());
+    EXPECT_EQ(shell_.takeLines().join(u'\n').toStdString(),
+              "exclamation [Cannot Compare]: Cannot compare - the version of server " +
+                  databases_.server().Name.toStdString() +
+                  " can't be read.\\n\\nTry again when the server answers.");
+}
+
+TEST_F(CompareAllOverTheWire, WhoCantBeToldWhatItSeesDoesntSeeAll) {
+    TdsFaults faults;
+    faults.onlyStatementsWith = QStringLiteral("HAS_PERMS_BY_NAME");
+    faults.errorAfterRows = 0;
     databases_.endpoint().setFaults(faults);
     const StructureRun run = CompareAll_Structure(form_, request_, scratch_.panels);
-    EXPECT_TRUE(run.finished);
-    EXPECT_TRUE(run.somethingDiffers);
-    EXPECT_FALSE(shell_.lines.isEmpty());
+    EXPECT_FALSE(run.isReliable());
+    EXPECT_EQ(run.blindness.size(), 2);
     EXPECT_TRUE(globals().gstrReport.contains(
-        QStringLiteral("There are 3 procedures in Target database.\r\n"
-                       "List of procedures which exist in Source database but not in Target "
-                       "database:\r\n\tP1\r\n\t(1 procedure)\r\n"
-                       "All 2 remaining procedures are identical:\r\n\tP0\r\n\tP2\r\n")))
-        << globals().gstrReport.toStdString();
+        QStringLiteral("The login sa may not see all objects of Src; what it can't see isn't "
+                       "compared.\r\n")));
+    EXPECT_FALSE(globals().gstrReport.contains(QStringLiteral("All procedures in both")));
 }
 
 TEST(CompareAllObjects, ASelectiveRunTakesChosenNamesToTheLetter) {

@@ -63,7 +63,8 @@ const char* const CompareExamples = R"(Examples:
 The settings that decide what counts as a difference: CaseSensitive, IgnoreWhitespace,
 IgnoreComments, IgnoreIndexes, IgnoreColSeq, IgnoreSysObjects, AnalyzeConstraints (1 or 0).
 
-Exit status: 0 identical, 1 differences found, 2 trouble.)";
+Exit status: 0 identical, 1 differences found, 2 trouble or something that can't be read; 2
+goes before 1.)";
 
 const char* const DataExamples = R"(Examples:
   zovrand-cli data --source local:shop --source-db Shop --target db1 --target-db Shop
@@ -325,6 +326,9 @@ void describeCommands(CLI::App& app, Options& options, Fields& fields, Choices& 
         ->type_name("NAME,...")
         ->allow_extra_args(false);
     compare->add_flag("--details", options.details, "List the lines that differ");
+    compare->add_flag("--allow-unreadable", options.allowUnreadable,
+                      "Objects that can't be read (encrypted, hidden from the login) are named, but "
+                      "don't count for the exit status");
     compare
         ->add_option("-o,--output", fields.text(options.outputFile),
                      "Write the report to this file instead of standard output")

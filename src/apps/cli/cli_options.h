@@ -49,6 +49,7 @@ struct Options {
     QString types;       ///< joined by commas; empty: all of a full run
     QStringList select;  ///< as given, each may hold several names
     bool details = false;
+    bool allowUnreadable = false;  ///< what can't be read doesn't count for the exit status
     QString outputFile;
 
     // data; what is empty (or -1) is left to the tables' stored settings

@@ -2,8 +2,12 @@
 
 #include "catalog/panel_loading.h"
 #include "core/globals.h"
+#include "data/sql_names.h"
+#include "shell/console/console_shell.h"
 #include "shell/console/terminal.h"
 #include "util/text.h"
+
+#include <QRegularExpression>
 
 #include <cstdio>
 
@@ -152,6 +156,11 @@ void reachServer(ServerInfo& server, const QString& database, int panel) {
         throw Failure(explainDbError(error, server, database, false));
     }
     CheckSQLServerVersion(server);
+    // Another version's questions would leave things out without a word.
+    if (server.Version.isEmpty())
+        throw Failure(QStringLiteral("The version of server %1 can't be read.\nRun the command again "
+                                     "when the server answers.")
+                          .arg(server.Name));
     server.NumVersion = GetMajorVersion(server.Version);
     globals().gtCurrentServers[panel] = server;
 }
@@ -200,15 +209,53 @@ QStringList splitNames(const QString& list) {
     return names;
 }
 
-bool meansObject(const QString& name, const QString& listed) {
-    if (name == listed || name == partBehindLastDot(listed)) return true;
-    if (name.startsWith(u'[') && name.endsWith(u']')) {
-        QString bare = name.mid(1, name.size() - 2);
-        bare.replace(QStringLiteral("].["), QStringLiteral("."));
-        bare.replace(QStringLiteral("]]"), QStringLiteral("]"));
-        return meansObject(bare, listed);
+namespace {
+
+/// "[a]", "[a].[b]", "a.[b]" to its parts; none when there is no bracket to go by.
+QStringList bracketedParts(const QString& name) {
+    static const QRegularExpression form(
+        QStringLiteral("^(?:(?:\\[((?:[^\\]]|\\]\\])+)\\]|([^\\[\\].]+))\\.)?"
+                       "(?:\\[((?:[^\\]]|\\]\\])+)\\]|([^\\[\\].]+))$"));
+    if (!name.contains(u'[')) return {};
+    const QRegularExpressionMatch match = form.match(name);
+    if (!match.hasMatch()) return {};
+    const auto part = [&](int bracketed, int bare) {
+        QString text = match.captured(bracketed);
+        text.replace(QStringLiteral("]]"), QStringLiteral("]"));
+        return text.isEmpty() ? match.captured(bare) : text;
+    };
+    QStringList parts{part(1, 2), part(3, 4)};
+    if (parts.front().isEmpty()) parts.removeFirst();
+    return parts;
+}
+
+}  // namespace
+
+bool meansObject(const QString& name, const ObjectListRow& row, Qt::CaseSensitivity cs) {
+    const auto equal = [cs](const QString& a, const QString& b) { return a.compare(b, cs) == 0; };
+    if (equal(name, row.bareName()) || equal(name, row.name)) return true;
+    if (!row.schema.isEmpty() && equal(name, row.schema + u'.' + row.bareName())) return true;
+    const QStringList parts = bracketedParts(name);
+    if (parts.size() == 1) return equal(parts[0], row.bareName());
+    return parts.size() == 2 && equal(parts[0], row.schema) && equal(parts[1], row.bareName());
+}
+
+QString fullNames(const std::vector<ObjectListRow>& rows) {
+    QStringList names;
+    for (const ObjectListRow& row : rows) {
+        const bool plain = !row.bareName().contains(u'.') && !row.bareName().contains(u'[') &&
+                           !row.schema.contains(u'.');
+        names += row.schema.isEmpty() ? row.name
+                 : plain              ? row.schema + u'.' + row.bareName()
+                                      : quotedName(row.schema, row.bareName());
     }
-    return !listed.contains(u'.') && partBehindLastDot(name) == listed;
+    return names.join(QStringLiteral(", "));
+}
+
+bool tellTrouble(ConsoleShell& console, const RunAccount& account) {
+    for (const AccountEntry& entry : account.entries())
+        if (!entry.told) console.showError(entry.sentence());
+    return !account.isWhole();
 }
 
 void writeOut(const QString& text) {

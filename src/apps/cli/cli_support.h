@@ -4,6 +4,7 @@
 
 #include "apps/cli/cli_options.h"
 #include "catalog/mdlObjects.h"
+#include "core/run_account.h"
 #include "core/server_info.h"
 #include "structcompare/compare_all_screens.h"
 
@@ -56,7 +57,7 @@ ComparedServers chooseServers(const Options& options);
 void reachServers(const ComparedServers& servers);
 /// What a panel would list; failures are told, and give an empty list.
 std::vector<ObjectListRow> listedObjects(ObjectType type, int panel, const QString& database);
-/// The objects that --select names, as both sides have them, without schema. False when all are
+/// The objects that --select names, as both sides have them, with their schemas. False when all are
 /// compared; throws Failure for a name that neither side has.
 bool chooseObjects(const Options& options, const ObjectKindBoxes& kinds,
                    const ComparedServers& servers, QStringList& sourceObjects,
@@ -68,9 +69,15 @@ void writeReport(const Options& options, const QString& report);
 ObjectType objectTypeFromName(const QString& name);
 /// "a,[b,c],d" to its names; a name in brackets has its brackets taken off, "]]" within is one.
 QStringList splitNames(const QString& list);
-/// Whether the user's `name` means the object that a list shows as `listed`: to the letter, by its
-/// part behind the schema, or with a schema in front where the list shows none.
-bool meansObject(const QString& name, const QString& listed);
+/// Whether the user's `name` means the object of a list's row: its name, its schema and name joined
+/// by a point, or either in brackets, "[schema].[na]]me]".
+bool meansObject(const QString& name, const ObjectListRow& row,
+                 Qt::CaseSensitivity cs = Qt::CaseSensitive);
+/// The objects that a name means, for a sentence that asks for one of them: "hr.V, dbo.V".
+QString fullNames(const std::vector<ObjectListRow>& rows);
+
+/// Tells what failed in a run and wasn't told when it did. True when there was anything.
+bool tellTrouble(ConsoleShell& console, const RunAccount& account);
 
 /// Writes to standard output with plain line feeds; throws Failure when that is impossible.
 void writeOut(const QString& text);

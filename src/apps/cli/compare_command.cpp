@@ -66,15 +66,20 @@ ObjectKindBoxes chooseKinds(const QString& types) {
     return kinds;
 }
 
-bool holdsAnyObject(const ObjectKindBoxes& kinds, const ComparedServers& servers) {
-    for (int box = 0; box < comparedKindCount(); ++box) {
-        if (!kinds[size_t(box)]) continue;
-        const ObjectType type = ObjectTypeOfBox(box);
-        if (!listedObjects(type, SourcePanel, servers.sourceDb).empty() ||
-            !listedObjects(type, TargetPanel, servers.targetDb).empty())
-            return true;
+/// What the verdict leaves out. True when it stands in its way.
+bool tellWhatIsLeftOut(const StructureRun& run, bool allowed, ConsoleShell& console) {
+    QStringList sentences = run.blindness;
+    for (const UnreadableObject& one : run.unreadable)
+        sentences += QStringLiteral("The %1 %2 can't be read: %3")
+                         .arg(GetObjectTypeName(one.object.kind, false).toLower(),
+                              one.object.shownName, one.reason.sentence());
+    for (const QString& sentence : sentences) {
+        if (allowed)
+            console.showNote(sentence);
+        else
+            console.showError(sentence);
     }
-    return false;
+    return !sentences.isEmpty() && !allowed;
 }
 
 }  // namespace
@@ -87,30 +92,36 @@ int runCompare(const Options& options, ConsoleShell& console) {
     request.kinds = chooseKinds(options.types);
     request.details = options.details;
     reachServers(servers);
-    const int before = console.errorCount();
-    request.selective = chooseObjects(options, request.kinds, servers, request.sourceObjects,
-                                      request.targetObjects);
+    RunAccount choosing;
+    {
+        const KeepAccount keep(choosing);
+        request.selective = chooseObjects(options, request.kinds, servers, request.sourceObjects,
+                                          request.targetObjects);
+    }
+    if (tellTrouble(console, choosing)) return Trouble;
 
     ConsoleStatus status(console);
     MemoryObjectList sourceList, targetList;
     MemoryTextPane sourcePane, targetPane;
     ComparePanels panels{{sourceList, sourcePane}, {targetList, targetPane}};
+    const int before = console.errorCount();
     const StructureRun run = CompareAll_Structure(status, request, panels);
     console.clearProgress();
-    const bool troubled = console.errorCount() != before;
+    const bool told = console.errorCount() != before;
+    // A report without what could not be read must not pass for a result.
+    if (tellTrouble(console, run.account)) return Trouble;
     if (!run.finished) {
-        // What went wrong was told when it did.
-        if (!troubled) console.showError(QStringLiteral("Stopped: there is no report."));
+        if (!told) console.showError(QStringLiteral("Stopped: there is no report."));
         return Trouble;
     }
-    // A list that could not be read was told, too; a report without it must not pass for a result.
-    if (troubled) return Trouble;
-    if (!run.somethingDiffers && !holdsAnyObject(request.kinds, servers))
+    if (told && run.isWhole()) return Trouble;
+    writeReport(options, globals().gstrReport);
+    if (run.objectCount == 0)
         console.showNote(
             QStringLiteral("There is nothing to compare: neither %1 nor %2 holds an object of "
                            "the compared kinds.")
                 .arg(servers.sourceDb, servers.targetDb));
-    writeReport(options, globals().gstrReport);
+    if (tellWhatIsLeftOut(run, options.allowUnreadable, console)) return Trouble;
     return run.somethingDiffers ? Different : Identical;
 }
 

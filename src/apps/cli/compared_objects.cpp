@@ -9,6 +9,7 @@
 #include "util/text.h"
 
 #include <QFileInfo>
+#include <QSet>
 
 namespace zov::cli {
 
@@ -46,18 +47,19 @@ std::vector<ObjectListRow> listedObjects(ObjectType type, int panel, const QStri
 
 namespace {
 
-/// The chosen names as one side has them, without schema.
+/// The chosen objects as one side has them. `meant` gets the names that mean one of them.
 QStringList namesOnSide(const QStringList& chosen, const ObjectKindBoxes& kinds, int panel,
-                        const QString& database) {
+                        const QString& database, QSet<QString>& meant) {
     QStringList present;
     for (int box = 0; box < comparedKindCount(); ++box) {
         if (!kinds[size_t(box)]) continue;
-        for (const ObjectListRow& row : listedObjects(ObjectTypeOfBox(box), panel, database)) {
+        const ObjectType kind = ObjectTypeOfBox(box);
+        for (const ObjectListRow& row : listedObjects(kind, panel, database)) {
+            const QString object = objectOf(row, kind).fullName();
             for (const QString& name : chosen) {
-                const QString shortName = partBehindLastDot(row.name);
-                if (meansObject(name, row.name) && !present.contains(shortName)) {
-                    present += shortName;
-                }
+                if (!meansObject(name, row)) continue;
+                meant.insert(name);
+                if (!present.contains(object)) present += object;
             }
         }
     }
@@ -77,20 +79,15 @@ bool chooseObjects(const Options& options, const ObjectKindBoxes& kinds,
             QStringLiteral("--select names no object.\nGive one name, or several with commas "
                            "between them."));
     }
-    sourceObjects = namesOnSide(chosen, kinds, SourcePanel, servers.sourceDb);
-    targetObjects = namesOnSide(chosen, kinds, TargetPanel, servers.targetDb);
+    QSet<QString> meant;
+    sourceObjects = namesOnSide(chosen, kinds, SourcePanel, servers.sourceDb, meant);
+    targetObjects = namesOnSide(chosen, kinds, TargetPanel, servers.targetDb, meant);
     // A run refuses everything while one side's list is empty: names that only one side has are
     // asked for on both.
     if (sourceObjects.isEmpty()) sourceObjects = targetObjects;
     if (targetObjects.isEmpty()) targetObjects = sourceObjects;
     for (const QString& name : chosen) {
-        const auto isThere = [&](const QStringList& names) {
-            for (const QString& present : names) {
-                if (meansObject(name, present)) return true;
-            }
-            return names.contains(partBehindLastDot(name));
-        };
-        if (!isThere(sourceObjects) && !isThere(targetObjects)) {
+        if (!meant.contains(name)) {
             throw Failure(
                 QStringLiteral("Neither database has an object \"%1\" of the compared kinds "
                                "(letter case counts).\nNames are shown by: zovrand-cli list.")

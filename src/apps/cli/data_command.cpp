@@ -104,7 +104,7 @@ class ConsoleScreens : public DataComparisonScreens, public CompareAllForm {
 CompareDataTable findTable(int panel, const QString& database, const QString& name) {
     const bool source = panel == SourcePanel;
     for (const ObjectListRow& row : listedObjects(ObjectType::Table, panel, database))
-        if (meansObject(name, row.name))
+        if (meansObject(name, row))
             return {globals().gtCurrentServers[panel], database, row.name, row.id};
     throw Failure(QStringLiteral("The %1 database %2 has no table \"%3\" (letter case counts).\n"
                                  "Names are shown by: zovrand-cli list -t tables.")

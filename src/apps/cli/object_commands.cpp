@@ -17,28 +17,47 @@ struct LoadedList {
     MemoryTextPane pane;
 };
 
-/// Fills the list; false when that failed, which was told already.
+/// Fills the list; false when that failed, which is told.
 bool load(const Options& options, ConsoleShell& console, LoadedList& loaded) {
     loaded.type = objectTypeFromName(options.type);
     loaded.server = chooseServer(options, options.server);
     loaded.database = chooseDatabase(options.server, loaded.server, "-d");
     reachServer(loaded.server, loaded.database, SourcePanel);
-    const int before = console.errorCount();
+    RunAccount account;
+    const KeepAccount keep(account);
     LoadObjects(loaded.server, loaded.list, loaded.pane, loaded.type, loaded.database, false, {},
                 SourcePanel, &objectTexts());
-    return console.errorCount() == before;
+    return !tellTrouble(console, account) && !globals().gblnStop;
 }
 
 /// Rows that the name means: to the letter first, then whatever the case.
 std::vector<int> rowsMeant(const MemoryObjectList& list, const QString& name) {
-    std::vector<int> exact, loose;
-    for (int row = 0; row < list.rowCount(); ++row) {
-        const QString& listed = list.row(row).name;
-        if (listed == name) return {row};
-        if (meansObject(name, listed)) exact.push_back(row);
-        if (meansObject(name.toCaseFolded(), listed.toCaseFolded())) loose.push_back(row);
+    for (const Qt::CaseSensitivity cs : {Qt::CaseSensitive, Qt::CaseInsensitive}) {
+        std::vector<int> rows;
+        for (int row = 0; row < list.rowCount(); ++row)
+            if (meansObject(name, list.row(row), cs)) rows.push_back(row);
+        if (!rows.empty()) return rows;
     }
-    return exact.empty() ? loose : exact;
+    return {};
+}
+
+/// The one row that the name means; throws Failure.
+int rowMeant(const LoadedList& loaded, const QString& name) {
+    const std::vector<int> rows = rowsMeant(loaded.list, name);
+    if (rows.empty()) {
+        const QString singular = GetObjectTypeName(loaded.type, false).toLower();
+        throw Failure(QStringLiteral("The database %4 of %3 has no %5 \"%1\".\n"
+                                     "Its %2 are shown by: zovrand-cli list -S %3 -d %4 -t %2.")
+                          .arg(name, GetObjectTypeName(loaded.type, true), loaded.server.Name,
+                               loaded.database, singular));
+    }
+    if (rows.size() > 1 && loaded.type != ObjectType::Permission) {
+        std::vector<ObjectListRow> namesakes;
+        for (const int row : rows) namesakes.push_back(loaded.list.row(row));
+        throw Failure(QStringLiteral("Several %1 have this name: %2.\nName one of them in full.")
+                          .arg(GetObjectTypeName(loaded.type, true), fullNames(namesakes)));
+    }
+    return rows.front();
 }
 
 }  // namespace
@@ -56,24 +75,13 @@ int runList(const Options& options, ConsoleShell& console) {
 int runText(const Options& options, ConsoleShell& console) {
     LoadedList loaded;
     if (!load(options, console, loaded)) return Trouble;
-    const std::vector<int> rows = rowsMeant(loaded.list, options.objectName);
-    const QString plural = GetObjectTypeName(loaded.type, true);
-    if (rows.empty()) {
-        throw Failure(QStringLiteral("There is no \"%1\" among the %2 of %3.%4.\n"
-                                     "They are shown by: zovrand-cli list -S %3 -d %4 -t %2.")
-                          .arg(options.objectName, plural, loaded.server.Name, loaded.database));
-    }
-    if (rows.size() > 1 && loaded.type != ObjectType::Permission) {
-        QStringList names;
-        for (const int row : rows) names += loaded.list.row(row).name;
-        throw Failure(QStringLiteral("Several %1 have this name: %2.\nName one of them in full.")
-                          .arg(plural, names.join(QStringLiteral(", "))));
-    }
-    loaded.list.selectRow(rows.front());
+    loaded.list.selectRow(rowMeant(loaded, options.objectName));
     const int before = console.errorCount();
     UpdateProcedureTextBox(loaded.server, loaded.pane, loaded.list, loaded.type, loaded.database,
                            {}, 0, SourcePanel);
-    if (console.errorCount() != before) return Trouble;
+    const bool told = console.errorCount() != before;
+    if (!told && !loaded.pane.Trouble.isEmpty()) console.showError(loaded.pane.Trouble);
+    if (told || !loaded.pane.Trouble.isEmpty()) return Trouble;
     QString text = withLf(loaded.pane.text());
     if (!text.isEmpty() && !text.endsWith(u'\n')) text += u'\n';
     writeOut(text);

@@ -52,6 +52,15 @@ int rowOfName(const ObjectList& list, const QString& name) {
     return -1;
 }
 
+// The row of the same object as another list's row, or of this list's before it was loaded anew: by
+// schema and name, else by what is shown.
+int rowOfObject(const ObjectList& list, const ObjectListRow& object) {
+    for (int row = 0; row < list.rowCount(); ++row)
+        if (list.row(row).bareName() == object.bareName() && list.row(row).schema == object.schema)
+            return row;
+    return rowOfName(list, object.name);
+}
+
 }  // namespace
 
 void frmMain::Form_Load() {
@@ -150,15 +159,16 @@ SelectedPair frmMain::GetNamesOfSelected() {
     pair.targetServer = server(TargetPanel);
     pair.sourceDb = database(SourcePanel);
     pair.targetDb = database(TargetPanel);
-    const auto read = [this](int Index, QString& name, qint32& id) {
+    const auto read = [&](int Index, QString& name, qint32& id, ObjectRef& object) {
         ObjectList& list = view_.panels()[Index].pvlSqlObj;
         const int row = list.selectedIndex();
         if (row < 0) return;
-        name = list.row(row).name;
-        id = list.row(row).id;
+        object = objectOf(list.row(row), pair.objectType);
+        name = object.shownName;
+        id = object.id;
     };
-    read(SourcePanel, pair.sourceObject, pair.sourceId);
-    read(TargetPanel, pair.targetObject, pair.targetId);
+    read(SourcePanel, pair.sourceObject, pair.sourceId, pair.sourceRow);
+    read(TargetPanel, pair.targetObject, pair.targetId, pair.targetRow);
     return pair;
 }
 
@@ -235,7 +245,9 @@ void frmMain::pvlSqlObj_Click(int Index) {
         } while (shown != selectionOf(list));
         if (!Loaded || Index != SourcePanel || !globals().gblnAutoSelTargetObj) return;
         const int row = list.selectedIndex();
-        if (row >= 0) selectByName(TargetPanel, list.row(row).name);
+        if (row >= 0)
+            selectRow(TargetPanel,
+                      rowOfObject(view_.panels()[TargetPanel].pvlSqlObj, list.row(row)));
     });
 }
 
@@ -256,8 +268,7 @@ void frmMain::showObject(int Index, int row) {
     refreshPaneText(Index);
 }
 
-void frmMain::selectByName(int Index, const QString& name) {
-    const int row = name.isEmpty() ? -1 : rowOfName(view_.panels()[Index].pvlSqlObj, name);
+void frmMain::selectRow(int Index, int row) {
     if (row >= 0) showObject(Index, row);
 }
 
@@ -320,10 +331,11 @@ void frmMain::RefreshDisplayForPanel(int Index) {
     if (Busy_) return;
     ObjectList& list = view_.panels()[Index].pvlSqlObj;
     const int row = list.selectedIndex();
-    const QString name = row < 0 ? QString() : list.row(row).name;
+    const ObjectListRow before = row < 0 ? ObjectListRow() : list.row(row);
     ObjectTypeChanged(10, 1, Index + 1);
-    const int now = list.selectedIndex();
-    if (now < 0 || list.row(now).name != name) selectByName(Index, name);
+    if (before.name.isEmpty()) return;
+    const int found = rowOfObject(list, before);
+    if (found != list.selectedIndex()) selectRow(Index, found);
 }
 
 void frmMain::RefreshSourceTarget(int Index) {
@@ -479,7 +491,7 @@ void frmMain::MenuToolsFindInDb(int Index) {
                                           "see it.")
                                .arg(name),
                            QStringLiteral("Cannot View"));
-    selectByName(Index, name);
+    selectRow(Index, rowOfName(view_.panels()[Index].pvlSqlObj, name));
 }
 
 void frmMain::MenuSqlCreate(int Index) {
@@ -499,6 +511,7 @@ void frmMain::BuildSQLCreateStatement(int Index) {
     request.dbName = Index == SourcePanel ? pair.sourceDb : pair.targetDb;
     request.objectName = Index == SourcePanel ? pair.sourceObject : pair.targetObject;
     request.objectId = Index == SourcePanel ? pair.sourceId : pair.targetId;
+    request.object = Index == SourcePanel ? pair.sourceRow : pair.targetRow;
     request.objectType = pair.objectType;
     request.lineSuffix = QStringLiteral(",");
     bool ok = false;

@@ -155,7 +155,7 @@ class frmMain : public PanelWindow,
     void showFilters();
     bool serverInfoSet();
     bool anyDatabase();
-    void selectByName(int Index, const QString& name);
+    void selectRow(int Index, int row);
     void takeOwnersBack(const QString (&owners)[2]);
     void MenuRemoveServer();
     void MenuToolsOptions();

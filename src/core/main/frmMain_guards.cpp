@@ -102,7 +102,11 @@ bool frmMain::CanCompare() {
         tell(QStringLiteral("Cannot compare - the list of databases is empty."), title);
         return false;
     }
-    if (showsNothing(SourcePanel) && showsNothing(TargetPanel)) {
+    // An object whose text can't be read is there; the comparison says what the matter is.
+    const Panels& panels = view_.panels();
+    const bool troubled = !panels.source.txtTXProc.Trouble.isEmpty() ||
+                          !panels.target.txtTXProc.Trouble.isEmpty();
+    if (!troubled && showsNothing(SourcePanel) && showsNothing(TargetPanel)) {
         tell(QStringLiteral("Cannot compare - the list of objects is empty."), title);
         return false;
     }
@@ -161,13 +165,11 @@ bool frmMain::CanViewAnalyzeData(int Action, int Index, TableChoice& choice) {
     const ObjectListRow& object = panel.pvlSqlObj.row(row);
     choice.server = server(Index);
     choice.database = database(Index);
-    const qsizetype dot = object.name.indexOf(u'.');
-    choice.schema = dot < 0 ? QString() : object.name.left(dot);
-    choice.table = object.name.mid(dot + 1);
+    choice.schema = object.schema;
+    choice.table = object.bareName();
     choice.id = object.id;
-    // By its id: two schemas may have a table of this name.
-    choice.extendedName = GetExtendedObjectName(choice.server, choice.database, choice.table,
-                                                ObjectType::Table, object.id);
+    choice.extendedName = GetExtendedObjectName(choice.server, choice.database,
+                                                objectOf(object, ObjectType::Table));
     return true;
 }
 

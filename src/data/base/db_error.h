@@ -28,6 +28,13 @@ struct DbError : NumberedError {
     DbError(qint32 number, const QString& description, QString sqlState = {}, qint32 native = 0)
         : NumberedError(number, description), sqlState(std::move(sqlState)), native(native) {}
 
+    bool onlyThisRequestFailed() const override {
+        // A page or a file that can't be read may hide anything else.
+        const bool damage = native == 823 || native == 824 || native == 825 || native == 605;
+        return !connectionLost && native != 0 && !damage && number != ado_error::Timeout &&
+               number != ado_error::Cancelled && number != ado_error::LoginFailed;
+    }
+
     QString sqlState;     ///< five characters, empty when the provider has none
     qint32 native;        ///< SQL Server's message number, 0 when unknown
     int line = 0;         ///< line in the batch from 1, 0 when unknown

@@ -640,6 +640,15 @@ void installCatalogFunctions(sqlite3* handle, Database& database) {
         if (store && store->hasDatabase(textOf(v[0]))) return sqlite3_result_int(c, 1);
         sqlite3_result_null(c);
     });
+    // Who is here owns everything; null where a database is asked about that isn't there.
+    const SqlFunction hasPermission = [](sqlite3_context* c, int, sqlite3_value** v) {
+        ServerStore* store = databaseOf(c).store;
+        const bool aboutDatabase = textOf(v[1]).compare(u"DATABASE", Qt::CaseInsensitive) == 0;
+        if (aboutDatabase && store && !store->hasDatabase(textOf(v[0])))
+            return sqlite3_result_null(c);
+        sqlite3_result_int(c, 1);
+    };
+    for (int count = 3; count <= 5; ++count) look("zov_has_perms", count, hasPermission);
     look("zov_host", 0, [](sqlite3_context* c, int, sqlite3_value**) {
         sqlite3_result_text(c, "localhost", -1, SQLITE_STATIC);
     });

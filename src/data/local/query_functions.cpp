@@ -148,6 +148,7 @@ const Rule rules[] = {
     {"is_member", 1, 1, "zov_is_member", Result::Int, 0, false, true, 0},
     {"is_srvrolemember", 1, 2, "zov_is_member", Result::Int, 0, false, true, 0},
     {"has_dbaccess", 1, 1, "zov_has_dbaccess", Result::Int, 0, false, true, 0},
+    {"has_perms_by_name", 3, 5, "zov_has_perms", Result::Int, 0, false, true, 9},
     {"host_name", 0, 0, "zov_host", Result::NVarChar, 128, false, false, 0},
     {"app_name", 0, 0, "zov_app", Result::NVarChar, 128, false, false, 0},
     {"parsename", 2, 2, "zov_parsename", Result::NVarChar, 128, false, false, 0},

@@ -1,0 +1,36 @@
+// What a comparison should find, worked out by other means: the texts of every object from the
+// server's catalogue views, by ids, and held against each other by schema, name and kind.
+#pragma once
+
+#include "catalog/object_ref.h"
+#include "core/server_info.h"
+
+#include <QMap>
+#include <QStringList>
+
+#include <optional>
+
+namespace zov::test {
+
+/// By kind, then by schema and name (and table, of a constraint) joined by NUL.
+struct CatalogueTexts {
+    struct Entry {
+        QString shown;                ///< as the list of its kind shows it
+        std::optional<QString> text;  ///< none when it can't be read
+    };
+    QMap<ObjectType, QMap<QString, Entry>> objects;
+};
+
+CatalogueTexts readCatalogue(const ServerInfo& server, const QString& database);
+
+/// Names as the report's lists show them, sorted; kinds that one side lacks have no lists.
+struct ExpectedVerdict {
+    QMap<ObjectType, QStringList> differing, onlyInSource, onlyInTarget, unreadable;
+    bool identical = true;  ///< everything was read and is the same
+    bool someOneSided = false;
+    bool someUnreadable = false;
+};
+
+ExpectedVerdict expectedVerdict(const CatalogueTexts& source, const CatalogueTexts& target);
+
+}  // namespace zov::test
