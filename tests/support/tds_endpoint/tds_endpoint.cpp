@@ -76,6 +76,7 @@ quint16 TdsEndpoint::port() const {
 void TdsEndpoint::setFaults(const TdsFaults& faults) {
     const std::lock_guard lock(running_->shared.mutex);
     running_->shared.faults = faults;
+    running_->shared.statementsMet = 0;
 }
 
 TdsCounters TdsEndpoint::counters() const {

@@ -18,6 +18,10 @@ struct TdsFaults {
     QStringList missingDatabases;  ///< a login or USE that names one fails (4060, 911)
     /// Only statements that hold this text are met by the faults below; empty: all.
     QString onlyStatementsWith;
+    /// This one of them (from 1, counted since the faults were set, all sessions together; what a
+    /// driver sets for itself doesn't count) fails with the error below; 0: none.
+    int failStatement = 0;
+    bool dropInstead = false;    ///< the connection is cut in place of that error
     int delayMilliseconds = 0;   ///< before a statement runs; an attention ends the wait
     qint64 stallAfterRows = -1;  ///< nothing comes behind so many rows for `stallMilliseconds`
     int stallMilliseconds = 0;
@@ -47,6 +51,7 @@ struct TdsCounters {
     int rpcs = 0;
     int attentions = 0;
     int openSessions = 0;
+    int failedStatements = 0;  ///< by TdsFaults::failStatement
 };
 
 class TdsEndpoint {

@@ -354,6 +354,14 @@ Session::Outcome Session::runCommand(const CommandSpec& command, DoneToken done,
     try {
         waitBefore(faults);
         if (cancelled_) return {true, {}, 0};
+        if (faults.failStatement > 0 && !isSessionOptions(command.text) &&
+            shared_.isToFail(faults)) {
+            if (faults.dropInstead) {
+                channel_.shutDown();
+                throw ConnectionGone("dropped on purpose");
+            }
+            throw DbError(ado_error::Unspecified, faults.errorText, {}, faults.errorNumber);
+        }
         const QString used = command.storedProcedure ? QString() : databaseOfUse(command.text);
         if (faults.missingDatabases.contains(used, Qt::CaseInsensitive))
             throw missingDatabase(used);

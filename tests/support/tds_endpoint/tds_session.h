@@ -22,13 +22,21 @@ struct Shared {
 
     const TdsEndpointOptions options;
     std::mutex mutex;
-    TdsFaults faults;  // the three below are guarded by the mutex
+    TdsFaults faults;       // guarded by the mutex, as the next three are
+    int statementsMet = 0;  // by TdsFaults::failStatement's counting
     TdsCounters counters;
     QStringList statements;
 
     TdsFaults currentFaults() {
         const std::lock_guard lock(mutex);
         return faults;
+    }
+    /// Counts a statement that the faults meet; whether it is the one to fail.
+    bool isToFail(const TdsFaults& faults) {
+        const std::lock_guard lock(mutex);
+        if (++statementsMet != faults.failStatement) return false;
+        ++counters.failedStatements;
+        return true;
     }
     void count(int TdsCounters::*counter, int by = 1) {
         const std::lock_guard lock(mutex);
