@@ -145,9 +145,9 @@ std::vector<ScriptBatch> splitBatches(const QString& script) {
     qsizetype batchStart = 0;
     int batchLine = 1;
     int line = 1;
-    const auto finish = [&](qsizetype end, int repeat) {
+    const auto finish = [&](qsizetype end, int repeat, int goLine) {
         const QString text = script.mid(batchStart, end - batchStart);
-        if (!text.trimmed().isEmpty()) batches.push_back({text, batchLine, repeat});
+        if (!text.trimmed().isEmpty()) batches.push_back({text, batchLine, repeat, goLine});
     };
     for (qsizetype at = 0; at < script.size(); ++line) {
         qsizetype next = script.indexOf(u'\n', at);
@@ -159,7 +159,8 @@ std::vector<ScriptBatch> splitBatches(const QString& script) {
         const QRegularExpressionMatch match =
             candidate ? separator.match(text.toString()) : QRegularExpressionMatch();
         if (match.hasMatch()) {
-            finish(at, match.hasCaptured(1) ? match.captured(1).toInt() : 1);
+            // What is no 32-bit number gives 0.
+            finish(at, match.hasCaptured(1) ? match.captured(1).toInt() : 1, line);
             batchStart = next;
             batchLine = line + 1;
         } else {
@@ -167,7 +168,7 @@ std::vector<ScriptBatch> splitBatches(const QString& script) {
         }
         at = next;
     }
-    finish(script.size(), 1);
+    finish(script.size(), 1, 0);
     return batches;
 }
 

@@ -11,7 +11,8 @@ namespace zov {
 struct ScriptBatch {
     QString text;       ///< from its first line to the line break before GO, to the byte
     int firstLine = 1;  ///< line of the script where the text begins, from 1
-    int repeat = 1;     ///< GO n
+    int repeat = 1;     ///< GO n; 0 for a count that no batch can be run
+    int goLine = 0;     ///< line of that GO, 0 at the script's end
 };
 
 /// Batches that hold nothing but blanks are left out. GO counts when it stands alone on its line (a

@@ -102,6 +102,13 @@ class Loader {
  private:
     /// True when all of it ran.
     bool runBatch(const Script& script, const ScriptBatch& batch) {
+        if (batch.repeat < 1) {
+            outcome_.problems.push_back(
+                {script.file, batch.goLine, firstWordsOf(batch.text),
+                 QStringLiteral("The count behind GO must be a number from 1 to 2147483647; the "
+                                "batch in front of it was not run.")});
+            return false;
+        }
         ScriptBatch part = batch;
         bool good = true;
         // Behind a USE that failed each statement would land in another database.
