@@ -58,6 +58,9 @@ TEST(Screens, EveryScreenOpensAndHasItsHelpPage) {
             for (int x = 0; x < picture.width(); x += 3)
                 for (int y = 0; y < picture.height(); y += 3) colors.insert(picture.pixel(x, y));
             EXPECT_GT(colors.size(), 5U) << name.toStdString() << " is empty";
+            if (name == u"frmIgnoreColumnsAdd") {
+                EXPECT_NE(screen.findChild<QPushButton*>(QStringLiteral("cmdHelp")), nullptr);
+            }
             const QString page = name == u"printPreview" ? QStringLiteral("printing")
                                  : name == u"helpWindow" ? QStringLiteral("index")
                                                          : name.toLower();

@@ -4,6 +4,7 @@
 
 #include <QBrush>
 #include <QFont>
+#include <QTextDocument>
 
 namespace zov::qt {
 namespace {
@@ -15,6 +16,13 @@ constexpr qsizetype ToolTipCharacters = 1000;
 QString oneLine(QString text) {
     text.replace(u'\r', u' ').replace(u'\n', u' ').replace(u'\t', u' ');
     return text;
+}
+
+/// A tool tip shows what it takes for HTML as such: a cell's text is none.
+QString plainToolTip(const QString& text) {
+    if (!Qt::mightBeRichText(text)) return text;
+    return QStringLiteral("<p style='white-space:pre-wrap'>") + text.toHtmlEscaped() +
+           QStringLiteral("</p>");
 }
 
 }  // namespace
@@ -60,7 +68,8 @@ QVariant GridModel::data(const QModelIndex& index, int role) const {
             return oneLine(grid_.text(row, column).left(ShownCharacters));
         case Qt::ToolTipRole: {
             const QString text = grid_.text(row, column);
-            return text.size() < 20 ? QVariant() : QVariant(text.left(ToolTipCharacters));
+            return text.size() < 20 ? QVariant()
+                                    : QVariant(plainToolTip(text.left(ToolTipCharacters)));
         }
         case Qt::BackgroundRole:
             return background(row, column);
@@ -83,7 +92,7 @@ QVariant GridModel::data(const QModelIndex& index, int role) const {
 QVariant GridModel::headerData(int section, Qt::Orientation orientation, int role) const {
     if (orientation != Qt::Horizontal) return {};
     if (role == Qt::DisplayRole) return oneLine(grid_.text(0, section).left(ShownCharacters));
-    if (role == Qt::ToolTipRole) return grid_.text(0, section);
+    if (role == Qt::ToolTipRole) return plainToolTip(grid_.text(0, section));
     return {};
 }
 

@@ -1,5 +1,7 @@
 #include "shell/qt/screens/object_dialogs.h"
 
+#include "shell/qt/help_window.h"
+
 #include <QGridLayout>
 #include <QHeaderView>
 #include <QLabel>
@@ -146,22 +148,27 @@ IgnoreColumnsDialog::IgnoreColumnsDialog(frmIgnoreColumnsAdd& screen, QWidget* p
                         QStringLiteral("Click here to deselect all columns"));
     auto* ok = new QPushButton(QStringLiteral("&OK"));
     auto* cancel = new QPushButton(QStringLiteral("&Cancel"));
+    auto* help = new QPushButton(QStringLiteral("&Help"));
     ok->setDefault(true);
     auto* links = new QHBoxLayout;
     links->addWidget(all);
     links->addWidget(none);
     links->addStretch(1);
     auto* layout = new QVBoxLayout(this);
-    layout->addWidget(new QLabel(screen.lblTableName));
+    auto* table = new QLabel(screen.lblTableName);
+    table->setTextFormat(Qt::PlainText);
+    layout->addWidget(table);
     layout->addWidget(info);
     layout->addWidget(columns_, 1);
     layout->addLayout(links);
     layout->addWidget(new QLabel(screen.lblSelected));
-    layout->addLayout(buttonRow({ok, cancel}));
+    layout->addLayout(buttonRow({ok, cancel, help}));
     resize(460, 480);
     name(QStringLiteral("pvlSqlObj"), columns_);
     name(QStringLiteral("cmdOK"), ok);
     name(QStringLiteral("cmdCancel"), cancel);
+    name(QStringLiteral("cmdHelp"), help);
+    name(QStringLiteral("lblTableName"), table);
     connect(columns_, &QListWidget::itemChanged, this, [this](QListWidgetItem* item) {
         if (!filling_)
             screen_.pvlSqlObj[size_t(columns_->row(item))].checked =
@@ -171,6 +178,7 @@ IgnoreColumnsDialog::IgnoreColumnsDialog(frmIgnoreColumnsAdd& screen, QWidget* p
     connect(none, &QLabel::linkActivated, this, [this] { screen_.selectAll(false); });
     connect(ok, &QPushButton::clicked, this, [this] { screen_.cmdOK(); });
     connect(cancel, &QPushButton::clicked, this, [this] { screen_.cmdCancel(); });
+    connect(help, &QPushButton::clicked, this, [this] { showHelpPage(helpPage(), this); });
 }
 
 void IgnoreColumnsDialog::refreshFields() {
