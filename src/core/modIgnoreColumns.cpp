@@ -1,9 +1,11 @@
 #include "core/modIgnoreColumns.h"
 
 #include "core/globals.h"
+#include "core/run_account.h"
 #include "shell/shell.h"
 #include "util/cInifile.h"
 #include "util/ini_document.h"
+#include "util/numbered_error.h"
 
 namespace zov {
 namespace {
@@ -26,11 +28,13 @@ QString iniPath(qint32 mode) {
 QStringList columnsOfSection(cInifile& ini, const QString& section) {
     QStringList columns;
     ini.Section = section;
+    // One failure is enough: what could be read before it is no list.
     for (const QString& key : ini.EnumerateCurrentSection()) {
+        if (!ini.lastError().isEmpty()) return {};
         ini.Key = key;
         columns += ini.Value();
     }
-    return columns;
+    return ini.lastError().isEmpty() ? columns : QStringList();
 }
 
 }  // namespace
@@ -51,13 +55,20 @@ QString GetObjectDisplayName(const QString& Server, const QString& Db, const QSt
            u')';
 }
 
-qint32 GetIgnoredColumnsList(qint32 Mode, const QString& Key, QStringList& Columns) {
+qint32 GetIgnoredColumnsList(qint32 Mode, const QString& Key, QStringList& Columns,
+                             QString* Failure) {
     cInifile ini(iniPath(Mode));
     Columns = columnsOfSection(ini, Key);
+    if (!ini.lastError().isEmpty())
+        addToAccount({{},
+                      QStringLiteral("reading the ignored columns"),
+                      ini.lastError(),
+                      run_error::FileAccess});
+    if (Failure) *Failure = ini.lastError();
     return qint32(Columns.size());
 }
 
-void SaveIgnoredColumnsList(qint32 Mode, const QString& Key, const QStringList& Columns) {
+bool SaveIgnoredColumnsList(qint32 Mode, const QString& Key, const QStringList& Columns) {
     cInifile ini(iniPath(Mode));
     const auto writeColumns = [&](IniDocument& document) {
         for (qsizetype n = 0; n < Columns.size(); ++n) {
@@ -69,10 +80,15 @@ void SaveIgnoredColumnsList(qint32 Mode, const QString& Key, const QStringList& 
         document.removeSection(Key);
         writeColumns(document);
     });
-    if (ini.Success()) return;
+    if (ini.Success()) return true;
     shell().messageBox(QStringLiteral("Saving list of ignored columns - delete section failed."),
                        {}, BoxIcon::Information);
     ini.change(writeColumns);
+    if (ini.Success()) return true;
+    shell().messageBox(
+        QStringLiteral("The list of ignored columns can't be stored. ") + ini.lastError(), {},
+        BoxIcon::Exclamation);
+    return false;
 }
 
 qint32 GetAllIgnoredColumns(qint32 Mode, std::vector<IgnoredColumnRow>& Rows) {

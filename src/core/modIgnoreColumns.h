@@ -31,10 +31,13 @@ void GetObjectKeyParts(const QString& Key, QString& Server, QString& Db, QString
 /// "Table (Database: Db, Server: Server)"
 QString GetObjectDisplayName(const QString& Server, const QString& Db, const QString& Table);
 
-/// The columns ignored in the table of this key; their number is the result.
-qint32 GetIgnoredColumnsList(qint32 Mode, const QString& Key, QStringList& Columns);
-/// Replaces the table's list; an empty one leaves no section.
-void SaveIgnoredColumnsList(qint32 Mode, const QString& Key, const QStringList& Columns);
+/// The columns ignored in the table of this key; their number is the result. A file that can't be
+/// read gives none; that goes into the account of the run, and as a sentence to `Failure`.
+qint32 GetIgnoredColumnsList(qint32 Mode, const QString& Key, QStringList& Columns,
+                             QString* Failure = nullptr);
+/// Replaces the table's list; an empty one leaves no section. False, and told, when it can't be
+/// written.
+bool SaveIgnoredColumnsList(qint32 Mode, const QString& Key, const QStringList& Columns);
 /// Every mark of a purpose, in the file's order; their number is the result.
 qint32 GetAllIgnoredColumns(qint32 Mode, std::vector<IgnoredColumnRow>& Rows);
 

@@ -1,81 +1,78 @@
 #include "datacompare/compare_all_data.h"
 
 #include "catalog/modSchema.h"
+#include "catalog/run_checks.h"
 #include "core/error_report.h"
 #include "core/globals.h"
 #include "scripting/modNew.h"
 #include "shell/shell.h"
+#include "structcompare/kind_report.h"
+#include "structcompare/object_pairing.h"
 #include "util/text.h"
 
 #include <QElapsedTimer>
+#include <QSet>
 
 namespace zov {
 namespace {
 
-/// Names below a heading that comes with the first of them.
-struct TableList {
-    QString text;
-    int count = 0;
+/// One side of a run.
+struct RunSide {
+    RunSide(int panel, const QString& name, const QString& database, ComparePanel& scratch)
+        : server(globals().gtCurrentServers[panel]),
+          database(database),
+          panel(panel),
+          name(name),
+          list(scratch.pvlSqlObj),
+          pane(scratch.txtTXProc) {}
 
-    void add(const QString& heading, const QString& line) {
-        if (count++ == 0) text += heading + CRLF;
-        text += u'\t' + line + CRLF;
-    }
+    ServerInfo server;
+    QString database;
+    int panel;
+    QString name;  ///< "Source", "Target"
+    ObjectList& list;
+    TextPane& pane;
+    ObjectDirectory directory;
+    bool seesEverything = true;
+    std::vector<ObjectRef> tables;
+
+    QString place() const { return server.Name + u'.' + database; }
 };
 
 class DataComparisonOfAll {
  public:
     DataComparisonOfAll(CompareAllForm& form, const DataRunRequest& request, ComparePanels& panels,
-                        DataComparisonScreens* screens)
+                        DataComparisonScreens* screens, DataRun& result)
         : form_(form),
           request_(request),
-          panels_(panels),
           screens_(screens),
-          source_{globals().gtCurrentServers[SourcePanel], request.sourceDb, SourcePanel},
-          target_{globals().gtCurrentServers[TargetPanel], request.targetDb, TargetPanel} {}
+          result_(result),
+          source_(SourcePanel, QStringLiteral("Source"), request.sourceDb, panels.source),
+          target_(TargetPanel, QStringLiteral("Target"), request.targetDb, panels.target) {}
 
-    /// False when it was stopped, or when tables of one name couldn't be told apart.
+    /// False when it was stopped, or couldn't begin.
     bool run();
-    bool somethingDiffers() const {
-        return differing_.count + onlyInSource_.count + onlyInTarget_.count > 0;
-    }
-    bool somethingFailed() const { return somethingFailed_; }
 
  private:
     bool mayGoOn();
+    /// What must be known of a side before anything is compared.
+    bool prepare(RunSide& side);
     void addHeading();
-    bool loadLists();
-    void addCountLine(int count, const QString& side);
-    void addList(const TableList& list);
-    bool isWanted(const ObjectListRow& row) const;
-    bool findTable(const ObjectListRow& row, const CompareSide& from, const CompareSide& in,
-                   const ObjectList& list, qint32& id, bool& found);
-    bool compareSourceTables();
-    bool compareTable(const ObjectListRow& row, qint32 targetId);
-    bool listTargetTables();
+    bool loadList(RunSide& side);
+    bool isChosen(const ObjectRef& table) const;
+    bool compareLists();
+    bool comparePair(const ObjectRef& source, const ObjectRef& target);
     void addClosing(bool bothEmpty);
-    QString listOf(const QString& which) const {
-        return QStringLiteral("List of ") + plural_ + which;
-    }
 
     CompareAllForm& form_;
     const DataRunRequest& request_;
-    ComparePanels& panels_;
     DataComparisonScreens* screens_;
-    CompareSide source_;
-    CompareSide target_;
-    const QString plural_ = GetObjectTypeName(ObjectType::Table, true);
-    const QString singular_ = plural_.chopped(1);
+    DataRun& result_;
+    RunSide source_;
+    RunSide target_;
     QElapsedTimer clock_;
     QString report_;
-    TableList differing_;
-    TableList onlyInSource_;
-    TableList onlyInTarget_;
-    QString identical_;
-    QString lastIdentical_;
-    int identicalCount_ = 0;
-    bool somethingFailed_ = false;
-    QSet<qint32> comparedTargets_;  ///< ids
+    KindReport tables_{ObjectType::Table};
 };
 
 bool DataComparisonOfAll::mayGoOn() {
@@ -84,189 +81,176 @@ bool DataComparisonOfAll::mayGoOn() {
     return !globals().gblnStop;
 }
 
+bool DataComparisonOfAll::prepare(RunSide& side) {
+    if (!knowVersion(side.server)) return false;
+    globals().gtCurrentServers[side.panel].Version = side.server.Version;
+    globals().gtCurrentServers[side.panel].NumVersion = side.server.NumVersion;
+    QString sentence;
+    side.seesEverything = seesWholeCatalogue(side.server, side.database, sentence);
+    if (!side.seesEverything) result_.blindness += sentence;
+    side.directory = ObjectDirectory::read(side.server, side.database);
+    tables_.mayLackObjects =
+        tables_.mayLackObjects || !side.seesEverything || !side.directory.isRead();
+    return mayGoOn();
+}
+
 bool DataComparisonOfAll::run() {
     const WaitPointer wait;
     form_.showRunning();
     clock_.start();
     form_.runStatusTimer(true);
-    const QString comparing = QStringLiteral("Comparing data in ") + plural_ + QStringLiteral("...");
+    const QString comparing =
+        QStringLiteral("Comparing data in ") + tables_.plural + QStringLiteral("...");
     form_.setComparing(0, comparing);
+    if (!prepare(source_) || !prepare(target_)) return false;
     addHeading();
-    if (!loadLists()) return false;
-    const int sourceCount = panels_.source.pvlSqlObj.rowCount();
-    const int targetCount = panels_.target.pvlSqlObj.rowCount();
-    if (!request_.selective) {
-        addCountLine(sourceCount, QStringLiteral("Source"));
-        addCountLine(targetCount, QStringLiteral("Target"));
+    const bool loaded[] = {loadList(source_), loadList(target_)};
+    if (!mayGoOn()) return false;
+    if (loaded[0] && loaded[1]) {
+        if (!request_.selective) {
+            report_ += tables_.countLine(int(source_.tables.size()), source_.name);
+            report_ += tables_.countLine(int(target_.tables.size()), target_.name);
+        }
+        const bool bothEmpty = source_.tables.empty() && target_.tables.empty();
+        if (!bothEmpty && !compareLists()) return false;
+        addClosing(bothEmpty);
     }
-    const bool bothEmpty = sourceCount == 0 && targetCount == 0;
-    if (!bothEmpty && (!compareSourceTables() || !listTargetTables())) return false;
-    addClosing(bothEmpty);
+    result_.somethingDiffers = tables_.somethingDiffers();
     form_.setComparing(0, comparing + QStringLiteral(" Finished"));
     globals().gstrReport = report_;
     return true;
 }
 
 void DataComparisonOfAll::addHeading() {
-    const auto place = [](const CompareSide& side) {
-        return side.server.Name + u'.' + side.database + CRLF;
-    };
     report_ = QStringLiteral("Comparison of databases") + CRLF + CRLF;
-    report_ += QStringLiteral("Source database ") + place(source_);
-    report_ += QStringLiteral("Target database ") + place(target_);
+    report_ += QStringLiteral("Source database ") + source_.place() + CRLF;
+    report_ += QStringLiteral("Target database ") + target_.place() + CRLF;
     const QString filter = BuildSchemaFilteringString();
     if (!filter.isEmpty()) report_ += filter + CRLF;
+    for (const QString& sentence : result_.blindness) report_ += sentence + CRLF;
     if (!request_.selective) {
-        report_ += QStringLiteral("Comparison of data in ") + plural_ + CRLF;
+        report_ += QStringLiteral("Comparison of data in ") + tables_.plural + CRLF;
         return;
     }
-    report_ += QStringLiteral("Selective comparison of ") + plural_ + CRLF + CRLF;
+    report_ += QStringLiteral("Selective comparison of ") + tables_.plural + CRLF + CRLF;
     report_ += QString::number(request_.sourceTables.size()) +
                QStringLiteral(" objects selected in Source database") + CRLF;
     report_ += QString::number(request_.targetTables.size()) +
                QStringLiteral(" objects selected in Target database") + CRLF + CRLF;
 }
 
-bool DataComparisonOfAll::loadLists() {
-    const auto load = [&](const CompareSide& side, ComparePanel& panel) {
-        LoadObjects(side.server, panel.pvlSqlObj, panel.txtTXProc, ObjectType::Table, side.database,
-                    false, QString(), side.panel, &objectTexts());
-        return mayGoOn();
-    };
-    return load(source_, panels_.source) && load(target_, panels_.target);
+/// An empty list that isn't read must not look like a database without tables.
+bool DataComparisonOfAll::loadList(RunSide& side) {
+    RunAccount account;
+    {
+        const KeepAccount keep(account);
+        LoadObjects(side.server, side.list, side.pane, ObjectType::Table, side.database, false,
+                    QString(), side.panel, &objectTexts(), nullptr, &side.directory);
+    }
+    if (account.isWhole()) {
+        side.tables = objectsOf(side.list, ObjectType::Table);
+        return true;
+    }
+    for (const AccountEntry& entry : account.entries()) addToAccount(entry);
+    report_ +=
+        QStringLiteral("The list of %1 in %2 database can't be read: their data isn't compared.")
+            .arg(tables_.plural, side.name) +
+        CRLF;
+    return false;
 }
 
-void DataComparisonOfAll::addCountLine(int count, const QString& side) {
-    if (count == 0)
-        report_ += QStringLiteral("There are no ") + plural_;
-    else if (count == 1)
-        report_ += QStringLiteral("There is 1 ") + singular_;
-    else
-        report_ += QStringLiteral("There are %1 ").arg(count) + plural_;
-    report_ += QStringLiteral(" in ") + side + QStringLiteral(" database.") + CRLF;
-}
-
-void DataComparisonOfAll::addList(const TableList& list) {
-    if (list.count == 0) return;
-    report_ += list.text + QStringLiteral("\t(%1 ").arg(list.count) +
-               (list.count == 1 ? singular_ : plural_) + u')' + CRLF + CRLF;
-}
-
-bool DataComparisonOfAll::isWanted(const ObjectListRow& row) const {
+/// Whether a run takes this table: in a selective run one that either side's choice names, with its
+/// schema or without.
+bool DataComparisonOfAll::isChosen(const ObjectRef& table) const {
     const auto takes = [&](const QString& name) {
         return ProceedWithThisObject(name, request_.selective, request_.sourceTables,
                                      request_.targetTables);
     };
-    return takes(row.bareName()) || takes(objectOf(row, ObjectType::Table).fullName());
+    return takes(table.name) || (!table.schema.isEmpty() && takes(table.fullName()));
 }
 
-/// Looks for a table of one side on the other: by name and schema, where servers know schemas, else
-/// by the name in the other side's list. False when a server couldn't be asked.
-bool DataComparisonOfAll::findTable(const ObjectListRow& row, const CompareSide& from,
-                                    const CompareSide& in, const ObjectList& list, qint32& id,
-                                    bool& found) {
-    if (!CompareAll_CheckForDuplicateNames(ObjectType::Table, from, row.name, in, row.id, id, found))
-        return false;
-    if (!found || id > 0) return true;
-    found = false;
-    const QString name = partBehindLastDot(row.name);
-    for (int i = 0; i < list.rowCount() && !found; ++i) {
-        if (partBehindLastDot(list.row(i).name).compare(name, Qt::CaseInsensitive) != 0) continue;
-        found = true;
-        id = list.row(i).id;
-    }
-    return true;
-}
-
-bool DataComparisonOfAll::compareSourceTables() {
-    const ObjectList& list = panels_.source.pvlSqlObj;
-    for (int i = 0; i < list.rowCount(); ++i) {
+/// False after Stop.
+bool DataComparisonOfAll::compareLists() {
+    PairingRules rules;
+    rules.schemaMayDiffer = knowsSchemas(source_.server) != knowsSchemas(target_.server) ||
+                            !source_.directory.isRead() || !target_.directory.isRead();
+    rules.sameName = [&](const ObjectRef& source, const ObjectRef& target) {
+        return serverTakesForSame(target_.server, target_.database, source, target);
+    };
+    const std::vector<int> partners = pairObjects(source_.tables, target_.tables, rules);
+    for (size_t i = 0; i < source_.tables.size(); ++i) {
         if (!mayGoOn()) return false;
-        const ObjectListRow row = list.row(i);
-        if (!isWanted(row)) continue;
-        form_.setCurrentName(row.name);
-        qint32 targetId = 0;
-        bool found = false;
-        if (!findTable(row, source_, target_, panels_.target.pvlSqlObj, targetId, found)) return false;
-        if (!found) {
-            onlyInSource_.add(
-                listOf(QStringLiteral(
-                    " which exist in Source database but not in Target database:")),
-                row.name);
-            continue;
-        }
-        comparedTargets_.insert(targetId);
-        if (!compareTable(row, targetId)) return false;
+        const ObjectRef& table = source_.tables[i];
+        if (!isChosen(table)) continue;
+        form_.setCurrentName(table.shownName);
+        if (partners[i] < 0)
+            tables_.addOnlyInSource(table.shownName);
+        else if (!comparePair(table, target_.tables[size_t(partners[i])]))
+            return false;
     }
     form_.setCurrentName({});
-    addList(differing_);
-    addList(onlyInSource_);
+    const QSet<int> found(partners.begin(), partners.end());
+    for (size_t i = 0; i < target_.tables.size(); ++i) {
+        if (!mayGoOn()) return false;
+        if (isChosen(target_.tables[i]) && !found.contains(int(i)))
+            tables_.addOnlyInTarget(target_.tables[i].shownName);
+    }
     return true;
 }
 
 /// False after Stop.
-bool DataComparisonOfAll::compareTable(const ObjectListRow& row, qint32 targetId) {
-    const CompareDataPair pair{CompareDataTable{source_.server, source_.database, row.name, row.id},
-                               CompareDataTable{target_.server, target_.database, row.name, targetId}};
+bool DataComparisonOfAll::comparePair(const ObjectRef& source, const ObjectRef& target) {
+    const CompareDataPair pair{TableOf(source_.server, source_.database, source),
+                               TableOf(target_.server, target_.database, target)};
+    const QString& name = pair[0].Table;
     bool showOptions = false;
     const DataComparisonResult result =
         PerformDataComparison(pair, showOptions, true, false, screens_);
-    const QString heading = listOf(QStringLiteral(" which differ:"));
     switch (result.Outcome) {
         case DataOutcome::Identical:
-            ++identicalCount_;
-            identical_ += u'\t' + row.name + CRLF;
-            lastIdentical_ = row.name;
+            tables_.addIdentical(name, result.Note);
             return true;
         case DataOutcome::Different:
-            differing_.add(heading, row.name + QStringLiteral(" - %1 different record(s)")
-                                                   .arg(result.Differences));
+            tables_.addDiffering(
+                name + QStringLiteral(" - %1 different record(s)").arg(result.Differences));
             return true;
         case DataOutcome::Failed:
-            somethingFailed_ = true;
-            differing_.add(heading, row.name + QStringLiteral(" - could not be compared"));
+            tables_.addUnreadable(name);
+            if (result.Refused)
+                result_.unreadable += name;
+            else
+                addToAccount({source_.place(), name, result.Report, 0, false, true});
             return !globals().gblnStop;
         default: return false;
     }
 }
 
-bool DataComparisonOfAll::listTargetTables() {
-    const ObjectList& list = panels_.target.pvlSqlObj;
-    for (int i = 0; i < list.rowCount(); ++i) {
-        if (!mayGoOn()) return false;
-        const ObjectListRow row = list.row(i);
-        if (!isWanted(row) || comparedTargets_.contains(row.id)) continue;
-        qint32 sourceId = 0;
-        bool found = false;
-        if (!findTable(row, target_, source_, panels_.source.pvlSqlObj, sourceId, found)) return false;
-        if (!found)
-            onlyInTarget_.add(
-                listOf(QStringLiteral(
-                    " which exist in Target database but not in Source database:")),
-                row.name);
-    }
-    addList(onlyInTarget_);
-    return true;
-}
-
 void DataComparisonOfAll::addClosing(bool bothEmpty) {
-    if (!somethingDiffers()) {
-        if (bothEmpty)
-            report_ += plural_;
-        else
-            report_ += QStringLiteral("Data in all ") +
-                       (request_.selective ? QStringLiteral("selected ") : QString()) + plural_ +
-                       QStringLiteral(" in both databases is identical.");
-    } else if (identicalCount_ == 0) {
-        report_ += QStringLiteral("There are no ") + plural_ +
+    const auto part = [&](const NameList& list) {
+        if (list.count > 0) report_ += tables_.withCount(list) + CRLF;
+    };
+    part(tables_.differing);
+    part(tables_.onlyInSource);
+    part(tables_.onlyInTarget);
+    if (!tables_.somethingDiffers() && tables_.isComplete()) {
+        report_ += bothEmpty
+                       ? tables_.plural
+                       : QStringLiteral("Data in all ") +
+                             (request_.selective ? QStringLiteral("selected ") : QString()) +
+                             tables_.plural + QStringLiteral(" in both databases is identical.");
+    } else if (tables_.identicalCount == 0) {
+        report_ += QStringLiteral("There are no ") + tables_.plural +
                    QStringLiteral(" which have identical data in both databases.");
-    } else if (identicalCount_ == 1) {
-        report_ += QStringLiteral("One ") + singular_ + QStringLiteral(" [") + lastIdentical_ +
+    } else if (tables_.identicalCount == 1) {
+        report_ += QStringLiteral("One ") + tables_.singular + QStringLiteral(" [") +
+                   tables_.lastIdentical +
                    QStringLiteral("] has identical data in both databases.");
     } else {
-        report_ += QStringLiteral("All %1 remaining ").arg(identicalCount_) + plural_ +
-                   QStringLiteral(" have identical data:") + CRLF + identical_.chopped(2);
+        report_ += QStringLiteral("All %1 remaining ").arg(tables_.identicalCount) +
+                   tables_.plural + QStringLiteral(" have identical data:") + CRLF +
+                   tables_.identical.chopped(2);
     }
+    report_ += tables_.unreadableList();
 }
 
 bool databasesChosen(const QString& sourceDb, const QString& targetDb) {
@@ -318,10 +302,8 @@ DataRun CompareAll_Data(CompareAllForm& form, const DataRunRequest& request, Com
     globals().gstrReport.clear();
     globals().gblnStop = false;
     guardedRun("modCompareAll", "CompareAll_Data", [&] {
-        DataComparisonOfAll comparison(form, request, panels, screens);
-        result.finished = comparison.run();
-        result.somethingDiffers = comparison.somethingDiffers();
-        result.somethingFailed = comparison.somethingFailed();
+        const KeepAccount keep(result.account);
+        result.finished = DataComparisonOfAll(form, request, panels, screens, result).run();
     });
     form.runStatusTimer(false);
     return result;

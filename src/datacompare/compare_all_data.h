@@ -4,6 +4,7 @@
 // run with its screens. The servers are the two panels' (gtCurrentServers).
 #pragma once
 
+#include "core/run_account.h"
 #include "datacompare/modCompareData.h"
 #include "structcompare/compare_all_menu.h"
 
@@ -13,7 +14,7 @@ struct DataRunRequest {
     QString sourceDb;
     QString targetDb;
     bool selective = false;
-    /// The chosen tables of a selective run, without schema.
+    /// The chosen tables of a selective run: names, or "schema.name" where a name isn't enough.
     QStringList sourceTables;
     QStringList targetTables;
 };
@@ -23,7 +24,16 @@ struct DataRun {
     /// was told in a box; gstrReport is empty then.
     bool finished = false;
     bool somethingDiffers = false;  ///< a table differs or is missing on one side
-    bool somethingFailed = false;   ///< a table couldn't be compared, which was told
+    /// What failed and is no single table's trouble: lists, connections, time-outs.
+    RunAccount account;
+    QStringList unreadable;  ///< tables, as listed, that a server refused to read
+    /// A sentence for each side whose login may not see all tables.
+    QStringList blindness;
+
+    /// Everything that a verdict rests on came, but for tables that can't be read.
+    bool isReliable() const { return finished && account.isWhole(); }
+    /// Reliable, and nothing was left out.
+    bool isWhole() const { return isReliable() && unreadable.isEmpty() && blindness.isEmpty(); }
 };
 
 /// Lists and panes of both sides are overwritten. The stop flag is cleared at the start and looked

@@ -5,11 +5,12 @@
 #include "core/error_report.h"
 #include "core/globals.h"
 #include "core/modIgnoreColumns.h"
+#include "core/run_account.h"
+#include "data/sql_names.h"
 #include "datacompare/frmCompareStatus.h"
 #include "datacompare/key_lookup.h"
 #include "datacompare/open_rows.h"
 #include "datacompare/row_test.h"
-#include "scripting/mdlQueryCode.h"
 #include "shell/shell.h"
 #include "util/text.h"
 
@@ -20,6 +21,7 @@ namespace zov {
 namespace {
 
 constexpr qint32 FirstVersionWithSchemas = 9;
+constexpr qint32 NoCurrentRecord = 3021;
 
 void tellFailure() {
     const CaughtError error = caughtError();
@@ -62,6 +64,9 @@ class Walk {
     bool open();
     bool openTarget(const QString& sourcePrefix);
     bool openTable(int side, const QString& statement);
+    /// The same; that the table hasn't got the columns isn't told.
+    bool openProbe(int side, const QString& statement, bool& columnsMissing);
+    bool lacksColumns(const CompareDataTable& target);
     void walkByRecord();
     void walkByKey();
     void testRow(const RowView& row1, const RowView& row2);
@@ -70,6 +75,8 @@ class Walk {
     /// Reads the Target to its end, and does what was put off.
     void closeOpenRows(OpenRows& open, KeyLookup& lookup);
     void finish();
+    /// Rows behind those that were counted have not been looked at.
+    void checkNothingIsLeft();
     bool stopped() const { return globals().gblnStop; }
     Recordset& source() { return *rs_[0]; }
     Recordset& target() { return *rs_[1]; }
@@ -97,7 +104,7 @@ void Walk::run() {
         const WaitPointer wait;
         if (open()) {
             if (run_.ShowDifferences) {
-                grid_.InitDifferencesGrid(run_.Tables, source());
+                grid_.InitDifferencesGrid(run_.Tables, source(), target());
                 grid_.VSFlexGrid1.setRedraw(false);
             }
             rowTest_.emplace(source(), target(), globals().gblnDataCaseSensitive);
@@ -126,10 +133,41 @@ bool Walk::openTable(int side, const QString& statement) {
     const bool opened =
         GetAdoRS(table.Server, adCmdText, statement, rs_[side], table.Db) != -1 && rs_[side];
     shell().pumpEvents();
-    if (!opened || !rs_[side]->isOpen()) return false;
-    // Waiting for a slow server, the screen lives, and its Stop works.
-    rs_[side]->setKeepWaiting([this] { return status_.KeepWaiting(); });
-    return !stopped();
+    return opened && !stopped();
+}
+
+/// Whether the Target has not got all columns that are read of Source.
+bool Walk::lacksColumns(const CompareDataTable& target) {
+    QStringList columns;
+    for (const ColumnRecord& column : ColumnsOfTable(target, false)) columns += column.strName;
+    for (int field = 0; field < source().fieldCount(); ++field)
+        if (!columns.contains(source().field(field).Name())) return true;
+    return false;
+}
+
+bool Walk::openProbe(int side, const QString& statement, bool& columnsMissing) {
+    const CompareDataTable& table = run_.Tables[size_t(side)];
+    AdoFailure failure;
+    RunAccount asked;
+    {
+        const KeepAccount keep(asked);
+        const ScopedValue<bool> quiet(globals().gblnSuppressConnErrors, true);
+        GetAdoRS(table.Server, adCmdText, statement, rs_[side], table.Db, &failure);
+    }
+    shell().pumpEvents();
+    if (stopped()) return false;
+    if (asked.isWhole() && rs_[side]) return true;
+    // A deadlock or a refusal says nothing about the columns.
+    columnsMissing = failure.ErrNumber == ado_error::SyntaxError && lacksColumns(table);
+    if (columnsMissing) return false;
+    for (AccountEntry entry : asked.entries()) {
+        entry.told = true;
+        addToAccount(entry);
+    }
+    ShowErrorReport(failure.ErrNumber, failure.ErrDescription, ProgramVersionText(),
+                    ProgramBuildNumber, QStringLiteral("modCompareData"),
+                    QStringLiteral("CompareRecords"), {});
+    return false;
 }
 
 bool Walk::open() {
@@ -150,16 +188,15 @@ bool Walk::open() {
 
     // The Source's columns decide; where the Target hasn't got them all, its own do. Opening the
     // statement for a test and for the walk is the same, so that it is read only once.
-    {
-        const ScopedValue<bool> quiet(globals().gblnSuppressConnErrors, true);
-        if (openTable(1, ordered(prefix + u' ' + qualified_[1], 1))) {
-            status_.ShowHideControls(5);
-            return !stopped();
-        }
+    bool columnsMissing = false;
+    bool opened = openProbe(1, ordered(prefix + u' ' + qualified_[1], 1), columnsMissing);
+    if (!opened && columnsMissing && !stopped()) {
+        const QString own = BuildSqlSelectStringWithColumns(run_.Tables[1], qualified_[1], prefix);
+        opened = openTable(1, ordered(own, 1));
     }
-    if (stopped()) return false;
-    const QString own = BuildSqlSelectStringWithColumns(run_.Tables[1], qualified_[1], prefix);
-    if (!openTable(1, ordered(own, 1))) return false;
+    if (!opened) return false;
+    // Waiting for a slow server, the screen lives, and its Stop works.
+    for (auto& rs : rs_) rs->setKeepWaiting([this] { return status_.KeepWaiting(); });
     status_.ShowHideControls(5);
     return !stopped();
 }
@@ -256,9 +293,12 @@ void Walk::addSourceOnly(const RowView& row) {
 
 void Walk::addPair(const RowView& row1, const RowView& row2) {
     ++result_.Differences;
-    if (run_.ShowDifferences && result_.Differences < globals().glngMaxRowsInDiffTable)
+    if (!run_.ShowDifferences) return;
+    if (result_.Differences < globals().glngMaxRowsInDiffTable)
         grid_.AddRecordToGrid_MarkDiff(row1, row2, difference_color::SourceHalf,
                                        difference_color::TargetHalf, result_.Differences);
+    else
+        grid_.RowsLeftOut = true;
 }
 
 void Walk::closeOpenRows(OpenRows& open, KeyLookup& lookup) {
@@ -272,7 +312,10 @@ void Walk::closeOpenRows(OpenRows& open, KeyLookup& lookup) {
             keyed_->Delete();
         },
         [&](const RowView& row1, const RowView& row2) { addPair(row1, row2); },
-        [&](qint32 count) { result_.Differences += count; });
+        [&](qint32 count) {
+            result_.Differences += count;
+            grid_.RowsLeftOut = grid_.RowsLeftOut || run_.ShowDifferences;
+        });
 }
 
 void Walk::finish() {
@@ -285,26 +328,48 @@ void Walk::finish() {
     grid_.lblStats[3] = formatCount(records1);
     grid_.lblStats[4] = formatCount(records2);
     grid_.lblStats[5] = formatCount(result_.Differences);
-    result_.Outcome = DataOutcome::Different;
-
     RecordsetCursor sourceRows(source()), targetRows(target());
     RowCursor& targetLeft = keyed_ ? static_cast<RowCursor&>(*keyed_) : targetRows;
-    if (run_.Method == CompMethod::PrimaryKey && records2 - matched_ > 0) {
-        if (run_.ShowDifferences)
+    const bool byKey = run_.Method == CompMethod::PrimaryKey;
+    const qint32 targetRest = byKey ? records2 - matched_ : 0;
+    if (run_.ShowDifferences) {
+        if (targetRest > 0)
             grid_.AddMultipleRecordsToGrid(status_, targetLeft, difference_color::TargetOnly, 1,
-                                           records2 - matched_);
-        return;
-    }
-    if (records1 != records2) {
-        if (!run_.ShowDifferences) return;
-        if (records1 <= records2)
+                                           targetRest);
+        else if (records1 < records2)
             grid_.AddMultipleRecordsToGrid(status_, targetLeft, difference_color::TargetOnly,
                                            minRecords_ + 1, records2);
-        else
+        else if (records1 > records2)
             grid_.AddMultipleRecordsToGrid(status_, sourceRows, difference_color::SourceOnly,
                                            minRecords_ + 1, records1);
     }
-    if (result_.Differences < 1) result_.Outcome = DataOutcome::Identical;
+    // Offsets belong to the comparison by record: they leave out what lies before them. By key
+    // every record counts.
+    const bool differs =
+        result_.Differences > 0 || targetRest > 0 || (byKey && records1 != records2);
+    if (!differs) checkNothingIsLeft();
+    result_.Outcome = differs ? DataOutcome::Different : DataOutcome::Identical;
+}
+
+void Walk::checkNothingIsLeft() {
+    if (minRecords_ == 0)
+        throw DbError(NoCurrentRecord,
+                      QStringLiteral("No record was compared: the offsets lie behind "
+                                     "the end of the tables."));
+    // The walk ended on the last pair.
+    if (keyed_)
+        keyed_->MoveFirst();
+    else
+        target().MoveNext();
+    source().MoveNext();
+    const bool left[] = {!source().isEof(), keyed_ ? !keyed_->isEof() : !target().isEof()};
+    for (size_t side = 0; side < 2; ++side)
+        if (left[side])
+            throw DbError(
+                ado_error::Unspecified,
+                QStringLiteral("Table %1 has more records than were counted: it was changed "
+                               "during the comparison. Compare again.")
+                    .arg(run_.Tables[side].Table));
 }
 
 }  // namespace
@@ -324,35 +389,47 @@ QString ColTypeArrayToString(const QStringList& Columns) {
     QString joined;
     for (const QString& column : Columns) {
         if (!joined.isEmpty()) joined += u',';
-        QString name = column;
-        joined += u'[' + name.replace(u']', QLatin1StringView("]]")) + u']';
+        joined += quoteName(column);
     }
     return joined;
 }
 
 QString QualifiedTableName(const CompareDataTable& Table) {
-    if (Table.ObjectId > 0 && Table.Table.contains(u'.') &&
+    ObjectRef object = Table.object();
+    if (object.schema.isEmpty() && object.id > 0 &&
         GetMajorVersion(Table.Server.Version) >= FirstVersionWithSchemas) {
-        QString schema;
-        if (Db_GetObjSchemaById(Table.Server, ObjectType::Table, Table.Db, Table.ObjectId, schema) &&
-            !schema.isEmpty() && Table.Table.startsWith(schema + u'.'))
-            return AddSquareBrackets(schema) + u'.' +
-                   AddSquareBrackets(Table.Table.mid(schema.size() + 1));
+        if (!Db_GetObjSchemaById(Table.Server, ObjectType::Table, Table.Db, object.id,
+                                 object.schema))
+            object.schema.clear();
+        // A list that held two of this name has put the schema in front.
+        if (Table.BareName.isEmpty() && !object.schema.isEmpty() &&
+            object.name.startsWith(object.schema + u'.'))
+            object.name.remove(0, object.schema.size() + 1);
+        return quotedName(object.schema, object.name);
     }
-    return GetExtendedObjectName(Table.Server, Table.Db, Table.Table, ObjectType::Table,
-                                 Table.ObjectId);
+    const ScopedValue<bool> extended(globals().gblnExtendedNames, true);
+    return GetExtendedObjectName(Table.Server, Table.Db, object);
+}
+
+std::vector<ColumnRecord> ColumnsOfTable(const CompareDataTable& Table, bool WithoutIgnored) {
+    TableStructure structure;
+    RunAccount asked;
+    {
+        const KeepAccount keep(asked);
+        GetTableStructure(Table.Server, Table.Db, Table.Table, DoubleSingleQuotes(Table.name()),
+                          structure, WithoutIgnored, IgnoreMode::DataComparison, Table.ObjectId,
+                          {});
+    }
+    // Rows may be read by who isn't shown the texts of defaults and seeds: what failed counts here,
+    // not what was kept back.
+    for (const AccountEntry& entry : asked.entries())
+        if (entry.number != 0) addToAccount(entry);
+    return std::move(structure.columns);
 }
 
 QStringList ComparedColumns(const CompareDataTable& Table) {
     QStringList columns;
-    // Without an id the table is sought by its name, which lists may show behind its schema.
-    for (const QString& name : {Table.Table, partBehindLastDot(Table.Table)}) {
-        TableStructure structure;
-        GetTableStructure(Table.Server, Table.Db, Table.Table, DoubleSingleQuotes(name), structure,
-                          true, IgnoreMode::DataComparison, Table.ObjectId, {});
-        for (const ColumnRecord& column : structure.columns) columns += column.strName;
-        if (!columns.isEmpty()) break;
-    }
+    for (const ColumnRecord& column : ColumnsOfTable(Table, true)) columns += column.strName;
     return columns;
 }
 

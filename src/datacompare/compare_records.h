@@ -3,6 +3,7 @@
 
 #include "data/recordset.h"
 #include "datacompare/modCompareData.h"
+#include "scripting/mdlQueryCode.h"
 
 namespace zov {
 
@@ -18,11 +19,13 @@ void CompareRecords(frmCompareStatus& Status, frmCompareData& Grid, const DataCo
 /// Place from 0 of the field of this very name (letter case counts); 0 when there is none.
 int GetFieldOrdinal(const Recordset& Rs, const QString& Name);
 
-/// The table as statements name it. Its own schema, where lists show that in front of the name, is
-/// taken as such.
+/// The table as statements name it: its schema and name, each quoted. A schema that isn't known is
+/// asked for by the table's id, else by its name.
 QString QualifiedTableName(const CompareDataTable& Table);
-/// A table's columns in their order, without those ignored in data comparisons; empty when the
-/// catalogue can't tell.
+/// A table's columns in their order; empty when the catalogue can't tell, which goes into the
+/// account of the run.
+std::vector<ColumnRecord> ColumnsOfTable(const CompareDataTable& Table, bool WithoutIgnored);
+/// The names of those that are left without the ones ignored in data comparisons.
 QStringList ComparedColumns(const CompareDataTable& Table);
 /// "[A],[B]"
 QString ColTypeArrayToString(const QStringList& Columns);

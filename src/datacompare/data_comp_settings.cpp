@@ -2,9 +2,11 @@
 
 #include "core/globals.h"
 #include "core/modIgnoreColumns.h"
+#include "core/run_account.h"
 #include "util/atomic_file.h"
 #include "util/cInifile.h"
 #include "util/ini_document.h"
+#include "util/numbered_error.h"
 
 namespace zov {
 namespace {
@@ -34,7 +36,10 @@ bool isKeyField(const QString& key) {
 TableCompSettings ReadTableCompSettings(bool IsSource, const QString& Db, const QString& Table) {
     // The file is read once: a bulk run asks for each of its tables.
     QByteArray bytes;
-    readWholeFile(globals().gstrTablesCompsIni, bytes);
+    const QString failure = readWholeFile(globals().gstrTablesCompsIni, bytes);
+    if (!failure.isEmpty())
+        addToAccount(
+            {{}, QStringLiteral("reading the tables' settings"), failure, run_error::FileAccess});
     const IniDocument document(decodeText(bytes).text);
     const QString section = sectionOf(IsSource, Db, Table);
     const auto text = [&](const char* key) {

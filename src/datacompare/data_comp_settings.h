@@ -44,7 +44,7 @@ struct DataCompSettings {
 };
 
 /// What is stored for a table of the Source or the Target server: empty keys, offset 0 and method 0
-/// when nothing is, or when the file can't be read.
+/// when nothing is, or when the file can't be read (which goes into the account of the run).
 TableCompSettings ReadTableCompSettings(bool IsSource, const QString& Db, const QString& Table);
 
 /// Both tables' settings; the method is the Target's. `DefaultOrder` stays false.

@@ -3,6 +3,7 @@
 #include "core/error_report.h"
 #include "core/globals.h"
 #include "core/modIgnoreColumns.h"
+#include "core/run_account.h"
 #include "data/base/field_text.h"
 #include "datacompare/compare_records.h"
 #include "datacompare/frmCompareStatus.h"
@@ -47,8 +48,8 @@ QString frmCompareData::plainText() const {
     return text;
 }
 
-void frmCompareData::InitDifferencesGrid(const CompareDataPair& Tables,
-                                         const Recordset& SourceRows) {
+void frmCompareData::InitDifferencesGrid(const CompareDataPair& Tables, const Recordset& SourceRows,
+                                         const Recordset& TargetRows) {
     for (size_t side = 0; side < 2; ++side) {
         const CompareDataTable& table = Tables[side];
         ServerName[side] = table.Server.Name;
@@ -73,15 +74,22 @@ void frmCompareData::InitDifferencesGrid(const CompareDataPair& Tables,
     for (int i = 0; i < int(columns.size()); ++i) {
         VSFlexGrid1.setTextMatrix(0, i + 1, columns[i]);
         VSFlexGrid1.setColWidth(i + 1, ResultGrid::DataColumnWidth);
+        const auto isNumber = [i](const Recordset& rows) {
+            return i >= rows.fieldCount() || isNumericType(rows.field(i).info().type);
+        };
+        VSFlexGrid1.setNumberColumn(i + 1, isNumber(SourceRows) && isNumber(TargetRows));
     }
 }
 
 void frmCompareData::AddRecordToGrid(const RowView& Record, quint32 Colour, qint32 RowNumber) {
     const int fields = Record.fieldCount();
+    if (RowNumber < VSFlexGrid1.Rows()) RowsLeftOut = true;
     VSFlexGrid1.setRows(RowNumber + 1);
     readRow(rowTexts_[0], RowNumber, Record, fields);
     VSFlexGrid1.setRowTexts(RowNumber, rowTexts_[0]);
     VSFlexGrid1.setBackColor(RowNumber, 0, RowNumber, fields, Colour);
+    // The row may have been half of a pair.
+    VSFlexGrid1.setForeColor(RowNumber, 0, RowNumber, fields, GridCells::DefaultForeColor);
 }
 
 void frmCompareData::AddRecordToGrid_MarkDiff(const RowView& Record1, const RowView& Record2,
@@ -106,6 +114,7 @@ void frmCompareData::AddRecordToGrid_MarkDiff(const RowView& Record1, const RowV
         VSFlexGrid1.setBackColor(row + 1, 0, row + 1, fields, Colour2);
     } catch (...) {
         tellError(QStringLiteral("Function AddRecordToGrid_MarkDiff"));
+        addCaughtErrorToAccount({}, QStringLiteral("showing a pair"), true);
     }
 }
 
@@ -114,8 +123,11 @@ void frmCompareData::AddMultipleRecordsToGrid(frmCompareStatus& Status, RowCurso
     try {
         const qint32 first = VSFlexGrid1.Rows();
         qint64 wanted = qint64(first) + EndRec - StartRec + 1;
-        if (wanted > globals().glngMaxRowsInDiffTable)
+        if (wanted > globals().glngMaxRowsInDiffTable) {
+            // As many rows as there are different records fill the grid to the last one.
+            RowsLeftOut = RowsLeftOut || wanted > qint64(globals().glngMaxRowsInDiffTable) + 1;
             wanted = qint64(globals().glngMaxRowsInDiffTable) + 1;
+        }
         VSFlexGrid1.setRows(int(wanted));
         const qint32 steps = std::max(EndRec - StartRec, 1);
         int fields = 0;
@@ -135,6 +147,8 @@ void frmCompareData::AddMultipleRecordsToGrid(frmCompareStatus& Status, RowCurso
         if (last >= first) VSFlexGrid1.setBackColor(first, 0, last, fields, Colour);
     } catch (...) {
         tellError(QStringLiteral("Sub AddMultipleRecordsToGrid"));
+        // The comparison has not seen all rows.
+        addCaughtErrorToAccount({}, QStringLiteral("showing records"), true);
     }
 }
 

@@ -36,7 +36,8 @@ class frmCompareData : public Screen {
     /// Labels, caption and the grid's headers, which are the Source table's columns without the
     /// ignored ones, or the names in its rows where the catalogue knows none. The grid has no data
     /// rows then.
-    void InitDifferencesGrid(const CompareDataPair& Tables, const Recordset& SourceRows);
+    void InitDifferencesGrid(const CompareDataPair& Tables, const Recordset& SourceRows,
+                             const Recordset& TargetRows);
     /// Cuts or extends the grid to `RowNumber` data rows and writes the record into the last
     /// of them. What the grid held there is written over, and behind it cut off: the number of
     /// differences is taken for a row, though each pair has taken two.
@@ -68,6 +69,9 @@ class frmCompareData : public Screen {
                            QStringLiteral("Number of different records:")};
     QString lblMaxRows;
     bool lblMaxRowsVisible = false;
+    /// Some of the different records stand in no row of the grid, whatever lblMaxRows says.
+    bool RowsLeftOut = false;
+    static const QString RowsLeftOutNote;
     bool BrokenOff = false;  ///< by an error: there may be more differences
     static const QString lblColorDesc[5];  ///< the legend
     bool cmdSaveEnabled = false;

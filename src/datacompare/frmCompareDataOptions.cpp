@@ -119,7 +119,7 @@ void frmCompareDataOptions::loadColumns(int side) {
     TableStructure structure;
     QString reason;
     try {
-        GetTableStructure(table.Server, table.Db, table.Table, DoubleSingleQuotes(table.Table),
+        GetTableStructure(table.Server, table.Db, table.Table, DoubleSingleQuotes(table.name()),
                           structure, false, IgnoreMode::DataComparison, table.ObjectId, {});
     } catch (...) {
         const CaughtError error = caughtError();
@@ -129,8 +129,11 @@ void frmCompareDataOptions::loadColumns(int side) {
     if (structure.columns.empty())
         tell(QStringLiteral("Error occured while attempting to load structure of table.") + reason);
     QStringList ignored;
+    QString failure;
     GetIgnoredColumnsList(IgnoreMode::DataComparison,
-                          GetObjectKeyName(table.Server.Name, table.Db, table.Table), ignored);
+                          GetObjectKeyName(table.Server.Name, table.Db, table.Table), ignored,
+                          &failure);
+    if (!failure.isEmpty()) tell(QStringLiteral("The ignored columns can't be read. ") + failure);
     for (const ColumnRecord& record : structure.columns) {
         // "[Id] [int] NOT NULL CONSTRAINT [DF_Id] DEFAULT ((0))": the middle is the type.
         QString definition = record.strLine.mid(record.strName.size() + 3);
@@ -350,9 +353,10 @@ bool frmCompareDataOptions::storeIgnoredColumns() {
     if (!ValidateIgnoredSelection(check)) return false;
     for (const int side : {SourcePanel, TargetPanel}) {
         const CompareDataTable& table = pair_[size_t(side)];
-        SaveIgnoredColumnsList(IgnoreMode::DataComparison,
-                               GetObjectKeyName(table.Server.Name, table.Db, table.Table),
-                               check.ignored[side]);
+        if (!SaveIgnoredColumnsList(IgnoreMode::DataComparison,
+                                    GetObjectKeyName(table.Server.Name, table.Db, table.Table),
+                                    check.ignored[side]))
+            return false;
     }
     return true;
 }
@@ -431,6 +435,10 @@ void frmCompareDataOptions::ValidateFieldsSelection(int Index) {
     request.ServerIndex = Index;
     request.Db = table.Db;
     request.Table = table.Table;
+    request.BareName = table.name();
+    // The login's own schema is found by the name alone.
+    if (table.HasNamesakes || table.Schema.compare(QStringLiteral("dbo"), Qt::CaseInsensitive) != 0)
+        request.Schema = table.Schema;
     {
         const WaitPointer wait;
         const ScopedValue<bool> ownStop(globals().gblnStop, false);

@@ -2,6 +2,7 @@
 // ignored columns. Checks the choice, stores it, hands it back. Enter at ShowUp.
 #pragma once
 
+#include "catalog/object_ref.h"
 #include "core/server_info.h"
 #include "datacompare/data_comp_settings.h"
 #include "shell/screen.h"
@@ -17,9 +18,22 @@ namespace zov {
 struct CompareDataTable {
     ServerInfo Server;
     QString Db;
-    QString Table;        ///< as the lists show it
+    QString Table;        ///< as the lists show it, and its settings are stored
     qint32 ObjectId = 0;  ///< 0 when unknown
+    QString Schema = {};  ///< empty: not known
+    QString BareName = {};      ///< as the catalogue has it; empty: `Table` is that
+    bool HasNamesakes = false;  ///< other objects of the database may have this name
+
+    const QString& name() const { return BareName.isEmpty() ? Table : BareName; }
+    ObjectRef object() const {
+        return {Schema, name(), ObjectType::Table, ObjectId, HasNamesakes, Table};
+    }
 };
+inline CompareDataTable TableOf(const ServerInfo& server, const QString& database,
+                                const ObjectRef& table) {
+    return {server,       database,   table.shownName,   table.id,
+            table.schema, table.name, table.hasNamesakes};
+}
 /// Source and Target.
 using CompareDataPair = std::array<CompareDataTable, 2>;
 

@@ -3,9 +3,12 @@
 #include "core/error_report.h"
 #include "core/globals.h"
 #include "data/mdlData.h"
+#include "data/sql_names.h"
 #include "datacompare/data_comp_settings.h"
 #include "shell/shell.h"
 #include "util/text.h"
+
+#include <algorithm>
 
 namespace zov {
 namespace {
@@ -16,6 +19,22 @@ const QString Advice = QStringLiteral(
     "Please select different fields if possible, or change comparison method to 'Record by record' "
     "(although the 'Primary Key/Index' comparison method is preferred because it is usually "
     "faster).");
+
+/// A value of a key as statements hold it.
+QString literalOf(const Field& field, const QString& value) {
+    if (storageOf(field.info()) == Storage::Bytes) return value;
+    QString text = value;
+    text.replace(u'\'', QLatin1StringView("''"));
+    const bool plain =
+        std::all_of(text.begin(), text.end(), [](QChar letter) { return letter.unicode() < 0x80; });
+    return (plain ? QStringLiteral("'") : QStringLiteral("N'")) + text + u'\'';
+}
+
+QStringList keyOf(const Recordset& rs) {
+    QStringList values;
+    for (int key = 0; key < rs.fieldCount(); ++key) values += rs.field(key).text();
+    return values;
+}
 
 }  // namespace
 
@@ -113,15 +132,11 @@ void frmCompareDataValidation::ValidateFields() {
          false);
 }
 
-// The check brackets the name as it is listed, which finds a table of the default schema only; any
-// other is named in full.
+// The check puts its own brackets around the name.
 QString frmCompareDataValidation::tableForNullCheck() const {
-    const QString& qualified = request_.QualifiedTable;
-    if (!qualified.startsWith(u'[') || !qualified.endsWith(u']')) return request_.Table;
-    const bool otherSchema = qualified.contains(QStringLiteral("].[")) &&
-                             !qualified.startsWith(QStringLiteral("[dbo]."), Qt::CaseInsensitive);
-    return otherSchema || request_.Table.contains(u'.') ? qualified.mid(1, qualified.size() - 2)
-                                                        : request_.Table;
+    const QString quoted = quotedName(
+        request_.Schema, request_.BareName.isEmpty() ? request_.Table : request_.BareName);
+    return quoted.mid(1, quoted.size() - 2);
 }
 
 frmCompareDataValidation::NullCheck frmCompareDataValidation::CheckForNulls() {
@@ -146,7 +161,7 @@ frmCompareDataValidation::NullCheck frmCompareDataValidation::CheckForNulls() {
 QString frmCompareDataValidation::BuildColumnNamesString(bool UseBrackets, int& Count) const {
     QStringList names;
     for (const QString& key : request_.Keys)
-        if (isKeyField(key)) names += UseBrackets ? u'[' + key + u']' : key;
+        if (isKeyField(key)) names += UseBrackets ? quoteName(key) : key;
     Count = int(names.size());
     return names.join(QStringLiteral(", "));
 }
@@ -174,14 +189,14 @@ frmCompareDataValidation::DuplicateCheck frmCompareDataValidation::CheckForDupli
             check.Ok = false;
             return check;
         }
-        check = walkKeys(connection, names, keyCount);
+        check = walkKeys(connection, names);
         connection->Close();
         return check;
     });
 }
 
 frmCompareDataValidation::DuplicateCheck frmCompareDataValidation::walkKeys(
-    const std::shared_ptr<Connection>& connection, const QString& names, int keyCount) {
+    const std::shared_ptr<Connection>& connection, const QString& names) {
     DuplicateCheck check;
     std::unique_ptr<Recordset> rs;
     {
@@ -191,9 +206,10 @@ frmCompareDataValidation::DuplicateCheck frmCompareDataValidation::walkKeys(
                                          QStringLiteral("SELECT ") + names +
                                              QStringLiteral(" FROM ") + request_.QualifiedTable,
                                          rs) != -1 &&
-                   rs;
+                   rs && rs->isOpen();
     }
     if (!check.Ok || cancelled()) return check;
+    keysRead_.clear();
     rs->MoveFirst();
     for (qint32 i = 1; i <= request_.RecordsCount && !rs->isEof(); ++i, rs->MoveNext()) {
         lblCurRec = formatCount(i);
@@ -202,9 +218,8 @@ frmCompareDataValidation::DuplicateCheck frmCompareDataValidation::walkKeys(
         refresh();
         shell().pumpEvents();
         if (cancelled()) break;
-        QStringList values;
-        for (int key = 0; key < keyCount; ++key) values += rs->field(key).text();
-        if (!AreFieldsDuplicated(check.Found, connection, values)) {
+        const QStringList values = keyOf(*rs);
+        if (!AreFieldsDuplicated(check.Found, connection, *rs, values)) {
             if (!cancelled())
                 tell(
                     QStringLiteral("Database connection problem; cannot determine if the fields "
@@ -223,20 +238,33 @@ frmCompareDataValidation::DuplicateCheck frmCompareDataValidation::walkKeys(
 
 bool frmCompareDataValidation::AreFieldsDuplicated(bool& Duplicated,
                                                    const std::shared_ptr<Connection>& Connection,
-                                                   const QStringList& Values) {
+                                                   Recordset& Rs, const QStringList& Values) {
     QString text = QStringLiteral("SELECT COUNT(*) AS RecsCount FROM ") + request_.QualifiedTable;
     int value = 0;
     for (const QString& key : request_.Keys)
         if (isKeyField(key)) {
-            text += value == 0 ? QStringLiteral(" WHERE [") : QStringLiteral(" AND [");
-            text += key + QStringLiteral("] = '") + Values[value++] + u'\'';
+            text += value == 0 ? QStringLiteral(" WHERE ") : QStringLiteral(" AND ");
+            text +=
+                quoteName(key) + QStringLiteral(" = ") + literalOf(Rs.field(value), Values[value]);
+            ++value;
         }
     std::unique_ptr<Recordset> rs;
     if (GetAdoRS_OnConnection(Connection, adCmdText, text, rs) == -1 || !rs || rs->isEof())
         return false;
-    Duplicated = rs->field(QStringLiteral("RecsCount")).toInt64() > 1;
+    const qint64 count = rs->field(QStringLiteral("RecsCount")).toInt64();
     rs->Close();
+    // A server that doesn't find the very row that the key was read from (a variant that holds no
+    // text, a number that its text doesn't hold whole) can't tell: the rows themselves do.
+    Duplicated = count > 1 || (count < 1 && comesTwiceAmongRows(Rs, Values));
     return true;
+}
+
+bool frmCompareDataValidation::comesTwiceAmongRows(Recordset& Rs, const QStringList& Values) {
+    if (keysRead_.isEmpty()) {
+        Recordset rows = Rs.Clone();
+        for (rows.MoveFirst(); !rows.isEof(); rows.MoveNext()) ++keysRead_[keyOf(rows)];
+    }
+    return keysRead_.value(Values) > 1;
 }
 
 }  // namespace zov

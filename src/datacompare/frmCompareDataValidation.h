@@ -4,9 +4,11 @@
 
 #include "core/server_info.h"
 #include "data/connection.h"
+#include "data/recordset.h"
 #include "shell/screen.h"
 
 #include <QElapsedTimer>
+#include <QHash>
 #include <QStringList>
 
 #include <memory>
@@ -24,6 +26,8 @@ class frmCompareDataValidation : public Screen {
         QString Db;
         QString Table;           ///< as listed
         QString QualifiedTable;  ///< as statements name it
+        QString BareName;        ///< as the catalogue has it; empty: `Table` is that
+        QString Schema;          ///< where the bare name alone doesn't find the table
         qint32 RecordsCount = 0;
         QString Keys[3];     ///< empty or "No Field": not used
         QString KeyDefs[3];  ///< the columns' definitions, "[int] IDENTITY(1,1) NOT NULL"
@@ -62,10 +66,11 @@ class frmCompareDataValidation : public Screen {
     void ValidateFields();
     NullCheck CheckForNulls();
     DuplicateCheck CheckForDuplications();
-    DuplicateCheck walkKeys(const std::shared_ptr<Connection>& connection, const QString& names,
-                            int keyCount);
+    DuplicateCheck walkKeys(const std::shared_ptr<Connection>& connection, const QString& names);
+    /// Whether the current row's key comes more than once. False: the server could not say.
     bool AreFieldsDuplicated(bool& Duplicated, const std::shared_ptr<Connection>& Connection,
-                             const QStringList& Values);
+                             Recordset& Rs, const QStringList& Values);
+    bool comesTwiceAmongRows(Recordset& Rs, const QStringList& Values);
     /// The used keys' names joined with ", "; `Count` is their number.
     QString BuildColumnNamesString(bool UseBrackets, int& Count) const;
     QString tableForNullCheck() const;
@@ -75,6 +80,7 @@ class frmCompareDataValidation : public Screen {
     Request request_;
     ServerInfo server_;
     QElapsedTimer elapsed_;
+    QHash<QStringList, int> keysRead_;  ///< how often each comes among the rows; once it is needed
     bool activated_ = false;
     bool running_ = false;
 };

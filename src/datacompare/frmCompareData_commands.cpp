@@ -14,12 +14,18 @@ ExportSource ExportSourceOf(const frmCompareData& form) {
     for (int i = 0; i < 6; ++i) source.lblStats[i] = form.lblStats[i];
     // What the file doesn't show: rows beyond the grid's limit, ignored columns.
     QStringList notes;
-    if (form.lblMaxRowsVisible) notes += form.lblMaxRows;
+    if (form.lblMaxRowsVisible)
+        notes += form.lblMaxRows;
+    else if (form.RowsLeftOut)
+        notes += frmCompareData::RowsLeftOutNote;
     if (form.IgnoredCount > 0) notes += form.IgnoredText;
     source.heldBackCount = qint32(notes.size());
     source.heldBackNote = notes.join(u'\n');
     return source;
 }
+
+const QString frmCompareData::RowsLeftOutNote =
+    QStringLiteral("Not all different records are shown");
 
 const QString frmCompareData::lblColorDesc[5] = {
     QStringLiteral("Data in Source Table"), QStringLiteral("Data in Target Table"),

@@ -11,6 +11,7 @@ namespace {
 
 constexpr int RecordsPerLook = 8;
 constexpr auto DisplayInterval = std::chrono::milliseconds(16);
+const QString NotKnown = QStringLiteral("N/A");
 
 }  // namespace
 
@@ -50,10 +51,12 @@ void frmCompareStatus::Form_Activate() {
         const auto count = [&](size_t side, qint32& records, QString& label) {
             const CompareDataTable& table = run_.Tables[side];
             records = GetNumberOfRecordsInTable(table.Server, qualified[side], table.Db);
-            label = formatCount(records);
+            const bool counted = records >= 0;
+            label = counted ? formatCount(records) : NotKnown;
+            if (!counted) records = 0;
             refresh();
             shell().pumpEvents();
-            return !globals().gblnStop;
+            return counted && !globals().gblnStop;
         };
         if (count(SourcePanel, result_.Records1, lblRecsCount1)) {
             ShowHideControls(2);
@@ -74,14 +77,13 @@ void frmCompareStatus::cmdStop_Click() {
 
 void frmCompareStatus::ShowHideControls(int Mode) {
     const QString counting = QStringLiteral("Counting...");
-    const QString notYet = QStringLiteral("N/A");
     switch (Mode) {
         case 1:
             lblTimeVisible = ProgressBarVisible = false;
             lblStatusVisible = true;
             lblStatus = QStringLiteral("Counting records in first table...");
             lblRecsCount1 = counting;
-            lblRecsCount2 = lblCurRec = notYet;
+            lblRecsCount2 = lblCurRec = NotKnown;
             break;
         case 2:
             lblStatus = QStringLiteral("Counting records in second table...");

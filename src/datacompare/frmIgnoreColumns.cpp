@@ -68,7 +68,14 @@ bool frmIgnoreColumnsAdd::load(const ServerInfo& server, const QString& db, cons
         return false;
     }
     QStringList ignored;
-    GetIgnoredColumnsList(mode_, key_, ignored);
+    QString failure;
+    GetIgnoredColumnsList(mode_, key_, ignored, &failure);
+    if (!failure.isEmpty()) {
+        // Shown without its marks, the list would be stored without them.
+        shell().messageBox(QStringLiteral("The ignored columns can't be read. ") + failure, Caption,
+                           BoxIcon::Exclamation);
+        return false;
+    }
     pvlSqlObj.clear();
     for (const ColumnRecord& column : structure.columns)
         pvlSqlObj.push_back({column.strName, !ignored.contains(column.strName)});
@@ -89,7 +96,7 @@ void frmIgnoreColumnsAdd::cmdOK() {
             QStringLiteral("Please select at least one column or click Cancel button."));
         return;
     }
-    SaveIgnoredColumnsList(mode_, key_, ignored);
+    if (!SaveIgnoredColumnsList(mode_, key_, ignored)) return;
     ignored_ = qint32(ignored.size());
     changed_ = true;
     close();

@@ -3,6 +3,8 @@
 #include "core/globals.h"
 #include "core/mdlMain.h"
 #include "core/modIgnoreColumns.h"
+#include "core/run_account.h"
+#include "data/sql_names.h"
 #include "datacompare/frmCompareData.h"
 #include "datacompare/frmCompareStatus.h"
 #include "shell/shell.h"
@@ -10,6 +12,9 @@
 
 namespace zov {
 namespace {
+
+constexpr int MostSentences = 5;
+const QString BrokenOff = QStringLiteral("The comparison was broken off by an error.");
 
 /// What of two tables' columns the comparison leaves out.
 struct IgnoredColumns {
@@ -74,6 +79,24 @@ void showDifferences(const DataComparisonRun& run, DataComparisonResult& result,
     grid.ShowUp(run, ignored.count, ignored.text, screens);
 }
 
+/// What could not be asked or read takes the verdict away, and is told where nobody has told it
+/// yet.
+void settleAccount(const RunAccount& account, DataComparisonResult& result) {
+    if (result.Outcome == DataOutcome::Cancelled || account.isWhole()) return;
+    QStringList untold;
+    result.Refused = true;
+    for (const AccountEntry& entry : account.entries()) {
+        result.Refused = result.Refused && entry.refused;
+        if (!entry.told && !untold.contains(entry.sentence())) untold += entry.sentence();
+    }
+    if (!untold.isEmpty())
+        shell().messageBox(QStringLiteral("Not everything that the comparison rests on could be "
+                                          "read:\r\n") +
+                               untold.mid(0, MostSentences).join(CRLF),
+                           {}, BoxIcon::Exclamation);
+    result.Outcome = DataOutcome::Failed;
+}
+
 }  // namespace
 
 void DataComparisonScreens::showStatus(frmCompareStatus& screen) { shell().showModal(screen); }
@@ -107,7 +130,18 @@ DataComparisonResult PerformDataComparison(const CompareDataPair& Tables, bool& 
         frmCompareDataOptions options;
         if (!options.ShowUp(Tables, settings)) return {};
     } else {
-        settings = ReadDataCompSettings(Tables[0].Db, Tables[1].Db, Tables[0].Table, Tables[1].Table);
+        RunAccount account;
+        {
+            const KeepAccount keep(account);
+            settings =
+                ReadDataCompSettings(Tables[0].Db, Tables[1].Db, Tables[0].Table, Tables[1].Table);
+        }
+        // By other settings it would be another comparison.
+        if (DataComparisonResult failed; !account.isWhole()) {
+            settleAccount(account, failed);
+            failed.Report = BrokenOff;
+            return failed;
+        }
     }
     DataComparisonRun run = DataComparisonRunOf(Tables, settings);
     run.Quiet = Quiet;
@@ -119,16 +153,24 @@ DataComparisonResult ExecuteDataComparison(const DataComparisonRun& Run,
                                            DataComparisonScreens* Screens) {
     DataComparisonScreens shellScreens;
     DataComparisonScreens& screens = Screens ? *Screens : shellScreens;
-    const IgnoredColumns ignored = ignoredIn(Run.Tables);
-    const QString ignoredLine = ignored.text.isEmpty() ? QString() : CRLF + ignored.text;
     // A Stop that belonged to something else doesn't stop this run; within a bulk run it does.
     if (!Run.Quiet) globals().gblnStop = false;
 
     frmCompareData grid;
     DataComparisonResult result;
+    IgnoredColumns ignored;
+    RunAccount account;
     {
+        const KeepAccount keep(account);
+        ignored = ignoredIn(Run.Tables);
         frmCompareStatus status(Run, grid);
         result = status.ShowUp(screens);
+    }
+    settleAccount(account, result);
+    QString notes = ignored.text.isEmpty() ? QString() : CRLF + ignored.text;
+    if (const QString offsets = OffsetsNote(Run); !offsets.isEmpty()) {
+        notes += CRLF + offsets;
+        result.Note = QStringLiteral(" (c") + offsets.mid(1).chopped(1) + u')';
     }
     switch (result.Outcome) {
         case DataOutcome::NotRun:
@@ -137,18 +179,18 @@ DataComparisonResult ExecuteDataComparison(const DataComparisonRun& Run,
             globals().gblnStop = false;
             break;
         case DataOutcome::Identical:
-            result.Report = QStringLiteral("Data stored in both tables is identical.") + ignoredLine;
+            result.Report = QStringLiteral("Data stored in both tables is identical.") + notes;
             break;
         case DataOutcome::Failed:
             // The error itself was told when it came.
-            result.Report = QStringLiteral("The comparison was broken off by an error.");
+            result.Report = BrokenOff;
             if (grid.VSFlexGrid1.Rows() > 1 && Run.ShowDifferences) {
                 showDifferences(Run, result, ignored, grid, screens);
                 return result;
             }
             break;
         case DataOutcome::Different:
-            result.Report = DifferenceCountsText(result) + ignoredLine;
+            result.Report = DifferenceCountsText(result) + notes;
             if (Run.ShowDifferences) {
                 showDifferences(Run, result, ignored, grid, screens);
                 return result;
@@ -159,17 +201,25 @@ DataComparisonResult ExecuteDataComparison(const DataComparisonRun& Run,
     return result;
 }
 
+QString OffsetsNote(const DataComparisonRun& Run) {
+    if (Run.Method == CompMethod::PrimaryKey) return {};
+    QStringList starts;
+    for (size_t side = 0; side < 2; ++side)
+        if (Run.Offset[side] > 1)
+            starts += QStringLiteral("record ") + formatCount(Run.Offset[side]) +
+                      (side == 0 ? QStringLiteral(" in Source") : QStringLiteral(" in Target"));
+    if (starts.isEmpty()) return {};
+    return QStringLiteral("Compared from ") + starts.join(QStringLiteral(" and ")) +
+           QStringLiteral(" on.");
+}
+
 QString BuildOrderByClause(const QString& Key1, const QString& Key2, const QString& Key3) {
-    const auto bracketed = [](const QString& key) {
-        QString name = key;
-        return u'[' + name.replace(u']', QLatin1StringView("]]")) + u']';
-    };
     const QString first = Trim(Key1), second = Trim(Key2), third = Trim(Key3);
     if (first.isEmpty()) return {};
-    QString clause = QStringLiteral(" ORDER BY ") + bracketed(first);
+    QString clause = QStringLiteral(" ORDER BY ") + quoteName(first);
     if (!second.isEmpty()) {
-        clause += QStringLiteral(", ") + bracketed(second);
-        if (!third.isEmpty()) clause += QStringLiteral(", ") + bracketed(third);
+        clause += QStringLiteral(", ") + quoteName(second);
+        if (!third.isEmpty()) clause += QStringLiteral(", ") + quoteName(third);
     }
     return clause + u' ';
 }

@@ -19,12 +19,17 @@ enum class DataOutcome {
     Cancelled,  ///< by Stop
     Identical,
     Different,
-    Failed,     ///< an error, which was told, kept it from its end; the counts are those up to there
+    /// An error, which was told, kept it from its end, or something that it rests on could not be
+    /// read; the counts are those up to there.
+    Failed,
 };
 
 struct DataComparisonResult {
     DataOutcome Outcome = DataOutcome::NotRun;
     qint32 Records1 = 0, Records2 = 0, Differences = 0;
+    /// Failed, since a server refused what was asked for these tables: others may be read.
+    bool Refused = false;
+    QString Note;    ///< beside an "identical" in a list: " (compared from record ...)", or empty
     QString Report;  ///< what a quiet run says, one to four lines parted by CRLF
     bool Identical() const { return Outcome == DataOutcome::Identical; }
 };
@@ -84,11 +89,15 @@ DataComparisonRun DataComparisonRunOf(const CompareDataPair& Tables,
 QString BuildOrderByClause(const QString& Key1, const QString& Key2, const QString& Key3);
 /// "Source - A,B Target - C"; a side without ignored columns is left out.
 QString IgnoredColumns_PutToString(const QStringList& Ignored1, const QStringList& Ignored2);
+/// "Compared from record 2 in Source on." where an offset leaves records out of a comparison by
+/// record; else empty.
+QString OffsetsNote(const DataComparisonRun& Run);
 /// "Number of records in first table: ..." and so on, in three lines parted by CRLF.
 QString DifferenceCountsText(const DataComparisonResult& Result);
 
-/// Rows of a table; 0 for an empty name, -1 when they can't be counted, which is told. Where the
-/// table's name needs its schema, it is put in front of `Table`.
+/// Rows of a table; 0 for an empty name, -1 when they can't be counted or are more than 32 bits
+/// hold, which is told. `Table` is quoted as statements name it, or a bare name; where that needs
+/// its schema, it is put in front of `Table`.
 qint32 GetNumberOfRecordsInTable(const ServerInfo& Server, QString& Table, const QString& Db);
 
 }  // namespace zov

@@ -2,8 +2,16 @@
 #include "catalog/modSchema.h"
 #include "core/error_report.h"
 #include "core/globals.h"
+#include "core/run_account.h"
+#include "data/sql_names.h"
 #include "datacompare/modCompareData.h"
 #include "shell/shell.h"
+#include "util/text.h"
+
+#include <QRegularExpression>
+
+#include <limits>
+#include <optional>
 
 namespace zov {
 namespace {
@@ -19,30 +27,52 @@ void rememberSchemaFindings(const ServerInfo& server) {
     }
 }
 
+/// "[name]" or "[schema].[name]", every "]" within doubled: made for a statement. Any other text is
+/// a name, whatever stands in it.
+bool isQuoted(const QString& text) {
+    static const QRegularExpression quoted(
+        QStringLiteral("\\A\\[(?:[^\\]]|\\]\\])+\\](?:\\.\\[(?:[^\\]]|\\]\\])+\\])?\\z"));
+    return quoted.match(text).hasMatch();
+}
+
 }  // namespace
 
 qint32 GetNumberOfRecordsInTable(const ServerInfo& Server, QString& Table, const QString& Db) {
     if (Table.isEmpty()) return 0;
     std::unique_ptr<Recordset> rs;
     AdoFailure failure;
-    const auto count = [&] {
+    RunAccount asked;
+    const auto count = [&](const QString& name) {
+        asked = {};
+        const KeepAccount keep(asked);
         const ScopedValue<bool> quiet(globals().gblnSuppressConnErrors, true);
         failure = {};
-        const QString name = AddSquareBrackets(Table);
         return GetAdoRS(Server, adCmdText,
                         QStringLiteral("SELECT COUNT(*) AS RecsCount FROM ") + name, rs, Db,
                         &failure) != -1;
     };
-    bool counted = count();
+    bool counted = count(isQuoted(Table) ? Table : quoteName(Table));
     if (!counted) {
         ServerInfo server = Server;
-        if (RetryWithSchema(server, Db, Table, ObjectType::Table, failure.ErrNumber)) counted = count();
+        if (RetryWithSchema(server, Db, Table, ObjectType::Table, failure.ErrNumber))
+            counted = count(Table);
         rememberSchemaFindings(server);
     }
+    for (const AccountEntry& entry : asked.entries()) addToAccount(entry);
     if (counted && rs && rs->isOpen() && !rs->isEof()) {
-        const qint64 rows = rs->field(QStringLiteral("RecsCount")).toInt64();
+        const Field field = rs->field(QStringLiteral("RecsCount"));
+        const std::optional<qint64> rows =
+            field.isNull() ? std::nullopt : std::optional(field.toInt64());
         rs->Close();
-        return qint32(rows);
+        // Rows are numbered with 32 bits all through a comparison.
+        if (rows && *rows > std::numeric_limits<qint32>::max()) {
+            shell().messageBox(
+                QStringLiteral("Table ") + Table + QStringLiteral(" holds ") + formatCount(*rows) +
+                    QStringLiteral(" records; at most 2,147,483,647 can be counted."),
+                {}, BoxIcon::Exclamation);
+            return NotRead;
+        }
+        if (rows) return qint32(*rows);
     }
     // Who gave up waiting needs no explanation.
     if (failure.ErrNumber == ado_error::Cancelled) return NotRead;

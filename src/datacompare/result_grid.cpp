@@ -226,6 +226,18 @@ void ResultGrid::setColWidth(int column, int twips) {
     noteChange();
 }
 
+void ResultGrid::setNumberColumn(int column, bool isNumber) {
+    if (column < 0 || column >= columns_) return;
+    numbers_.resize(size_t(columns_));
+    numbers_[size_t(stored(column))] = isNumber;
+}
+
+bool ResultGrid::isNumber(int row, int column) const {
+    if (row < 1 || column < 0 || column >= columns_) return false;
+    const size_t at = size_t(stored(column));
+    return column == 0 || (at < numbers_.size() && numbers_[at]);
+}
+
 void ResultGrid::setRedraw(bool on) {
     const bool wasOff = !redraw_;
     redraw_ = on;

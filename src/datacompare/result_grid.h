@@ -78,6 +78,9 @@ class ResultGrid : public GridCells {
     int colWidth(int column) const;
     void setColWidth(int column, int twips);
 
+    /// All data cells of the column are numbers.
+    void setNumberColumn(int column, bool isNumber);
+
     /// Off: `onChanged` is not called; it is called once when redrawing is switched on again.
     bool Redraw() const { return redraw_; }
     void setRedraw(bool on);
@@ -100,6 +103,7 @@ class ResultGrid : public GridCells {
     void appendText(int row, int column, QString& to) const override { to += textView(row, column); }
     quint32 backColor(int row, int column) const override;
     quint32 foreColor(int row, int column) const override;
+    bool isNumber(int row, int column) const override;
     quint32 alternateRowColor() const override { return alternateRowColor_; }
 
  private:
@@ -141,6 +145,7 @@ class ResultGrid : public GridCells {
     int columns_ = 1;
     std::vector<int> order_;   // shown column -> stored column; empty: as stored
     std::vector<int> widths_;  // by stored column
+    std::vector<bool> numbers_;  // by stored column; shorter: the rest has texts
     bool redraw_ = true;
     quint32 alternateRowColor_ = DefaultBackColor;
 

@@ -37,4 +37,9 @@ void TableRowsGrid::appendText(int row, int column, QString& to) const {
     }
 }
 
+bool TableRowsGrid::isNumber(int row, int column) const {
+    if (row < 1 || column < 0 || column > fieldCount_) return false;
+    return column == 0 || isNumericType(rows_->field(column - 1).info().type);
+}
+
 }  // namespace zov

@@ -28,6 +28,7 @@ class TableRowsGrid : public GridCells {
     int columnCount() const override { return int(columns_.size()) + 1; }
     QString text(int row, int column) const override;
     void appendText(int row, int column, QString& to) const override;
+    bool isNumber(int row, int column) const override;
     quint32 alternateRowColor() const override { return alternateRowColor_; }
 
  private:

@@ -3,6 +3,8 @@
 #include "util/atomic_file.h"
 #include "util/text.h"
 
+#include <QRegularExpression>
+
 namespace zov {
 namespace {
 
@@ -210,10 +212,37 @@ void byteOrderMark(ExportFile& file, bool ascii) {
     if (!ascii) file.raw("\xEF\xBB\xBF");
 }
 
-bool csvCell(ExportFile& file, QStringView text, bool wrap, bool last) {
-    if (wrap) file.raw("\"");
-    file.utf8(text);
-    if (wrap) file.raw("\"");
+/// How cells stand in one CSV file.
+struct CsvStyle {
+    bool wrap;
+    bool doubling;
+    bool safe;
+
+    CsvStyle(bool wrap, const ExportRun& run)
+        : wrap(wrap || run.safeForSpreadsheets),
+          doubling(run.safeForSpreadsheets || (wrap && run.doubleQuotationMarks)),
+          safe(run.safeForSpreadsheets) {}
+};
+
+/// Whether spreadsheets run a cell that begins so.
+bool startsFormula(QStringView text) {
+    return !text.isEmpty() && QStringView(u"=+-@\t\r").contains(text.front());
+}
+
+/// A report doesn't know its columns' types: what reads as a number is taken for one.
+bool readsAsNumber(const QString& text) {
+    static const QRegularExpression number(
+        QStringLiteral("\\A[+-]?[0-9]+(\\.[0-9]+)?([eE][+-]?[0-9]+)?\\z"));
+    return number.match(text).hasMatch();
+}
+
+bool csvCell(ExportFile& file, QString& text, bool isNumber, const CsvStyle& style, bool last) {
+    if (style.safe && !isNumber && startsFormula(trimmedView(text)))
+        text = u'\'' + trimmedView(text).toString();
+    if (style.doubling) text.replace(u'"', QLatin1StringView("\"\""));
+    if (style.wrap) file.raw("\"");
+    file.utf8(trimmedView(text));
+    if (style.wrap) file.raw("\"");
     if (last) return file.endLine();
     file.raw(",");
     return true;
@@ -312,15 +341,14 @@ ExportEnd writeGridCsv(const ExportSource& source, const QString& path, bool wra
     ExportFile file(path);
     if (!file.failure().isEmpty()) return failed(file, run);
     byteOrderMark(file, isAsciiGrid(grid));
-    const bool doubling = wrap && run.doubleQuotationMarks;
+    const CsvStyle style(wrap, run);
     QString text;
     for (int row = 0; row < rows; ++row) {
         if (row > 0 && !goOn(run, row, rows - 1)) return finish(file, run, ExportEnd::Stopped);
         bool written = true;
         for (int column = 0; column < columns; ++column) {
             readGridCell(grid, row, column, text);
-            if (doubling) text.replace(u'"', QLatin1StringView("\"\""));
-            written = csvCell(file, trimmedView(text), wrap, column == columns - 1);
+            written = csvCell(file, text, grid.isNumber(row, column), style, column == columns - 1);
         }
         if (!written) return failed(file, run);
     }
@@ -334,13 +362,16 @@ ExportEnd writeReportCsv(const ExportSource& source, const QString& path, bool w
     ExportFile file(path);
     if (!file.failure().isEmpty()) return failed(file, run);
     byteOrderMark(file, isAsciiReport(report));
+    const CsvStyle style(wrap, run);
     for (int row = 0; row < rows; ++row) {
         if (!goOn(run, row + 1, rows)) return finish(file, run, ExportEnd::Stopped);
         const bool picture = isPictureRow(report, row);
         bool written = true;
-        for (int column = 0; column < columns; ++column)
-            written = csvCell(file, reportCell(report, row, column, picture), wrap,
-                              column == columns - 1);
+        for (int column = 0; column < columns; ++column) {
+            QString text = reportCell(report, row, column, picture);
+            const bool number = style.safe && readsAsNumber(text);
+            written = csvCell(file, text, number, style, column == columns - 1);
+        }
         if (!written) return failed(file, run);
     }
     return finish(file, run, ExportEnd::Written);

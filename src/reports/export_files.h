@@ -41,6 +41,10 @@ struct ExportRun {
     std::function<bool(int row, int rows)> onRow;
     /// In wrapped CSV cells: each quotation mark is written twice, as CSV readers take it.
     bool doubleQuotationMarks = false;
+    /// CSV that a spreadsheet runs nothing of: texts that it would take for a formula get an
+    /// apostrophe in front, and all cells are wrapped with their quotation marks written twice.
+    /// Numbers stay numbers.
+    bool safeForSpreadsheets = false;
     int row = 0;      ///< reached
     QString failure;  ///< a sentence that names the file and the reason
 };

@@ -134,6 +134,7 @@ bool frmExport::write(const char* routine, const QString& path, bool& cancelled,
                       const Writer& writer) {
     ExportRun run;
     run.onRow = [this](int row, int rows) { return showProgress(row, rows); };
+    run.safeForSpreadsheets = chkCsvSafe;
     optionsVisible = cmdOKEnabled = false;
     refresh();
     const ExportEnd end = guarded(
@@ -190,6 +191,10 @@ bool frmExport::ExportRepControlToHtml(QString& Path, const QString& GivenPath, 
 bool frmExport::chooseCsv(QString& path, const QString& givenPath, bool& cancelled) {
     if (!choosePath(false, path, givenPath, cancelled)) return false;
     if (!givenPath.isEmpty()) return true;
+    if (chkCsvSafe) {
+        result_.Wrap = true;
+        return true;
+    }
     result_.Wrap = shell().askYesNoDefaultNo(
         QStringLiteral("Data which has commas in it is split into separate pieces in comma "
                        "separated values file.\r\n\r\nTo prevent that, the program can wrap up "

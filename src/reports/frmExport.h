@@ -38,6 +38,8 @@ class frmExport : public Screen {
     Result ShowUp(const ExportSource& source, const Request& request);
 
     int optGen = 0;  ///< 0 HTML, 1 CSV
+    /// CSV alone: a spreadsheet runs none of the cells; they are wrapped without asking.
+    bool chkCsvSafe = false;
     QString lblInfo = QStringLiteral("Export data differences to:");
     bool optionsVisible = true;  ///< in their place during a run, the bar
     int ProgressBar = 0;         ///< percent

@@ -30,6 +30,11 @@ class GridCells {
         (void)row, (void)column;
         return DefaultForeColor;
     }
+    /// The cell belongs to a column of numbers, so that its text is one, or stands for none.
+    virtual bool isNumber(int row, int column) const {
+        (void)row, (void)column;
+        return false;
+    }
     /// The background of every second data row where cells have none of their own.
     virtual quint32 alternateRowColor() const { return DefaultBackColor; }
 };

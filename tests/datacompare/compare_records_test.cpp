@@ -1,7 +1,9 @@
 // The two ways of walking over two tables: what is found, counted and listed.
 #include "comparison_fixture.h"
 
+#include <QDir>
 #include <QElapsedTimer>
+#include <QFile>
 
 #include <random>
 
@@ -96,10 +98,11 @@ TEST_P(CompareRecordsTest, UnmatchedRowsOverrunTheLimit) {
 TEST_P(CompareRecordsTest, ARowOfSourceAloneOverwritesPairs) {
     loadRows({"1 a", "2 b", "3 c"}, {"1 x", "2 y", "4 c"});
     byKey(QStringLiteral("Id"));
-    EXPECT_EQ(compared(), "different 3/3/3\n"
-                          "S 1|1|*a\nT 1|1|*x\n"
-                          "+ 3|3|*c\n"
-                          "- 1|4|c");
+    EXPECT_EQ(compared(),
+              "different 3/3/3\n"
+              "S 1|1|*a\nT 1|1|*x\n"
+              "+ 3|3|c\n"
+              "- 1|4|c");
 }
 
 TEST_P(CompareRecordsTest, TheGridStopsAtItsLimitAndTheCountRunsOn) {
@@ -142,11 +145,28 @@ TEST_P(CompareRecordsTest, LeftOverRowsAreCutAtTheLimitInSilence) {
 TEST_P(CompareRecordsTest, OffsetsStartLaterOnEachSide) {
     loadRows(rows(1, 4), QStringList{"9 extra"} + rows(1, 4));
     run.Offset[1] = 2;
-    EXPECT_EQ(compared(), "identical 4/5/0");
-    EXPECT_EQ(told(), "information: Data stored in both tables is identical.");
+    for (const bool shown : {true, false}) {
+        run.ShowDifferences = shown;
+        EXPECT_EQ(compared(), "identical 4/5/0");
+        EXPECT_EQ(
+            told(),
+            "information: Data stored in both tables is identical.\\nCompared from record 2 in "
+            "Target on.");
+    }
+    run.ShowDifferences = true;
     run.Offset[0] = 2;
     EXPECT_EQ(compared(), "different 4/5/4\n"
                           "S 1|*2|*v2\nT 1|*1|*v1\nS 2|*3|*v3\nT 2|*2|*v2\nS 3|*4|*v4\nT 3|*3|*v3");
+    told();
+    // By key no record is left out, whatever offset is stored.
+    run.Offset[0] = 0;
+    byKey(QStringLiteral("Id"));
+    for (const bool shown : {true, false}) {
+        run.ShowDifferences = shown;
+        EXPECT_TRUE(compared().starts_with("different 4/5/0"));
+    }
+    run.Method = CompMethod::RecordByRecord;
+    run.ShowDifferences = true;
     told();
     run.Offset[0] = 9;
     EXPECT_EQ(compared(), "failed 4/5/0");
@@ -219,9 +239,103 @@ TEST_P(CompareRecordsTest, ATableThatGoesAwayIsTold) {
     // And one that was never there, before anything is read.
     shell.onPump = nullptr;
     onStatus = nullptr;
-    EXPECT_EQ(compared(), "failed 2/-1/0");
+    EXPECT_EQ(compared(), "failed 2/0/0");
     EXPECT_NE(told().find("exclamation: Error while attempting to count records in table: "),
               std::string::npos);
+}
+
+// Nothing is compared where the offsets lie behind the end of both tables.
+TEST_P(CompareRecordsTest, OffsetsBehindTheEndAreNoVerdict) {
+    loadRows({}, rows(1, 3));
+    run.Offset[1] = 4;
+    EXPECT_TRUE(compared().starts_with("failed 0/3/0"));
+    EXPECT_NE(told().find("No record was compared: the offsets lie behind the end of the tables."),
+              std::string::npos);
+}
+
+// A table that changes between counting and reading gives no verdict on what was not counted.
+TEST_P(CompareRecordsTest, RowsThatWereNotCountedAreTold) {
+    for (const bool key : {false, true}) {
+        loadRows(rows(1, 3), rows(1, 3));
+        if (key) byKey(QStringLiteral("Id"));
+        onStatus = [&](frmCompareStatus& screen) {
+            shell.onPump = [&, added = false]() mutable {
+                if (added || screen.lblRecsCount2 != u"3") return;
+                added = true;
+                for (const char* database : {"Src", "Tgt"})
+                    served.load(QString::fromLatin1(database),
+                                QStringLiteral("INSERT INTO dbo.T VALUES (4, N'%1')\nGO\n")
+                                    .arg(QString::fromLatin1(database)));
+            };
+        };
+        EXPECT_EQ(compared(), "failed 3/3/0");
+        EXPECT_NE(told().find("has more records than were counted"), std::string::npos);
+        onStatus = nullptr;
+        shell.onPump = nullptr;
+    }
+}
+
+// Names come out of a catalogue, and stay names.
+TEST_P(CompareRecordsTest, NamesNeverRunAsStatements) {
+    const QString name = QStringLiteral("victim]; DELETE FROM [victim");
+    const QString script = QStringLiteral(
+        "IF NOT EXISTS (SELECT * FROM sysobjects WHERE name = 'victim') CREATE TABLE dbo.victim "
+        "(Id int)\nGO\n"
+        "INSERT INTO victim VALUES (1)\nGO\n"
+        "CREATE TABLE dbo.[victim]]; DELETE FROM [victim] ([Id]] FROM victim; DELETE FROM victim "
+        "--] int, "
+        "[it's] int)\nGO\n"
+        "INSERT INTO [victim]]; DELETE FROM [victim] VALUES (1, 2)\nGO\n");
+    load(script, script);
+    const QString column = QStringLiteral("Id] FROM victim; DELETE FROM victim --");
+    for (const QString& schema : {QString(), QStringLiteral("dbo")}) {
+        useTable(name);
+        for (CompareDataTable& table : run.Tables) table.Schema = schema;
+        run.Method = CompMethod::RecordByRecord;
+        EXPECT_EQ(compared(), "identical 1/1/0");
+        orderBy(column);
+        EXPECT_EQ(compared(), "identical 1/1/0");
+        byKey(column);
+        compared();
+        QString victim = QStringLiteral("[victim]");
+        for (const char* database : {"Src", "Tgt"})
+            EXPECT_EQ(
+                GetNumberOfRecordsInTable(served.server(), victim, QString::fromLatin1(database)),
+                1);
+        QString raw = name;
+        EXPECT_EQ(GetNumberOfRecordsInTable(served.server(), raw, QStringLiteral("Src")), 1);
+    }
+}
+
+// The account of the run decides, whoever kept silent: the column list, the ignored columns, the
+// stored settings.
+TEST_P(CompareRecordsTest, WhatCannotBeReadTakesTheVerdictAway) {
+    loadRows(rows(1, 2), rows(1, 2));
+    if (GetParam() == Road::Odbc) {
+        TdsFaults faults;
+        faults.onlyStatementsWith = QStringLiteral("syscolumns");
+        faults.failStatement = 1;
+        served.endpoint().setFaults(faults);
+        EXPECT_EQ(compared(), "failed 2/2/0");
+        EXPECT_NE(told().find("Not everything that the comparison rests on could be read:"),
+                  std::string::npos);
+        served.endpoint().setFaults({});
+        // A refusal is no missing column.
+        faults.onlyStatementsWith = QStringLiteral("SELECT [Id],[V] FROM");
+        faults.errorNumber = 229;
+        faults.failStatement = 2;
+        served.endpoint().setFaults(faults);
+        EXPECT_EQ(compared(), "failed 2/2/0");
+        EXPECT_NE(told().find("screen frmErrorReport"), std::string::npos);
+        served.endpoint().setFaults({});
+    }
+    const QString path = home.path(QStringLiteral("documents/zov_ignored_cols_data.ini"));
+    QFile::remove(path);
+    ASSERT_TRUE(QDir().mkpath(path));  // a folder stands where the file should
+    EXPECT_EQ(compared(), "failed 2/2/0");
+    EXPECT_NE(told().find("zov_ignored_cols_data.ini"), std::string::npos);
+    QDir().rmdir(path);
+    EXPECT_EQ(compared(), "identical 2/2/0");
 }
 
 // What came before the loss is shown as what it is; the error says why there isn't more.

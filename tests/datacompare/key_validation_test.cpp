@@ -1,6 +1,8 @@
 // Whether key columns are free of Nulls and unique: the verdicts, and what the
 // server is asked for them.
+#include "data/sql_names.h"
 #include "datacompare/frmCompareDataValidation.h"
+#include "datacompare/modCompareData.h"
 #include "support/recording_shell.h"
 #include "support/served_database.h"
 #include "support/temp_home.h"
@@ -57,6 +59,11 @@ class KeyValidation : public ::testing::TestWithParam<Road> {
             for (const QString& text : served.takeStatements())
                 if (text.contains(QStringLiteral("FROM ["))) asked += text;
         return asked;
+    }
+
+    int rowsOf(const QString& table) {
+        QString name = quoteName(table);
+        return GetNumberOfRecordsInTable(served.server(), name, QStringLiteral("Db"));
     }
 
     test::TempHome home;
@@ -125,24 +132,80 @@ TEST_P(KeyValidation, AsksNothingThatIsKnown) {
 
 TEST_P(KeyValidation, FindsTablesOfOtherSchemas) {
     request.Table = QStringLiteral("S");
+    request.Schema = QStringLiteral("sales");
     request.QualifiedTable = QStringLiteral("[sales].[S]");
     request.RecordsCount = 2;
     EXPECT_EQ(verdict({QStringLiteral("K:[int] NULL")}), Valid);
     // Where two schemas have the name, the list shows it with its schema.
     request.Table = QStringLiteral("dbo.T");
+    request.BareName = QStringLiteral("T");
+    request.Schema = QStringLiteral("dbo");
     request.QualifiedTable = QStringLiteral("[dbo].[T]");
     request.RecordsCount = 3;
     EXPECT_TRUE(verdict({QStringLiteral("N:[int] NULL")})
                     .starts_with("exclamation: Field N contains Nulls"));
 }
 
+// What no statement finds by its text is told apart by the rows themselves.
+TEST_P(KeyValidation, FindsRepetitionsOfAnyType) {
+    served.load(
+        QStringLiteral("Db"),
+        QStringLiteral(
+            "CREATE TABLE dbo.Types (B varbinary(8) NOT NULL, V sql_variant NOT NULL, "
+            "N nvarchar(9) NOT NULL, F float NOT NULL, Q varchar(40) NOT NULL, U int NOT "
+            "NULL)\nGO\n"
+            "INSERT INTO Types VALUES (0x01AB, 5, N'\u65E5', 0.1, 'O''Brien', 1)\n"
+            "INSERT INTO Types VALUES (0x02, 6, N'\u672C', 0.2, 'x''; DELETE FROM T --', 2)\n"
+            "INSERT INTO Types VALUES (0x01AB, 5, N'\u65E5', 0.1, 'O''Brien', 3)\nGO\n"));
+    request.Table = QStringLiteral("Types");
+    request.QualifiedTable = QStringLiteral("[Types]");
+    const struct {
+        const char* key;
+        const char* repeated;
+    } table[] = {{"B", "0x01AB"}, {"V", "5"}, {"N", "\u65E5"}, {"F", "0.1"}, {"Q", "O'Brien"}};
+    for (const auto& row : table) {
+        const std::string said =
+            verdict({QString::fromUtf8(row.key) + QStringLiteral(":[t] NOT NULL")});
+        EXPECT_NE(said.find("contain duplicate values (" + std::string(row.repeated) + ")"),
+                  std::string::npos)
+            << row.key << ": " << said;
+        // Beside a column that tells them apart all are valid.
+        EXPECT_EQ(verdict({QString::fromUtf8(row.key) + QStringLiteral(":[t] NOT NULL"),
+                           QStringLiteral("U:[int] NOT NULL")}),
+                  Valid)
+            << row.key;
+    }
+    EXPECT_EQ(rowsOf(QStringLiteral("T")), 3) << "a value ran as a statement";
+}
+
+// A name out of a catalogue is a name, whatever stands in it.
+TEST_P(KeyValidation, NamesNeverRunAsStatements) {
+    const QString name = QStringLiteral("T]; DELETE FROM [T");
+    served.load(QStringLiteral("Db"),
+                QStringLiteral("CREATE TABLE dbo.[T]]; DELETE FROM [T] "
+                               "([K]] = 1; DELETE FROM [T] int NULL)\nGO\n"
+                               "INSERT INTO [T]]; DELETE FROM [T] VALUES (1)\n"
+                               "INSERT INTO [T]]; DELETE FROM [T] VALUES (2)\nGO\n"));
+    request.Table = name;
+    request.QualifiedTable = quoteName(name);
+    request.RecordsCount = 2;
+    EXPECT_EQ(verdict({QStringLiteral("K] = 1; DELETE FROM [T:[int] NULL")}), Valid);
+    EXPECT_EQ(rowsOf(QStringLiteral("T")), 3);
+}
+
 TEST_P(KeyValidation, SaysWhenItCannotTell) {
-    // A quote in a value breaks the count.
-    const std::string said = verdict({QStringLiteral("Q:[varchar] (9) NOT NULL")});
-    EXPECT_TRUE(
-        said.ends_with("exclamation: Database connection problem; cannot determine if the "
-                       "fields are unique."))
-        << said;
+    if (GetParam() == Road::Odbc) {
+        TdsFaults faults;
+        faults.onlyStatementsWith = QStringLiteral("RecsCount FROM [T]");
+        faults.failStatement = 2;
+        served.endpoint().setFaults(faults);
+        const std::string said = verdict({QStringLiteral("Q:[varchar] (9) NOT NULL")});
+        EXPECT_TRUE(
+            said.ends_with("exclamation: Database connection problem; cannot determine if "
+                           "the fields are unique."))
+            << said;
+        served.endpoint().setFaults({});
+    }
     request.Table = QStringLiteral("Dropped");
     request.QualifiedTable = QStringLiteral("[Dropped]");
     const std::string nulls = verdict({QStringLiteral("N:[int] NULL")});

@@ -134,6 +134,59 @@ TEST_F(Export, ToCsvTrimsWrapsAndEscapesNothing) {
     EXPECT_EQ(csv(false), "Row,A,B\r\n");
 }
 
+// Whoever can write into a table must not be able to run a formula in somebody's spreadsheet.
+TEST_F(Export, CsvThatIsSafeForSpreadsheetsRunsNothing) {
+    grid.rows = {{QStringLiteral("Row"), QStringLiteral("=Head"), QStringLiteral("Count")},
+                 {QStringLiteral("1"), QStringLiteral("=1+1"), QStringLiteral("-5")},
+                 {QStringLiteral("2"), QStringLiteral("  +1 "), QStringLiteral("5")},
+                 {QStringLiteral("3"), QStringLiteral("-5"), QStringLiteral("Null")},
+                 {QStringLiteral("4"), QStringLiteral("@SUM(A1)"), QStringLiteral("-0.5")},
+                 {QStringLiteral("5"), QStringLiteral("\t=1"), QStringLiteral("1")},
+                 {QStringLiteral("6"), QStringLiteral("\r=1"), QStringLiteral("1")},
+                 {QStringLiteral("7"), QStringLiteral("say \"=1\""), QStringLiteral("1")},
+                 {QStringLiteral("8"), QStringLiteral("=\"a,b\""), QStringLiteral("1")},
+                 {QStringLiteral("9"), QString(), QStringLiteral("1")}};
+    grid.numbers = {2};
+    ExportRun run;
+    run.safeForSpreadsheets = true;
+    ASSERT_EQ(writeGridCsv(source, home.path(QStringLiteral("safe.csv")), false, run),
+              ExportEnd::Written);
+    EXPECT_EQ(file("safe.csv"),
+              "\"Row\",\"'=Head\",\"Count\"\r\n"
+              "\"1\",\"'=1+1\",\"-5\"\r\n"
+              "\"2\",\"'+1\",\"5\"\r\n"
+              "\"3\",\"'-5\",\"Null\"\r\n"
+              "\"4\",\"'@SUM(A1)\",\"-0.5\"\r\n"
+              "\"5\",\"'\t=1\",\"1\"\r\n"
+              "\"6\",\"'\r=1\",\"1\"\r\n"
+              "\"7\",\"say \"\"=1\"\"\",\"1\"\r\n"
+              "\"8\",\"'=\"\"a,b\"\"\",\"1\"\r\n"
+              "\"9\",\"\",\"1\"\r\n");
+    // A report knows no types: what reads as a number is one.
+    GridReport report;
+    report.columns.resize(2);
+    report.records.resize(1);
+    report.records[0].resize(2);
+    report.records[0][0].value = QStringLiteral("-5");
+    report.records[0][1].value = QStringLiteral("-5+A1");
+    source.report = &report;
+    ASSERT_EQ(writeReportCsv(source, home.path(QStringLiteral("safe.csv")), false, run),
+              ExportEnd::Written);
+    EXPECT_EQ(file("safe.csv"), "\"-5\",\"'-5+A1\"\r\n");
+    // The box of the screen, which spares the question about quotation marks.
+    shell.savePaths = {home.path(QStringLiteral("box.csv"))};
+    shell.onScreen = [](Screen& screen) {
+        auto& form = dynamic_cast<frmExport&>(screen);
+        form.optGen = 1;
+        form.chkCsvSafe = true;
+        form.cmdOK_Click();
+    };
+    frmExport::Request request;
+    EXPECT_TRUE(frmExport().ShowUp(source, request).Wrap);
+    EXPECT_TRUE(file("box.csv").starts_with("\"Row\",\"'=Head\"")) << file("box.csv");
+    EXPECT_EQ(told().find("Do you want to wrap"), std::string::npos);
+}
+
 TEST_F(Export, AsksForThePathAndForQuotationMarks) {
     const std::string day = QDate::currentDate().toString(QStringLiteral("yyyyMMdd")).toStdString();
     const std::string proposed = "HOME/documents/" + day;

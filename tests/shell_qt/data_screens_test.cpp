@@ -24,6 +24,7 @@
 #include <QTabWidget>
 #include <QTableView>
 #include <QTest>
+#include <QTextDocument>
 #include <QTreeWidget>
 
 namespace zov {
@@ -196,8 +197,11 @@ TEST(DataScreens, ATableIsShownAndExported) {
         ASSERT_EQ(screen->objectName(), u"frmExport");
         expectOwnLettersAndHelp(screen);
         EXPECT_TRUE(child<QRadioButton>(screen, "optGen_0")->isChecked());
+        auto* safe = child<QCheckBox>(screen, "chkCsvSafe");
+        EXPECT_FALSE(safe->isEnabled());
         QTest::keyClick(child<QRadioButton>(screen, "optGen_0"), Qt::Key_Down);
         EXPECT_TRUE(child<QRadioButton>(screen, "optGen_1")->isChecked());
+        EXPECT_TRUE(safe->isEnabled() && !safe->isChecked());
         keepPicture(screen, QStringLiteral("frmexport"));
         QTest::keyClick(screen, Qt::Key_Escape);
     });
@@ -209,6 +213,24 @@ TEST(DataScreens, ATableIsShownAndExported) {
     test::showStock(desktop);
     EXPECT_TRUE(desktop.user.isDone());
     EXPECT_EQ(desktop.user.takeSeen(), QStringList());
+}
+
+// What stands in a table is text, wherever it is shown.
+TEST(DataScreens, CellsAreNeverTakenForHtml) {
+    const QString cell = QStringLiteral("<img src='file:///x'><b>bold & more</b>");
+    test::TextGrid grid{"Row|A", "1|x"};
+    grid.rows[0][1] = grid.rows[1][1] = cell;
+    qt::GridModel model(grid, nullptr);
+    model.readAnew();
+    for (const QString& tip : {model.data(model.index(0, 1), Qt::ToolTipRole).toString(),
+                               model.headerData(1, Qt::Horizontal, Qt::ToolTipRole).toString()}) {
+        QTextDocument shown;
+        if (Qt::mightBeRichText(tip))
+            shown.setHtml(tip);
+        else
+            shown.setPlainText(tip);
+        EXPECT_EQ(shown.toPlainText().toStdString(), cell.toStdString());
+    }
 }
 
 TEST(DataScreens, AnExportShowsItsProgressAndStopsOnEsc) {

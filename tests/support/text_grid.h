@@ -6,6 +6,7 @@
 #include <QStringList>
 
 #include <map>
+#include <set>
 #include <vector>
 
 namespace zov::test {
@@ -29,10 +30,14 @@ class TextGrid : public GridCells {
         return at == foreColors.end() ? DefaultForeColor : at->second;
     }
     quint32 alternateRowColor() const override { return alternate; }
+    bool isNumber(int row, int column) const override {
+        return row > 0 && numbers.contains(column);
+    }
 
     std::vector<QStringList> rows;
     std::map<std::pair<int, int>, quint32> backColors, foreColors;
     quint32 alternate = DefaultBackColor;
+    std::set<int> numbers;  ///< columns
 };
 
 }  // namespace zov::test

@@ -221,7 +221,10 @@ void describeData(CLI::App& app, Options& options, Fields& fields, Choices& choi
     const auto text = [&](const char* option, QString& to, const char* type, const char* help) {
         return data->add_option(option, fields.text(to), help)->type_name(type)->check(notEmpty);
     };
-    CLI::Option* table = text("--table", options.table, "NAME", "Compare this table");
+    CLI::Option* table = text(
+        "--table", options.table, "NAME",
+        "Compare this table; with its schema, as sales.Item or [sales].[Item], where several have "
+        "the name");
     text("--target-table", options.targetTable, "NAME",
          "The target's table when it has another name")
         ->needs(table);
@@ -255,12 +258,24 @@ void describeData(CLI::App& app, Options& options, Fields& fields, Choices& choi
     text("--target-ignore", options.targetIgnore, "COLUMN,...",
          "The target's, when they are others")
         ->needs(ignore);
-    data->add_option("--limit", options.limit, "Most rows that an export shows (500)")
+    data->add_option("--limit", options.limit,
+                     "Different records that an export shows: the pairs end one before it "
+                     "(MaxRowsInDiffTable, 500)")
         ->type_name("N")
         ->check(CLI::Range(1, 100000000))
         ->needs(table);
-    text("--export", options.exportFile, "FILE", "Write the rows that differ to FILE.htm or FILE.csv")
-        ->needs(table);
+    data->add_flag(
+            "--allow-unreadable", options.allowUnreadable,
+            "Tables that the server refuses to read are named and don't change the exit status")
+        ->excludes(table);
+    CLI::Option* exported = text("--export", options.exportFile, "FILE",
+                                 "Write the rows that differ to FILE.htm or FILE.csv")
+                                ->needs(table);
+    data->add_flag(
+            "--csv-safe", options.csvSafe,
+            "In that CSV file, put an apostrophe before texts that a spreadsheet would run as "
+            "a formula")
+        ->needs(exported);
     text("-o,--output", options.outputFile, "FILE",
          "Write the summary or report to this file instead of standard output");
     addSettings(data, options, fields);

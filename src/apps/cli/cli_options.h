@@ -62,6 +62,7 @@ struct Options {
     int offset = -1, targetOffset = -1;
     int limit = -1;
     QString exportFile;
+    bool csvSafe = false;
 };
 
 /// Reads the command line. No result: `status` is what the program ends with (help was printed, or

@@ -388,8 +388,8 @@ void frmMain::cmdCompareAll_Click() {
 }
 
 CompareDataPair TablesOf(const SelectedPair& pair) {
-    return {CompareDataTable{pair.sourceServer, pair.sourceDb, pair.sourceObject, pair.sourceId},
-            CompareDataTable{pair.targetServer, pair.targetDb, pair.targetObject, pair.targetId}};
+    return {TableOf(pair.sourceServer, pair.sourceDb, pair.source()),
+            TableOf(pair.targetServer, pair.targetDb, pair.target())};
 }
 
 void frmMain::CompareData() {

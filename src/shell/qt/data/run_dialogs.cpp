@@ -1,5 +1,6 @@
 #include "shell/qt/data/run_dialogs.h"
 
+#include <QCheckBox>
 #include <QFormLayout>
 #include <QLabel>
 #include <QProgressBar>
@@ -189,9 +190,18 @@ ExportDialog::ExportDialog(frmExport& screen, QWidget* parent)
         kinds_[kind] = new QRadioButton(QString::fromLatin1(captions[kind]));
         name(QStringLiteral("optGen_%1").arg(kind), kinds_[kind]);
         chooseLayout->addWidget(kinds_[kind]);
-        connect(kinds_[kind], &QRadioButton::clicked, this,
-                [this, kind] { screen_.optGen = kind; });
+        connect(kinds_[kind], &QRadioButton::clicked, this, [this, kind] {
+            screen_.optGen = kind;
+            refreshFields();
+        });
     }
+    csvSafe_ = new QCheckBox(QStringLiteral("&Safe for spreadsheets: no cell is run as a formula"));
+    csvSafe_->setToolTip(
+        QStringLiteral("Texts that begin with = + - @ get an apostrophe in front, and all cells "
+                       "stand in quotation marks"));
+    name(QStringLiteral("chkCsvSafe"), csvSafe_);
+    connect(csvSafe_, &QCheckBox::toggled, this, [this](bool on) { screen_.chkCsvSafe = on; });
+    chooseLayout->addWidget(csvSafe_);
     chooseLayout->addStretch(1);
     auto* run = new QWidget;
     auto* runLayout = new QVBoxLayout(run);
@@ -234,6 +244,8 @@ void ExportDialog::showEvent(QShowEvent* event) {
 
 void ExportDialog::refreshFields() {
     kinds_[screen_.optGen]->setChecked(true);
+    csvSafe_->setEnabled(screen_.optGen == 1);
+    csvSafe_->setChecked(screen_.chkCsvSafe);
     stack_->setCurrentIndex(screen_.optionsVisible ? 0 : 1);
     ok_->setEnabled(screen_.cmdOKEnabled);
     if (screen_.optionsVisible) return;

@@ -6,6 +6,7 @@
 #include "reports/frmExport.h"
 #include "shell/qt/screen_dialog.h"
 
+class QCheckBox;
 class QLabel;
 class QProgressBar;
 class QPushButton;
@@ -67,6 +68,7 @@ class ExportDialog : public ScreenDialog {
     frmExport& screen_;
     QStackedWidget* stack_;
     QRadioButton* kinds_[2];
+    QCheckBox* csvSafe_;
     QLabel* progress_;
     QProgressBar* bar_;
     QPushButton* ok_;
