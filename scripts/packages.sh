@@ -4,7 +4,7 @@
 build_packages=(
   g++ cmake ninja-build ccache
   qt6-base-dev qt6-svg-dev libgl-dev fonts-dejavu-core
-  unixodbc-dev libsqlite3-dev libcli11-dev
+  unixodbc-dev libsqlite3-dev libicu-dev libcli11-dev
   tdsodbc
 )
 test_packages=(

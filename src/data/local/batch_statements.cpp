@@ -233,8 +233,10 @@ void BatchStream::selectInto(std::span<const Token> tokens, size_t into) {
     const std::span<const Token> after = cursor.rest();
     const QString select = sourceText(before) + u' ' + sourceText(after);
     const std::vector<Token> selectTokens = tokenize(select, session_.quotedIdentifier);
+    std::vector<QString> collations;
     const std::vector<ColumnInfo> columns = describeSelect(
-        session_, std::span<const Token>(selectTokens).first(selectTokens.size() - 1));
+        session_, std::span<const Token>(selectTokens).first(selectTokens.size() - 1), nullptr,
+        &collations);
     const std::optional<KeptIdentity> identity =
         identityOf(session_, std::span<const Token>(selectTokens).first(selectTokens.size() - 1));
     QString names;
@@ -265,6 +267,7 @@ void BatchStream::selectInto(std::span<const Token> tokens, size_t into) {
                                     "statements, verify each column has a name."),
                      name.line);
             spec.facts.type = typeFacts(info);
+            spec.facts.collation = collations[specs.size()];
             spec.nullable = info.nullable;
             spec.line = name.line;
             if (identity && identity->place == specs.size()) {

@@ -98,7 +98,7 @@ type tinyint | CASE t.xtype WHEN 36 THEN 37 WHEN 98 THEN 39 WHEN 99 THEN 35 WHEN
 printfmt varchar(255) | NULL
 prec smallint | t.prec
 scale tinyint | t.scale
-collation sysname | CASE WHEN t.xtype IN (35, 99, 167, 175, 231, 239) THEN 'SQL_Latin1_General_CP1_CI_AS' END
+collation sysname | CASE WHEN t.xtype IN (35, 99, 167, 175, 231, 239) THEN (SELECT value FROM "zov$facts" WHERE name = 'collation') END
 FROM "zov$types" t)"},
         {"dbo", "sysindexes", 0, R"(
 id int | i.id

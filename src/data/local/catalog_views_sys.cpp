@@ -210,7 +210,7 @@ principal_id int | NULL
 max_length smallint | t.length
 precision tinyint | CASE WHEN t.xtype IN (34, 35, 36, 98, 99, 165, 167, 173, 175, 189, 231, 239, 240, 241) THEN 0 ELSE coalesce(t.prec, 0) END
 scale tinyint | coalesce(t.scale, 0)
-collation_name sysname | CASE WHEN t.xtype IN (35, 99, 167, 175, 231, 239) THEN 'SQL_Latin1_General_CP1_CI_AS' END
+collation_name sysname | CASE WHEN t.xtype IN (35, 99, 167, 175, 231, 239) THEN (SELECT value FROM "zov$facts" WHERE name = 'collation') END
 is_nullable bit | t.allownulls
 is_user_defined bit | t.isuser
 is_assembly_type bit | t.xtype = 240

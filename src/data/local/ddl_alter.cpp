@@ -10,19 +10,16 @@
 namespace zov::local {
 namespace {
 
-bool same(const QString& a, const QString& b) {
-    return a.compare(b, Qt::CaseInsensitive) == 0;
-}
-
-const ColumnFacts* findColumn(const std::vector<ColumnFacts>& columns, const QString& name) {
+const ColumnFacts* findColumn(const Catalog& catalog, const std::vector<ColumnFacts>& columns,
+                              const QString& name) {
     for (const ColumnFacts& column : columns)
-        if (same(column.name, name)) return &column;
+        if (catalog.sameName(column.name, name)) return &column;
     return nullptr;
 }
 
 bool isEmpty(const Catalog& catalog, const ObjectFacts& table) {
     CatalogQuery query(catalog.handle(), QStringLiteral("SELECT 1 FROM %1 LIMIT 1")
-                                             .arg(quotedTable(table.schema, table.name))
+                                             .arg(catalog.storedTable(table.schema, table.name))
                                              .toUtf8()
                                              .constData());
     return !query.step();
@@ -42,7 +39,7 @@ void addElements(Catalog& catalog, const ObjectFacts& table, TokenCursor& cursor
         spec.notTrusted =
             noCheck && (spec.kind == QLatin1String("F") || spec.kind == QLatin1String("C"));
 
-    const QString oldName = quotedTable(table.schema, table.name);
+    const QString oldName = catalog.storedTable(table.schema, table.name);
     bool rebuild = !parts.columns.empty();
     QHash<QString, ColumnSource> sources;
     if (!parts.columns.empty()) {
@@ -52,7 +49,7 @@ void addElements(Catalog& catalog, const ObjectFacts& table, TokenCursor& cursor
             ColumnSource source;
             for (const ConstraintSpec& spec : constraints)
                 if (spec.kind == QLatin1String("D") &&
-                    same(spec.columns.front(), column.facts.name) &&
+                    catalog.sameName(spec.columns.front(), column.facts.name) &&
                     (!column.facts.nullable || spec.withValues))
                     source.fill = spec.text;
             const bool fillsItself = !column.facts.seed.isNull() ||
@@ -70,7 +67,7 @@ void addElements(Catalog& catalog, const ObjectFacts& table, TokenCursor& cursor
                          .arg(column.facts.name, table.name),
                      column.line);
             if (column.facts.type.xtype == 189) source.fill = QStringLiteral("0x0000000000000001");
-            sources.insert(column.facts.name.toLower(), source);
+            sources.insert(catalog.names().key(column.facts.name), source);
         }
     }
     std::vector<int> before;
@@ -94,7 +91,7 @@ void addElements(Catalog& catalog, const ObjectFacts& table, TokenCursor& cursor
 void dropConstraint(Catalog& catalog, const ObjectFacts& table, const QString& name, bool ifExists,
                     int line, bool& rebuild) {
     for (const ObjectFacts& child : catalog.children(table.id)) {
-        if (!same(child.name, name) || child.xtype == QLatin1String("TR")) continue;
+        if (!catalog.sameName(child.name, name) || child.xtype == QLatin1String("TR")) continue;
         for (const IndexFacts& index : catalog.indexes(table.id)) {
             if (index.constraintId != child.id) continue;
             std::vector<int> wanted;
@@ -184,7 +181,7 @@ QString dependentOn(const Catalog& catalog, const ObjectFacts& table, const Colu
 bool dropColumn(Catalog& catalog, const ObjectFacts& table, const QString& name, bool ifExists,
                 int line) {
     const std::vector<ColumnFacts> columns = catalog.columns(table.id);
-    const ColumnFacts* column = findColumn(columns, name);
+    const ColumnFacts* column = findColumn(catalog, columns, name);
     if (!column) {
         if (ifExists) return false;
         fail(4924,
@@ -221,7 +218,7 @@ bool dropColumn(Catalog& catalog, const ObjectFacts& table, const QString& name,
 }
 
 void drop(Catalog& catalog, const ObjectFacts& table, TokenCursor& cursor) {
-    const QString oldName = quotedTable(table.schema, table.name);
+    const QString oldName = catalog.storedTable(table.schema, table.name);
     bool rebuild = false;
     bool columns = false;
     bool ifExists = false;
@@ -307,7 +304,7 @@ void alterColumn(Catalog& catalog, const ObjectFacts& table, TokenCursor& cursor
     const int line = cursor.peek().line;
     const QString name = cursor.name();
     const std::vector<ColumnFacts> columns = catalog.columns(table.id);
-    const ColumnFacts* column = findColumn(columns, name);
+    const ColumnFacts* column = findColumn(catalog, columns, name);
     if (!column)
         fail(4924,
              QStringLiteral(
@@ -323,8 +320,8 @@ void alterColumn(Catalog& catalog, const ObjectFacts& table, TokenCursor& cursor
     changed.collation = changed.type.isText() ? catalog.fact("collation") : QString();
     for (;;) {
         if (cursor.accept("COLLATE")) {
-            const QString collation = cursor.name();
-            if (!same(collation, QStringLiteral("database_default"))) changed.collation = collation;
+            const QString collation = catalog.readCollation(cursor);
+            if (!collation.isEmpty()) changed.collation = collation;
         } else if (cursor.accept({"NOT", "NULL"})) {
             changed.nullable = false;
         } else if (cursor.accept("NULL")) {
@@ -350,7 +347,7 @@ void alterColumn(Catalog& catalog, const ObjectFacts& table, TokenCursor& cursor
     const bool shorter = changed.type.length != -1 &&
                          (column->type.length == -1 || changed.type.length < column->type.length);
     QString dependent;
-    if (otherType)
+    if (otherType || (changed.type.isText() && changed.collation != column->collation))
         dependent = dependentOn(catalog, table, *column, "IDCFX");
     else if (!changed.type.sameStorage(column->type) && (shorter || !changed.type.isText()))
         dependent = dependentOn(catalog, table, *column, "IFX");
@@ -372,8 +369,8 @@ void alterColumn(Catalog& catalog, const ObjectFacts& table, TokenCursor& cursor
     ColumnSource source;
     source.oldName = column->name;
     source.oldType = column->type;
-    rebuildStorage(catalog, table, quotedTable(table.schema, table.name),
-                   {{column->name.toLower(), source}});
+    rebuildStorage(catalog, table, catalog.storedTable(table.schema, table.name),
+                   {{catalog.names().key(column->name), source}});
 }
 
 void checkConstraints(Catalog& catalog, const ObjectFacts& table, TokenCursor& cursor, bool enable,
@@ -403,7 +400,7 @@ void checkConstraints(Catalog& catalog, const ObjectFacts& table, TokenCursor& c
             const QString name = cursor.name();
             const auto found =
                 std::find_if(children.begin(), children.end(), [&](const ObjectFacts& child) {
-                    return checkable(child) && same(child.name, name);
+                    return checkable(child) && catalog.sameName(child.name, name);
                 });
             if (found == children.end())
                 fail(4917, QStringLiteral("Constraint '%1' does not exist.").arg(name), line);
@@ -430,7 +427,8 @@ void enableTriggers(Catalog& catalog, const ObjectFacts& table, TokenCursor& cur
         const ObjectName name = cursor.objectName();
         const auto found =
             std::find_if(children.begin(), children.end(), [&](const ObjectFacts& child) {
-                return child.xtype == QLatin1String("TR") && same(child.name, name.name);
+                return child.xtype == QLatin1String("TR") &&
+                       catalog.sameName(child.name, name.name);
             });
         if (found == children.end())
             fail(4920,

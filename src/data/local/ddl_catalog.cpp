@@ -2,7 +2,8 @@
 
 #include "data/local/catalog_tables.h"
 #include "data/local/definitions.h"
-#include "data/local/query_engine.h"
+#include "data/local/query_cache.h"
+#include "data/local/query_collating.h"
 #include "data/local/server_store.h"
 
 #include <QDateTime>
@@ -101,6 +102,25 @@ QString Catalog::now() const {
     const int shown = std::min(rounded % 10 == 6 ? rounded + 1 : rounded, 997);
     return now.toString(QStringLiteral("yyyy-MM-dd HH:mm:ss.")) +
            QString::number(shown).rightJustified(3, u'0');
+}
+
+const Collation& Catalog::names() const {
+    return *QueryCache::of(database_).collation();
+}
+
+QString Catalog::readCollation(TokenCursor& cursor) const {
+    const QString name = cursor.name();
+    if (name.compare(QLatin1String("database_default"), Qt::CaseInsensitive) == 0) return {};
+    const Collation* collation = Collation::named(name);
+    tellUnknown(session_, *collation);
+    return collation->name();
+}
+
+QString Catalog::storedTable(const QString& schema, const QString& table) const {
+    return quoted(storageName(schema + u'.' + table, names()));
+}
+QString Catalog::storedColumn(const QString& column) const {
+    return quoted(storageName(column, names()));
 }
 
 QString Catalog::fact(const char* name) const {
@@ -550,9 +570,6 @@ QString Catalog::generatedName(const char* kind, const QString& schema, const QS
 
 QString quoted(const QString& name) {
     return u'"' + QString(name).replace(u'"', QLatin1String("\"\"")) + u'"';
-}
-QString quotedTable(const QString& schema, const QString& table) {
-    return quoted(schema + u'.' + table);
 }
 
 }  // namespace zov::local

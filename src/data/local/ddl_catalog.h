@@ -2,6 +2,7 @@
 // Changes go through Catalog::forWriting, which starts the database's part of the statement.
 #pragma once
 
+#include "data/local/collation.h"
 #include "data/local/ddl_common.h"
 #include "data/local/local_session.h"
 
@@ -132,6 +133,16 @@ class Catalog {
     QString fact(const char* name) const;
     void setFact(const char* name, const QString& value);
 
+    /// The database's collation, by which names are told apart.
+    const Collation& names() const;
+    bool sameName(const QString& a, const QString& b) const { return names().equal(a, b); }
+    /// What stands behind COLLATE in a definition, in the server's spelling; empty for
+    /// database_default. An unknown one is told of.
+    QString readCollation(TokenCursor& cursor) const;
+    /// A table or a column as SQLite knows it, quoted.
+    QString storedTable(const QString& schema, const QString& table) const;
+    QString storedColumn(const QString& column) const;
+
     // Schemas and principals
     std::optional<int> schemaId(const QString& name) const;
     QString schemaName(int id) const;
@@ -197,8 +208,6 @@ TypeFacts readType(const Catalog& catalog, const QString& text);
 TypeFacts typeFacts(const ColumnInfo& info);
 ColumnInfo columnInfo(const TypeFacts& type, bool nullable);
 
-/// "\"schema.table\"" for SQLite.
-QString quotedTable(const QString& schema, const QString& table);
 QString quoted(const QString& name);
 
 }  // namespace zov::local

@@ -250,17 +250,19 @@ void typeComputedColumn(Catalog& catalog, const ObjectFacts& table, ColumnFacts&
     ColumnInfo info;
     info.type = SqlType::Variant;
     info.nullable = true;
+    QString collation;
     const std::vector<Token> describable = tokenize(described.text);
     try {
         translateForSqlite(catalog.session(),
                            std::span<const Token>(describable).first(describable.size() - 1),
-                           table.id, &info);
+                           table.id, &info, &collation);
     } catch (const DbError& error) {
         if (error.native == 207) throw;  // an unknown column is the user's mistake
     }
     column.type = typeFacts(info);
     column.nullable = info.nullable;
-    if (column.type.isText()) column.collation = catalog.fact("collation");
+    if (column.type.isText())
+        column.collation = collation.isEmpty() ? catalog.names().name() : collation;
 }
 
 }  // namespace zov::local

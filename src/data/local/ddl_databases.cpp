@@ -1,7 +1,9 @@
 // CREATE, ALTER and DROP DATABASE.
 #include "data/local/ddl.h"
-#include "data/local/query_engine.h"
+#include "data/local/query_cache.h"
+#include "data/local/query_collating.h"
 #include "data/local/server_store.h"
+#include "data/local/sorting.h"
 
 #include <QSet>
 
@@ -94,6 +96,46 @@ const QSet<QString>& databaseOptions() {
     return names;
 }
 
+QString readCollation(SessionState& session, TokenCursor& cursor) {
+    const Collation* collation = Collation::named(cursor.name());
+    tellUnknown(session, *collation);
+    return collation->name();
+}
+
+/// The SQLite names of the tables and columns, which mark capitals where the collation tells cases
+/// apart.
+void renameStorage(Catalog& catalog, const Collation& from, const Collation& to) {
+    if (from.tellsCase() == to.tellsCase()) return;
+    CatalogQuery tables(catalog.handle(),
+                        "SELECT o.id, s.name || '.' || o.name FROM \"zov$objects\" o JOIN "
+                        "\"zov$schemas\" s ON s.schema_id=o.schema_id WHERE o.xtype='U'");
+    std::vector<std::pair<int, QString>> all;
+    while (tables.step()) all.emplace_back(tables.number(0), tables.text(1));
+    for (const auto& [id, name] : all) {
+        const QString stored = quoted(storageName(name, to));
+        if (const QString old = quoted(storageName(name, from)); old != stored)
+            execSql(catalog.handle(),
+                    QStringLiteral("ALTER TABLE %1 RENAME TO %2").arg(old, stored));
+        for (const ColumnFacts& column : catalog.columns(id)) {
+            const QString before = storageName(column.name, from);
+            const QString after = storageName(column.name, to);
+            if (before != after)
+                execSql(catalog.handle(), QStringLiteral("ALTER TABLE %1 RENAME COLUMN %2 TO %3")
+                                              .arg(stored, quoted(before), quoted(after)));
+        }
+    }
+}
+
+void setCollation(SessionState& session, Database& database, const QString& name) {
+    Catalog catalog(session, database);
+    const Collation& before = catalog.names();
+    const Collation& after = *Collation::named(name);
+    setNameCollation(database.handle, after, database.name);
+    renameStorage(catalog, before, after);
+    catalog.setFact("collation", name);
+    catalogChanged(database);
+}
+
 }  // namespace
 
 void createDatabase(SessionState& session, TokenCursor& cursor) {
@@ -107,7 +149,7 @@ void createDatabase(SessionState& session, TokenCursor& cursor) {
         } else if (cursor.accept({"LOG", "ON"}) || cursor.accept("ON")) {
             readFileSpecs(cursor);
         } else if (cursor.accept("COLLATE")) {
-            collation = cursor.name();
+            collation = readCollation(session, cursor);
         } else if (cursor.is("FOR") || cursor.is("AS")) {
             fail(40000,
                  QStringLiteral(
@@ -132,7 +174,7 @@ void createDatabase(SessionState& session, TokenCursor& cursor) {
     if (!collation.isEmpty()) {
         Database& database = session.store->database(name);
         session.store->willWrite(database);
-        Catalog(session, database).setFact("collation", collation);
+        setCollation(session, database, collation);
     }
 }
 
@@ -163,10 +205,10 @@ void alterDatabase(SessionState& session, TokenCursor& cursor) {
     if (same(name, QStringLiteral("CURRENT"))) name = session.current->name;
     Database& database = session.store->database(name);
     if (cursor.accept("COLLATE")) {
-        const QString collation = cursor.name();
+        const QString collation = readCollation(session, cursor);
         cursor.expectEnd();
         session.store->willWrite(database);
-        Catalog(session, database).setFact("collation", collation);
+        setCollation(session, database, collation);
         return;
     }
     if (cursor.accept("SET")) {

@@ -9,10 +9,6 @@
 namespace zov::local {
 namespace {
 
-bool same(const QString& a, const QString& b) {
-    return a.compare(b, Qt::CaseInsensitive) == 0;
-}
-
 // Indexes lie on tables, and on views that are bound to their tables.
 ObjectFacts requireIndexed(const Catalog& catalog, const ObjectName& name) {
     const std::optional<ObjectFacts> found = catalog.find(name);
@@ -29,7 +25,7 @@ ObjectFacts requireIndexed(const Catalog& catalog, const ObjectName& name) {
 bool dropOne(Catalog& catalog, const ObjectFacts& table, const QString& name, bool ifExists,
              int line) {
     for (const IndexFacts& index : catalog.indexes(table.id)) {
-        if (!same(index.name, name)) continue;
+        if (!catalog.sameName(index.name, name)) continue;
         if (index.constraintId != 0) {
             const auto constraint = catalog.find(index.constraintId);
             fail(3723,
@@ -88,7 +84,7 @@ void createIndex(SessionState& session, TokenCursor& cursor, IndexWords words) {
     const ObjectFacts table = requireIndexed(catalog, name);
     if (index.facts.options.contains(QLatin1String("DROP_EXISTING=ON"))) {
         for (const IndexFacts& old : catalog.indexes(table.id)) {
-            if (!same(old.name, index.facts.name)) continue;
+            if (!catalog.sameName(old.name, index.facts.name)) continue;
             index.facts.constraintId = old.constraintId;
             dropStorageIndex(catalog, table.id, old.indid);
             catalog.removeIndex(table.id, old.indid);
@@ -99,7 +95,8 @@ void createIndex(SessionState& session, TokenCursor& cursor, IndexWords words) {
     }
     writeTableIndex(catalog, table, index);
     for (const IndexFacts& written : catalog.indexes(table.id))
-        if (same(written.name, index.facts.name)) makeStorageIndex(catalog, table, written);
+        if (catalog.sameName(written.name, index.facts.name))
+            makeStorageIndex(catalog, table, written);
     catalog.touchObject(table.id);
 }
 
@@ -168,7 +165,7 @@ void alterIndex(SessionState& session, TokenCursor& cursor) {
     cursor.expectEnd();
     bool found = all;
     for (IndexFacts index : catalog.indexes(table.id)) {
-        if (!all && !same(index.name, name)) continue;
+        if (!all && !catalog.sameName(index.name, name)) continue;
         found = true;
         if ((!disable && !rebuild) || index.disabled == disable) continue;
         CatalogQuery(catalog.handle(),
@@ -215,7 +212,7 @@ void createStatistics(SessionState& session, TokenCursor& cursor) {
             if (cursor.accept("=")) {
                 const QString value = cursor.nameOrText();
                 if (option == QLatin1String("INCREMENTAL"))
-                    incremental = same(value, QStringLiteral("ON"));
+                    incremental = value.compare(QLatin1String("ON"), Qt::CaseInsensitive) == 0;
             } else if (option == QLatin1String("SAMPLE")) {
                 cursor.wholeNumber();
                 if (!cursor.accept("PERCENT")) cursor.expect("ROWS");
@@ -229,7 +226,7 @@ void createStatistics(SessionState& session, TokenCursor& cursor) {
     const std::vector<IndexFacts> indexes = catalog.indexes(table.id);
     const bool taken = hasStatistics(catalog, table.id, statistics) ||
                        std::any_of(indexes.begin(), indexes.end(), [&](const IndexFacts& index) {
-                           return same(index.name, statistics);
+                           return catalog.sameName(index.name, statistics);
                        });
     if (taken)
         fail(1927,
@@ -252,7 +249,7 @@ void createStatistics(SessionState& session, TokenCursor& cursor) {
     int number = 0;
     for (const QString& column : columns) {
         const auto found = std::find_if(known.begin(), known.end(), [&](const ColumnFacts& facts) {
-            return same(facts.name, column);
+            return catalog.sameName(facts.name, column);
         });
         if (found == known.end())
             fail(1911,
@@ -279,7 +276,7 @@ void dropStatistics(SessionState& session, TokenCursor& cursor) {
         Catalog catalog = Catalog::forWriting(session);
         const ObjectFacts table = requireIndexed(catalog, tableName);
         for (const IndexFacts& index : catalog.indexes(table.id))
-            if (same(index.name, statistics.name))
+            if (catalog.sameName(index.name, statistics.name))
                 fail(3739,
                      QStringLiteral(
                          "Cannot DROP the index '%1' because it is not a statistics collection.")

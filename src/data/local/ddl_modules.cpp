@@ -116,7 +116,7 @@ void storeModule(Catalog& catalog, ObjectFacts& module, const QString& xtype, in
 }
 
 void writeResultColumns(Catalog& catalog, int id, const std::vector<ColumnInfo>& columns,
-                        const std::vector<QString>& names) {
+                        const std::vector<QString>& collations, const std::vector<QString>& names) {
     catalog.removeColumns(id);
     int colid = 0;
     for (const ColumnInfo& info : columns) {
@@ -130,7 +130,7 @@ void writeResultColumns(Catalog& catalog, int id, const std::vector<ColumnInfo>&
                            .arg(colid));
         column.type = typeFacts(info);
         column.nullable = info.nullable;
-        if (column.type.isText()) column.collation = catalog.fact("collation");
+        if (column.type.isText()) column.collation = collations[size_t(colid) - 1];
         catalog.addColumn(id, column);
     }
 }
@@ -163,9 +163,10 @@ bool isMissing(const Catalog& catalog, const QString& message) {
 // The columns are described where that is possible; a view over something that the query side can't
 // read is a view all the same.
 std::vector<ColumnInfo> describe(Catalog& catalog, std::span<const Token> select,
-                                 const Variables* parameters) {
+                                 const Variables* parameters,
+                                 std::vector<QString>& collations) {
     try {
-        return describeSelect(catalog.session(), select, parameters);
+        return describeSelect(catalog.session(), select, parameters, &collations);
     } catch (const DbError& error) {
         if (error.native == 207 || (error.native == 208 && isMissing(catalog, error.description)))
             throw;
@@ -197,7 +198,9 @@ void defineView(Catalog& catalog, const Definition& statement, TokenCursor& curs
     ObjectFacts view = placeModule(catalog, name, {QStringLiteral("V")}, verb);
     storeModule(catalog, view, QStringLiteral("V"), 0, settingsOf(catalog.session(), options.words),
                 storedText(statement, verb), options.encrypted);
-    writeResultColumns(catalog, view.id, describe(catalog, select, nullptr), names);
+    std::vector<QString> collations;
+    const std::vector<ColumnInfo> columns = describe(catalog, select, nullptr, collations);
+    writeResultColumns(catalog, view.id, columns, collations, names);
 }
 
 // Parameters are not kept; their types have to be known, as the server demands. `into` gets those
@@ -297,7 +300,10 @@ void defineFunction(Catalog& catalog, const Definition& statement, TokenCursor& 
         std::vector<ConstraintSpec> none;
         writeColumns(catalog, function, result.columns, none);
     } else if (xtype == QLatin1String("IF")) {
-        writeResultColumns(catalog, function.id, describe(catalog, returned, &parameters), {});
+        std::vector<QString> collations;
+        const std::vector<ColumnInfo> columns =
+            describe(catalog, returned, &parameters, collations);
+        writeResultColumns(catalog, function.id, columns, collations, {});
     }
 }
 

@@ -251,7 +251,7 @@ std::vector<int> minorIds(const Catalog& catalog, const Securable& target,
         target.object ? catalog.columns(target.id) : std::vector<ColumnFacts>();
     for (const QString& name : columns) {
         const auto found = std::find_if(known.begin(), known.end(), [&](const ColumnFacts& column) {
-            return same(column.name, name);
+            return catalog.sameName(column.name, name);
         });
         if (found == known.end())
             fail(1763,

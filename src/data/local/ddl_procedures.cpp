@@ -104,7 +104,7 @@ BindTarget bindTarget(const Catalog& catalog, const QString& text) {
         target.table = catalog.find(table);
         if (target.table)
             for (const ColumnFacts& column : catalog.columns(target.table->id))
-                if (same(column.name, name.name)) target.colid = column.colid;
+                if (catalog.sameName(column.name, name.name)) target.colid = column.colid;
         if (target.colid) return target;
     }
     CatalogQuery type(catalog.handle(),
@@ -209,9 +209,9 @@ void renameColumn(Catalog& catalog, const ObjectName& name, const QString& fresh
     const std::optional<ObjectFacts> table = catalog.find(tableName);
     if (!table || !table->isTable()) failRename(name.display(), QStringLiteral("COLUMN"));
     for (const ColumnFacts& column : catalog.columns(table->id)) {
-        if (!same(column.name, name.name)) continue;
+        if (!catalog.sameName(column.name, name.name)) continue;
         for (const ColumnFacts& other : catalog.columns(table->id))
-            if (other.colid != column.colid && same(other.name, fresh))
+            if (other.colid != column.colid && catalog.sameName(other.name, fresh))
                 fail(15335,
                      QStringLiteral(
                          "Error: The new name '%1' is already in use as a COLUMN name and would "
@@ -225,8 +225,8 @@ void renameColumn(Catalog& catalog, const ObjectName& name, const QString& fresh
         ColumnSource source;
         source.oldName = column.name;
         catalog.touchObject(table->id);
-        rebuildStorage(catalog, *table, quotedTable(table->schema, table->name),
-                       {{fresh.toLower(), source}});
+        rebuildStorage(catalog, *table, catalog.storedTable(table->schema, table->name),
+                       {{catalog.names().key(fresh), source}});
         return;
     }
     failRename(name.display(), QStringLiteral("COLUMN"));
@@ -239,7 +239,7 @@ void renameIndex(Catalog& catalog, const ObjectName& name, const QString& fresh)
     const std::optional<ObjectFacts> table = catalog.find(tableName);
     if (!table) failRename(name.display(), QStringLiteral("INDEX"));
     for (const IndexFacts& index : catalog.indexes(table->id)) {
-        if (!same(index.name, name.name)) continue;
+        if (!catalog.sameName(index.name, name.name)) continue;
         CatalogQuery(catalog.handle(), "UPDATE \"zov$indexes\" SET name=? WHERE id=? AND indid=?")
             .add(fresh)
             .add(table->id)
@@ -267,9 +267,11 @@ void renameObject(Catalog& catalog, const ObjectName& name, const QString& fresh
         if (!name.schema.isEmpty())
             if (const auto table = catalog.find(owner)) {
                 for (const ColumnFacts& column : catalog.columns(table->id))
-                    if (same(column.name, name.name)) return renameColumn(catalog, name, fresh);
+                    if (catalog.sameName(column.name, name.name))
+                        return renameColumn(catalog, name, fresh);
                 for (const IndexFacts& index : catalog.indexes(table->id))
-                    if (same(index.name, name.name)) return renameIndex(catalog, name, fresh);
+                    if (catalog.sameName(index.name, name.name))
+                        return renameIndex(catalog, name, fresh);
             }
         fail(15225,
              QStringLiteral(
@@ -299,8 +301,8 @@ void renameObject(Catalog& catalog, const ObjectName& name, const QString& fresh
     catalog.touchObject(object->id);
     if (object->isTable())
         execSql(catalog.handle(), QStringLiteral("ALTER TABLE %1 RENAME TO %2")
-                                      .arg(quotedTable(object->schema, object->name),
-                                           quotedTable(object->schema, fresh)));
+                                      .arg(catalog.storedTable(object->schema, object->name),
+                                           catalog.storedTable(object->schema, fresh)));
 }
 
 void rename(SessionState& session, const Arguments& arguments) {
@@ -399,17 +401,17 @@ PropertyPlace propertyPlace(const Catalog& catalog, const Arguments& arguments) 
     const QString path = name0 + u'.' + name1 + u'.' + name2;
     if (type2 == QLatin1String("COLUMN")) {
         for (const ColumnFacts& column : catalog.columns(object->id))
-            if (same(column.name, name2)) place.minor = column.colid;
+            if (catalog.sameName(column.name, name2)) place.minor = column.colid;
         if (!place.minor) invalid(path);
     } else if (type2 == QLatin1String("INDEX")) {
         place.permissionClass = 7;
         for (const IndexFacts& index : catalog.indexes(object->id))
-            if (same(index.name, name2)) place.minor = index.indid;
+            if (catalog.sameName(index.name, name2)) place.minor = index.indid;
         if (!place.minor) invalid(path);
     } else if (type2 == QLatin1String("CONSTRAINT") || type2 == QLatin1String("TRIGGER")) {
         place.major = 0;
         for (const ObjectFacts& child : catalog.children(object->id))
-            if (same(child.name, name2)) place.major = child.id;
+            if (catalog.sameName(child.name, name2)) place.major = child.id;
         if (!place.major) invalid(path);
     } else if (type2 == QLatin1String("PARAMETER")) {
         place.permissionClass = 2;

@@ -186,9 +186,10 @@ void alterSchema(SessionState& session, TokenCursor& cursor) {
         .add(object->id)
         .run();
     if (object->isTable())
-        execSql(catalog.handle(), QStringLiteral("ALTER TABLE %1 RENAME TO %2")
-                                      .arg(quotedTable(object->schema, object->name),
-                                           quotedTable(catalog.schemaName(*schema), object->name)));
+        execSql(catalog.handle(),
+                QStringLiteral("ALTER TABLE %1 RENAME TO %2")
+                    .arg(catalog.storedTable(object->schema, object->name),
+                         catalog.storedTable(catalog.schemaName(*schema), object->name)));
 }
 
 void dropSchema(SessionState& session, TokenCursor& cursor) {

@@ -17,7 +17,7 @@ const ColumnFacts* columnById(const std::vector<ColumnFacts>& columns, int colid
     return nullptr;
 }
 
-QString declaredType(const TypeFacts& type) {
+QString declaredType(const TypeFacts& type, const QString& collation) {
     switch (type.xtype) {
         case 104:
         case 48:
@@ -47,7 +47,7 @@ QString declaredType(const TypeFacts& type) {
         case 231:
         case 239:
         case 241:
-            return QStringLiteral(" TEXT COLLATE NOCASE");
+            return QStringLiteral(" TEXT COLLATE ") + Collation::named(collation)->sqlName();
         default:
             return QStringLiteral(" TEXT");
     }
@@ -90,7 +90,7 @@ void createStorage(Catalog& catalog, const ObjectFacts& table, const QString& sq
         for (const ColumnFacts& column : columns) {
             if (!first) sql += QStringLiteral(", ");
             first = false;
-            sql += quoted(column.name) + declaredType(column.type);
+            sql += catalog.storedColumn(column.name) + declaredType(column.type, column.collation);
             if (!column.computed.isNull()) {
                 sql += withExpressions ? generatedColumn(catalog, table, column)
                                        : QStringLiteral(" GENERATED ALWAYS AS (NULL) VIRTUAL");
@@ -178,8 +178,9 @@ class RowCopier {
         : catalog_(catalog), table_(table), from_(from), to_(to) {
         for (const ColumnFacts& column : catalog.columns(table.id)) {
             if (!column.computed.isNull()) continue;
-            Column copy{column, sources.value(column.name.toLower()), {}};
-            if (!sources.contains(column.name.toLower())) copy.source.oldName = column.name;
+            const QString key = catalog.names().key(column.name);
+            Column copy{column, sources.value(key), {}};
+            if (!sources.contains(key)) copy.source.oldName = column.name;
             if (!copy.source.fill.isEmpty()) copy.fill = tokenize(copy.source.fill);
             columns_.push_back(std::move(copy));
         }
@@ -193,10 +194,10 @@ class RowCopier {
                 names += QStringLiteral(", ");
                 places += QStringLiteral(", ");
             }
-            names += quoted(column.facts.name);
+            names += catalog_.storedColumn(column.facts.name);
             places += u'?';
             read += column.source.oldName.isEmpty() ? QStringLiteral("NULL")
-                                                    : quoted(column.source.oldName);
+                                                    : catalog_.storedColumn(column.source.oldName);
             plain_ = plain_ && !column.source.oldName.isEmpty() && !column.source.oldType;
         }
         if (columns_.empty()) return;
@@ -290,7 +291,7 @@ bool isRowidKey(const Catalog& catalog, const ObjectFacts& table, const IndexFac
 }
 
 void makeStorage(Catalog& catalog, const ObjectFacts& table) {
-    createStorage(catalog, table, quotedTable(table.schema, table.name));
+    createStorage(catalog, table, catalog.storedTable(table.schema, table.name));
     for (const IndexFacts& index : catalog.indexes(table.id))
         makeStorageIndex(catalog, table, index);
 }
@@ -306,7 +307,7 @@ void rebuildStorage(Catalog& catalog, const ObjectFacts& table, const QString& o
     catalogChanged(catalog.database());
     execSql(handle, QStringLiteral("DROP TABLE ") + oldName);
     execSql(handle, QStringLiteral("ALTER TABLE %1 RENAME TO %2")
-                        .arg(scratch, quotedTable(table.schema, table.name)));
+                        .arg(scratch, catalog.storedTable(table.schema, table.name)));
     for (const IndexFacts& index : catalog.indexes(table.id))
         makeStorageIndex(catalog, table, index);
 }
@@ -322,7 +323,7 @@ void makeStorageIndex(Catalog& catalog, const ObjectFacts& table, const IndexFac
         const ColumnFacts* column = columnById(columns, key.colid);
         if (!column) continue;
         if (!keys.isEmpty()) keys += QStringLiteral(", ");
-        keys += quoted(column->name);
+        keys += catalog.storedColumn(column->name);
         if (key.descending) keys += QStringLiteral(" DESC");
     }
     QString filter;
@@ -341,7 +342,7 @@ void makeStorageIndex(Catalog& catalog, const ObjectFacts& table, const IndexFac
     const auto sql = [&](bool isUnique, const QString& where) {
         return QStringLiteral("CREATE %1INDEX %2 ON %3(%4)%5")
             .arg(isUnique ? QStringLiteral("UNIQUE ") : QString(), indexName(table.id, index.indid),
-                 quotedTable(table.schema, table.name), keys, where);
+                 catalog.storedTable(table.schema, table.name), keys, where);
     };
     // SQLite refuses a filter over functions that may change their mind.
     if (!filter.isEmpty() && !sqliteTakes(catalog.handle(), sql(unique, filter))) {
@@ -388,8 +389,8 @@ void removeTable(Catalog& catalog, const ObjectFacts& table) {
         CatalogQuery(catalog.handle(), sql).add(table.id).run();
     catalog.removeObject(table.id);
     if (table.isTable())
-        execSql(catalog.handle(),
-                QStringLiteral("DROP TABLE IF EXISTS ") + quotedTable(table.schema, table.name));
+        execSql(catalog.handle(), QStringLiteral("DROP TABLE IF EXISTS ") +
+                                      catalog.storedTable(table.schema, table.name));
 }
 
 }  // namespace zov::local

@@ -214,11 +214,7 @@ void readColumn(const Catalog& catalog, TokenCursor& cursor, TableParts& parts) 
     }
     while (!cursor.atEnd() && !cursor.is(",") && !cursor.is(")")) {
         if (cursor.accept("COLLATE")) {
-            const QString collation = cursor.name();
-            column.facts.collation =
-                collation.compare(QLatin1String("database_default"), Qt::CaseInsensitive)
-                    ? collation
-                    : QString();
+            column.facts.collation = catalog.readCollation(cursor);
         } else if (cursor.accept("IDENTITY")) {
             readIdentity(cursor, column);
             requireIdentityType(column);
@@ -255,9 +251,10 @@ void readColumn(const Catalog& catalog, TokenCursor& cursor, TableParts& parts) 
     parts.columns.push_back(std::move(column));
 }
 
-const ColumnFacts* findColumn(const std::vector<ColumnFacts>& columns, const QString& name) {
+const ColumnFacts* findColumn(const Catalog& catalog, const std::vector<ColumnFacts>& columns,
+                              const QString& name) {
     for (const ColumnFacts& column : columns)
-        if (column.name.compare(name, Qt::CaseInsensitive) == 0) return &column;
+        if (catalog.sameName(column.name, name)) return &column;
     return nullptr;
 }
 
@@ -376,7 +373,7 @@ void writeColumns(Catalog& catalog, const ObjectFacts& table, std::vector<Column
         const auto names = [&](const ConstraintSpec& spec) {
             return spec.kind == QLatin1String("PK") &&
                    std::any_of(spec.columns.begin(), spec.columns.end(), [&](const QString& name) {
-                       return name.compare(column.facts.name, Qt::CaseInsensitive) == 0;
+                       return catalog.sameName(name, column.facts.name);
                    });
         };
         return std::any_of(constraints.begin(), constraints.end(), names) ||
@@ -391,7 +388,7 @@ void writeColumns(Catalog& catalog, const ObjectFacts& table, std::vector<Column
                      "128.")
                      .arg(facts.name.left(128)),
                  column.line);
-        if (findColumn(known, facts.name))
+        if (findColumn(catalog, known, facts.name))
             fail(2705,
                  QStringLiteral(
                      "Column names in each table must be unique. Column name '%1' in table "
@@ -449,7 +446,7 @@ std::vector<IndexKey> keysOf(Catalog& catalog, const ObjectFacts& table, const C
                              const std::vector<ColumnFacts>& columns) {
     std::vector<IndexKey> keys;
     for (size_t i = 0; i < spec.columns.size(); ++i) {
-        const ColumnFacts* column = findColumn(columns, spec.columns[i]);
+        const ColumnFacts* column = findColumn(catalog, columns, spec.columns[i]);
         if (!column)
             fail(1911,
                  QStringLiteral("Column name '%1' does not exist in the target table or view.")
@@ -528,7 +525,7 @@ void writeForeignKey(Catalog& catalog, const ObjectFacts& table, const Constrain
     const std::vector<ColumnFacts> others = catalog.columns(referenced->id);
     std::vector<int> from, to;
     for (const QString& column : spec.columns) {
-        const ColumnFacts* found = findColumn(columns, column);
+        const ColumnFacts* found = findColumn(catalog, columns, column);
         if (!found)
             fail(1769,
                  QStringLiteral(
@@ -555,7 +552,7 @@ void writeForeignKey(Catalog& catalog, const ObjectFacts& table, const Constrain
                  spec.line);
     }
     for (const QString& column : spec.referencedColumns) {
-        const ColumnFacts* found = findColumn(others, column);
+        const ColumnFacts* found = findColumn(catalog, others, column);
         if (!found)
             fail(1770,
                  QStringLiteral(
@@ -622,7 +619,7 @@ void writeForeignKey(Catalog& catalog, const ObjectFacts& table, const Constrain
 
 void writeDefault(Catalog& catalog, const ObjectFacts& table, const ConstraintSpec& spec,
                   const QString& name, const std::vector<ColumnFacts>& columns) {
-    const ColumnFacts* column = findColumn(columns, spec.columns.front());
+    const ColumnFacts* column = findColumn(catalog, columns, spec.columns.front());
     if (!column)
         fail(1752,
              QStringLiteral(
@@ -669,7 +666,7 @@ bool writeConstraint(Catalog& catalog, const ObjectFacts& table, const Constrain
     } else if (spec.kind == QLatin1String("D")) {
         writeDefault(catalog, table, spec, name, columns);
     } else {
-        const ColumnFacts* column = findColumn(columns, spec.column);
+        const ColumnFacts* column = findColumn(catalog, columns, spec.column);
         const int id =
             catalog.addObject(name, table.schemaId, spec.kind, table.id,
                               QString::number(column ? column->colid : 0), spec.name.isEmpty());
@@ -681,7 +678,7 @@ bool writeConstraint(Catalog& catalog, const ObjectFacts& table, const Constrain
 
 void writeTableIndex(Catalog& catalog, const ObjectFacts& table, const TableIndexSpec& index) {
     for (const IndexFacts& other : catalog.indexes(table.id))
-        if (other.name.compare(index.facts.name, Qt::CaseInsensitive) == 0)
+        if (catalog.sameName(other.name, index.facts.name))
             fail(
                 1913,
                 QStringLiteral("The operation failed because an index or statistics with name '%1' "
@@ -706,7 +703,7 @@ void writeTableIndex(Catalog& catalog, const ObjectFacts& table, const TableInde
     IndexFacts facts = index.facts;
     const std::vector<ColumnFacts> columns = catalog.columns(table.id);
     for (size_t i = 0; i < index.columns.size(); ++i) {
-        const ColumnFacts* column = findColumn(columns, index.columns[i]);
+        const ColumnFacts* column = findColumn(catalog, columns, index.columns[i]);
         if (!column)
             fail(1911,
                  QStringLiteral("Column name '%1' does not exist in the target table or view.")
@@ -843,7 +840,7 @@ void truncateTable(SessionState& session, TokenCursor& cursor) {
              name.line);
     referenced.again();
     execSql(catalog.handle(),
-            QStringLiteral("DELETE FROM ") + quotedTable(table.schema, table.name));
+            QStringLiteral("DELETE FROM ") + catalog.storedTable(table.schema, table.name));
     CatalogQuery(catalog.handle(), "UPDATE \"zov$columns\" SET identity_last=NULL WHERE id=?")
         .add(table.id)
         .run();

@@ -1,10 +1,10 @@
 #include "data/local/functions.h"
 
+#include "data/local/collation.h"
 #include "data/local/functions_support.h"
 #include "data/local/query_cache.h"
 
 #include <algorithm>
-#include <cstring>
 
 namespace zov::local {
 
@@ -93,58 +93,14 @@ void convert(sqlite3_context* context, sqlite3_value** arguments, bool tolerant)
     }
 }
 
-inline unsigned char folded(unsigned char c) {
-    return c >= 'A' && c <= 'Z' ? (unsigned char)(c + 32) : c;
+int compareTexts(void* collation, int lengthA, const void* a, int lengthB, const void* b) {
+    return static_cast<const Collation*>(collation)->compare(static_cast<const char*>(a), lengthA,
+                                                             static_cast<const char*>(b), lengthB);
 }
 
-inline int trimmedLength(const unsigned char* text, int length) {
-    while (length > 0 && text[length - 1] == ' ') --length;
-    return length;
-}
-
-/// Text that holds letters beyond ASCII, compared by Unicode's own folding.
-int compareUnicode(const char* a, int lengthA, const char* b, int lengthB,
-                   Qt::CaseSensitivity sensitivity) {
-    return QString::compare(QString::fromUtf8(a, lengthA), QString::fromUtf8(b, lengthB),
-                            sensitivity);
-}
-
-/// T-SQL's comparison of texts: blanks at the end don't count, letters match in any case. A blank
-/// that is followed by something sorts as itself, so the order stays total.
-int compareNoCase(void*, int lengthA, const void* a, int lengthB, const void* b) {
-    const auto* p = static_cast<const unsigned char*>(a);
-    const auto* q = static_cast<const unsigned char*>(b);
-    const int common = std::min(lengthA, lengthB);
-    for (int i = 0; i < common; ++i) {
-        if ((p[i] | q[i]) & 0x80)
-            return compareUnicode(static_cast<const char*>(a), trimmedLength(p, lengthA),
-                                  static_cast<const char*>(b), trimmedLength(q, lengthB),
-                                  Qt::CaseInsensitive);
-        const unsigned char x = folded(p[i]), y = folded(q[i]);
-        if (x == y) continue;
-        // "ab " against "ab": the rest of one may be blanks alone.
-        if (x == ' ' && trimmedLength(p, lengthA) <= i)
-            return trimmedLength(q, lengthB) <= i ? 0 : -1;
-        if (y == ' ' && trimmedLength(q, lengthB) <= i) return 1;
-        return int(x) - int(y);
-    }
-    if (lengthA == lengthB) return 0;
-    if (lengthA > lengthB)
-        return trimmedLength(p, lengthA) > common &&
-                       trimmedLength(p, lengthA) > trimmedLength(q, lengthB)
-                   ? 1
-                   : 0;
-    return trimmedLength(q, lengthB) > common &&
-                   trimmedLength(q, lengthB) > trimmedLength(p, lengthA)
-               ? -1
-               : 0;
-}
-
-int compareCase(void*, int lengthA, const void* a, int lengthB, const void* b) {
-    const int x = trimmedLength(static_cast<const unsigned char*>(a), lengthA);
-    const int y = trimmedLength(static_cast<const unsigned char*>(b), lengthB);
-    const int order = std::memcmp(a, b, size_t(std::min(x, y)));
-    return order ? order : x - y;
+void addCollation(sqlite3* handle, const char* name, const Collation* collation) {
+    sqlite3_create_collation_v2(handle, name, SQLITE_UTF8, const_cast<Collation*>(collation),
+                                compareTexts, nullptr);
 }
 
 }  // namespace
@@ -152,8 +108,12 @@ int compareCase(void*, int lengthA, const void* a, int lengthB, const void* b) {
 void installFunctions(sqlite3* handle, Database& database, ServerStore& store) {
     Q_UNUSED(store);
     // NOCASE is SQLite's own name: plain CREATE TABLE texts keep working in other programs.
-    sqlite3_create_collation_v2(handle, "NOCASE", SQLITE_UTF8, nullptr, compareNoCase, nullptr);
-    sqlite3_create_collation_v2(handle, "ZOVCASE", SQLITE_UTF8, nullptr, compareCase, nullptr);
+    addCollation(handle, "NOCASE", Collation::standard());
+    // Stands in computed columns of older files.
+    addCollation(handle, "ZOVCASE", Collation::named(QStringLiteral("Latin1_General_BIN2")));
+    sqlite3_collation_needed(handle, nullptr, [](void*, sqlite3* database, int, const char* name) {
+        addCollation(database, name, Collation::named(QString::fromUtf8(name)));
+    });
     define(handle, "zov_conv", 5,
            [](sqlite3_context* c, int, sqlite3_value** v) { convert(c, v, false); });
     define(handle, "zov_tryconv", 5,

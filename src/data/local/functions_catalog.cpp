@@ -4,6 +4,7 @@
 #include "data/local/functions_support.h"
 #include "data/local/query_cache.h"
 #include "data/local/server_store.h"
+#include "data/local/sqlite_files.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>
@@ -348,8 +349,7 @@ void serverProperty(sqlite3_context* context, int, sqlite3_value** v) {
     if (is(property, "ServerName") || is(property, "MachineName") ||
         is(property, "ComputerNamePhysicalNetBIOS"))
         return giveText(context, store ? store->serverName() : QString());
-    if (is(property, "Collation"))
-        return giveText(context, QByteArray("SQL_Latin1_General_CP1_CI_AS"));
+    if (is(property, "Collation")) return giveText(context, QByteArray(DefaultCollation));
     for (const char* none : {"IsClustered", "IsIntegratedSecurityOnly", "IsFullTextInstalled",
                              "IsHadrEnabled", "IsSingleUser", "IsLocalDB", "IsXTPSupported"})
         if (is(property, none)) return giveInt(context, 0);
@@ -367,7 +367,9 @@ void databaseProperty(sqlite3_context* context, int, sqlite3_value** v) {
     if (is(property, "Updateability")) return giveText(context, QByteArray("READ_WRITE"));
     if (is(property, "UserAccess")) return giveText(context, QByteArray("MULTI_USER"));
     if (is(property, "Collation"))
-        return giveText(context, QByteArray("SQL_Latin1_General_CP1_CI_AS"));
+        for (const DatabaseFacts& facts : store->databases())
+            if (fold(facts.name) == fold(textOf(v[0])))
+                return giveText(context, facts.collation);
     if (is(property, "Version")) return giveInt(context, 957);
     if (property.startsWith(QLatin1String("Is"), Qt::CaseInsensitive)) return giveInt(context, 0);
     sqlite3_result_null(context);

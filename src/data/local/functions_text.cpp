@@ -1,4 +1,5 @@
 // Texts: LIKE, SUBSTRING, REPLACE and the others as T-SQL has them.
+#include "data/local/collation.h"
 #include "data/local/functions_support.h"
 
 #include <vector>
@@ -12,21 +13,29 @@ bool anyNull(int count, sqlite3_value** values) {
     return false;
 }
 
+/// Where the letter at `at` ends: accents that follow it and the second half of a pair belong to
+/// it.
+qsizetype letterEnd(QStringView text, qsizetype at) {
+    qsizetype end = at + 1;
+    if (text[at].isHighSurrogate() && end < text.size()) ++end;
+    while (end < text.size() && text[end].unicode() >= 0x300 && text[end].isMark()) ++end;
+    return end;
+}
+
 /// A LIKE pattern: %, _, [a-z], [^...], and an escape character.
 class Pattern {
  public:
-    Pattern(const QString& pattern, QChar escape) {
+    Pattern(const QString& pattern, QChar escape, const Collation* collation)
+        : collation_(collation) {
         for (qsizetype i = 0; i < pattern.size(); ++i) {
             const QChar c = pattern[i];
             Item item;
-            if (!escape.isNull() && c == escape && i + 1 < pattern.size()) {
-                item.letter = fold(pattern[++i]);
-            } else if (c == u'%') {
+            if (c == u'%' && c != escape) {
                 item.kind = Kind::Any;
                 if (!items_.empty() && items_.back().kind == Kind::Any) continue;
-            } else if (c == u'_') {
+            } else if (c == u'_' && c != escape) {
                 item.kind = Kind::One;
-            } else if (c == u'[') {
+            } else if (c == u'[' && c != escape) {
                 qsizetype end = pattern.indexOf(u']', i + 1);
                 if (end < 0) {
                     valid_ = false;
@@ -38,7 +47,10 @@ class Pattern {
                 item.set = pattern.mid(i + 1, end - i - 1);
                 i = end;
             } else {
-                item.letter = fold(c);
+                if (!escape.isNull() && c == escape && i + 1 < pattern.size()) ++i;
+                const qsizetype end = letterEnd(pattern, i);
+                item.letter = pattern.mid(i, end - i);
+                i = end - 1;
             }
             items_.push_back(item);
         }
@@ -66,26 +78,36 @@ class Pattern {
     enum class Kind { Letter, Any, One, Set };
     struct Item {
         Kind kind = Kind::Letter;
-        QChar letter;
+        QString letter;
         QString set;
     };
-    static QChar fold(QChar c) { return c.toCaseFolded(); }
 
-    static bool inSet(const QString& set, QChar c) {
+    bool inSet(QStringView set, QStringView letter) const {
         qsizetype i = 0;
         const bool negated = set.startsWith(u'^');
         if (negated) ++i;
         bool found = false;
-        const QChar low = fold(c);
         for (; i < set.size() && !found; ++i) {
             if (i + 2 < set.size() && set[i + 1] == u'-') {
-                found = fold(set[i]) <= low && low <= fold(set[i + 2]);
+                found = collation_->compareLetters(set.mid(i, 1), letter) <= 0 &&
+                        collation_->compareLetters(letter, set.mid(i + 2, 1)) <= 0;
                 i += 2;
             } else {
-                found = fold(set[i]) == low;
+                found = collation_->compareLetters(set.mid(i, 1), letter) == 0;
             }
         }
         return found != negated;
+    }
+
+    /// Where the text goes on when the letter at `at` fits; -1 when it doesn't.
+    qsizetype fit(const Item& wanted, QStringView text, qsizetype at, qsizetype end) const {
+        if (wanted.kind == Kind::One) return at + 1;
+        const qsizetype next = std::min(letterEnd(text, at), end);
+        const QStringView letter = text.mid(at, next - at);
+        const bool fits = wanted.kind == Kind::Letter
+                              ? collation_->compareLetters(letter, wanted.letter) == 0
+                              : inSet(wanted.set, letter);
+        return fits ? next : -1;
     }
 
     bool match(const QString& text, qsizetype at, size_t item, qsizetype end) const {
@@ -93,7 +115,7 @@ class Pattern {
         qsizetype retryAt = -1;
         size_t retryItem = 0;
         for (;;) {
-            bool fits = false;
+            qsizetype next = -1;
             if (item == items_.size()) {
                 if (at == end) return true;
             } else if (items_[item].kind == Kind::Any) {
@@ -102,13 +124,10 @@ class Pattern {
                 retryItem = ++item;
                 continue;
             } else if (at < end) {
-                const Item& wanted = items_[item];
-                fits = wanted.kind == Kind::One ||
-                       (wanted.kind == Kind::Letter ? fold(text[at]) == wanted.letter
-                                                    : inSet(wanted.set, text[at]));
+                next = fit(items_[item], text, at, end);
             }
-            if (fits) {
-                ++at;
+            if (next >= 0) {
+                at = next;
                 ++item;
             } else if (retryAt >= 0 && retryAt < end) {
                 at = ++retryAt;
@@ -119,31 +138,38 @@ class Pattern {
         }
     }
 
+    const Collation* collation_;
     std::vector<Item> items_;
     bool valid_ = true;
 };
 
+/// The collation that the translator put behind the arguments; the default one where it put none.
+const Collation* collationOf(int count, sqlite3_value** values, int at) {
+    return count > at ? Collation::named(textOf(values[at])) : Collation::standard();
+}
+
 /// The pattern is compiled once a statement when it is the same for all rows.
-const Pattern& patternOf(sqlite3_context* context, sqlite3_value* text, QChar escape) {
+const Pattern& patternOf(sqlite3_context* context, sqlite3_value* text, QChar escape,
+                         const Collation* collation) {
     auto* kept = static_cast<Pattern*>(sqlite3_get_auxdata(context, 0));
     if (kept) return *kept;
-    kept = new Pattern(textOf(text), escape);
+    kept = new Pattern(textOf(text), escape, collation);
     sqlite3_set_auxdata(context, 0, kept,
                         [](void* pattern) { delete static_cast<Pattern*>(pattern); });
     auto* again = static_cast<Pattern*>(sqlite3_get_auxdata(context, 0));
     if (again) return *again;
     // SQLite did not keep it (it was deleted): the pattern changes from row to row.
     static thread_local std::unique_ptr<Pattern> single;
-    single = std::make_unique<Pattern>(textOf(text), escape);
+    single = std::make_unique<Pattern>(textOf(text), escape, collation);
     return *single;
 }
 
 void like(sqlite3_context* context, int count, sqlite3_value** v) {
     if (anyNull(count, v)) return sqlite3_result_null(context);
     const QString escape = count > 2 ? textOf(v[2]) : QString();
-    sqlite3_result_int(
-        context,
-        patternOf(context, v[0], escape.isEmpty() ? QChar() : escape[0]).matches(textOf(v[1])));
+    sqlite3_result_int(context, patternOf(context, v[0], escape.isEmpty() ? QChar() : escape[0],
+                                          collationOf(count, v, 3))
+                                    .matches(textOf(v[1])));
 }
 
 void substring(sqlite3_context* context, int, sqlite3_value** v) {
@@ -167,12 +193,28 @@ void substring(sqlite3_context* context, int, sqlite3_value** v) {
     giveText(context, textOf(v[0]).mid(start - 1, length));
 }
 
-void replaceText(sqlite3_context* context, int, sqlite3_value** v) {
+void replaceText(sqlite3_context* context, int count, sqlite3_value** v) {
     if (anyNull(3, v)) return sqlite3_result_null(context);
-    QString text = textOf(v[0]);
-    const QString what = textOf(v[1]);
-    if (!what.isEmpty()) text.replace(what, textOf(v[2]), Qt::CaseInsensitive);
-    giveText(context, text);
+    const Collation* collation = collationOf(count, v, 3);
+    const QString text = textOf(v[0]), what = textOf(v[1]), with = textOf(v[2]);
+    QString result;
+    qsizetype from = 0, length = 0;
+    for (qsizetype at; (at = collation->find(text, what, from, length)) >= 0; from = at + length)
+        result += text.mid(from, at - from) + with;
+    giveText(context, result + text.mid(from));
+}
+
+/// COLLATIONPROPERTY; null for a collation or a property that isn't known.
+void collationProperty(sqlite3_context* context, int count, sqlite3_value** v) {
+    if (anyNull(count, v)) return sqlite3_result_null(context);
+    const CollationRules rules = readCollationName(textOf(v[0]));
+    const QString property = textOf(v[1]).toLower();
+    if (!rules.known) return sqlite3_result_null(context);
+    if (property == u"codepage") return giveInt(context, rules.codePage);
+    if (property == u"lcid") return giveInt(context, rules.lcid);
+    if (property == u"comparisonstyle") return giveInt(context, comparisonStyle(rules));
+    if (property == u"version") return giveInt(context, rules.version);
+    sqlite3_result_null(context);
 }
 
 void quotename(sqlite3_context* context, int count, sqlite3_value** v) {
@@ -242,8 +284,10 @@ void checksum(sqlite3_context* context, int count, sqlite3_value** v) {
 void installTextFunctions(sqlite3* handle) {
     define(handle, "zov_like", 2, like);
     define(handle, "zov_like", 3, like);
+    define(handle, "zov_like", 4, like);
     define(handle, "zov_substring", 3, substring);
     define(handle, "zov_replace", 3, replaceText);
+    define(handle, "zov_replace", 4, replaceText);
     define(handle, "zov_quotename", 1, quotename);
     define(handle, "zov_quotename", 2, quotename);
     define(handle, "zov_str", 1, str);
@@ -320,17 +364,20 @@ void installTextFunctions(sqlite3* handle) {
     const SqlFunction charindex = [](sqlite3_context* c, int count, sqlite3_value** v) {
         if (anyNull(count, v)) return sqlite3_result_null(c);
         const qint64 from = count > 2 ? std::max<qint64>(1, sqlite3_value_int64(v[2])) : 1;
-        const QString needle = textOf(v[0]);
-        giveInt(c, needle.isEmpty()
-                       ? 0
-                       : textOf(v[1]).indexOf(needle, from - 1, Qt::CaseInsensitive) + 1);
+        qsizetype length = 0;
+        giveInt(c,
+                collationOf(count, v, 3)->find(textOf(v[1]), textOf(v[0]), from - 1, length) + 1);
     };
     define(handle, "zov_charindex", 2, charindex);
     define(handle, "zov_charindex", 3, charindex);
-    define(handle, "zov_patindex", 2, [](sqlite3_context* c, int, sqlite3_value** v) {
+    define(handle, "zov_charindex", 4, charindex);
+    const SqlFunction patindex = [](sqlite3_context* c, int count, sqlite3_value** v) {
         if (anyNull(2, v)) return sqlite3_result_null(c);
-        giveInt(c, Pattern(textOf(v[0]), QChar()).find(textOf(v[1])));
-    });
+        giveInt(c, Pattern(textOf(v[0]), QChar(), collationOf(count, v, 2)).find(textOf(v[1])));
+    };
+    define(handle, "zov_patindex", 2, patindex);
+    define(handle, "zov_patindex", 3, patindex);
+    define(handle, "zov_collationproperty", 2, collationProperty);
     define(handle, "zov_space", 1, [](sqlite3_context* c, int, sqlite3_value** v) {
         if (isNull(v[0]) || sqlite3_value_int64(v[0]) < 0) return sqlite3_result_null(c);
         giveText(c, QString(std::min<qint64>(8000, sqlite3_value_int64(v[0])), u' '));

@@ -16,6 +16,7 @@
 #include <map>
 #include <memory>
 #include <optional>
+#include <set>
 #include <span>
 
 namespace zov::local {
@@ -29,6 +30,7 @@ struct Database {
     QString name;
     sqlite3* handle = nullptr;
     int dbid = 0;
+    bool isCopy = false;   ///< the handle isn't the file's, which could be read but not written
     std::shared_ptr<QueryCache> queries;   ///< made at first use; see releaseQueries
     /// The store that holds the handle now. Handles outlive sessions and pass from one store to the
     /// next: functions on a handle ask this, never the store that they were installed with.
@@ -58,6 +60,7 @@ struct SessionState {
     qint64 rowCount = 0;                  ///< @@ROWCOUNT
     std::optional<qint64> lastIdentity;   ///< @@IDENTITY, SCOPE_IDENTITY()
     std::vector<ServerMessage> messages;
+    std::set<QString> toldCollations;     ///< unknown ones that a message was given for
     /// The error that a CATCH block handles, for ERROR_MESSAGE() and its like.
     struct CaughtError {
         qint32 number = 0;

@@ -2,6 +2,7 @@
 
 #include "data/local/definitions.h"
 #include "data/local/server_store.h"
+#include "data/local/sorting.h"
 
 #include "data/local/query_values.h"
 
@@ -15,7 +16,7 @@ constexpr qsizetype MaxInserts = 200;
 
 int QueryTable::columnIndex(const QString& column) const {
     for (size_t i = 0; i < columns.size(); ++i)
-        if (columns[i].name.compare(column, Qt::CaseInsensitive) == 0) return int(i);
+        if (names->equal(columns[i].name, column)) return int(i);
     return -1;
 }
 
@@ -48,9 +49,24 @@ void QueryCache::finalizeAll() {
     for (const auto& [sql, statement] : lookUps_) sqlite3_finalize(statement);
     lookUps_.clear();
     dataVersion_ = -1;
+    collation_ = storedNames_ = nullptr;
+}
+
+const Collation* QueryCache::collation() {
+    if (!collation_) {
+        LookUp fact(*this, "SELECT value FROM \"zov$facts\" WHERE name = 'collation'");
+        collation_ = Collation::named(fact.next() ? fact.text(0) : QString());
+    }
+    return collation_;
+}
+
+const Collation* QueryCache::storedNames() {
+    if (!storedNames_) storedNames_ = storedCollation(handle, "zov$objects", "name");
+    return storedNames_;
 }
 
 void QueryCache::forgetCatalogue() {
+    collation_ = storedNames_ = nullptr;
     tables.clear();
     inserts.clear();
     for (auto it = selects.begin(); it != selects.end();) {
@@ -87,8 +103,9 @@ sqlite3_stmt* QueryCache::lookUp(const char* sql) {
 }
 
 std::shared_ptr<const QueryTable> QueryCache::table(const QString& schema, const QString& name) {
+    const Collation* names = collation();
     const QString key =
-        (schema.isEmpty() ? QStringLiteral("dbo") : schema.toLower()) + u'.' + name.toLower();
+        (schema.isEmpty() ? QStringLiteral("dbo") : names->key(schema)) + u'.' + names->key(name);
     const auto known = tables.constFind(key);
     if (known != tables.constEnd()) return known.value();
     qint64 id = 0;
@@ -108,6 +125,7 @@ std::shared_ptr<const QueryTable> QueryCache::table(const QString& schema, const
 std::shared_ptr<const QueryTable> QueryCache::tableById(int id) {
     auto table = std::make_shared<QueryTable>();
     table->id = id;
+    table->names = collation();
     {
         LookUp find(*this,
                     "SELECT s.name, o.name, o.xtype, o.info FROM \"zov$objects\" o "
@@ -125,16 +143,19 @@ std::shared_ptr<const QueryTable> QueryCache::tableById(int id) {
         while (source.next()) table->text += source.text(0);
     }
     if (table->xtype == u"U") {
-        table->sqlName = quotedName(table->schema + u'.' + table->name);
-        LookUp columns(*this,
-                       "SELECT c.name, c.colid, c.xtype, c.length, c.prec, c.scale, c.isnullable, "
-                       "c.identity_seed, "
-                       "c.identity_incr, c.computed, t.name, "
-                       "(SELECT group_concat(m.text, '') FROM \"zov$comments\" m WHERE m.id = "
-                       "c.cdefault AND c.cdefault > 0), "
-                       "c.xusertype FROM \"zov$columns\" c LEFT JOIN \"zov$types\" t ON "
-                       "t.xusertype = c.xusertype "
-                       "WHERE c.id = ?1 ORDER BY c.colorder");
+        const QString stored = storageName(table->schema + u'.' + table->name, *table->names);
+        const QByteArray storedUtf8 = stored.toUtf8();
+        table->sqlName = quotedName(stored);
+        LookUp columns(
+            *this,
+            "SELECT c.name, c.colid, c.xtype, c.length, c.prec, c.scale, c.isnullable, "
+            "c.identity_seed, "
+            "c.identity_incr, c.computed, t.name, "
+            "(SELECT group_concat(m.text, '') FROM \"zov$comments\" m WHERE m.id = "
+            "c.cdefault AND c.cdefault > 0), "
+            "c.xusertype, c.collation FROM \"zov$columns\" c LEFT JOIN \"zov$types\" t ON "
+            "t.xusertype = c.xusertype "
+            "WHERE c.id = ?1 ORDER BY c.colorder");
         columns.bind(qint64(id));
         while (columns.next()) {
             QueryColumn column;
@@ -144,6 +165,13 @@ std::shared_ptr<const QueryTable> QueryCache::tableById(int id) {
                                             int(columns.integer(4)), int(columns.integer(5)),
                                             columns.integer(6) != 0);
             column.info.name = column.name;
+            const QString inFile = storageName(column.name, *table->names);
+            column.sqlName = quotedName(inFile);
+            if (isTextType(column.info.type)) {
+                column.collation = Collation::named(columns.text(13));
+                column.stored =
+                    storedCollation(handle, storedUtf8.constData(), inFile.toUtf8().constData());
+            }
             if (!columns.isNull(7)) {
                 column.isIdentity = true;
                 column.seed = columns.integer(7);
@@ -171,6 +199,17 @@ void catalogChanged(Database& database) {
 
 void releaseQueries(Database& database) {
     if (database.queries) database.queries->finalizeAll();
+}
+
+QString storageName(const QString& name, const Collation& names) {
+    if (!names.tellsCase()) return name;
+    QString marked;
+    for (const QChar c : name) {
+        const bool capital = c >= u'A' && c <= u'Z';
+        if (capital || c == u'^') marked += u'^';
+        marked += capital ? QChar(char16_t(c.unicode() + 32)) : c;
+    }
+    return marked;
 }
 
 QString quotedName(const QString& name) {
@@ -249,9 +288,10 @@ void throwQueryError(sqlite3* handle, int code, const ExecutionControl* control)
         case SQLITE_CANTOPEN:
         case SQLITE_CORRUPT:
         case SQLITE_NOTADB:
-            checkSqlite(handle, code);   // told in plain words
+            checkSqlite(handle, code);  // told in plain words
             break;
-        default: break;
+        default:
+            break;
     }
     if (text == u"integer overflow")
         throw DbError(

@@ -2,6 +2,7 @@
 // statements by their shape, and the small look-ups of the catalogue functions.
 #pragma once
 
+#include "data/local/collation.h"
 #include "data/local/query_engine.h"
 #include "data/local/query_types.h"
 
@@ -16,9 +17,12 @@ namespace zov::local {
 
 struct QueryColumn {
     QString name;
+    QString sqlName;  ///< quoted for SQLite
     int colid = 0;
-    ColumnInfo info;      ///< with its name
-    QString defaultText;  ///< null without a default
+    ColumnInfo info;                       ///< with its name
+    const Collation* collation = nullptr;  ///< of a text
+    const Collation* stored = nullptr;     ///< by which SQLite compares it; null: by its bytes
+    QString defaultText;                   ///< null without a default
     bool isIdentity = false;
     qint64 seed = 1, increment = 1;
     QString computed;  ///< null for a plain column
@@ -35,6 +39,7 @@ struct QueryTable {
     QString rowid;    ///< a name for SQLite's row number that no column has taken
     QString text;     ///< of a view, its source; of a synonym, what it stands for
     std::vector<QueryColumn> columns;
+    const Collation* names = Collation::standard();  ///< by which its columns' names are told apart
 
     int columnIndex(const QString& column) const;
 };
@@ -83,7 +88,11 @@ struct QueryCache {
 
     /// Drops what another connection's changes made stale. Cheap; once a statement.
     void refresh();
-    /// Null when there is none. `schema` in any case; empty means dbo.
+    /// The database's: of its names, of literals and variables.
+    const Collation* collation();
+    /// By which SQLite compares the catalogue's names.
+    const Collation* storedNames();
+    /// Null when there is none. An empty `schema` means dbo.
     std::shared_ptr<const QueryTable> table(const QString& schema, const QString& name);
     std::shared_ptr<const QueryTable> tableById(int id);
     void forgetCatalogue();
@@ -102,6 +111,8 @@ struct QueryCache {
  private:
     std::unordered_map<const char*, sqlite3_stmt*> lookUps_;
     qint64 dataVersion_ = -1;
+    const Collation* collation_ = nullptr;
+    const Collation* storedNames_ = nullptr;
 };
 
 /// One use of a catalogue look-up.
@@ -151,6 +162,9 @@ sqlite3_stmt* prepareStatement(sqlite3* handle, const QByteArray& sql, bool keep
 [[noreturn]] void throwQueryError(sqlite3* handle, int code, const ExecutionControl* control);
 /// An identifier in double quotes.
 QString quotedName(const QString& name);
+/// What a table, a column is called in SQLite, which takes names that differ in the case of A to Z
+/// for one: where the database's collation tells them apart, capitals are marked.
+QString storageName(const QString& name, const Collation& names);
 /// A T-SQL name split at its dots: "dbo.[a b]" gives two parts. Empty list when it isn't a name.
 QStringList splitName(const QString& name);
 

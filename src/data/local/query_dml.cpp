@@ -52,27 +52,32 @@ StoredValue storedFor(const SessionState& session, const StoredValue& value,
     if ((code & 0xFF) != SQLITE_CONSTRAINT ||
         !text.startsWith(QLatin1String("UNIQUE constraint failed")))
         throwQueryError(cache.handle, code, control);
-    const QString prefix = table.schema + u'.' + table.name + u'.';
-    QStringList failed;
-    for (const QString& part : text.mid(text.indexOf(u':') + 2).split(QLatin1String(", ")))
-        failed.append(
-            (part.startsWith(prefix, Qt::CaseInsensitive) ? part.mid(prefix.size()) : part)
-                .toLower());
+    const QString prefix = storageName(table.schema + u'.' + table.name, *table.names) + u'.';
+    // SQLite tells the columns by its own names for them.
+    std::vector<int> failed;
+    for (const QString& part : text.mid(text.indexOf(u':') + 2).split(QLatin1String(", "))) {
+        const QString stored =
+            part.startsWith(prefix, Qt::CaseInsensitive) ? part.mid(prefix.size()) : part;
+        for (size_t i = 0; i < table.columns.size(); ++i)
+            if (storageName(table.columns[i].name, *table.names)
+                    .compare(stored, Qt::CaseInsensitive) == 0)
+                failed.push_back(int(i));
+    }
+    std::set<int> failedIds;
+    for (const int at : failed) failedIds.insert(table.columns[size_t(at)].colid);
     QString name, kind, values;
     {
         LookUp indexes(cache,
                        "SELECT i.name, coalesce((SELECT o.xtype FROM \"zov$objects\" o WHERE o.id "
                        "= i.constraint_id), ''), "
-                       "(SELECT group_concat(lower(c.name), ', ') FROM (SELECT colid FROM "
-                       "\"zov$indexkeys\" k WHERE k.id = i.id AND "
-                       "k.indid = i.indid AND NOT k.is_included ORDER BY k.keyno) x JOIN "
-                       "\"zov$columns\" c ON c.id = i.id AND c.colid = x.colid) "
+                       "(SELECT group_concat(k.colid) FROM \"zov$indexkeys\" k WHERE k.id = i.id "
+                       "AND k.indid = i.indid AND NOT k.is_included) "
                        "FROM \"zov$indexes\" i WHERE i.id = ?1 AND i.is_unique ORDER BY i.indid");
         indexes.bind(qint64(table.id));
         while (indexes.next()) {
-            const QStringList columns = indexes.text(2).split(QLatin1String(", "));
-            const bool same = std::set<QString>(columns.begin(), columns.end()) ==
-                              std::set<QString>(failed.begin(), failed.end());
+            std::set<int> ids;
+            for (const QString& id : indexes.text(2).split(u',')) ids.insert(id.toInt());
+            const bool same = ids == failedIds;
             if (name.isEmpty() || same) {
                 name = indexes.text(0);
                 kind = indexes.text(1).trimmed();
@@ -80,9 +85,7 @@ StoredValue storedFor(const SessionState& session, const StoredValue& value,
             }
         }
     }
-    for (const QString& column : failed) {
-        const int at = table.columnIndex(column);
-        if (at < 0) continue;
+    for (const int at : failed) {
         const StoredValue value = valueOf(at);
         values += (values.isEmpty() ? QString() : QStringLiteral(", ")) +
                   (value.isNull() ? QStringLiteral("<NULL>") : value.text().trimmed());
@@ -392,8 +395,7 @@ class Inserter {
         QString columns, marks;
         for (const QueryColumn& column : table_.columns) {
             if (!column.computed.isNull()) continue;
-            columns +=
-                (columns.isEmpty() ? QString() : QStringLiteral(", ")) + quotedName(column.name);
+            columns += (columns.isEmpty() ? QString() : QStringLiteral(", ")) + column.sqlName;
             marks += marks.isEmpty() ? QStringLiteral("?") : QStringLiteral(", ?");
         }
         prepared_ = std::make_shared<PreparedInsert>();
@@ -627,11 +629,11 @@ qint64 runUpdate(SessionState& session, std::span<const Token> statement, Variab
     for (const int column : columns)
         if (column >= 0)
             set += (set.isEmpty() ? QString() : QStringLiteral(", ")) +
-                   quotedName(table->columns[size_t(column)].name) + QStringLiteral(" = ?");
+                   table->columns[size_t(column)].sqlName + QStringLiteral(" = ?");
     for (size_t i = 0; i < table->columns.size(); ++i) {
         if (table->columns[i].info.type != SqlType::RowVersion) continue;
-        set += (set.isEmpty() ? QString() : QStringLiteral(", ")) +
-               quotedName(table->columns[i].name) + QStringLiteral(" = ?");
+        set += (set.isEmpty() ? QString() : QStringLiteral(", ")) + table->columns[i].sqlName +
+               QStringLiteral(" = ?");
         versions.push_back(int(i));
     }
     Statement write;

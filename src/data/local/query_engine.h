@@ -58,9 +58,11 @@ std::unique_ptr<ResultStream> runSelect(SessionState& session, std::span<const T
                                         Variables& variables);
 
 /// The columns that a SELECT would give, without running it (views, SELECT INTO).
-/// `variables` may be null when the statement mentions none.
+/// `variables` may be null when the statement mentions none. `collations` gets the name of each
+/// column's collation.
 std::vector<ColumnInfo> describeSelect(SessionState& session, std::span<const Token> statement,
-                                       const Variables* variables = nullptr);
+                                       const Variables* variables = nullptr,
+                                       std::vector<QString>* collations = nullptr);
 
 /// Run one statement; the result is the number of rows touched (also left in session.rowCount).
 /// `copying` rows into a table made for them: identities and row versions stay what they were.
@@ -77,10 +79,10 @@ bool evaluateCondition(SessionState& session, std::span<const Token> condition,
                        Variables& variables);
 
 /// An expression over the columns of `table` ([schema].[name] resolved already to the object's id)
-/// in SQLite's dialect, for generated columns; `type` gets the inferred type. `tableId` 0: no
-/// columns.
+/// in SQLite's dialect, for generated columns; `type` gets the inferred type, `collation` the name
+/// of a text's, empty for the database's. `tableId` 0: no columns.
 QString translateForSqlite(SessionState& session, std::span<const Token> expression, int tableId,
-                           ColumnInfo* type = nullptr);
+                           ColumnInfo* type = nullptr, QString* collation = nullptr);
 
 /// How many of `tokens` from `begin` on make one expression or condition: the index behind it. The
 /// end is where the grammar can't go on (a keyword, an unmatched ")" or ",").

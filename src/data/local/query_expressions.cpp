@@ -201,14 +201,19 @@ Sql Translator::column(const Expr& expr, Scope& scope) {
         SourceColumn* foundColumn = nullptr;
         for (Source& source : at->sources) {
             if (!path.isEmpty()) {
-                if (source.alias.compare(path.last(), Qt::CaseInsensitive) != 0) continue;
+                const bool named = sameName(source.alias, path.last()) ||
+                                   (source.anyCase && source.ownName &&
+                                    source.alias.compare(path.last(), Qt::CaseInsensitive) == 0);
+                if (!named) continue;
                 if (path.size() > 1 && !path[0].isEmpty() &&
-                    (!source.ownName || source.schema.compare(path[0], Qt::CaseInsensitive) != 0))
+                    (!source.ownName || !sameName(source.schema, path[0])))
                     continue;
                 prefixKnown = true;
             }
             for (SourceColumn& column : source.columns) {
-                if (column.name.compare(expr.name, Qt::CaseInsensitive) != 0) continue;
+                if (source.anyCase ? column.name.compare(expr.name, Qt::CaseInsensitive) != 0
+                                   : !sameName(column.name, expr.name))
+                    continue;
                 if (found)
                     failWith(209, QStringLiteral("Ambiguous column name '%1'.").arg(expr.name));
                 found = &source;
@@ -221,7 +226,8 @@ Sql Translator::column(const Expr& expr, Scope& scope) {
             Sql sql;
             sql.text = found->bare ? foundColumn->sql : found->sqlAlias + u'.' + foundColumn->sql;
             sql.type = foundColumn->type;
-            sql.collated = foundColumn->collated;
+            sql.collating = foundColumn->collating;
+            sql.stored = foundColumn->stored;
             return sql;
         }
         if (prefixKnown) break;
@@ -282,14 +288,15 @@ Sql Translator::translate(const Expr& expr, Scope& scope) {
             return function(expr, scope);
         case Expr::Kind::Collate: {
             Sql value = translate(*expr.args[0], scope);
-            const QString name = expr.name.toUpper();
-            const bool exact =
-                name.contains(QLatin1String("_CS_")) || name.contains(QLatin1String("_BIN"));
+            if (value.type.known && !value.type.isText())
+                failWith(447, QStringLiteral("Expression type %1 is invalid for COLLATE clause.")
+                                  .arg(sqlTypeName(value.type.type())));
+            const Collation* collation = namedInQuery(expr.name);
             Sql sql =
-                plain(use(value) + QLatin1String(exact ? " COLLATE ZOVCASE" : " COLLATE NOCASE"),
+                plain(u'(' + use(value) + QStringLiteral(" COLLATE ") + collation->sqlName() + u')',
                       value.type);
-            sql.text = u'(' + sql.text + u')';
-            sql.collated = true;
+            sql.collating = Collating::byWord(collation);
+            sql.stored = collation;
             return sql;
         }
         case Expr::Kind::Subquery:
@@ -310,6 +317,7 @@ Sql Translator::scalarSubquery(const Expr& expr, Scope& scope) {
                 "Only one expression can be specified in the select list when the subquery is not "
                 "introduced with EXISTS."));
     Sql sql = plain(u'(' + inner.sql + u')', inner.columns[0].type);
+    sql.collating = inner.columns[0].collating;
     sql.type.info.nullable = true;
     return sql;
 }
@@ -338,7 +346,9 @@ Sql Translator::plus(Sql a, Sql b) {
         type.info.size = sizeOf(a) < 0 || sizeOf(b) < 0
                              ? -1
                              : std::min(unicode ? 4000 : 8000, sizeOf(a) + sizeOf(b));
-        return plain(u'(' + use(a) + QStringLiteral(" || ") + use(b) + u')', type);
+        Sql both = plain(u'(' + use(a) + QStringLiteral(" || ") + use(b) + u')', type);
+        both.collating = joined(a.collating, b.collating, QStringLiteral("add"));
+        return both;
     }
     if (a.type.isBinary() && b.type.isBinary()) {
         ValueType type = knownType(SqlType::VarBinary,
@@ -483,7 +493,9 @@ Sql Translator::caseExpr(const Expr& expr, Scope& scope) {
     for (size_t i = 1; i < branches.size(); ++i) type = commonType(type, branches[i].second.type);
     if (!expr.hasElse) type.info.nullable = true;
     QString text = QStringLiteral("(CASE");
+    Collating collating;
     for (auto& [when, value] : branches) {
+        collating = joined(collating, value.collating, QStringLiteral("CASE"));
         const bool unchanged =
             !type.known || !value.type.known || value.type.isText() == type.isText();
         const QString result =
@@ -493,7 +505,9 @@ Sql Translator::caseExpr(const Expr& expr, Scope& scope) {
         text += when.isNull() ? QStringLiteral(" ELSE ") + result
                               : QStringLiteral(" WHEN ") + when + QStringLiteral(" THEN ") + result;
     }
-    return plain(text + QStringLiteral(" END)"), type);
+    Sql sql = plain(text + QStringLiteral(" END)"), type);
+    sql.collating = collating;
+    return sql;
 }
 
 Sql Translator::cast(const Expr& expr, Scope& scope) {
@@ -512,7 +526,9 @@ Sql Translator::cast(const Expr& expr, Scope& scope) {
     type.known = true;
     // Without a size, CAST makes texts of thirty characters.
     type.info.nullable = true;  // a conversion may fail, and give null then
-    return plain(converted(value, type.info, style, expr.tolerant), type);
+    Sql sql = plain(converted(value, type.info, style, expr.tolerant), type);
+    if (type.isText()) sql.collating = value.collating;
+    return sql;
 }
 
 // --- conditions ---------------------------------------------------------------------------------
@@ -542,11 +558,16 @@ QString Translator::predicate(const Expr& expr, Scope& scope) {
         case Expr::Kind::Like: {
             const Sql value = translate(*expr.args[0], scope);
             const Sql pattern = translate(*expr.args[1], scope);
+            const Collation* wanted =
+                comparing(value.collating, pattern.collating, QStringLiteral("like"), names());
             QString text = QStringLiteral("zov_like(") +
                            (pattern.literal ? bound(pattern) : asText(pattern)) +
                            QStringLiteral(", ") + asText(value);
             if (expr.args.size() > 2)
                 text += QStringLiteral(", ") + use(translate(*expr.args[2], scope));
+            else if (!wanted->isStandard())
+                text += QStringLiteral(", ''");
+            if (!wanted->isStandard()) text += QStringLiteral(", ") + quotedText(wanted->name());
             text += u')';
             return expr.negated ? QStringLiteral("(NOT ") + text + u')' : text;
         }
@@ -565,6 +586,7 @@ QString Translator::predicate(const Expr& expr, Scope& scope) {
                                              "list when the subquery is "
                                              "not introduced with EXISTS."));
             Sql other = plain(QStringLiteral("q.c1"), inner.columns[0].type);
+            other.collating = inner.columns[0].collating;
             const QString condition = compare(expr.name, value, other);
             return expr.tolerant
                        ? QStringLiteral("NOT EXISTS (SELECT 1 FROM (%1) AS q WHERE NOT %2)")
@@ -589,7 +611,16 @@ QString Translator::predicate(const Expr& expr, Scope& scope) {
     }
 }
 
-void Translator::coerce(const Sql& a, const Sql& b, QString& left, QString& right) {
+/// Makes SQLite compare by the collation that the two sides have together. It goes by the left one
+/// where that is a column.
+void Translator::collate(const Sql& a, const Sql& b, QString& left, const QString& operation) {
+    const Collation* wanted = comparing(a.collating, b.collating, operation, names());
+    const bool bare = a.literal || !a.variable.isEmpty();
+    if (a.stored != wanted && !(bare && b.stored == wanted)) left += suffix(nullptr, wanted);
+}
+
+void Translator::coerce(const Sql& a, const Sql& b, QString& left, QString& right,
+                        const QString& operation) {
     const ValueType &ta = a.type, &tb = b.type;
     const auto both = [&](const ColumnInfo& type) {
         const auto side = [&](const Sql& sql) {
@@ -604,7 +635,7 @@ void Translator::coerce(const Sql& a, const Sql& b, QString& left, QString& righ
         (!ta.known && !tb.known)) {
         left = bound(a);
         right = bound(b);
-        if (!a.collated && !b.collated) left += QStringLiteral(" COLLATE NOCASE");
+        collate(a, b, left, operation);
         return;
     }
     if (ta.isDate() || tb.isDate()) {
@@ -669,13 +700,12 @@ void Translator::coerce(const Sql& a, const Sql& b, QString& left, QString& righ
     if (tb.isBinary() && ta.isText()) return both(makeType(SqlType::VarBinary, -1));
     left = bound(a);
     right = bound(b);
-    if ((ta.isText() || tb.isText()) && !a.collated && !b.collated)
-        left += QStringLiteral(" COLLATE NOCASE");
+    if (ta.isText() || tb.isText()) collate(a, b, left, operation);
 }
 
 QString Translator::compare(const QString& op, const Sql& a, const Sql& b) {
     QString left, right;
-    coerce(a, b, left, right);
+    coerce(a, b, left, right, operationName(op));
     if ((a.type.isGuid() || b.type.isGuid()) && op != u"=" && op != u"<>") {
         left = QStringLiteral("zov_gkey(") + left + u')';
         right = QStringLiteral("zov_gkey(") + right + u')';
@@ -693,10 +723,9 @@ QString Translator::inList(const Expr& expr, Scope& scope) {
                                          "when the subquery is not "
                                          "introduced with EXISTS."));
         QString left, right;
-        coerce(value, plain(QStringLiteral("c1"), inner.columns[0].type), left, right);
-        if (value.type.isText() && !value.collated &&
-            !left.endsWith(QLatin1String(" COLLATE NOCASE")))
-            left += QStringLiteral(" COLLATE NOCASE");
+        Sql row = plain(QStringLiteral("c1"), inner.columns[0].type);
+        row.collating = inner.columns[0].collating;
+        coerce(value, row, left, right);
         const QString rows = right == u"c1" ? inner.sql
                                             : QStringLiteral("SELECT ") + right +
                                                   QStringLiteral(" FROM (") + inner.sql + u')';

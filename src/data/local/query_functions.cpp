@@ -22,6 +22,17 @@ QString call(const char* name, const QStringList& arguments) {
     return QLatin1String(name) + u'(' + arguments.join(QLatin1String(", ")) + u')';
 }
 
+/// A function's result that keeps the collation of the text that it was made of.
+Sql collatedAs(const Sql& text, Sql result) {
+    result.collating = text.collating;
+    return result;
+}
+
+/// Functions that look for one text in another: how many arguments stand before the collation.
+int searches(const QString& name) {
+    return name == u"charindex" || name == u"replace" ? 3 : name == u"patindex" ? 2 : 0;
+}
+
 /// The text type that a function makes of its argument: varchar stays varchar, the rest is
 /// nvarchar.
 ValueType textLike(const ValueType& argument, int size) {
@@ -140,6 +151,7 @@ const Rule rules[] = {
     {"typeproperty", 2, 2, "typeproperty", Result::Int, 0, false, true, 0},
     {"databasepropertyex", 2, 2, "databasepropertyex", Result::Variant, 0, false, true, 0},
     {"databaseproperty", 2, 2, "databasepropertyex", Result::Int, 0, false, true, 0},
+    {"collationproperty", 2, 2, "zov_collationproperty", Result::Variant, 0, false, true, 0},
     {"serverproperty", 1, 1, "serverproperty", Result::Variant, 0, false, true, 0},
     {"fulltextserviceproperty", 1, 1, "serverproperty", Result::Int, 0, false, true, 0},
     {"ident_seed", 1, 1, "ident_seed", Result::Numeric38, 0, false, true, 0},
@@ -232,9 +244,8 @@ Sql Translator::aggregate(const Expr& expr, Scope& scope, bool& found) {
         if (expr.args[0]->kind == Expr::Kind::Star)
             return windowed(made(QStringLiteral("count(*)"), type), expr, scope);
         const Sql value = translate(*expr.args[0], scope);
-        QString text = use(value);
-        if (expr.distinct && value.type.isText() && !value.collated)
-            text += QStringLiteral(" COLLATE NOCASE");
+        const QString text =
+            expr.distinct && value.type.isText() ? sortable(value, "SELECT", 1) : use(value);
         return windowed(made(QStringLiteral("count(") + distinct + text + u')', type), expr, scope);
     }
     if (name == u"sum" || name == u"avg") {
@@ -275,14 +286,13 @@ Sql Translator::aggregate(const Expr& expr, Scope& scope, bool& found) {
     if (name == u"min" || name == u"max") {
         if (expr.args.size() != 1) wrongCount(name, 1);
         const Sql value = translate(*expr.args[0], scope);
-        QString text = use(value);
-        if (value.type.isText() && !value.collated) text += QStringLiteral(" COLLATE NOCASE");
+        const QString text = value.type.isText() ? sortable(value, "SELECT", 1) : use(value);
         ValueType type = value.type;
         type.info.nullable = true;
         const QString function = !value.type.isWide() ? name + u'('
                                  : expr.window        ? QStringLiteral("zov_w") + name + u'('
                                                       : QStringLiteral("zov_d") + name + u'(';
-        return windowed(made(function + text + u')', type), expr, scope);
+        return windowed(collatedAs(value, made(function + text + u')', type)), expr, scope);
     }
     if (name == u"stdev" || name == u"stdevp" || name == u"var" || name == u"varp") {
         if (expr.args.size() != 1) wrongCount(name, 1);
@@ -294,9 +304,10 @@ Sql Translator::aggregate(const Expr& expr, Scope& scope, bool& found) {
     if (name == u"string_agg") {
         if (expr.args.size() != 2) wrongCount(name, 2);
         const Sql value = translate(*expr.args[0], scope);
-        return made(QStringLiteral("group_concat(") + asText(value) + QStringLiteral(", ") +
-                        use(translate(*expr.args[1], scope)) + u')',
-                    textLike(value.type, 0));
+        return collatedAs(
+            value, made(QStringLiteral("group_concat(") + asText(value) + QStringLiteral(", ") +
+                            use(translate(*expr.args[1], scope)) + u')',
+                        textLike(value.type, 0)));
     }
     static const QStringList windowOnly = {
         QStringLiteral("row_number"),  QStringLiteral("rank"),      QStringLiteral("dense_rank"),
@@ -308,13 +319,16 @@ Sql Translator::aggregate(const Expr& expr, Scope& scope, bool& found) {
                      QStringLiteral("The function '%1' must have an OVER clause.").arg(name));
         ValueType type = knownType(SqlType::BigInt);
         QStringList arguments;
+        Sql first;
         for (size_t i = 0; i < expr.args.size(); ++i) {
             const Sql value = translate(*expr.args[i], scope);
+            if (i == 0) first = value;
             if (i == 0 && name != u"ntile") type = value.type;
             arguments.append(use(value));
         }
-        return windowed(made(name + u'(' + arguments.join(QLatin1String(", ")) + u')', type), expr,
-                        scope);
+        return windowed(
+            collatedAs(first, made(name + u'(' + arguments.join(QLatin1String(", ")) + u')', type)),
+            expr, scope);
     }
     found = false;
     return {};
@@ -371,10 +385,12 @@ Sql Translator::function(const Expr& expr, Scope& scope) {
         if (count < rule->least || count > rule->most) wrongCount(name, rule->least);
         QStringList arguments;
         ValueType first = unknownType(), second = unknownType();
+        Collating collating;
         for (int i = 0; i < count; ++i) {
             Sql value = argument(i);
             if (i == 0) first = value.type;
             if (i == 1) second = value.type;
+            if (!rule->bind) collating = joined(collating, value.collating, name);
             arguments.append(rule->bind ? bound(value) : rule->texts ? asText(value) : use(value));
         }
         ValueType type;
@@ -441,8 +457,7 @@ Sql Translator::function(const Expr& expr, Scope& scope) {
                 break;
             case Result::LongText:
                 type = textLike(first, first.isText() && first.info.size < 0 ? -1 : 0);
-                if (name == u"replicate")
-                    arguments.append(QString::number(mostLetters(type.info)));
+                if (name == u"replicate") arguments.append(QString::number(mostLetters(type.info)));
                 break;
             case Result::Numeric38:
                 type = knownType(SqlType::Numeric, 0, 38, 0);
@@ -451,7 +466,16 @@ Sql Translator::function(const Expr& expr, Scope& scope) {
                 type = knownType(SqlType::Variant);
                 break;
         }
-        return made(call(rule->sqlite, arguments), type);
+        if (const int before = searches(name)) {
+            const Collation* wanted = comparing(collating, {}, name, names());
+            if (!wanted->isStandard()) {
+                if (arguments.size() < before) arguments.append(QStringLiteral("1"));
+                arguments.append(quotedText(wanted->name()));
+            }
+        }
+        Sql result = made(call(rule->sqlite, arguments), type);
+        if (type.isText() && !rule->bind) result.collating = collating;
+        return result;
     }
 
     if (name == u"isnull") {
@@ -464,6 +488,7 @@ Sql Translator::function(const Expr& expr, Scope& scope) {
                 ? converted(other, type.info)
                 : use(other);
         Sql result = made(call("coalesce", {use(value), second}), type);
+        result.collating = joined(value.collating, other.collating, QStringLiteral("ISNULL"));
         return result;
     }
     if (name == u"coalesce") {
@@ -472,13 +497,17 @@ Sql Translator::function(const Expr& expr, Scope& scope) {
         for (int i = 1; i < count; ++i) type = commonType(type, argument(i).type);
         type.info.nullable = true;  // unlike ISNULL's, whatever stands at its end
         QStringList arguments;
+        Collating collating;
         for (int i = 0; i < count; ++i) {
             const Sql value = argument(i);
+            collating = joined(collating, value.collating, QStringLiteral("COALESCE"));
             arguments.append(type.known && value.type.known && value.type.isText() != type.isText()
                                  ? converted(value, type.info)
                                  : use(value));
         }
-        return made(call("coalesce", arguments), type);
+        Sql result = made(call("coalesce", arguments), type);
+        result.collating = collating;
+        return result;
     }
     if (name == u"nullif") {
         needs(2);
@@ -486,9 +515,10 @@ Sql Translator::function(const Expr& expr, Scope& scope) {
         ValueType type = value.type;
         type.info.nullable = true;
         const QString equal = compare(QStringLiteral("="), value, argument(1));
-        return made(QStringLiteral("(CASE WHEN ") + equal + QStringLiteral(" THEN NULL ELSE ") +
-                        use(value) + QStringLiteral(" END)"),
-                    type);
+        return collatedAs(
+            value, made(QStringLiteral("(CASE WHEN ") + equal + QStringLiteral(" THEN NULL ELSE ") +
+                            use(value) + QStringLiteral(" END)"),
+                        type));
     }
     if (name == u"iif") {
         needs(3);
@@ -499,34 +529,45 @@ Sql Translator::function(const Expr& expr, Scope& scope) {
                        ? converted(value, type.info)
                        : use(value);
         };
-        return made(QStringLiteral("(CASE WHEN ") + predicate(*expr.args[0], scope) +
-                        QStringLiteral(" THEN ") + branch(yes) + QStringLiteral(" ELSE ") +
-                        branch(no) + QStringLiteral(" END)"),
-                    type);
+        Sql result = made(QStringLiteral("(CASE WHEN ") + predicate(*expr.args[0], scope) +
+                              QStringLiteral(" THEN ") + branch(yes) + QStringLiteral(" ELSE ") +
+                              branch(no) + QStringLiteral(" END)"),
+                          type);
+        result.collating = joined(yes.collating, no.collating, QStringLiteral("IIF"));
+        return result;
     }
     if (name == u"choose") {
         if (count < 2) wrongCount(name, 2);
         QString text = QStringLiteral("(CASE ") + use(argument(0));
         ValueType type = argument(1).type;
+        Collating collating;
         for (int i = 1; i < count; ++i) {
             const Sql value = argument(i);
+            collating = joined(collating, value.collating, QStringLiteral("CHOOSE"));
             type = commonType(type, value.type);
             text += QStringLiteral(" WHEN %1 THEN ").arg(i) + use(value);
         }
         type.info.nullable = true;
-        return made(text + QStringLiteral(" END)"), type);
+        Sql result = made(text + QStringLiteral(" END)"), type);
+        result.collating = collating;
+        return result;
     }
     if (name == u"concat" || name == u"concat_ws") {
         QStringList arguments;
         ValueType type = textLike(argument(count - 1).type, 0);
+        Collating collating;
         for (int i = 0; i < count; ++i) {
             const Sql value = argument(i);
+            collating = joined(collating, value.collating, name);
             if (!value.type.known || value.type.isUnicode())
                 type = knownType(SqlType::NVarChar, 4000);
             arguments.append(asText(value));
         }
         type.info.nullable = false;
-        return made(call(name == u"concat" ? "zov_concat" : "zov_concat_ws", arguments), type);
+        Sql result =
+            made(call(name == u"concat" ? "zov_concat" : "zov_concat_ws", arguments), type);
+        result.collating = collating;
+        return result;
     }
     if (name == u"datalength") {
         needs(1);

@@ -55,7 +55,8 @@ bool literalsMatch(const PreparedSelect& select, std::span<const Token> tokens) 
 
 std::shared_ptr<PreparedSelect> translateAndPrepare(SessionState& session,
                                                     std::span<const Token> tokens,
-                                                    const Variables* variables, bool describeOnly) {
+                                                    const Variables* variables,
+                                                    std::vector<QString>* describe) {
     QueryParser parser(tokens, true, typeReader(session));
     const SelectPtr tree = parser.parseSelect();
     parser.expectEnd();
@@ -68,8 +69,12 @@ std::shared_ptr<PreparedSelect> translateAndPrepare(SessionState& session,
         if (column.type.untypedNull) info = makeType(SqlType::Int);
         info.name = column.name;
         select->columns.push_back(std::move(info));
+        if (describe)
+            describe->push_back(
+                (column.collating.collation ? column.collating.collation : translator.names())
+                    ->name());
     }
-    if (describeOnly) return select;
+    if (describe) return select;
     select->database = &translator.database();
     sqlite3* handle = select->database->handle;
     attachDatabases(translator, *select);
@@ -124,7 +129,7 @@ std::shared_ptr<PreparedSelect> prepareSelect(SessionState& session, std::span<c
         }
     }
     std::shared_ptr<PreparedSelect> select =
-        translateAndPrepare(session, tokens, &variables, false);
+        translateAndPrepare(session, tokens, &variables, nullptr);
     // What reads another database would outlive what is known of it.
     if (!shape.isEmpty() && select->attached.isEmpty() && select->database == session.current) {
         if (own.selectCount > 400) {
@@ -173,8 +178,11 @@ std::unique_ptr<ResultStream> runSelect(SessionState& session, std::span<const T
 }
 
 std::vector<ColumnInfo> describeSelect(SessionState& session, std::span<const Token> statement,
-                                       const Variables* variables) {
-    return translateAndPrepare(session, statement, variables, true)->columns;
+                                       const Variables* variables,
+                                       std::vector<QString>* collations) {
+    std::vector<QString> unused;
+    return translateAndPrepare(session, statement, variables, collations ? collations : &unused)
+        ->columns;
 }
 
 namespace {
@@ -245,7 +253,7 @@ bool evaluateCondition(SessionState& session, std::span<const Token> condition,
 }
 
 QString translateForSqlite(SessionState& session, std::span<const Token> expression, int tableId,
-                           ColumnInfo* type) {
+                           ColumnInfo* type, QString* collation) {
     QueryParser parser(expression, false, typeReader(session));
     const ExprPtr tree = parser.parseExpression();
     parser.expectEnd();
@@ -259,6 +267,7 @@ QString translateForSqlite(SessionState& session, std::span<const Token> express
         *type = value.type.info;
         type->name.clear();
     }
+    if (collation && value.collating.collation) *collation = value.collating.collation->name();
     return translator.use(value);
 }
 

@@ -66,11 +66,65 @@ QString Translator::withClause() const {
     return rootWith_;
 }
 
+// --- collations ---------------------------------------------------------------------------------
+
+const Collation* Translator::names() {
+    return QueryCache::of(*context_.database).collation();
+}
+
+QString Translator::suffix(const Collation* stored, const Collation* wanted) {
+    return stored == wanted ? QString() : QStringLiteral(" COLLATE ") + wanted->sqlName();
+}
+
+QString Translator::sortable(const Sql& sql, const char* statement, int column) {
+    const QString text = use(sql);
+    if (!sql.type.isText() && sql.type.known) return text;
+    requireResolved(sql.collating, statement, column);
+    return text + suffix(sql.stored, sql.collating.collation ? sql.collating.collation : names());
+}
+
+const Collation* Translator::namedInQuery(const QString& name) {
+    if (name.compare(u"database_default", Qt::CaseInsensitive) == 0 ||
+        name.compare(u"catalog_default", Qt::CaseInsensitive) == 0)
+        return names();
+    const Collation* collation = Collation::named(name);
+    tellUnknown(session_, *collation);
+    return collation;
+}
+
+Translator::SourceColumn Translator::passedOn(const OutputColumn& column, size_t index) {
+    SourceColumn passed;
+    passed.name = column.name;
+    passed.type = column.type;
+    passed.collating = column.collating;
+    passed.stored = column.stored;
+    passed.sql = QStringLiteral("c%1").arg(index + 1);
+    return passed;
+}
+
+Translator::SourceColumn Translator::storedColumn(const QueryColumn& column) {
+    SourceColumn entry;
+    entry.name = column.name;
+    entry.type.info = column.info;
+    entry.type.known = true;
+    if (column.collation) entry.collating = Collating::implicit(column.collation);
+    entry.stored = column.stored;
+    entry.sql = column.sqlName;
+    return entry;
+}
+
 // --- where names come from ----------------------------------------------------------------------
 
 QString Translator::prefixFor(Database* database) {
     if (!main_) main_ = database;
     if (main_ == database) return {};
+    // Statements over several databases read the files themselves.
+    if (database->isCopy || main_->isCopy)
+        failWith(3906, QStringLiteral("The indexes of database '%1' were made under other sorting "
+                                      "rules and its file can't be written to; a query over two "
+                                      "databases can't use it. Copy the file to a folder that can "
+                                      "be written to.")
+                           .arg(database->isCopy ? database->name : main_->name));
     const QString key = database->name.toLower();
     const auto known = attachedNames_.constFind(key);
     if (known != attachedNames_.constEnd()) return known.value();
@@ -85,7 +139,7 @@ QString Translator::prefixFor(Database* database) {
 }
 
 const Translator::CommonSource* Translator::findCommon(const QString& name, Scope* scope) {
-    const QString key = name.toLower();
+    const QString key = names()->key(name);
     for (; scope; scope = scope->outer) {
         const auto it = scope->common.constFind(key);
         if (it != scope->common.constEnd()) return &it.value();
@@ -150,12 +204,9 @@ void Translator::addSources(const TableSource& source, Scope& scope) {
                                    "'%1' has more columns than were specified in the column list.")
                                    .arg(source.alias));
             for (size_t i = 0; i < inner.columns.size(); ++i) {
-                SourceColumn column;
-                column.name = source.columnAliases.isEmpty() ? inner.columns[i].name
-                                                             : source.columnAliases[qsizetype(i)];
-                column.type = inner.columns[i].type;
-                column.collated = inner.columns[i].collated;
-                column.sql = QStringLiteral("c%1").arg(i + 1);
+                SourceColumn column = passedOn(inner.columns[i], i);
+                if (!source.columnAliases.isEmpty())
+                    column.name = source.columnAliases[qsizetype(i)];
                 added.columns.push_back(std::move(column));
             }
             scope.sources.push_back(std::move(added));
@@ -167,14 +218,19 @@ void Translator::addSources(const TableSource& source, Scope& scope) {
             added.alias = source.alias;
             QString body;
             std::vector<ValueType> types;
+            std::vector<Collating> collatings;
             for (const auto& row : source.rows) {
                 QString values;
                 for (size_t i = 0; i < row.size(); ++i) {
                     const Sql value = translate(*row[i], *root_);
-                    if (types.size() <= i)
+                    if (types.size() <= i) {
                         types.push_back(value.type);
-                    else
+                        collatings.push_back(value.collating);
+                    } else {
                         types[i] = commonType(types[i], value.type);
+                        collatings[i] =
+                            joined(collatings[i], value.collating, QStringLiteral("UNION ALL"));
+                    }
                     values += (i ? QStringLiteral(", ") : QString()) + use(value) +
                               QStringLiteral(" AS c%1").arg(i + 1);
                 }
@@ -188,6 +244,7 @@ void Translator::addSources(const TableSource& source, Scope& scope) {
                                   ? source.columnAliases[qsizetype(i)]
                                   : QString();
                 column.type = types[i];
+                column.collating = collatings[i];
                 column.sql = QStringLiteral("c%1").arg(i + 1);
                 added.columns.push_back(std::move(column));
             }
@@ -199,9 +256,8 @@ void Translator::addSources(const TableSource& source, Scope& scope) {
     const Source& last = scope.sources.back();
     for (size_t i = 0; i + 1 < scope.sources.size(); ++i) {
         const Source& other = scope.sources[i];
-        if (other.alias.compare(last.alias, Qt::CaseInsensitive) == 0 &&
-            other.ownName == last.ownName &&
-            (!last.ownName || other.schema.compare(last.schema, Qt::CaseInsensitive) == 0))
+        if (sameName(other.alias, last.alias) && other.ownName == last.ownName &&
+            (!last.ownName || sameName(other.schema, last.schema)))
             failWith(
                 1012,
                 QStringLiteral(
@@ -256,12 +312,7 @@ void Translator::addNamed(const TableSource& source, Scope& scope) {
         if (const CommonSource* common = findCommon(source.path[0], &scope)) {
             added.body = common->sqlName;
             for (size_t i = 0; i < common->columns.size(); ++i) {
-                SourceColumn column;
-                column.name = common->columns[i].name;
-                column.type = common->columns[i].type;
-                column.collated = common->columns[i].collated;
-                column.sql = QStringLiteral("c%1").arg(i + 1);
-                added.columns.push_back(std::move(column));
+                added.columns.push_back(passedOn(common->columns[i], i));
             }
             scope.sources.push_back(std::move(added));
             return;
@@ -282,12 +333,19 @@ void Translator::addNamed(const TableSource& source, Scope& scope) {
         }
         added.view = view;
         added.prefix = prefixFor(database);
+        added.anyCase = true;
+        QueryCache& cache = QueryCache::of(*database);
         for (const CatalogColumn& column : view->columns) {
             SourceColumn entry;
             entry.name = column.info.name;
             entry.type.info = column.info;
             entry.type.known = true;
-            entry.collated = column.collated;
+            if (column.collated) {
+                entry.collating = Collating::implicit(cache.collation());
+                entry.stored = cache.storedNames();
+            } else {
+                entry.collating.collation = Collation::standard();
+            }
             entry.sql = quotedName(column.info.name);
             added.columns.push_back(std::move(entry));
         }
@@ -302,15 +360,8 @@ void Translator::addNamed(const TableSource& source, Scope& scope) {
         addView(*table, database, added);
     } else {
         added.body = prefix + table->sqlName;
-        for (const QueryColumn& column : table->columns) {
-            SourceColumn entry;
-            entry.name = column.name;
-            entry.type.info = column.info;
-            entry.type.known = true;
-            entry.collated = entry.type.isText();
-            entry.sql = quotedName(column.name);
-            added.columns.push_back(std::move(entry));
-        }
+        for (const QueryColumn& column : table->columns)
+            added.columns.push_back(storedColumn(column));
     }
     scope.sources.push_back(std::move(added));
 }
@@ -369,12 +420,8 @@ void Translator::addView(const QueryTable& view, Database* database, Source& sou
     --viewDepth_;
     source.body = u'(' + inner.sql + u')';
     for (size_t i = 0; i < inner.columns.size(); ++i) {
-        SourceColumn column;
-        column.name =
-            qsizetype(i) < columnNames.size() ? columnNames[qsizetype(i)] : inner.columns[i].name;
-        column.type = inner.columns[i].type;
-        column.collated = inner.columns[i].collated;
-        column.sql = QStringLiteral("c%1").arg(i + 1);
+        SourceColumn column = passedOn(inner.columns[i], i);
+        if (qsizetype(i) < columnNames.size()) column.name = columnNames[qsizetype(i)];
         source.columns.push_back(std::move(column));
     }
 }
@@ -388,15 +435,7 @@ void Translator::addTable(const std::shared_ptr<const QueryTable>& table, const 
     added.sqlAlias = QStringLiteral("t%1").arg(++nextAlias_);
     added.bare = bareColumns;
     added.body = table->sqlName;
-    for (const QueryColumn& column : table->columns) {
-        SourceColumn entry;
-        entry.name = column.name;
-        entry.type.info = column.info;
-        entry.type.known = true;
-        entry.collated = entry.type.isText();
-        entry.sql = quotedName(column.name);
-        added.columns.push_back(std::move(entry));
-    }
+    for (const QueryColumn& column : table->columns) added.columns.push_back(storedColumn(column));
     root_->sources.push_back(std::move(added));
 }
 
@@ -483,11 +522,11 @@ void Translator::commonTables(const std::vector<CommonTable>& with, Scope& scope
             const QueryExpr* first = table.select->body.get();
             while (first->left) first = first->left.get();
             takeColumns(queryExpr(*first, &scope, nullptr, false));
-            scope.common.insert(table.name.toLower(), common);
+            scope.common.insert(names()->key(table.name), common);
         }
         const TranslatedSelect inner = selectIn(*table.select, &scope);
         takeColumns(inner);
-        scope.common.insert(table.name.toLower(), common);
+        scope.common.insert(names()->key(table.name), common);
         QString names;
         for (size_t i = 0; i < inner.columns.size(); ++i)
             names += (i ? QStringLiteral(", ") : QString()) + QStringLiteral("c%1").arg(i + 1);
@@ -511,6 +550,38 @@ TranslatedSelect Translator::selectIn(const Select& select, Scope* outer, bool e
     return result;
 }
 
+/// The columns of UNION and its like. SQLite compares them by what the first part says, which is
+/// said anew when the parts together say something else.
+void Translator::collateCompound(TranslatedSelect& left, const TranslatedSelect& right,
+                                 TranslatedSelect& result, const QString& operation) {
+    const bool all = operation == u"UNION ALL";
+    QString list;
+    bool changed = false;
+    for (size_t i = 0; i < left.columns.size(); ++i) {
+        OutputColumn column = left.columns[i];
+        const OutputColumn& other = right.columns[i];
+        column.type = commonType(column.type, other.type);
+        column.collating = joined(column.collating, other.collating, operation);
+        column.sql.clear();
+        QString text = QStringLiteral("c%1").arg(i + 1);
+        if (all) {
+            requireResolved(column.collating, "SELECT", int(i + 1));
+        } else if (left.columns[i].type.isText()) {
+            const Collation* wanted =
+                comparing(left.columns[i].collating, other.collating, operation, names());
+            changed = changed || column.stored != wanted;
+            text += suffix(column.stored, wanted);
+            column.stored = wanted;
+        }
+        if (column.stored != other.stored) column.stored = nullptr;
+        list +=
+            (i ? QStringLiteral(", ") : QString()) + text + QStringLiteral(" AS c%1").arg(i + 1);
+        result.columns.push_back(std::move(column));
+    }
+    if (changed)
+        left.sql = QStringLiteral("SELECT ") + list + QStringLiteral(" FROM (") + left.sql + u')';
+}
+
 TranslatedSelect Translator::queryExpr(const QueryExpr& expr, Scope* outer, const Select* orders,
                                        bool existsOnly) {
     if (expr.spec) return spec(*expr.spec, outer, orders, existsOnly, false);
@@ -525,15 +596,10 @@ TranslatedSelect Translator::queryExpr(const QueryExpr& expr, Scope* outer, cons
         failWith(205, QStringLiteral("All queries combined using a UNION, INTERSECT or EXCEPT "
                                      "operator must have an equal "
                                      "number of expressions in their target lists."));
-    if (!expr.right->spec) right.sql = QStringLiteral("SELECT * FROM (") + right.sql + u')';
     TranslatedSelect result;
+    collateCompound(left, right, result, expr.operation);
+    if (!expr.right->spec) right.sql = QStringLiteral("SELECT * FROM (") + right.sql + u')';
     result.sql = left.sql + u' ' + expr.operation + u' ' + right.sql;
-    for (size_t i = 0; i < left.columns.size(); ++i) {
-        OutputColumn column = left.columns[i];
-        column.type = commonType(left.columns[i].type, right.columns[i].type);
-        column.sql.clear();
-        result.columns.push_back(std::move(column));
-    }
     if (orders && (!orders->orderBy.empty() || orders->offset)) {
         Scope none;
         none.outer = outer;
@@ -556,12 +622,9 @@ QString Translator::limitClause(const Expr* top, const Select* select, Scope& sc
 }
 
 QString Translator::orderKey(const Sql& sql) {
-    const QString text = use(sql);
-    if (sql.type.isWide()) return QStringLiteral("zov_dkey(") + text + u')';
-    if (sql.type.isGuid()) return QStringLiteral("zov_gkey(") + text + u')';
-    if ((sql.type.isText() || !sql.type.known) && !sql.collated)
-        return text + QStringLiteral(" COLLATE NOCASE");
-    return text;
+    if (sql.type.isWide()) return QStringLiteral("zov_dkey(") + use(sql) + u')';
+    if (sql.type.isGuid()) return QStringLiteral("zov_gkey(") + use(sql) + u')';
+    return sortable(sql, "ORDER BY", 1);
 }
 
 QString Translator::orderClause(const std::vector<OrderItem>& items, Scope& scope,
@@ -584,8 +647,7 @@ QString Translator::orderClause(const std::vector<OrderItem>& items, Scope& scop
             // column.
             for (const bool aliased : {true, false}) {
                 for (size_t i = 0; i < columns.size() && ordinal < 0; ++i)
-                    if (columns[i].aliased == aliased &&
-                        columns[i].name.compare(expr.name, Qt::CaseInsensitive) == 0)
+                    if (columns[i].aliased == aliased && sameName(columns[i].name, expr.name))
                         ordinal = qsizetype(i);
                 if (ordinal >= 0) break;
             }
@@ -598,8 +660,10 @@ QString Translator::orderClause(const std::vector<OrderItem>& items, Scope& scop
                       u')';
             } else {
                 key = QString::number(ordinal + 1);
-                if ((column.type.isText() || !column.type.known) && !column.collated)
-                    key += QStringLiteral(" COLLATE NOCASE");
+                if (column.type.isText() || !column.type.known)
+                    key +=
+                        suffix(column.stored,
+                               column.collating.collation ? column.collating.collation : names());
             }
         } else if (compound) {
             failWith(104, QStringLiteral("ORDER BY items must appear in the select list if the "
@@ -626,18 +690,19 @@ TranslatedSelect Translator::spec(const QuerySpec& spec, Scope* outer, const Sel
         column.name = name;
         column.aliased = aliased;
         column.type = value.type;
-        column.collated = value.collated;
+        column.collating = value.collating;
+        column.stored = value.stored;
         column.sql = use(value);
+        requireResolved(value.collating, "SELECT", int(result.columns.size() + 1));
         result.columns.push_back(std::move(column));
     };
     const auto addStar = [&](const Expr& star) {
         bool any = false;
         for (Source& source : scope.sources) {
             if (!star.path.isEmpty()) {
-                const bool named =
-                    source.alias.compare(star.path.last(), Qt::CaseInsensitive) == 0 &&
-                    (star.path.size() == 1 || source.schema.compare(star.path[star.path.size() - 2],
-                                                                    Qt::CaseInsensitive) == 0);
+                const bool named = sameName(source.alias, star.path.last()) &&
+                                   (star.path.size() == 1 ||
+                                    sameName(source.schema, star.path[star.path.size() - 2]));
                 if (!named) continue;
             }
             any = true;
@@ -646,7 +711,8 @@ TranslatedSelect Translator::spec(const QuerySpec& spec, Scope* outer, const Sel
                 Sql value;
                 value.text = source.sqlAlias + u'.' + column.sql;
                 value.type = column.type;
-                value.collated = column.collated;
+                value.collating = column.collating;
+                value.stored = column.stored;
                 addColumn(column.name, value, false);
             }
         }
@@ -681,10 +747,8 @@ TranslatedSelect Translator::spec(const QuerySpec& spec, Scope* outer, const Sel
     QString where = spec.where ? predicate(*spec.where, scope) : QString();
     QString group;
     for (const ExprPtr& expr : spec.groupBy) {
-        const Sql key = translate(*expr, scope);
-        QString text = use(key);
-        if (key.type.isText() && !key.collated) text += QStringLiteral(" COLLATE NOCASE");
-        group += (group.isEmpty() ? QStringLiteral(" GROUP BY ") : QStringLiteral(", ")) + text;
+        group += (group.isEmpty() ? QStringLiteral(" GROUP BY ") : QStringLiteral(", ")) +
+                 sortable(translate(*expr, scope), "GROUP BY", 1);
     }
     const QString having =
         spec.having ? QStringLiteral(" HAVING ") + predicate(*spec.having, scope) : QString();
@@ -698,9 +762,11 @@ TranslatedSelect Translator::spec(const QuerySpec& spec, Scope* outer, const Sel
         OutputColumn& column = result.columns[i];
         if (i) list += QStringLiteral(", ");
         list += column.sql;
-        if ((inCompound || spec.distinct) && column.type.isText() && !column.collated) {
-            list += QStringLiteral(" COLLATE NOCASE");
-            column.collated = true;
+        if ((inCompound || spec.distinct) && column.type.isText()) {
+            const Collation* wanted =
+                column.collating.collation ? column.collating.collation : names();
+            list += suffix(column.stored, wanted);
+            column.stored = wanted;
         }
         list += QStringLiteral(" AS c%1").arg(i + 1);
     }
@@ -730,9 +796,8 @@ QString Translator::updateSources(const QStringList& target, const Token* token,
             return left ? left : find(*source.right);
         }
         if (source.kind != TableSource::Kind::Named) return nullptr;
-        const bool byAlias =
-            target.size() == 1 && source.alias.compare(target[0], Qt::CaseInsensitive) == 0;
-        const bool byName = source.path.last().compare(target.last(), Qt::CaseInsensitive) == 0 &&
+        const bool byAlias = target.size() == 1 && sameName(source.alias, target[0]);
+        const bool byName = sameName(source.path.last(), target.last()) &&
                             (source.alias.isEmpty() || target.size() > 1 || byAlias);
         return byAlias || byName ? &source : nullptr;
     };
@@ -760,8 +825,7 @@ QString Translator::updateSources(const QStringList& target, const Token* token,
     if (named) {
         const QString wanted = named->alias.isEmpty() ? named->path.last() : named->alias;
         for (const Source& source : scope.sources)
-            if (source.alias.compare(wanted, Qt::CaseInsensitive) == 0)
-                targetAlias = source.sqlAlias;
+            if (sameName(source.alias, wanted)) targetAlias = source.sqlAlias;
     }
     translateValues();
     const QString filter = where ? predicate(*where, scope) : QString();

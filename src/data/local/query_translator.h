@@ -7,6 +7,7 @@
 #include "data/local/catalog_views.h"
 #include "data/local/query_ast.h"
 #include "data/local/query_cache.h"
+#include "data/local/query_collating.h"
 
 #include <deque>
 #include <functional>
@@ -18,16 +19,18 @@ namespace zov::local {
 struct Sql {
     QString text;  ///< empty for a literal or a variable until it is used
     ValueType type;
-    bool collated = false;          ///< compares as T-SQL text by itself (a column, COLLATE)
-    const Expr* literal = nullptr;  ///< a bare literal
-    QString variable;               ///< a bare @variable
+    Collating collating;                ///< of a text
+    const Collation* stored = nullptr;  ///< by which SQLite compares it when nothing is said
+    const Expr* literal = nullptr;      ///< a bare literal
+    QString variable;                   ///< a bare @variable
     const Expr* source = nullptr;
 };
 
 struct OutputColumn {
     QString name;
     ValueType type;
-    bool collated = false;
+    Collating collating;
+    const Collation* stored = nullptr;
     bool aliased = false;  ///< named in the select list
     QString sql;
 };
@@ -85,12 +88,17 @@ class Translator {
     QString global(const QString& name);
     QString dateFormatNumber() const;
     QString orderKey(const Sql& sql);
+    /// The collation of the database that bare names belong to.
+    const Collation* names();
+    /// A value's text with what makes SQLite group and sort it by its collation.
+    QString sortable(const Sql& sql, const char* statement, int column);
 
  private:
     struct SourceColumn {
         QString name;
         ValueType type;
-        bool collated = false;
+        Collating collating;
+        const Collation* stored = nullptr;
         bool used = false;
         QString sql;  ///< the column behind the source's alias
     };
@@ -104,6 +112,7 @@ class Translator {
         QString prefix;  ///< of an attached database
         QString body;    ///< what stands in FROM, for all but catalogue views
         bool bare = false;
+        bool anyCase = false;  ///< a catalogue view: its columns are found in any case
     };
     struct CommonSource {
         QString sqlName;
@@ -155,7 +164,16 @@ class Translator {
     Sql scalarSubquery(const Expr& expr, Scope& scope);
     QString predicate(const Expr& expr, Scope& scope);
     QString compare(const QString& op, const Sql& a, const Sql& b);
-    void coerce(const Sql& a, const Sql& b, QString& left, QString& right);
+    void coerce(const Sql& a, const Sql& b, QString& left, QString& right,
+                const QString& operation = QStringLiteral("equal to"));
+    void collate(const Sql& a, const Sql& b, QString& left, const QString& operation);
+    static SourceColumn passedOn(const OutputColumn& column, size_t index);
+    SourceColumn storedColumn(const QueryColumn& column);
+    bool sameName(const QString& a, const QString& b) { return names()->equal(a, b); }
+    QString suffix(const Collation* stored, const Collation* wanted);
+    const Collation* namedInQuery(const QString& name);
+    void collateCompound(TranslatedSelect& left, const TranslatedSelect& right,
+                         TranslatedSelect& result, const QString& operation);
     QString inList(const Expr& expr, Scope& scope);
     QString numberOf(const Sql& sql);
 

@@ -3,6 +3,7 @@
 #include "data/local/catalog_tables.h"
 #include "data/local/functions.h"
 #include "data/local/server_store_entry.h"
+#include "data/local/sorting.h"
 
 #include <QDir>
 #include <QFileInfo>
@@ -19,7 +20,6 @@ namespace {
 
 constexpr int ApplicationId = 0x5A4F5644;
 const QString DefaultVersion = QStringLiteral("16.0.4085.2");
-const QString DefaultCollation = QStringLiteral("SQL_Latin1_General_CP1_CI_AS");
 const QString Scheme = QStringLiteral("local:");
 
 // A file that an earlier version of the program made gets the tables that it lacks; one that can't
@@ -209,7 +209,7 @@ std::vector<DatabaseFacts> ServerStore::databases() {
         DatabaseFacts facts;
         facts.name = name;
         facts.file = file;
-        facts.collation = DefaultCollation;
+        facts.collation = QLatin1String(DefaultCollation);
         facts.compatibility = compatibilityOf(productVersion_);
         facts.created = QStringLiteral("2003-04-08 09:13:36.390");
         return facts;
@@ -300,6 +300,7 @@ ServerStore::Entry& ServerStore::openEntry(const QString& name, const QString& f
                     : "PRAGMA synchronous=NORMAL; PRAGMA temp_store=MEMORY");
         addLaterTables(handle, entry->readOnly);
         installFunctions(handle, entry->database, *this);
+        if (!sortingIsCurrent(handle)) handle = renewIndexes(*entry);
         Statement id(handle, "SELECT value FROM \"zov$facts\" WHERE name='dbid'");
         if (id.step()) entry->database.dbid = sqlite3_column_int(id.get(), 0);
         entry->prepare();
@@ -311,6 +312,19 @@ ServerStore::Entry& ServerStore::openEntry(const QString& name, const QString& f
     entry->database.store = this;
     entry->database.name = name;
     return *(open_[key] = std::move(entry));
+}
+
+sqlite3* ServerStore::renewIndexes(Entry& entry) {
+    Database& database = entry.database;
+    if (entry.readOnly) {
+        sqlite3* copy = privateCopy(database.handle);
+        sqlite3_close_v2(database.handle);
+        database.handle = copy;
+        database.isCopy = true;
+        installFunctions(copy, database, *this);
+    }
+    renewSorting(database.handle);
+    return database.handle;
 }
 
 ServerStore::Entry& ServerStore::stageNew(const QString& name, int dbid) {
@@ -337,7 +351,8 @@ ServerStore::Entry& ServerStore::stageNew(const QString& name, int dbid) {
         fact("name", name);
         fact("version", productVersion_);
         fact("compatibility", QString::number(compatibilityOf(productVersion_)));
-        fact("collation", DefaultCollation);
+        fact("collation", QLatin1String(DefaultCollation));
+        fact("sorting", Collation::sortingVersion());
         fact("created", now);
         fact("next_object_id", QString::number(FirstObjectId));
         fact("dbid", QString::number(dbid));

@@ -106,6 +106,8 @@ class ServerStore {
     bool find(const QString& name, QString& trueName, QString& file) const;
     Entry& openEntry(const QString& name, const QString& file, bool staged);
     Entry& stageNew(const QString& name, int dbid);
+    /// For a file whose indexes rest on another order of texts; the handle to go on with.
+    sqlite3* renewIndexes(Entry& entry);
     void publish(Entry& entry);
     void forget(const QString& key);
     void discardHandle(Entry& entry);
