@@ -374,6 +374,10 @@ TEST_P(CasedDatabase, HoldsNamesThatDifferInCaseOnly) {
                {{"select name from sysobjects where xtype = 'V' order by name", "v,V"},
                 {"select databasepropertyex('cased', 'Collation')", "Latin1_General_CS_AS"}});
     server.connect(text("cased"), false);
+    // Columns of one table as well.
+    ASSERT_EQ(server.run(text("drop view v")), QString());
+    EXPECT_TRUE(server.run(text("alter database cased collate Latin1_General_CI_AS"))
+                    .contains(u"would make one name of two"));
     expectRows(server, {{"select a, A from tt order by a", "1|2,2|3"},
                         {"select 1 from TT", "error: Invalid object name 'TT'."}});
 }
@@ -532,6 +536,18 @@ TEST(CollationFiles, AColumnOfAnEarlierFileIsComparedByItsCollationAllTheSame) {
     server.connect(text("old"), false);
     expectRows(server, StaleRows);
     expectRows(server, {{"select cs from N order by cs", "\xC3\xA4,a_,a1,b,z,Z1"}});
+}
+
+TEST(CollationFiles, AnEarlierFileOfACaseSensitiveDatabaseGoesByItsCollation) {
+    ScriptedServer server;
+    makeStale(server,
+              "UPDATE \"zov$facts\" SET value='Latin1_General_CS_AS' WHERE name='collation'; "
+              "DELETE FROM \"zov$facts\" WHERE name='sorting'");
+    server.connect(text("old"), false);
+    ASSERT_EQ(server.run(text("create table n (N int, n int)\ninsert n values (1, 2)")), QString());
+    expectRows(server, StaleRows);
+    expectRows(server, {{"select n, N from n", "2|1"},
+                        {"select name from sysobjects where xtype = 'U' order by name", "n,N"}});
 }
 
 TEST(CollationFiles, AUniqueIndexThatWouldFailGoesOnWithoutBeingUnique) {

@@ -142,7 +142,7 @@ struct Collation::Icu {
         return false;
     }
     /// Ranks from 1; letters that compare as equal share one.
-    void rank(unsigned char (&ranks)[128]) const {
+    void rank(unsigned char (&ranks)[256]) const {
         std::vector<char16_t> letters;
         for (char16_t c = 0; c < 128; ++c)
             if (!isControl(c)) letters.push_back(c);
@@ -228,30 +228,34 @@ int Collation::compare(const char* a, int lengthA, const char* b, int lengthB) c
         const int order = common ? std::memcmp(a, b, size_t(common)) : 0;
         return order ? order : lengthA - lengthB;
     }
-    if (lengthA == lengthB && (common == 0 || std::memcmp(a, b, size_t(common)) == 0)) return 0;
     if (!asciiAlone_) return compareByIcu(a, lengthA, b, lengthB);
     const auto* p = reinterpret_cast<const unsigned char*>(a);
     const auto* q = reinterpret_cast<const unsigned char*>(b);
-    // What stands behind a letter may join it (an accent): it has to be ASCII as well.
-    const auto plain = [&](const unsigned char* text, int length, int at) {
-        return at >= length || text[at] < 0x80;
-    };
+    // What two ASCII texts begin with together says nothing.
+    int i = 0;
+    for (quint64 x = 0, y = 0; i + 8 <= common; i += 8) {
+        std::memcpy(&x, p + i, 8);
+        std::memcpy(&y, q + i, 8);
+        if (x != y || (x & 0x8080808080808080)) break;
+    }
     int tertiary = 0;
-    for (int i = 0; i < common; ++i) {
+    for (; i < common; ++i) {
         const unsigned char x = p[i], y = q[i];
-        if ((x | y) & 0x80) return compareByIcu(a, lengthA, b, lengthB);
-        const unsigned char rankX = primary_[x], rankY = primary_[y];
+        const int rankX = primary_[x];
+        if (x == y && rankX) continue;
+        const int rankY = primary_[y];
         if (!rankX || !rankY) return compareByIcu(a, lengthA, b, lengthB);
-        if (x == y) continue;
-        if (rankX != rankY)
-            return plain(p, lengthA, i + 1) && plain(q, lengthB, i + 1)
-                       ? int(rankX) - int(rankY)
-                       : compareByIcu(a, lengthA, b, lengthB);
+        if (rankX != rankY) {
+            // What stands behind a letter may join it (an accent): it has to be ASCII as well.
+            const unsigned char behind =
+                (i + 1 < lengthA ? p[i + 1] : 0) | (i + 1 < lengthB ? q[i + 1] : 0);
+            return behind & 0x80 ? compareByIcu(a, lengthA, b, lengthB) : rankX - rankY;
+        }
         if (!tertiary) tertiary = int(tertiary_[x]) - int(tertiary_[y]);
     }
     if (lengthA == lengthB) return tertiary;
-    const unsigned char next = lengthA > common ? p[common] : q[common];
-    if ((next & 0x80) || !primary_[next]) return compareByIcu(a, lengthA, b, lengthB);
+    if (!primary_[lengthA > common ? p[common] : q[common]])
+        return compareByIcu(a, lengthA, b, lengthB);
     return lengthA - lengthB;
 }
 

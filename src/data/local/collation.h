@@ -92,8 +92,8 @@ class Collation {
     QString sqlName_;
     std::unique_ptr<Icu> icu_;
     bool asciiAlone_ = false;           ///< ASCII text needs no ICU
-    unsigned char primary_[128] = {};   ///< rank of a letter; 0: ask ICU
-    unsigned char tertiary_[128] = {};  ///< rank among the forms of a letter
+    unsigned char primary_[256] = {};   ///< rank of a letter; 0: ask ICU
+    unsigned char tertiary_[256] = {};  ///< rank among the forms of a letter
 };
 
 }  // namespace zov::local

@@ -146,11 +146,12 @@ QString dependentOn(const Catalog& catalog, const ObjectFacts& table, const Colu
         if (statistics.step()) return statistics.text(0);
     }
     const QString mention = bracketed(column.name);
+    const auto sensitivity = catalog.names().tellsCase() ? Qt::CaseSensitive : Qt::CaseInsensitive;
     if (wanted.contains('C'))
         for (const ObjectFacts& child : catalog.children(table.id)) {
             if (child.xtype != QLatin1String("C")) continue;
             if (child.info == QString::number(column.colid) ||
-                catalog.text(child.id).contains(mention, Qt::CaseInsensitive))
+                catalog.text(child.id).contains(mention, sensitivity))
                 return child.name;
         }
     if (wanted.contains('F')) {
@@ -163,7 +164,7 @@ QString dependentOn(const Catalog& catalog, const ObjectFacts& table, const Colu
     }
     if (wanted.contains('X'))
         for (const ColumnFacts& other : catalog.columns(table.id))
-            if (!other.computed.isNull() && other.computed.contains(mention, Qt::CaseInsensitive))
+            if (!other.computed.isNull() && other.computed.contains(mention, sensitivity))
                 return other.name;
     return {};
 }
@@ -347,8 +348,10 @@ void alterColumn(Catalog& catalog, const ObjectFacts& table, TokenCursor& cursor
     const bool shorter = changed.type.length != -1 &&
                          (column->type.length == -1 || changed.type.length < column->type.length);
     QString dependent;
-    if (otherType || (changed.type.isText() && changed.collation != column->collation))
+    if (otherType)
         dependent = dependentOn(catalog, table, *column, "IDCFX");
+    else if (changed.type.isText() && changed.collation != column->collation)
+        dependent = dependentOn(catalog, table, *column, "ICFX");
     else if (!changed.type.sameStorage(column->type) && (shorter || !changed.type.isText()))
         dependent = dependentOn(catalog, table, *column, "IFX");
     if (dependent.isEmpty() && changed.nullable && !column->nullable)

@@ -218,13 +218,13 @@ class CallReplacer {
 };
 
 /// The column that an expression is nothing but a mention of.
-const ColumnFacts* mentionedColumn(std::span<const Token> tokens,
+const ColumnFacts* mentionedColumn(const Catalog& catalog, std::span<const Token> tokens,
                                    const std::vector<ColumnFacts>& columns) {
     while (tokens.size() > 2 && tokens.front().is("(") && tokens.back().is(")"))
         tokens = tokens.subspan(1, tokens.size() - 2);
     if (tokens.size() != 1 || !tokens.front().isName()) return nullptr;
     for (const ColumnFacts& column : columns)
-        if (column.name.compare(tokens.front().name(), Qt::CaseInsensitive) == 0) return &column;
+        if (catalog.sameName(column.name, tokens.front().name())) return &column;
     return nullptr;
 }
 
@@ -235,7 +235,7 @@ void typeComputedColumn(Catalog& catalog, const ObjectFacts& table, ColumnFacts&
     const std::span<const Token> all = std::span<const Token>(tokens).first(tokens.size() - 1);
     const std::vector<ColumnFacts> columns = catalog.columns(table.id);
     catalogChanged(catalog.database());
-    if (const ColumnFacts* base = mentionedColumn(all, columns)) {
+    if (const ColumnFacts* base = mentionedColumn(catalog, all, columns)) {
         column.type = base->type;
         column.nullable = base->nullable;
         column.collation = base->collation;

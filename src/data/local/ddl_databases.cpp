@@ -102,36 +102,9 @@ QString readCollation(SessionState& session, TokenCursor& cursor) {
     return collation->name();
 }
 
-/// The SQLite names of the tables and columns, which mark capitals where the collation tells cases
-/// apart.
-void renameStorage(Catalog& catalog, const Collation& from, const Collation& to) {
-    if (from.tellsCase() == to.tellsCase()) return;
-    CatalogQuery tables(catalog.handle(),
-                        "SELECT o.id, s.name || '.' || o.name FROM \"zov$objects\" o JOIN "
-                        "\"zov$schemas\" s ON s.schema_id=o.schema_id WHERE o.xtype='U'");
-    std::vector<std::pair<int, QString>> all;
-    while (tables.step()) all.emplace_back(tables.number(0), tables.text(1));
-    for (const auto& [id, name] : all) {
-        const QString stored = quoted(storageName(name, to));
-        if (const QString old = quoted(storageName(name, from)); old != stored)
-            execSql(catalog.handle(),
-                    QStringLiteral("ALTER TABLE %1 RENAME TO %2").arg(old, stored));
-        for (const ColumnFacts& column : catalog.columns(id)) {
-            const QString before = storageName(column.name, from);
-            const QString after = storageName(column.name, to);
-            if (before != after)
-                execSql(catalog.handle(), QStringLiteral("ALTER TABLE %1 RENAME COLUMN %2 TO %3")
-                                              .arg(stored, quoted(before), quoted(after)));
-        }
-    }
-}
-
 void setCollation(SessionState& session, Database& database, const QString& name) {
     Catalog catalog(session, database);
-    const Collation& before = catalog.names();
-    const Collation& after = *Collation::named(name);
-    setNameCollation(database.handle, after, database.name);
-    renameStorage(catalog, before, after);
+    setNameCollation(database.handle, *Collation::named(name), database.name);
     catalog.setFact("collation", name);
     catalogChanged(database);
 }

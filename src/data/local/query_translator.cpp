@@ -284,6 +284,7 @@ void Translator::addPropertyList(const TableSource& source, Scope& scope) {
     Source added;
     added.sqlAlias = QStringLiteral("t%1").arg(++nextAlias_);
     added.alias = source.alias;
+    added.anyCase = true;
     static const char* const names[] = {"objtype", "objname", "name", "value"};
     QString list;
     for (const char* name : names) {

@@ -321,6 +321,7 @@ sqlite3* ServerStore::renewIndexes(Entry& entry) {
         sqlite3_close_v2(database.handle);
         database.handle = copy;
         database.isCopy = true;
+        addLaterTables(copy, false);
         installFunctions(copy, database, *this);
     }
     renewSorting(database.handle);

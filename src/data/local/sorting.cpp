@@ -1,5 +1,6 @@
 #include "data/local/sorting.h"
 
+#include "data/local/query_cache.h"
 #include "data/local/sqlite_files.h"
 
 #include <QRegularExpression>
@@ -55,6 +56,63 @@ bool refillProperties(sqlite3* handle) {
     return !clash;
 }
 
+[[noreturn]] void failTwoNames(const QString& database, const Collation& collation) {
+    throw nativeError(
+        5072, QStringLiteral("ALTER DATABASE failed. The default collation of database '%1' "
+                             "cannot be set to %2: it would make one name of two.")
+                  .arg(database, collation.name()));
+}
+
+/// The SQLite names of the tables and columns, which mark capitals where the collation tells cases
+/// apart. False when two columns would become one.
+bool renameStorage(sqlite3* handle, const Collation& from, const Collation& to) {
+    if (from.tellsCase() == to.tellsCase()) return true;
+    const auto rename = [&](const QString& what, const QString& before, const QString& after) {
+        if (before == after) return true;
+        const QByteArray sql =
+            (QStringLiteral("ALTER TABLE ") + what + quotedIdentifier(after)).toUtf8();
+        const int code = sqlite3_exec(handle, sql.constData(), nullptr, nullptr, nullptr);
+        if ((code & 0xff) != SQLITE_ERROR) checkSqlite(handle, code);
+        return code == SQLITE_OK;
+    };
+    for (const QStringList& table :
+         readRows(handle,
+                  "SELECT o.id, s.name || '.' || o.name FROM \"zov$objects\" o JOIN "
+                  "\"zov$schemas\" s ON s.schema_id=o.schema_id WHERE o.xtype='U'")) {
+        const QString before = storageName(table[1], from), after = storageName(table[1], to);
+        if (!rename(quotedIdentifier(before) + QStringLiteral(" RENAME TO "), before, after))
+            return false;
+        for (const QStringList& column :
+             readRows(handle, ("SELECT name FROM \"zov$columns\" WHERE id=" + table[0].toLatin1())
+                                  .constData())) {
+            const QString old = storageName(column[0], from);
+            if (!rename(quotedIdentifier(after) + QStringLiteral(" RENAME COLUMN ") +
+                            quotedIdentifier(old) + QStringLiteral(" TO "),
+                        old, storageName(column[0], to)))
+                return false;
+        }
+    }
+    return true;
+}
+
+/// Files of earlier versions say what their database's collation is and don't go by it.
+void followDatabaseCollation(sqlite3* handle) {
+    const std::vector<QStringList> facts =
+        readRows(handle, "SELECT value FROM \"zov$facts\" WHERE name='collation'");
+    const Collation* wanted = Collation::named(facts.empty() ? QString() : facts[0][0]);
+    if (storedCollation(handle, "zov$objects", "name") == wanted) return;
+    execSql(handle, "SAVEPOINT zov_names");
+    try {
+        setNameCollation(handle, *wanted, QString());
+        execSql(handle, "RELEASE zov_names");
+    } catch (const DbError& error) {
+        // Names that would become one stay as they are.
+        if (error.native != 5072) throw;
+        execSql(handle, "ROLLBACK TO zov_names");
+        execSql(handle, "RELEASE zov_names");
+    }
+}
+
 [[noreturn]] void failOneName() {
     throw nativeError(1505,
                       QStringLiteral("Two names of this database are one name by the sorting rules "
@@ -105,6 +163,7 @@ void renewSorting(sqlite3* handle) {
             execSql(handle, sql);
         }
         if (!refillProperties(handle)) failOneName();
+        followDatabaseCollation(handle);
         noteSorting(handle);
     });
 }
@@ -132,6 +191,7 @@ void setNameCollation(sqlite3* handle, const Collation& collation, const QString
         readRows(handle,
                  "SELECT name, sql FROM sqlite_master WHERE type='table' AND name LIKE 'zov$%' "
                  "AND sql LIKE '%COLLATE%'");
+    const Collation* before = storedCollation(handle, "zov$objects", "name");
     const int version = readRows(handle, "PRAGMA schema_version")[0][0].toInt();
     // The tables stay where they are: only what their columns compare by is written anew, which
     // SQLite lets happen in its schema alone.
@@ -161,11 +221,9 @@ void setNameCollation(sqlite3* handle, const Collation& collation, const QString
     for (const QStringList& table : tables) {
         if (table[0] == u"zov$properties" ? refillProperties(handle) : reindex(handle, table[0]))
             continue;
-        throw nativeError(
-            5072, QStringLiteral("ALTER DATABASE failed. The default collation of database '%1' "
-                                 "cannot be set to %2: it would make one name of two.")
-                      .arg(database, collation.name()));
+        failTwoNames(database, collation);
     }
+    if (before && !renameStorage(handle, *before, collation)) failTwoNames(database, collation);
 }
 
 const Collation* storedCollation(sqlite3* handle, const char* table, const char* column) {

@@ -20,8 +20,8 @@ void noteSorting(sqlite3* handle);
 /// written and whose indexes can't be used. `source` stays open.
 sqlite3* privateCopy(sqlite3* source);
 
-/// Makes the catalogue's names compare by `collation`, within the running statement. Throws DbError
-/// 5072 when two names would become one.
+/// Makes the catalogue's names compare by `collation`, within the running statement, and calls
+/// tables and columns in SQLite as it wants. Throws DbError 5072 when two names would become one.
 void setNameCollation(sqlite3* handle, const Collation& collation, const QString& database);
 /// The collation that the catalogue's names have in the file.
 const Collation* storedCollation(sqlite3* handle, const char* table, const char* column);
