@@ -100,6 +100,34 @@ TEST(Loading, ADatabaseMadeAnewInALoadTakesTheOldOnesPlace) {
               QStringLiteral("fresh"));
 }
 
+TEST(Loading, ADatabaseThatAnotherLoadMadeMeanwhileStays) {
+    ScriptedServer server;
+    const auto load = [&](const char* table) {
+        auto connection = local::localProvider().open(server.spec(QStringLiteral("both")), true);
+        connection->beginLoad();
+        CommandSpec command;
+        command.text = QStringLiteral("create table %1 (a int)").arg(QLatin1String(table));
+        connection->execute(command);
+        return connection;
+    };
+    const auto first = load("first"), second = load("second");
+    EXPECT_EQ(databases(server), QStringLiteral("shop"));
+    first->commitLoad();
+    try {
+        second->commitLoad();
+        FAIL() << "two loads have made one database";
+    } catch (const DbError& error) {
+        EXPECT_EQ(error.native, 1801) << error.what();
+    }
+    second->rollbackLoad();
+    server.connect(QStringLiteral("both"), false);
+    EXPECT_EQ(server.one(QStringLiteral("select name from sysobjects where xtype = 'U'")),
+              QStringLiteral("first"));
+    EXPECT_EQ(QDir(server.folder() + QStringLiteral("/server"))
+                  .entryList({QStringLiteral("*.new-*"), QStringLiteral("server.journal")}),
+              QStringList());
+}
+
 TEST(Loading, TwoLoadsOfOneScriptMakeTheSameCatalogue) {
     const QString script = QStringLiteral(
         "create table customers (id int identity primary key, code char(5) unique, rating int "
@@ -194,6 +222,88 @@ TEST(Files, ADamagedFileIsToldAndSparesTheOthers) {
     }
     server.connect(QStringLiteral("shop"), false);
     EXPECT_EQ(databases(server), QStringLiteral("broken,shop"));
+}
+
+TEST(Files, ADamagedPageIsNoEndOfRows) {
+    ScriptedServer server;
+    // A database that was loaded whole has no log; a copy of it has no pages in anybody's memory.
+    QString script = QStringLiteral(
+        "create database big\ngo\nuse big\ngo\ncreate table t (a int, b varchar(200))\n");
+    for (int i = 0; i < 400; ++i)
+        script += QStringLiteral("insert t values (%1, '%2')\n").arg(i).arg(QString(200, u'x'));
+    ASSERT_EQ(server.load(script), QString());
+    const QString folder = server.folder() + QStringLiteral("/server/");
+    ASSERT_TRUE(QFile::copy(folder + QStringLiteral("big.db"), folder + QStringLiteral("copy.db")));
+    QFile file(folder + QStringLiteral("copy.db"));
+    ASSERT_TRUE(file.open(QIODevice::ReadWrite));
+    const QByteArray rows(200, 'x');  // of the table's own pages, the catalogue stays whole
+    for (qint64 at = 4096; at < file.size(); at += 4096) {
+        file.seek(at);
+        if (!file.read(4096).contains(rows)) continue;
+        file.seek(at);
+        file.write(QByteArray(64, '\xff'));
+    }
+    file.close();
+    CommandSpec command;
+    command.text = QStringLiteral("select a, b from t");
+    try {
+        server.connect(QStringLiteral("copy"), false);
+        const auto results = server.connection().execute(command);
+        RowStore rows(results->columns());
+        while (results->fetch(rows, 100) > 0) {
+        }
+        FAIL() << rows.rowCount() << " rows were taken for all";
+    } catch (const DbError& error) {
+        EXPECT_EQ(error.native, 824);
+        EXPECT_TRUE(error.description.contains(QStringLiteral("copy.db"))) << error.what();
+        EXPECT_TRUE(error.description.contains(QStringLiteral("PRAGMA integrity_check")));
+    }
+}
+
+TEST(Files, ADamagedVersionFileIsNoOtherVersion) {
+    ScriptedServer server(QStringLiteral("8.00.2039"));
+    server.disconnect();
+    const QString path = server.folder() + QStringLiteral("/server/server.json");
+    for (const char* text : {"", "{", "{\"version\": 8}", "{\"version\": \"old\"}", "[]"}) {
+        SCOPED_TRACE(text);
+        QFile file(path);
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+        file.write(text);
+        file.close();
+        for (const bool create : {false, true}) {
+            try {
+                server.connect(QStringLiteral("shop"), create);
+                FAIL() << "taken for a version";
+            } catch (const DbError& error) {
+                EXPECT_TRUE(error.description.startsWith(
+                    QStringLiteral("The file %1, which tells").arg(path)))
+                    << error.what();
+            }
+        }
+    }
+}
+
+TEST(Files, WhatADeadProcessLeftIsSweptAndWhatALivingOneHasIsNot) {
+    ScriptedServer server;
+    const QString folder = server.folder() + QStringLiteral("/server/");
+    server.connection().beginLoad();
+    ASSERT_EQ(server.run(QStringLiteral("create database later")), QString());
+    const QStringList living = QDir(folder).entryList({QStringLiteral("later.db.new-*")});
+    ASSERT_EQ(living.size(), 1);
+    const QStringList dead = {QStringLiteral("gone.db.new-1abc-1"),
+                              QStringLiteral("gone.db.new-1abc-1-journal"),
+                              QStringLiteral("shop.db.before-2abc"),
+                              QStringLiteral("x.db.old-2abc"), QStringLiteral("staging-2abc.lock")};
+    for (const QString& name : dead) {
+        QFile file(folder + name);
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    }
+    local::localProvider().open(server.spec(QStringLiteral("shop")), false);
+    for (const QString& name : dead)
+        EXPECT_FALSE(QFile::exists(folder + name)) << name.toStdString();
+    EXPECT_TRUE(QFile::exists(folder + living.first()));
+    server.connection().commitLoad();
+    EXPECT_EQ(databases(server), QStringLiteral("later,shop"));
 }
 
 TEST(Files, AServerOfAnOldVersionKeepsDefaultsAsWritten) {

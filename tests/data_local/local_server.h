@@ -18,6 +18,7 @@ class LocalServer {
         createSource_ =
             version.isEmpty() ? source_ : source_ + QStringLiteral("?version=") + version;
         connection_ = open(QStringLiteral("Test"), true);
+        run(QStringLiteral("print ''"));  // others see a new database from here on
     }
 
     const QString& source() const { return source_; }

@@ -27,6 +27,7 @@ class ScriptedServer {
     /// `version`: "8.00.2039" for an old server; empty for a current one.
     explicit ScriptedServer(const QString& version = {}) : version_(version) {
         connect(QStringLiteral("shop"));
+        run(QStringLiteral("print ''"));  // others see the database from here on
     }
 
     QString folder() const { return folder_.path(); }

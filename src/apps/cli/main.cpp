@@ -14,6 +14,10 @@
 
 #include <QCoreApplication>
 
+#include <cstdio>
+#include <cstdlib>
+#include <exception>
+
 namespace zov::cli {
 namespace {
 
@@ -69,6 +73,19 @@ int startAndRun(const Options& options, ConsoleShell& console) {
                                                      : QStringLiteral("%1 lines").arg(broken)));
     }
     return run(options, console);
+}
+
+// Memory that runs out where nothing can be caught ends the program as trouble does. Nothing more
+// is asked of it here: what was begun is undone by the next start.
+[[noreturn]] void endForWantOfMemory() {
+    static const char text[] = "zovrand-cli: Out of memory. Close other programs and try again.\n";
+    std::fwrite(text, 1, sizeof text - 1, stderr);
+    std::_Exit(Trouble);
+}
+
+// Before the program's own globals are made, which take memory as well.
+[[gnu::constructor(101)]] void beReadyForWantOfMemory() {
+    std::set_terminate(endForWantOfMemory);
 }
 
 }  // namespace

@@ -133,7 +133,11 @@ void BatchStream::statement(Action&& action, int line, std::span<const Token> to
     const size_t depth = frames_.size();
     session_.store->beginStatement();
     try {
-        action();
+        try {
+            action();
+        } catch (const std::bad_alloc&) {
+            checkSqlite(nullptr, SQLITE_NOMEM);
+        }
         session_.store->endStatement(true);
     } catch (DbError& error) {
         failed_ = true;

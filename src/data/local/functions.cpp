@@ -3,10 +3,44 @@
 #include "data/local/collation.h"
 #include "data/local/functions_support.h"
 #include "data/local/query_cache.h"
+#include "data/local/server_store.h"
 
 #include <algorithm>
 
 namespace zov::local {
+namespace {
+
+struct Defined {
+    SqlFunction function;
+    void* data;
+};
+
+// SQLite's own frames lie between a function and its caller: nothing may be thrown through them.
+void callDefined(sqlite3_context* context, int count, sqlite3_value** values) {
+    try {
+        static_cast<Defined*>(sqlite3_user_data(context))->function(context, count, values);
+    } catch (const DbError& error) {
+        giveError(context, error);
+    } catch (const std::bad_alloc&) {
+        sqlite3_result_error_nomem(context);
+    }
+}
+
+}  // namespace
+
+void define(sqlite3* handle, const char* name, int count, SqlFunction function, void* data,
+            bool deterministic) {
+    // SQLite frees it, also when it doesn't take the function.
+    const int code = sqlite3_create_function_v2(
+        handle, name, count, SQLITE_UTF8 | (deterministic ? SQLITE_DETERMINISTIC : 0),
+        new Defined{function, data}, callDefined, nullptr, nullptr,
+        [](void* defined) { delete static_cast<Defined*>(defined); });
+    checkSqlite(handle, code);
+}
+
+void* dataOf(sqlite3_context* context) {
+    return static_cast<Defined*>(sqlite3_user_data(context))->data;
+}
 
 void giveError(sqlite3_context* context, qint32 native, const QString& text) {
     const QByteArray message = "ZOV" + QByteArray::number(native) + ':' + text.toUtf8();

@@ -14,7 +14,7 @@ namespace zov::local {
 namespace {
 
 Database& databaseOf(sqlite3_context* context) {
-    return *static_cast<Database*>(sqlite3_user_data(context));
+    return *static_cast<Database*>(dataOf(context));
 }
 QueryCache& cacheOf(sqlite3_context* context) {
     return QueryCache::of(databaseOf(context));
@@ -473,14 +473,13 @@ void rowCount(sqlite3_context* context, int, sqlite3_value** v) {
     const std::shared_ptr<const QueryTable> table =
         cacheOf(context).tableById(sqlite3_value_int(v[0]));
     if (!table || table->xtype != u"U") return giveInt(context, 0);
-    sqlite3_stmt* statement = nullptr;
-    const QByteArray sql = "SELECT count(*) FROM " + table->sqlName.toUtf8();
-    sqlite3_prepare_v2(sqlite3_context_db_handle(context), sql.constData(), -1, &statement,
-                       nullptr);
-    giveInt(context, statement && sqlite3_step(statement) == SQLITE_ROW
-                         ? sqlite3_column_int64(statement, 0)
-                         : 0);
-    sqlite3_finalize(statement);
+    sqlite3* handle = sqlite3_context_db_handle(context);
+    const std::unique_ptr<sqlite3_stmt, decltype(&sqlite3_finalize)> statement(
+        prepareStatement(handle, "SELECT count(*) FROM " + table->sqlName.toUtf8(), false),
+        sqlite3_finalize);
+    const int code = sqlite3_step(statement.get());
+    if (code != SQLITE_ROW) throwQueryError(handle, code, nullptr);
+    giveInt(context, sqlite3_column_int64(statement.get(), 0));
 }
 
 }  // namespace

@@ -9,13 +9,12 @@ namespace zov::local {
 
 using SqlFunction = void (*)(sqlite3_context*, int, sqlite3_value**);
 
-/// `count` -1: any number of arguments. Not deterministic ones are evaluated for each row.
-inline void define(sqlite3* handle, const char* name, int count, SqlFunction function,
-                   void* data = nullptr, bool deterministic = true) {
-    sqlite3_create_function_v2(handle, name, count,
-                               SQLITE_UTF8 | (deterministic ? SQLITE_DETERMINISTIC : 0), data,
-                               function, nullptr, nullptr, nullptr);
-}
+/// `count` -1: any number of arguments. Not deterministic ones are evaluated for each row. What a
+/// function throws comes out of the statement as its error.
+void define(sqlite3* handle, const char* name, int count, SqlFunction function,
+            void* data = nullptr, bool deterministic = true);
+/// What define() was given.
+void* dataOf(sqlite3_context* context);
 
 inline bool isNull(sqlite3_value* value) {
     return sqlite3_value_type(value) == SQLITE_NULL;

@@ -69,6 +69,8 @@ class LocalConnection : public ProviderConnection, public LoadReporting {
         }
     }
 
+    ~LocalConnection() override { close(); }
+
     std::unique_ptr<ResultStream> execute(const CommandSpec& command) override {
         session_.control->cancelled = false;
         startClock(*session_.control, command.timeout);
@@ -85,6 +87,11 @@ class LocalConnection : public ProviderConnection, public LoadReporting {
     void close() override {
         session_.current = nullptr;
         session_.store = nullptr;
+        try {
+            if (store_) store_->settle();
+        } catch (...) {
+            // Nobody has been told of the database, and nobody will miss it.
+        }
         store_.reset();
     }
 

@@ -271,6 +271,10 @@ void throwQueryError(sqlite3* handle, int code, const ExecutionControl* control)
     if (text.startsWith(QLatin1String("ZOV"))) {
         const qsizetype colon = text.indexOf(u':');
         const qint32 native = text.mid(3, colon - 3).toInt();
+        // The file or the memory failed while a function looked something up.
+        if (native == 823 || native == 824 || native == 701)
+            throw DbError(ado_error::Unspecified, text.mid(colon + 1), QStringLiteral("42000"),
+                          native);
         const qint32 number = native == 8134 ? ado_error::SyntaxError : ado_number::CannotConvert;
         throw DbError(number, text.mid(colon + 1),
                       native == 8134 ? QStringLiteral("22012") : QStringLiteral("22018"), native);
@@ -288,6 +292,7 @@ void throwQueryError(sqlite3* handle, int code, const ExecutionControl* control)
         case SQLITE_CANTOPEN:
         case SQLITE_CORRUPT:
         case SQLITE_NOTADB:
+        case SQLITE_NOMEM:
             checkSqlite(handle, code);  // told in plain words
             break;
         default:

@@ -15,6 +15,10 @@
 
 namespace zov::local {
 
+/// Throws the DbError that stands for SQLite's last failure on the handle: time-out, cancelled,
+/// an error raised by one of our functions, a constraint, a locked file.
+[[noreturn]] void throwQueryError(sqlite3* handle, int code, const ExecutionControl* control);
+
 struct QueryColumn {
     QString name;
     QString sqlName;  ///< quoted for SQLite
@@ -141,7 +145,13 @@ class LookUp {
         return *this;
     }
     sqlite3_stmt* statement() const { return statement_; }
-    bool next() { return sqlite3_step(statement_) == SQLITE_ROW; }
+    /// False behind the last row. A row that can't be read throws.
+    bool next() {
+        const int code = sqlite3_step(statement_);
+        if (code != SQLITE_ROW && code != SQLITE_DONE)
+            throwQueryError(sqlite3_db_handle(statement_), code, nullptr);
+        return code == SQLITE_ROW;
+    }
     bool isNull(int column) const { return sqlite3_column_type(statement_, column) == SQLITE_NULL; }
     qint64 integer(int column) const { return sqlite3_column_int64(statement_, column); }
     QString text(int column) const {
@@ -157,9 +167,6 @@ class LookUp {
 
 /// Prepares or throws DbError with what SQLite said.
 sqlite3_stmt* prepareStatement(sqlite3* handle, const QByteArray& sql, bool keep);
-/// Throws the DbError that stands for SQLite's last failure on the handle: time-out, cancelled,
-/// an error raised by one of our functions, a constraint, a locked file.
-[[noreturn]] void throwQueryError(sqlite3* handle, int code, const ExecutionControl* control);
 /// An identifier in double quotes.
 QString quotedName(const QString& name);
 /// What a table, a column is called in SQLite, which takes names that differ in the case of A to Z

@@ -290,6 +290,8 @@ void appendAsText(ColumnCells& cells, sqlite3_value* value) {
 void appendCell(ColumnCells& cells, sqlite3_value* value) {
     const int kind = sqlite3_value_type(value);
     if (kind == SQLITE_NULL) return cells.appendNull();
+    // A text that comes as nothing is one that found no room.
+    if (kind == SQLITE_TEXT && !sqlite3_value_text(value)) throw std::bad_alloc();
     switch (cells.storage()) {
         case Storage::Int8:
         case Storage::Int16:

@@ -4,6 +4,7 @@
 #include "data/local/query_result.h"
 #include "data/local/query_translator.h"
 #include "data/local/query_values.h"
+#include "data/local/server_store.h"
 
 namespace zov::local {
 
@@ -98,6 +99,8 @@ std::shared_ptr<PreparedSelect> translateAndPrepare(SessionState& session,
 
 void attachDatabases(const Translator& translator, PreparedSelect& select) {
     sqlite3* handle = select.database->handle;
+    if (translator.attachments().empty()) return;
+    const ServerStore::Hold hold(*select.database->store);
     for (const auto& [alias, file] : translator.attachments()) {
         const QByteArray attach = "ATTACH " + quotedText(file).toUtf8() + " AS " + alias.toUtf8();
         const int code = sqlite3_exec(handle, attach.constData(), nullptr, nullptr, nullptr);

@@ -4,12 +4,12 @@
 #include "data/local/functions.h"
 #include "data/local/server_store_entry.h"
 #include "data/local/sorting.h"
+#include "util/atomic_file.h"
 
 #include <QDir>
 #include <QFileInfo>
 #include <QJsonDocument>
 #include <QJsonObject>
-#include <QSaveFile>
 #include <QStandardPaths>
 #include <QUrl>
 
@@ -46,7 +46,11 @@ class Statement {
     ~Statement() { sqlite3_finalize(statement_); }
     Statement(const Statement&) = delete;
     Statement& operator=(const Statement&) = delete;
-    bool step() { return sqlite3_step(statement_) == SQLITE_ROW; }
+    bool step() {
+        const int code = sqlite3_step(statement_);
+        checkSqlite(sqlite3_db_handle(statement_), code);
+        return code == SQLITE_ROW;
+    }
     sqlite3_stmt* get() const { return statement_; }
     QString text(int column) const {
         return QString::fromUtf8(
@@ -56,6 +60,33 @@ class Statement {
  private:
     sqlite3_stmt* statement_ = nullptr;
 };
+
+QString factsFile(const QString& folder) {
+    return folder + QStringLiteral("/server.json");
+}
+
+bool isVersion(const QString& text) {
+    return text.section(u'.', 0, 0).toInt() > 0;
+}
+
+/// The version that a folder was made as; `fallback` where nothing tells it.
+QString versionOfFolder(const QString& folder, const QString& fallback) {
+    const QString path = factsFile(folder);
+    QByteArray bytes;
+    bool exists = false;
+    QString trouble = readWholeFile(path, bytes, &exists);
+    if (trouble.isEmpty() && !exists) return fallback;
+    const QString version =
+        QJsonDocument::fromJson(bytes).object().value(QStringLiteral("version")).toString();
+    if (trouble.isEmpty() && isVersion(version)) return version;
+    if (trouble.isEmpty())
+        trouble = QStringLiteral(
+                      "The file %1, which tells the embedded server's version, is "
+                      "damaged. Restore it from a copy, or write {\"version\": \"%2\"} "
+                      "into it with the version that the server was made as.")
+                      .arg(QDir::toNativeSeparators(path), DefaultVersion);
+    throw DbError(ado_error::Unspecified, trouble, QStringLiteral("08001"), 17);
+}
 
 }  // namespace
 
@@ -89,7 +120,7 @@ std::unique_ptr<ServerStore> ServerStore::open(const QString& dataSource, bool c
     const QString folder = folderOf(dataSource);
     const qsizetype query = dataSource.indexOf(u"?version=");
     QString version = query >= 0 ? dataSource.mid(query + 9).trimmed() : DefaultVersion;
-    if (version.section(u'.', 0, 0).toInt() < 1)
+    if (!isVersion(version))
         throw DbError(
             ado_error::Unspecified,
             QStringLiteral("'%1' is no product version; \"8.00.2039\" is one.").arg(version),
@@ -104,7 +135,6 @@ std::unique_ptr<ServerStore> ServerStore::open(const QString& dataSource, bool c
                            "name behind it, as in \"local:samples\"."),
             QStringLiteral("08001"), 17);
 
-    const QString facts = folder + QStringLiteral("/server.json");
     bool made = false;
     if (!QFileInfo(folder).isDir()) {
         if (!createServer)
@@ -115,39 +145,20 @@ std::unique_ptr<ServerStore> ServerStore::open(const QString& dataSource, bool c
                     .arg(QDir::toNativeSeparators(folder),
                          isLocalDataSource(bare) ? bare : Scheme + bare),
                 QStringLiteral("08001"), 17);
-        if (!QDir().mkpath(folder))
-            throw DbError(ado_error::Unspecified,
-                          QStringLiteral("The folder %1 of the embedded server could not be made.")
-                              .arg(QDir::toNativeSeparators(folder)),
-                          QStringLiteral("08001"), 17);
-        QSaveFile file(facts);
-        const QJsonObject object{{QStringLiteral("version"), version}};
-        if (!file.open(QIODevice::WriteOnly) || file.write(QJsonDocument(object).toJson()) < 0 ||
-            !file.commit())
-            throw DbError(ado_error::Unspecified,
-                          QStringLiteral("The file %1 could not be written: %2")
-                              .arg(QDir::toNativeSeparators(facts), file.errorString()),
-                          QStringLiteral("08001"), 17);
         made = true;
     } else {
-        // What a load that was killed left behind.
-        const QFileInfoList staged =
-            QDir(folder).entryInfoList({QStringLiteral("*.db.new-*")}, QDir::Files);
-        for (const QFileInfo& file : staged)
-            if (file.lastModified().daysTo(QDateTime::currentDateTime()) > 1)
-                QFile::remove(file.filePath());
-        version = DefaultVersion;
-        QFile file(facts);
-        if (file.open(QIODevice::ReadOnly)) {
-            const QString kept = QJsonDocument::fromJson(file.readAll())
-                                     .object()
-                                     .value(QStringLiteral("version"))
-                                     .toString();
-            if (kept.section(u'.', 0, 0).toInt() > 0) version = kept;
-        }
+        // A folder that its maker could not finish is as good as none.
+        made = createServer && !QFileInfo::exists(factsFile(folder)) &&
+               QDir(folder).entryList({QStringLiteral("*.db")}, QDir::Files).isEmpty();
+        if (!made) version = versionOfFolder(folder, DefaultVersion);
     }
     std::unique_ptr<ServerStore> store(new ServerStore(folder, version));
     store->folderMade_ = made;
+    if (made) {
+        store->makeFolder(factsFile(folder));
+        store->productVersion_ = versionOfFolder(folder, version);  // another session may be first
+    }
+    store->sweep();
     return store;
 }
 
@@ -157,19 +168,34 @@ ServerStore::ServerStore(QString folder, QString version)
 }
 
 ServerStore::~ServerStore() {
-    try {
+    // Whatever fails here is undone by closing the handles, and swept by the next session.
+    const auto quietly = [](const auto& step) {
+        try {
+            step();
+        } catch (...) {
+        }
+    };
+    quietly([&] {
         if (inLoad_) rollbackLoad();
-        while (transactionCount_ > 0) rollbackTransaction();
-    } catch (const DbError&) {
-        // Closing the handles undoes what is open.
-    }
-    for (auto& [key, entry] : open_) {
-        entry->detachOthers();
-        if (!entry->idle()) continue;
-        entry->seenVersion = entry->currentVersion();
-        entry->database.store = nullptr;
-        pool().give(std::move(entry));
-    }
+        if (transactionCount_ > 0) rollbackTransaction();
+    });
+    for (auto& [key, entry] : open_)
+        quietly([&] {
+            if (entry->staged) {  // never published
+                entry->close();
+                removeDatabaseFiles(entry->file);
+                return;
+            }
+            entry->detachOthers();
+            if (!entry->idle()) return;
+            entry->seenVersion = entry->currentVersion();
+            entry->database.store = nullptr;
+            pool().give(std::move(entry));
+        });
+    quietly([&] {
+        if (folderMade_) removeMadeFolder();
+    });
+    quietly([&] { releaseOwner(); });
 }
 
 int ServerStore::majorVersion() const {
@@ -182,9 +208,10 @@ ServerStore::Entry* ServerStore::entryOf(const Database& database) {
     return nullptr;
 }
 
-bool ServerStore::find(const QString& name, QString& trueName, QString& file) const {
+bool ServerStore::find(const QString& name, QString& trueName, QString& file) {
     const QString key = fold(name);
     if (dropped_.contains(key)) return false;
+    const Hold hold(*this);
     const QString direct = folder_ + u'/' + fileNameOf(name);
     if (QFileInfo::exists(direct)) {
         file = direct;
@@ -203,6 +230,7 @@ bool ServerStore::find(const QString& name, QString& trueName, QString& file) co
 }
 
 std::vector<DatabaseFacts> ServerStore::databases() {
+    const Hold hold(*this);
     std::vector<DatabaseFacts> all;
     std::set<QString> seen;
     const auto defaults = [&](const QString& name, const QString& file) {
@@ -275,36 +303,14 @@ int ServerStore::nextDatabaseId() {
 
 ServerStore::Entry& ServerStore::openEntry(const QString& name, const QString& file, bool staged) {
     const QString key = fold(name);
+    const Hold hold(*this);
     std::unique_ptr<Entry> entry = staged ? nullptr : pool().take(file);
     if (!entry) {
         entry = std::make_unique<Entry>();
         entry->file = file;
         entry->staged = staged;
-        const bool writable = QFileInfo(file).isWritable() && QFileInfo(folder_).isWritable();
-        if (writable) {
-            entry->database.handle = openFile(file, SQLITE_OPEN_READWRITE);
-        } else {
-            // Where no log can be written beside the file it is read as it stands.
-            entry->readOnly = true;
-            entry->database.handle = openFile(file, SQLITE_OPEN_READONLY,
-                                              QFileInfo::exists(file + QStringLiteral("-wal"))
-                                                  ? QString()
-                                                  : QStringLiteral("?immutable=1"));
-        }
-        sqlite3* handle = entry->database.handle;
-        entry->database.store = this;
         entry->database.name = name;
-        execSql(handle,
-                staged
-                    ? "PRAGMA synchronous=OFF; PRAGMA journal_mode=MEMORY; PRAGMA temp_store=MEMORY"
-                    : "PRAGMA synchronous=NORMAL; PRAGMA temp_store=MEMORY");
-        addLaterTables(handle, entry->readOnly);
-        installFunctions(handle, entry->database, *this);
-        if (!sortingIsCurrent(handle)) handle = renewIndexes(*entry);
-        Statement id(handle, "SELECT value FROM \"zov$facts\" WHERE name='dbid'");
-        if (id.step()) entry->database.dbid = sqlite3_column_int(id.get(), 0);
-        entry->prepare();
-        entry->seenVersion = entry->currentVersion();
+        openHandle(*entry);
     } else if (const qint64 version = entry->currentVersion(); version != entry->seenVersion) {
         entry->seenVersion = version;
         catalogChanged(entry->database);
@@ -328,11 +334,27 @@ sqlite3* ServerStore::renewIndexes(Entry& entry) {
     return database.handle;
 }
 
+void ServerStore::openHandle(Entry& entry) {
+    entry.database.handle = openDatabaseFile(entry.file, entry.readOnly);
+    sqlite3* handle = entry.database.handle;
+    entry.database.store = this;
+    execSql(handle,
+            entry.staged
+                ? "PRAGMA synchronous=OFF; PRAGMA journal_mode=MEMORY; PRAGMA temp_store=MEMORY"
+                : "PRAGMA synchronous=NORMAL; PRAGMA temp_store=MEMORY");
+    addLaterTables(handle, entry.readOnly);
+    installFunctions(handle, entry.database, *this);
+    if (!sortingIsCurrent(handle)) handle = renewIndexes(entry);
+    Statement id(handle, "SELECT value FROM \"zov$facts\" WHERE name='dbid'");
+    if (id.step()) entry.database.dbid = sqlite3_column_int(id.get(), 0);
+    entry.prepare();
+    entry.seenVersion = entry.currentVersion();
+}
+
 ServerStore::Entry& ServerStore::stageNew(const QString& name, int dbid) {
     static std::atomic<int> counter = 0;
-    const QString file =
-        folder_ + u'/' + fileNameOf(name) +
-        QStringLiteral(".new-%1-%2").arg(QDateTime::currentMSecsSinceEpoch(), 0, 36).arg(++counter);
+    const QString file = folder_ + u'/' + fileNameOf(name) +
+                         QStringLiteral(".new-%1-%2").arg(owner()).arg(++counter);
     sqlite3* handle = nullptr;
     try {
         handle = openFile(file, SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE);
@@ -372,30 +394,6 @@ ServerStore::Entry& ServerStore::stageNew(const QString& name, int dbid) {
     }
 }
 
-void ServerStore::publish(Entry& entry) {
-    const QString staging = entry.file;
-    const QString target = folder_ + u'/' + fileNameOf(entry.database.name);
-    if (!sqlite3_get_autocommit(entry.database.handle)) execSql(entry.database.handle, "COMMIT");
-    entry.begun = entry.marked = entry.inStatement = false;
-    // The log mode is written into the file while nobody else sees it.
-    execSql(entry.database.handle, "PRAGMA synchronous=FULL; PRAGMA journal_mode=WAL");
-    entry.close();
-    pool().purge(target);
-    removeDatabaseFiles(target);
-    if (!QFile::rename(staging, target))
-        throw DbError(ado_error::Unspecified,
-                      QStringLiteral("The database's file %1 could not be put in place.")
-                          .arg(QDir::toNativeSeparators(target)),
-                      QStringLiteral("42000"), 5120);
-    entry.file = target;
-    entry.staged = false;
-    entry.database.handle = openFile(target, SQLITE_OPEN_READWRITE);
-    execSql(entry.database.handle, "PRAGMA synchronous=NORMAL; PRAGMA temp_store=MEMORY");
-    installFunctions(entry.database.handle, entry.database, *this);
-    entry.prepare();
-    entry.seenVersion = entry.currentVersion();
-}
-
 Database& ServerStore::database(const QString& name) {
     const QString key = fold(name);
     if (const auto at = open_.find(key); at != open_.end()) return at->second->database;
@@ -407,9 +405,7 @@ Database& ServerStore::database(const QString& name) {
                           QStringLiteral("The folder %1 of the embedded server is gone.")
                               .arg(QDir::toNativeSeparators(folder_)),
                           QStringLiteral("08S01"), 17);
-        Entry& entry = stageNew(key, id);
-        publish(entry);  // not a part of any load
-        return entry.database;
+        return systemDatabase(key, id);
     }
     throw nativeError(911,
                       QStringLiteral("Database '%1' does not exist. Make sure that the name is "
@@ -417,12 +413,38 @@ Database& ServerStore::database(const QString& name) {
                           .arg(name));
 }
 
+Database& ServerStore::systemDatabase(const QString& name, int id) {
+    const Hold hold(*this, true);
+    QString trueName, file;
+    if (!find(name, trueName, file)) {  // another session may have been first
+        Entry& entry = stageNew(name, id);
+        const QString target = folder_ + u'/' + fileNameOf(name);
+        QString trouble;
+        try {
+            finishStaged(entry);
+            trouble = replaceFile(entry.file, target);
+        } catch (...) {
+            discard(name);
+            throw;
+        }
+        if (!trouble.isEmpty()) {
+            discard(name);
+            notInPlace(target, trouble);
+        }
+        forget(name);
+        file = target;
+    }
+    return openEntry(name, file, false).database;
+}
+
+Database& ServerStore::newDatabase(const QString& name) {
+    return stageNew(name, nextDatabaseId()).database;
+}
+
 Database& ServerStore::openOrCreate(const QString& name) {
     if (hasDatabase(name)) return database(name);
-    createDatabase(name);
-    createdAtOpen_.insert(fold(name));
     unclaimed_.insert(fold(name));
-    return database(name);
+    return newDatabase(name);
 }
 
 void ServerStore::createDatabase(const QString& name) {
@@ -438,15 +460,16 @@ void ServerStore::createDatabase(const QString& name) {
         throw nativeError(1801, QStringLiteral("Database '%1' already exists. Choose a different "
                                                "database name.")
                                     .arg(name));
-    Entry& entry = stageNew(name, nextDatabaseId());
-    if (!inLoad_) publish(entry);
+    newDatabase(name);
+    if (!inLoad_) publishStaged();
 }
 
-void ServerStore::requireUnused(const QString& name, const QString& file) {
+void ServerStore::requireUnused(const QString& name, const QString& file, bool forGood) {
     pool().purge(file);
     for (auto& [key, entry] : open_) entry->detachOthers();
-    // Leaving the log mode works only for the single connection of a file: a test for other users
-    // of it, in this process or another.
+    // Leaving the log mode works only for the single connection of a file: a test for other
+    // users of it, in this process or another. Without the log, the file is all that there is
+    // of it.
     sqlite3* handle = openFile(file, SQLITE_OPEN_READWRITE);
     sqlite3_busy_timeout(handle, 1'000);
     sqlite3_stmt* statement = nullptr;
@@ -460,7 +483,7 @@ void ServerStore::requireUnused(const QString& name, const QString& file) {
     const int primary = code & 0xff;
     if (primary == SQLITE_NOTADB || primary == SQLITE_CORRUPT)
         alone = true;
-    else if (alone && inLoad_)
+    else if (alone && !forGood)
         sqlite3_exec(handle, "PRAGMA journal_mode=WAL", nullptr, nullptr, nullptr);
     sqlite3_close_v2(handle);
     if (!alone)
@@ -468,6 +491,12 @@ void ServerStore::requireUnused(const QString& name, const QString& file) {
                           QStringLiteral("Cannot drop database \"%1\" because it is currently in "
                                          "use.")
                               .arg(name));
+}
+
+void ServerStore::discard(const QString& key) {
+    const QString file = open_[key]->file;
+    forget(key);
+    removeDatabaseFiles(file);
 }
 
 void ServerStore::forget(const QString& key) {
@@ -489,19 +518,15 @@ void ServerStore::dropDatabase(const QString& name) {
         throw nativeError(226, QStringLiteral("DROP DATABASE statement not allowed within "
                                               "multi-statement transaction."));
     const auto open = open_.find(key);
-    if (open != open_.end() && open->second->staged) {
-        const QString file = open->second->file;
-        forget(key);
-        removeDatabaseFiles(file);
-        return;
-    }
+    if (open != open_.end() && open->second->staged) return discard(key);
+    const Hold hold(*this, true);
     QString trueName, file;
     if (!find(name, trueName, file))
         throw nativeError(3701, QStringLiteral("Cannot drop the database '%1', because it does not "
                                                "exist or you do not have permission.")
                                     .arg(name));
     forget(key);
-    requireUnused(trueName, file);
+    requireUnused(trueName, file, !inLoad_);
     if (inLoad_)
         dropped_[key] = file;
     else

@@ -5,9 +5,14 @@
 //
 // Writing: whoever changes a database calls willWrite() first, between beginStatement() and
 // endStatement(), which the statement runner calls around every statement.
+//
+// What takes more than one file is done wholly or not at all (server_store_publish.cpp); a session
+// that opens a file or begins to write one keeps out of the way of that with a Hold.
 #pragma once
 
 #include "data/local/local_session.h"
+
+#include "util/file_lock.h"
 
 #include <QDateTime>
 
@@ -59,14 +64,30 @@ class ServerStore {
     /// DbError 911 for an unknown name. The reference stays good until the database is dropped, the
     /// load that made it is rolled back (its handle is null then), or the store dies.
     Database& database(const QString& name);
-    /// The same, made first when it isn't there: when the load that follows is rolled back, it goes
-    /// again, and so does a folder that was made for it.
+    /// The same, made first when it isn't there. Others see it with the first batch, or, when a
+    /// load follows, when that is done; when that is rolled back, a folder that was made for it
+    /// goes too.
     Database& openOrCreate(const QString& name);
 
     /// CREATE DATABASE and DROP DATABASE; within a load they take effect at commitLoad. Throw
     /// DbError 1801 (name taken), 3701 (no such database), 3702 (in use), 3708 (system database).
     void createDatabase(const QString& name);
     void dropDatabase(const QString& name);
+
+    /// While one lives, the databases' files stay where they are: nobody else puts one in the place
+    /// of another. `alone`: nobody else opens one or begins to write to it either. Throws DbError
+    /// 1222 when that can't be had in time, 5120 when the folder doesn't allow it. What a process
+    /// that was killed left half done is undone first.
+    class Hold {
+     public:
+        explicit Hold(ServerStore& store, bool alone = false);
+        ~Hold();
+        Hold(const Hold&) = delete;
+        Hold& operator=(const Hold&) = delete;
+
+     private:
+        ServerStore& store_;
+    };
 
     // A load: all or nothing over every database that it touches.
     void beginLoad();
@@ -81,7 +102,7 @@ class ServerStore {
 
     // Transactions of the session (BEGIN TRAN ...). Within a load they nest into it.
     void beginTransaction();
-    void commitTransaction();    ///< throws 3902 without a transaction
+    void commitTransaction();    ///< throws 3902 without a transaction; all databases or none
     void rollbackTransaction();  ///< throws 3903 without a transaction
     int transactionCount() const { return transactionCount_; }  ///< @@TRANCOUNT
 
@@ -94,6 +115,11 @@ class ServerStore {
     /// To be called before a batch: a change that another session made to a database makes the
     /// query side forget what it knew of it.
     void noticeForeignChanges();
+    /// No load follows: a database that openOrCreate() has made becomes one for all.
+    void settle();
+
+    struct Publication;
+    struct PublicationStep;
 
  private:
     struct Entry;
@@ -103,17 +129,40 @@ class ServerStore {
     static Pool& pool();
     Entry* entryOf(const Database& database);
     /// The true name and file of a database in any case of letters; false when there is none.
-    bool find(const QString& name, QString& trueName, QString& file) const;
+    bool find(const QString& name, QString& trueName, QString& file);
     Entry& openEntry(const QString& name, const QString& file, bool staged);
+    void openHandle(Entry& entry);
+    Database& systemDatabase(const QString& name, int id);
+    Database& newDatabase(const QString& name);
     Entry& stageNew(const QString& name, int dbid);
     /// For a file whose indexes rest on another order of texts; the handle to go on with.
     sqlite3* renewIndexes(Entry& entry);
-    void publish(Entry& entry);
-    void forget(const QString& key);
-    void discardHandle(Entry& entry);
-    void requireUnused(const QString& name, const QString& file);
+    void forget(const QString& key);   ///< closes it
+    void discard(const QString& key);  ///< and removes its file
+    void requireUnused(const QString& name, const QString& file, bool forGood);
     void begin(Entry& entry);
     int nextDatabaseId();
+    void requireWhole() const;
+    void commitBegun();
+
+    // server_store_folder.cpp
+    QString journalFile() const;
+    QString lockFile() const;
+    void lockFolder(bool alone);
+    void makeFolder(const QString& facts);
+    void removeMadeFolder();
+    void sweep();
+    const QString& owner();
+    void releaseOwner();
+
+    // server_store_publish.cpp
+    void publish(Publication& publication);
+    void publishStaged();
+    void prepareStep(PublicationStep& step, std::vector<QString>& withoutLog);
+    void undoPublication();
+    void finishStaged(Entry& entry);
+    void reopenPublished(const QString& key, const QString& file);
+    [[noreturn]] static void notInPlace(const QString& file, const QString& why);
 
     QString folder_;
     QString serverName_;
@@ -121,17 +170,22 @@ class ServerStore {
     std::map<QString, std::unique_ptr<Entry>> open_;  // by folded name
     std::vector<std::unique_ptr<Entry>> gone_;        // closed; sessions may still point at them
     std::map<QString, QString> dropped_;              // in this load: folded name -> file
-    std::set<QString> createdAtOpen_;
     std::set<QString>
         unclaimed_;  // made at open, and nothing said of them yet: CREATE DATABASE may
+    FileLock folderLock_;
+    int holds_ = 0;
+    bool alone_ = false;
+    FileLock ownerLock_;  // says that this session's staging files belong to somebody who lives
+    QString owner_;
     bool folderMade_ = false;
     bool inLoad_ = false;
+    bool lost_ = false;  // SQLite undid a load's part by itself: the rest must not be kept
     bool inStatement_ = false;
     int transactionCount_ = 0;
 };
 
 /// Throws DbError with SQLite's own text unless `code` is a success; a full disk, a read-only
-/// folder and a locked file are told in plain words.
+/// folder, a locked file, a failed read and a damaged page are told in plain words.
 void checkSqlite(sqlite3* handle, int code);
 /// Runs statements without rows; throws DbError.
 void execSql(sqlite3* handle, const QString& sql);

@@ -25,13 +25,14 @@ struct ServerStore::Entry {
     ~Entry() { close(); }
 
     void prepare() {
-        sqlite3* handle = database.handle;
-        sqlite3_prepare_v3(handle, "SAVEPOINT zov_statement", -1, SQLITE_PREPARE_PERSISTENT,
-                           &savepoint, nullptr);
-        sqlite3_prepare_v3(handle, "RELEASE zov_statement", -1, SQLITE_PREPARE_PERSISTENT, &release,
-                           nullptr);
-        sqlite3_prepare_v3(handle, "PRAGMA data_version", -1, SQLITE_PREPARE_PERSISTENT, &version,
-                           nullptr);
+        prepareOne("SAVEPOINT zov_statement", savepoint);
+        prepareOne("RELEASE zov_statement", release);
+        prepareOne("PRAGMA data_version", version);
+    }
+    void prepareOne(const char* sql, sqlite3_stmt*& statement) {
+        checkSqlite(database.handle,
+                    sqlite3_prepare_v3(database.handle, sql, -1, SQLITE_PREPARE_PERSISTENT,
+                                       &statement, nullptr));
     }
     void run(sqlite3_stmt* statement) {
         const int code = sqlite3_step(statement);
@@ -39,10 +40,21 @@ struct ServerStore::Entry {
         checkSqlite(database.handle, code);
     }
     qint64 currentVersion() {
-        const qint64 value =
-            sqlite3_step(version) == SQLITE_ROW ? sqlite3_column_int64(version, 0) : -1;
+        const int code = sqlite3_step(version);
+        const qint64 value = code == SQLITE_ROW ? sqlite3_column_int64(version, 0) : -1;
         sqlite3_reset(version);
+        checkSqlite(database.handle, code);
         return value;
+    }
+    /// The file's own transaction is at an end, whichever.
+    void settled() { begun = marked = inStatement = false; }
+    /// Undoes what isn't committed; a failure is no matter, since closing undoes it as well.
+    void rollBack() {
+        settled();
+        if (!database.handle) return;
+        if (!sqlite3_get_autocommit(database.handle))
+            sqlite3_exec(database.handle, "ROLLBACK", nullptr, nullptr, nullptr);
+        catalogChanged(database);
     }
     void close() {
         if (!database.handle) return;

@@ -1,9 +1,8 @@
 // Loads, transactions and statements of a store: what is undone together.
-#include "data/local/server_store_entry.h"
+#include "data/local/server_store_publish.h"
 
-#include <QDir>
-
-#include <algorithm>
+#include <QElapsedTimer>
+#include <QThread>
 
 namespace zov::local {
 
@@ -12,30 +11,34 @@ void ServerStore::beginLoad() {
     inLoad_ = true;
 }
 
+void ServerStore::requireWhole() const {
+    if (!lost_) return;
+    throw DbError(ado_error::Unspecified,
+                  QStringLiteral("An error of the disk made the server undo what the load had done "
+                                 "so far. Nothing of it can be kept: see to the disk, and load "
+                                 "again."),
+                  QStringLiteral("40000"), 3998);
+}
+
 void ServerStore::commitLoad() {
-    // Everything that can still fail comes before the first commit: files in use, and pages that
-    // have to go to disk.
-    for (auto& [key, entry] : open_) entry->detachOthers();
-    for (const auto& [key, file] : dropped_) requireUnused(key, file);
-    for (auto& [key, entry] : open_)
-        if (entry->begun)
-            checkSqlite(entry->database.handle, sqlite3_db_cacheflush(entry->database.handle));
+    requireWhole();
+    Publication publication;
+    std::set<QString> replaced;
     for (auto& [key, entry] : open_) {
-        if (!entry->begun || entry->staged) continue;
-        execSql(entry->database.handle, "COMMIT");
-        entry->begun = entry->marked = entry->inStatement = false;
+        entry->detachOthers();
+        if (entry->staged) {
+            PublicationStep& step = publication.place(key, *entry, folder_);
+            const auto old = dropped_.find(key);
+            step.replaces = old != dropped_.end() && old->second == step.file;
+            if (step.replaces) replaced.insert(key);
+        } else if (entry->begun) {
+            publication.commit(key, *entry);
+        }
     }
-    for (auto& [key, entry] : open_) {
-        if (!entry->staged) continue;
-        publish(*entry);
-        dropped_.erase(key);
-    }
-    for (const auto& [key, file] : dropped_) {
-        pool().purge(file);
-        removeDatabaseFiles(file);
-    }
+    for (const auto& [key, file] : dropped_)
+        if (!replaced.contains(key)) publication.remove(key, file);
+    publish(publication);
     dropped_.clear();
-    createdAtOpen_.clear();
     unclaimed_.clear();
     folderMade_ = false;
     inLoad_ = false;
@@ -44,53 +47,20 @@ void ServerStore::commitLoad() {
 
 void ServerStore::rollbackLoad() {
     if (!inLoad_) return;
-    inLoad_ = false;
-    inStatement_ = false;
+    inLoad_ = inStatement_ = lost_ = false;
     transactionCount_ = 0;
     dropped_.clear();
     unclaimed_.clear();
-    for (auto& [key, entry] : open_) entry->detachOthers();
     std::vector<QString> leaving;
     for (auto& [key, entry] : open_) {
-        if (entry->staged || createdAtOpen_.contains(key)) {
+        entry->detachOthers();
+        if (entry->staged)
             leaving.push_back(key);
-        } else if (entry->begun) {
-            entry->begun = entry->marked = entry->inStatement = false;
-            if (!sqlite3_get_autocommit(entry->database.handle))
-                sqlite3_exec(entry->database.handle, "ROLLBACK", nullptr, nullptr, nullptr);
-            catalogChanged(entry->database);
-        }
+        else if (entry->begun)
+            entry->rollBack();
     }
-    for (const QString& key : leaving) {
-        const QString file = open_[key]->file;
-        forget(key);
-        removeDatabaseFiles(file);
-    }
-    for (const QString& key : createdAtOpen_) {
-        QString trueName, file;
-        if (!find(key, trueName, file)) continue;
-        pool().purge(file);
-        removeDatabaseFiles(file);
-    }
-    if (!createdAtOpen_.empty() && folderMade_) {
-        // The folder came with the load as well; what others put there meanwhile keeps it.
-        for (const char* name : {"master", "tempdb", "model", "msdb"}) {
-            const QString key = QLatin1String(name);
-            forget(key);
-            const QString file = folder_ + u'/' + fileNameOf(key);
-            pool().purge(file);
-        }
-        const QStringList left = QDir(folder_).entryList({QStringLiteral("*.db")}, QDir::Files);
-        const bool onlySystem = std::all_of(left.begin(), left.end(), [](const QString& file) {
-            return systemId(QFileInfo(file).completeBaseName()) > 0;
-        });
-        if (onlySystem) {
-            for (const QString& file : left) removeDatabaseFiles(folder_ + u'/' + file);
-            QFile::remove(folder_ + QStringLiteral("/server.json"));
-            QDir().rmdir(folder_);
-        }
-    }
-    createdAtOpen_.clear();
+    for (const QString& key : leaving) discard(key);
+    if (folderMade_) removeMadeFolder();
 }
 
 void ServerStore::offerToMake(const Database& database) {
@@ -120,16 +90,20 @@ void ServerStore::commitTransaction() {
                           QStringLiteral("The COMMIT TRANSACTION request has no corresponding "
                                          "BEGIN TRANSACTION."));
     if (--transactionCount_ > 0) return;
+    if (!inLoad_) return commitBegun();
     for (auto& [key, entry] : open_) {
-        if (!entry->begun) continue;
-        if (inLoad_) {
-            if (entry->marked) execSql(entry->database.handle, "RELEASE zov_transaction");
-            entry->marked = false;
-        } else {
-            execSql(entry->database.handle, "COMMIT");
-            entry->begun = entry->marked = false;
-        }
+        if (entry->begun && entry->marked)
+            execSql(entry->database.handle, "RELEASE zov_transaction");
+        entry->marked = false;
     }
+}
+
+// All databases that a transaction or a statement has changed, or none.
+void ServerStore::commitBegun() {
+    Publication publication;
+    for (auto& [key, entry] : open_)
+        if (entry->begun) publication.commit(key, *entry);
+    publish(publication);
 }
 
 void ServerStore::rollbackTransaction() {
@@ -165,9 +139,9 @@ void ServerStore::willWrite(Database& database) {
                           QStringLiteral("Failed to update database \"%1\" because the database "
                                          "is read-only.")
                               .arg(database.name));
+    requireWhole();
     if (!entry->begun) {
-        execSql(database.handle, "BEGIN IMMEDIATE");
-        entry->begun = true;
+        begin(*entry);
         unclaimed_.erase(fold(database.name));
     }
     if (transactionCount_ > 0 && !entry->marked) {
@@ -178,44 +152,70 @@ void ServerStore::willWrite(Database& database) {
     entry->inStatement = true;
 }
 
-void ServerStore::endStatement(bool succeeded) {
-    inStatement_ = false;
-    const bool nested = inLoad_ || transactionCount_ > 0;
-    for (auto& [key, entry] : open_) {
-        if (!entry->inStatement) continue;
-        entry->inStatement = false;
-        sqlite3* handle = entry->database.handle;
-        if (nested) {
-            // A full disk makes SQLite undo the whole transaction by itself.
-            if (sqlite3_get_autocommit(handle)) {
-                entry->begun = entry->marked = false;
-                catalogChanged(entry->database);
-                continue;
-            }
-            if (!succeeded) execSql(handle, "ROLLBACK TO zov_statement");
-            entry->run(entry->release);
-        } else {
-            entry->begun = entry->marked = false;
-            if (succeeded) {
-                const int code = sqlite3_exec(handle, "COMMIT", nullptr, nullptr, nullptr);
-                if (code != SQLITE_OK) {
-                    const QString text = QString::fromUtf8(sqlite3_errmsg(handle));
-                    sqlite3_exec(handle, "ROLLBACK", nullptr, nullptr, nullptr);
-                    catalogChanged(entry->database);
-                    checkSqlite(handle, code);
-                }
-                // A database that has been written to is no longer a load's to take back.
-                createdAtOpen_.clear();
-                folderMade_ = false;
-            } else if (!sqlite3_get_autocommit(handle)) {
-                sqlite3_exec(handle, "ROLLBACK", nullptr, nullptr, nullptr);
-            }
+// A database that is free to be written to isn't waited for with the hold in hand: who has it may
+// be waiting to have the folder alone.
+void ServerStore::begin(Entry& entry) {
+    sqlite3* handle = entry.database.handle;
+    QElapsedTimer waited;
+    waited.start();
+    for (;;) {
+        int code = SQLITE_OK;
+        {
+            const Hold hold(*this);
+            sqlite3_busy_timeout(handle, 0);
+            code = sqlite3_exec(handle, "BEGIN IMMEDIATE", nullptr, nullptr, nullptr);
+            sqlite3_busy_timeout(handle, LockPatienceMs);
         }
-        if (!succeeded) catalogChanged(entry->database);
+        if ((code & 0xff) != SQLITE_BUSY || waited.elapsed() > LockPatienceMs) {
+            checkSqlite(handle, code);
+            entry.begun = true;
+            return;
+        }
+        QThread::msleep(5);
     }
 }
 
+void ServerStore::endStatement(bool succeeded) {
+    inStatement_ = false;
+    if (!inLoad_ && transactionCount_ == 0) {
+        if (succeeded) return commitBegun();
+        for (auto& [key, entry] : open_)
+            if (entry->begun) entry->rollBack();
+        return;
+    }
+    std::optional<DbError> failure;
+    bool undone = false;
+    for (auto& [key, entry] : open_) {
+        if (!entry->inStatement) continue;
+        entry->inStatement = false;
+        try {
+            // A full disk makes SQLite undo the whole transaction by itself.
+            undone = undone || sqlite3_get_autocommit(entry->database.handle);
+            if (undone) break;
+            if (!succeeded) execSql(entry->database.handle, "ROLLBACK TO zov_statement");
+            entry->run(entry->release);
+        } catch (const DbError& error) {
+            failure = error;
+        }
+        if (!succeeded) catalogChanged(entry->database);
+    }
+    if (!undone && !failure) return;
+    for (auto& [key, entry] : open_)
+        if (entry->begun && !entry->staged) entry->rollBack();
+    if (inLoad_)
+        lost_ = true;
+    else
+        transactionCount_ = 0;
+    if (failure) throw *failure;
+}
+
+void ServerStore::settle() {
+    if (!inLoad_) publishStaged();
+}
+
 void ServerStore::noticeForeignChanges() {
+    settle();
+    if (QFileInfo::exists(journalFile())) const Hold hold(*this);
     for (auto& [key, entry] : open_) {
         if (entry->begun || entry->staged || entry->readOnly) continue;
         const qint64 version = entry->currentVersion();

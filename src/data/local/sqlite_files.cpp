@@ -4,9 +4,17 @@
 #include <QDir>
 #include <QUrl>
 
+#include <memory>
+
 namespace zov::local {
 namespace {
-constexpr int BusyTimeoutMs = 10'000;
+
+QString fileOf(sqlite3* handle) {
+    const char* name = handle ? sqlite3_db_filename(handle, "main") : nullptr;
+    return name && *name ? QDir::toNativeSeparators(QString::fromUtf8(name))
+                         : QStringLiteral("of the database");
+}
+
 }  // namespace
 
 QString fold(const QString& name) {
@@ -64,22 +72,59 @@ sqlite3* openFile(const QString& file, int flags, const QString& uriTail) {
         }
     }
     sqlite3_extended_result_codes(handle, 1);
-    sqlite3_busy_timeout(handle, BusyTimeoutMs);
+    sqlite3_busy_timeout(handle, LockPatienceMs);
     // Without these SQLite would take an unknown "column" for a text.
     sqlite3_db_config(handle, SQLITE_DBCONFIG_DQS_DML, 0, nullptr);
     sqlite3_db_config(handle, SQLITE_DBCONFIG_DQS_DDL, 0, nullptr);
     return handle;
 }
 
+void copyDatabase(const QString& from, const QString& to) {
+    sqlite3* source = openFile(from, SQLITE_OPEN_READWRITE);
+    sqlite3* target = nullptr;
+    int code = SQLITE_OK;
+    try {
+        target = openFile(to, SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE);
+        sqlite3_backup* copy = sqlite3_backup_init(target, "main", source, "main");
+        if (copy) {
+            sqlite3_backup_step(copy, -1);
+            code = sqlite3_backup_finish(copy);
+        } else {
+            code = sqlite3_errcode(target);
+        }
+        checkSqlite(target, code);
+    } catch (...) {
+        sqlite3_close_v2(target);
+        sqlite3_close_v2(source);
+        throw;
+    }
+    sqlite3_close_v2(target);
+    sqlite3_close_v2(source);
+}
+
+sqlite3* openDatabaseFile(const QString& file, bool& readOnly) {
+    const QFileInfo info(file);
+    readOnly = !info.isWritable() || !QFileInfo(info.absolutePath()).isWritable();
+    if (!readOnly) return openFile(file, SQLITE_OPEN_READWRITE);
+    // Where no log can be written beside the file it is read as it stands.
+    return openFile(file, SQLITE_OPEN_READONLY,
+                    QFileInfo::exists(file + QStringLiteral("-wal"))
+                        ? QString()
+                        : QStringLiteral("?immutable=1"));
+}
+
 bool readFacts(sqlite3* handle, DatabaseFacts& facts) {
     sqlite3_stmt* statement = nullptr;
-    if (sqlite3_prepare_v2(handle, "SELECT name, value FROM \"zov$facts\"", -1, &statement,
-                           nullptr) != SQLITE_OK)
-        return false;
-    while (sqlite3_step(statement) == SQLITE_ROW) {
-        const QByteArray key(reinterpret_cast<const char*>(sqlite3_column_text(statement, 0)));
-        const QString value =
-            QString::fromUtf8(reinterpret_cast<const char*>(sqlite3_column_text(statement, 1)));
+    int code = sqlite3_prepare_v2(handle, "SELECT name, value FROM \"zov$facts\"", -1, &statement,
+                                  nullptr);
+    while (code == SQLITE_OK || code == SQLITE_ROW) {
+        code = sqlite3_step(statement);
+        if (code != SQLITE_ROW) break;
+        const auto text = [&](int column) {
+            return reinterpret_cast<const char*>(sqlite3_column_text(statement, column));
+        };
+        const QByteArray key(text(0));
+        const QString value = QString::fromUtf8(text(1));
         if (key == "dbid") facts.dbid = value.toInt();
         if (key == "name") facts.name = value;
         if (key == "created") facts.created = value;
@@ -87,30 +132,36 @@ bool readFacts(sqlite3* handle, DatabaseFacts& facts) {
         if (key == "compatibility") facts.compatibility = value.toInt();
     }
     sqlite3_finalize(statement);
-    return true;
+    if (code == SQLITE_DONE) return true;
+    const int primary = code & 0xff;
+    const bool foreign =
+        primary == SQLITE_NOTADB || primary == SQLITE_CORRUPT || primary == SQLITE_ERROR;
+    if (!foreign) checkSqlite(handle, code);
+    return false;
 }
 
 bool readFileFacts(const QString& file, DatabaseFacts& facts) {
-    sqlite3* handle = nullptr;
-    try {
-        handle = openFile(file, SQLITE_OPEN_READWRITE);
-    } catch (const DbError&) {
-        return false;
-    }
-    const bool found = readFacts(handle, facts);
-    sqlite3_close_v2(handle);
-    return found;
+    bool readOnly = false;
+    const std::unique_ptr<sqlite3, decltype(&sqlite3_close_v2)> handle(
+        openDatabaseFile(file, readOnly), sqlite3_close_v2);
+    return readFacts(handle.get(), facts);
 }
 
 QString nameOfFile(const QFileInfo& file) {
     const QString encoded = file.completeBaseName();
     if (!encoded.contains(u'~')) return QUrl::fromPercentEncoding(encoded.toUtf8());
     DatabaseFacts facts;
-    return readFileFacts(file.filePath(), facts) ? facts.name : QString();
+    // A damaged one is at least seen.
+    return readFileFacts(file.filePath(), facts) ? facts.name : encoded;
 }
 
 void removeDatabaseFiles(const QString& file) {
-    for (const char* tail : {"", "-wal", "-shm", "-journal"})
+    QFile::remove(file);
+    removeLogs(file);
+}
+
+void removeLogs(const QString& file) {
+    for (const char* tail : {"-wal", "-shm", "-journal"})
         QFile::remove(file + QLatin1String(tail));
 }
 
@@ -146,9 +197,11 @@ void checkSqlite(sqlite3* handle, int code) {
         case SQLITE_NOTADB:
         case SQLITE_CORRUPT:
             throw nativeError(824,
-                              QStringLiteral("The database's file is damaged or is no database "
-                                             "file (%1).")
-                                  .arg(QString::fromUtf8(sqlite3_errmsg(handle))),
+                              QStringLiteral("The file %1 is damaged or is no database file (%2). "
+                                             "PRAGMA integrity_check in SQLite's shell tells what "
+                                             "of it is whole; else restore it from a copy, or "
+                                             "load the database anew.")
+                                  .arg(fileOf(handle), QString::fromUtf8(sqlite3_errmsg(handle))),
                               ado_error::Unspecified);
         case SQLITE_CANTOPEN:
             throw nativeError(5120,
@@ -158,8 +211,15 @@ void checkSqlite(sqlite3* handle, int code) {
         case SQLITE_IOERR:
             throw nativeError(823,
                               QStringLiteral("The operating system reported an error while the "
-                                             "database's file was read or written (%1).")
-                                  .arg(QString::fromUtf8(sqlite3_errmsg(handle))),
+                                             "file %1 was read or written (%2). See to the disk, "
+                                             "then let PRAGMA integrity_check in SQLite's shell "
+                                             "tell whether the file is whole.")
+                                  .arg(fileOf(handle), QString::fromUtf8(sqlite3_errmsg(handle))),
+                              ado_error::Unspecified);
+        case SQLITE_NOMEM:
+            throw nativeError(701,
+                              QStringLiteral("There is insufficient system memory to run this "
+                                             "query."),
                               ado_error::Unspecified);
         default:
             throw nativeError(

@@ -19,13 +19,20 @@ QString fileNameOf(const QString& name);
 QString nameOfFile(const QFileInfo& file);
 /// With the logs beside it.
 void removeDatabaseFiles(const QString& file);
+void removeLogs(const QString& file);
 /// 80 of "8.00.2039".
 int compatibilityOf(const QString& version);
 
 /// `flags` as sqlite3_open_v2 takes them; `uriTail` ("?immutable=1") goes behind the file's
 /// address.
 sqlite3* openFile(const QString& file, int flags, const QString& uriTail = {});
-/// False when the file isn't one of ours or can't be read.
+/// How long a session waits for others before it gives up.
+inline constexpr int LockPatienceMs = 10'000;
+/// Makes one database's file a copy of another's, in one transaction.
+void copyDatabase(const QString& from, const QString& to);
+/// For a session: `readOnly` when the file or its folder can't be written to.
+sqlite3* openDatabaseFile(const QString& file, bool& readOnly);
+/// False when the file is damaged or isn't one of ours; what else keeps it from being read throws.
 bool readFacts(sqlite3* handle, DatabaseFacts& facts);
 bool readFileFacts(const QString& file, DatabaseFacts& facts);
 

@@ -31,7 +31,13 @@ const std::vector<ColumnInfo>& BatchStream::columns() const {
 qsizetype BatchStream::fetch(RowStore& rows, qsizetype maxRows) {
     if (!current_.rows) return 0;
     try {
-        return current_.rows->fetch(rows, maxRows);
+        try {
+            return current_.rows->fetch(rows, maxRows);
+        } catch (const std::bad_alloc&) {
+            current_.rows->close();
+            checkSqlite(nullptr, SQLITE_NOMEM);
+            throw;
+        }
     } catch (DbError& error) {
         if (error.line == 0) error.line = rowsLine_;
         if (error.nearText.isEmpty()) error.nearText = rowsWords_;
