@@ -88,29 +88,34 @@ void fillDatabases(Recordset& rs, const ServerInfo& server, ChoiceList& pvlDb, i
     if (pvlDb.count() > 0) pvlDb.selectIndex(0);
 }
 
+bool isSameLogin(const ServerInfo& a, const ServerInfo& b) {
+    return a.Name == b.Name && a.SQLAuth == b.SQLAuth && a.LoginName == b.LoginName &&
+           a.Password == b.Password;
+}
+
 }  // namespace
 
-QString GetServerVersion(const ServerInfo& Server) {
+QString GetServerVersion(const ServerInfo& Server, AdoFailure* Failure) {
     return guarded(Module, "GetServerVersion", QString(), [&]() -> QString {
         const ScopedValue<bool> silent(globals().gblnSuppressConnErrors, true);
         std::unique_ptr<Recordset> rs;
         if (GetAdoRS(Server, adCmdText,
                      QStringLiteral("SELECT serverproperty('ProductVersion') AS ServerVer"), rs,
-                     QStringLiteral("Master")) == -1 ||
+                     QStringLiteral("Master"), Failure) == -1 ||
             !rs || !rs->isOpen() || rs->isEof())
             return {};
         return rs->field(QStringLiteral("ServerVer")).text();
     });
 }
 
-void CheckSQLServerVersion(ServerInfo& Server) {
+void CheckSQLServerVersion(ServerInfo& Server, AdoFailure* Failure) {
     if (!Server.Version.isEmpty()) return;
     const QString name = QStringLiteral("Version");
     if (Server.RegIndex > 0)
         Server.Version = RegGetStringValue(RegRoot::CurrentUser,
                                            settings_key::server(Server.RegIndex), name, {});
     if (!Server.Version.isEmpty()) return;
-    const QString version = GetServerVersion(Server);
+    const QString version = GetServerVersion(Server, Failure);
     if (version.isEmpty()) return;
     if (Server.RegIndex > 0)
         RegSetStringValue(RegRoot::CurrentUser, settings_key::server(Server.RegIndex), name,
@@ -169,6 +174,11 @@ void InitializeDisplay(bool pblnLoadMRUDb, Panels& panels, PanelWindow& window) 
     window.setConnectPicture(PictureConnecting);
     bool connected = false;
     for (int index : {SourcePanel, TargetPanel}) {
+        // A server that didn't tell its databases is not asked for them once more.
+        if (index == TargetPanel && panels.source.pvlDb.count() == 0 &&
+            isSameLogin(globals().gtCurrentServers[SourcePanel],
+                        globals().gtCurrentServers[TargetPanel]))
+            break;
         connected |= LoadServer(globals().gtCurrentServers[index], panels[index], panels.cmbType,
                                 pblnLoadMRUDb, index, panels.texts);
         // Who gave up waiting for one server doesn't want to wait for the other.
@@ -186,7 +196,14 @@ bool LoadServer(ServerInfo& Server, Panel& panel, ChoiceList& cmbType, bool pbln
         Module, "LoadServer", false,
         [&] {
             progress.step = 1;
-            CheckSQLServerVersion(Server);
+            AdoFailure failure;
+            CheckSQLServerVersion(Server, &failure);
+            if (globals().gblnStop) return false;
+            if (failure.Unreachable) {
+                // Asking for the databases would only wait as long once more.
+                ReportAdoFailure(failure);
+                return false;
+            }
             progress.step = 2;
             std::unique_ptr<Recordset> rs;
             if (GetAdoRS(Server, adCmdText,

@@ -43,10 +43,10 @@ class PanelWindow {
     virtual bool dataAccessUsable() = 0;
 };
 
-/// The version as the server reports it; empty when it can't be asked. Silent.
-QString GetServerVersion(const ServerInfo& Server);
+/// The version as the server reports it; empty when it can't be asked. Silent: `Failure` tells why.
+QString GetServerVersion(const ServerInfo& Server, AdoFailure* Failure = nullptr);
 /// Fills an empty `Version`: from the settings store, else from the server (and stores it).
-void CheckSQLServerVersion(ServerInfo& Server);
+void CheckSQLServerVersion(ServerInfo& Server, AdoFailure* Failure = nullptr);
 /// Whether the list of tables can be read. Silent.
 bool CanConnectToDb(const ServerInfo& Server, const QString& DbName, int Index);
 

@@ -3,6 +3,8 @@
 #include "data/providers.h"
 #include "data/row_source.h"
 
+#include <utility>
+
 namespace zov {
 
 void Connection::Open() {
@@ -27,6 +29,21 @@ std::shared_ptr<ProviderConnection> Connection::sessionForNewCommand() {
     if (const std::shared_ptr<RowSource> running = running_.lock()) running->spool();
     running_.reset();
     return session_;
+}
+
+std::shared_ptr<Connection> Connection::lend() {
+    auto borrower = std::make_shared<Connection>(std::exchange(session_, nullptr));
+    borrower->ConnectionString = ConnectionString;
+    borrower->CursorLocation = CursorLocation;
+    borrower->running_ = std::exchange(running_, {});
+    lent_ = true;
+    return borrower;
+}
+
+void Connection::takeBack(Connection& lent) {
+    session_ = std::exchange(lent.session_, nullptr);
+    running_ = std::exchange(lent.running_, {});
+    lent_ = false;
 }
 
 CommandResult ExecuteCommand(Command& command) {

@@ -34,6 +34,13 @@ class Connection {
     /// its end into its recordset first, so that nobody sees "connection is busy".
     std::shared_ptr<ProviderConnection> sessionForNewCommand();
     void noteStream(const std::shared_ptr<RowSource>& stream) { running_ = stream; }
+
+    /// Hands the session to a connection that another thread may work with. This one is closed
+    /// until takeBack(); without it, since the work was left behind, it stays so.
+    std::shared_ptr<Connection> lend();
+    void takeBack(Connection& lent);
+    /// Its session is still with work that was left behind.
+    bool isLent() const { return lent_; }
     ProviderConnection* session() const { return session_.get(); }
     /// "server.database", as accounts of runs name it.
     QString place() const;
@@ -44,6 +51,7 @@ class Connection {
  private:
     std::shared_ptr<ProviderConnection> session_;
     std::weak_ptr<RowSource> running_;
+    bool lent_ = false;
 };
 
 struct Parameter {

@@ -1,5 +1,6 @@
 #include "data/frmAddServer.h"
 
+#include "core/globals.h"
 #include "data/server_list.h"
 #include "shell/shell.h"
 #include "util/text.h"
@@ -59,7 +60,10 @@ void frmAddServer::cmdOK() {
         refuse(QStringLiteral("This server is already added to the list."), serverControl);
         return;
     }
+    shell().beginOperation();
     if (!TestServerConnection(server)) {
+        // Who gave up waiting knows why there is no server.
+        if (globals().gblnStop) return focus(serverControl);
         shell().messageBox(
             QStringLiteral(
                 "Please enter correct server data.\r\n\r\nCannot connect to the server - "

@@ -129,15 +129,15 @@ std::unique_ptr<Recordset> openRecordset(Command& command, qint32 cursorLocation
 /// behind while it still waits.
 class Query {
  public:
-    Query(const QString& connectionString, Command command)
+    /// On `connection`, which is opened for it unless it is open already.
+    Query(std::shared_ptr<Connection> connection, Command command)
         : command_(std::move(command)),
+          connection_(std::move(connection)),
           cursorLocation_(globals().glngCursorLocation),
-          cacheSize_(globals().glngCacheSize) {
-        connection_ = newConnection(connectionString);
-    }
+          cacheSize_(globals().glngCacheSize) {}
 
     void run() {
-        connection_->Open();
+        if (!connection_->isOpen()) connection_->Open();
         {
             const std::lock_guard lock(guard_);
             running_ = connection_->sessionForNewCommand();
@@ -168,10 +168,45 @@ class Query {
     std::shared_ptr<ProviderConnection> running_;
 };
 
+/// The user gave the query up; a thread may still wait for its answer.
+struct LeftBehind : DbError {
+    LeftBehind() : DbError(ado_error::Cancelled, CancelledText) {}
+};
+
+/// Runs the query while its user's window lives.
+void runQuery(const std::shared_ptr<Query>& query, const QString& server) {
+    if (!shell().runBlocking([query] { query->run(); }, [query] { query->cancel(); }, server))
+        throw LeftBehind();
+}
+
+/// The exception being handled.
+AdoFailure caughtFailure() {
+    const CaughtError error = caughtError();
+    AdoFailure failure{error.number, error.description};
+    try {
+        throw;
+    } catch (const DbError& caught) {
+        // 08004 is a server that answers, and refuses.
+        failure.Unreachable = error.number == ado_error::Timeout ||
+                              caught.sqlState.startsWith(u"HYT") ||
+                              (caught.sqlState.startsWith(u"08") && caught.sqlState != u"08004");
+    } catch (...) {
+    }
+    return failure;
+}
+
 }  // namespace
 
 QString BuildConnectionString(const ServerInfo& Server, const QString& Database) {
     return connectionString(Server, Database, !Database.isEmpty());
+}
+
+void ReportAdoFailure(const AdoFailure& Failure) {
+    ShowErrorReport(Failure.ErrNumber, Failure.ErrDescription, ProgramVersionText(),
+                    ProgramBuildNumber, QLatin1String(Module), QStringLiteral("GetAdoRS"),
+                    QStringLiteral("Server connection failed; cursor location = %1")
+                        .arg(globals().glngCursorLocation));
+    shell().pumpEvents();
 }
 
 qint32 GetAdoRS(const ServerInfo& Server, int CommandType, const QString& CommandText,
@@ -182,28 +217,22 @@ qint32 GetAdoRS(const ServerInfo& Server, int CommandType, const QString& Comman
     try {
         Command command = commandOn(nullptr, CommandType, CommandText);
         const std::vector<QString> names = addParameters(command, InParams, Outputs);
-        const auto query =
-            std::make_shared<Query>(BuildConnectionString(Server, Database), std::move(command));
-        if (!shell().runBlocking([query] { query->run(); }, [query] { query->cancel(); }))
-            throw DbError(ado_error::Cancelled, CancelledText);
+        const auto query = std::make_shared<Query>(
+            newConnection(BuildConnectionString(Server, Database)), std::move(command));
+        runQuery(query, Server.Name);
         if (CommandText.isEmpty()) return 0;
         Rs = std::move(query->rows);
         takeOutputs(query->command(), Rs->result(), names, Outputs);
         return Rs->result().returnValue;
     } catch (...) {
-        const CaughtError error = caughtError();
-        const bool told =
-            !globals().gblnSuppressConnErrors && error.number != ado_error::Cancelled;
+        const AdoFailure failure = caughtFailure();
+        const bool cancelled = failure.ErrNumber == ado_error::Cancelled;
+        const bool told = !cancelled && !globals().gblnSuppressConnErrors;
         addCaughtErrorToAccount(placeOf(Server, Database), CommandText, told);
-        if (Failure) *Failure = {error.number, error.description};
+        if (Failure) *Failure = failure;
         // Who gave up waiting knows it; the operation around the query ends at its next named point.
-        if (error.number == ado_error::Cancelled) globals().gblnStop = true;
-        if (told) {
-            reportCaughtError(Module, "GetAdoRS",
-                              QStringLiteral("Server connection failed; cursor location = %1")
-                                  .arg(globals().glngCursorLocation));
-            shell().pumpEvents();
-        }
+        if (cancelled) globals().gblnStop = true;
+        if (told) ReportAdoFailure(failure);
         return -1;
     }
 }
@@ -212,19 +241,36 @@ qint32 GetAdoRS_OnConnection(const std::shared_ptr<Connection>& Connection, int 
                              const QString& CommandText, std::unique_ptr<Recordset>& Rs) {
     Rs.reset();
     try {
-        Command command = commandOn(Connection, CommandType, CommandText);
-        Rs = openRecordset(command, globals().glngCursorLocation, globals().glngCacheSize);
+        // Whoever gave up a query gave up those that would follow on its connection.
+        if (Connection->isLent()) throw DbError(ado_error::Cancelled, {});
+        if (!Connection->isOpen()) Connection->sessionForNewCommand();  // throws
+        const auto lent = Connection->lend();
+        const auto query =
+            std::make_shared<Query>(lent, commandOn(nullptr, CommandType, CommandText));
+        try {
+            runQuery(query, ConnectionSpec::parse(Connection->ConnectionString).dataSource);
+        } catch (const LeftBehind&) {
+            throw;
+        } catch (...) {
+            Connection->takeBack(*lent);
+            throw;
+        }
+        Connection->takeBack(*lent);
+        Rs = std::move(query->rows);
         return Rs->result().returnValue;
     } catch (...) {
-        const bool told = !globals().gblnSuppressConnErrors;
+        const CaughtError error = caughtError();
+        const bool cancelled = error.number == ado_error::Cancelled;
+        const bool told = !cancelled && !globals().gblnSuppressConnErrors;
         addCaughtErrorToAccount(Connection->place(), CommandText, told);
+        if (cancelled) globals().gblnStop = true;
         if (told) {
-            const CaughtError error = caughtError();
-            shell().messageBox(QStringLiteral("Server connection failed.\r\n\r\nRun time error: %1\r\n")
-                                       .arg(error.number) +
-                                   error.description +
-                                   QStringLiteral("\r\n\r\nCommand failed: \r\n\r\n") + CommandText,
-                               {}, BoxIcon::Exclamation);
+            shell().messageBox(
+                QStringLiteral("Server connection failed.\r\n\r\nRun time error: %1\r\n")
+                        .arg(error.number) +
+                    error.description + QStringLiteral("\r\n\r\nCommand failed: \r\n\r\n") +
+                    CommandText,
+                {}, BoxIcon::Exclamation);
         }
         return -1;
     }
@@ -237,7 +283,7 @@ bool ADO_Connection_Open(std::shared_ptr<Connection>& Connection, const ServerIn
     return guarded(Module, "ADO_Connection_Open", false, [&] {
         auto fresh = newConnection(connectionString(Server, Database, true));
         const bool opened = accounted(place, doing, [&] {
-            return shell().runBlocking([fresh] { fresh->Open(); }, [] {});
+            return shell().runBlocking([fresh] { fresh->Open(); }, [] {}, Server.Name);
         });
         if (!opened) {
             addToAccount({place, doing, CancelledText, ado_error::Cancelled});

@@ -19,7 +19,10 @@ QString BuildConnectionString(const ServerInfo& Server, const QString& Database)
 struct AdoFailure {
     qint32 ErrNumber = 0;
     QString ErrDescription;
+    bool Unreachable = false;  ///< no server answered: asking it once more would wait once more
 };
+/// Reports it as the query that failed would have, had it not been a silent one.
+void ReportAdoFailure(const AdoFailure& Failure);
 
 /// Input-and-output parameters of a call: in, the value; out, the parameter after the run.
 using OutParams = std::vector<Parameter>;

@@ -147,6 +147,7 @@ void RemoveServer(const QString& Name) {
 bool TestServerConnection(const ServerInfo& Server, QString* ErrDescription) {
     const WaitPointer wait;
     globals().gblnSuppressConnErrors = true;
+    globals().gblnStop = false;
     const QString database = Server.MRUDb.isEmpty() ? QStringLiteral("master") : Server.MRUDb;
     AdoFailure failure;
     const auto attempt = [&](const QString& text, const QString& in) {
@@ -160,8 +161,9 @@ bool TestServerConnection(const ServerInfo& Server, QString* ErrDescription) {
         result = attempt(QStringLiteral("SELECT TOP 1 name FROM sysdatabases"), database);
     } else {
         result = attempt(QStringLiteral("SELECT TOP 1 name FROM sys.databases"), database);
-        // An old server has no sys.databases: what counts is whether the login is taken.
-        if (result == -1) result = attempt({}, {});
+        // An old server has no sys.databases: what counts is whether the login is taken. Who gave
+        // up waiting, or waited for nobody, doesn't wait once more.
+        if (result == -1 && !globals().gblnStop && !failure.Unreachable) result = attempt({}, {});
     }
     globals().gblnSuppressConnErrors = false;
     if (result == -1 && ErrDescription) {

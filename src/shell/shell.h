@@ -41,12 +41,17 @@ class Shell {
     /// wants no more it calls `cancel` (in the caller's thread, while the work runs), and if that
     /// doesn't end the work soon it leaves it behind and gives false. So the work must own, by
     /// shared pointers, all that it touches. Without a desktop the work simply runs.
-    virtual bool runBlocking(const std::function<void()>& work,
-                             const std::function<void()>& cancel) {
-        (void)cancel;
+    /// Who gave up waiting gave up all that the same operation would still wait for: further calls
+    /// give false at once, until beginOperation() or the user's next click or key. `server` is who
+    /// is waited for, for the user to see.
+    virtual bool runBlocking(const std::function<void()>& work, const std::function<void()>& cancel,
+                             const QString& server = {}) {
+        (void)cancel, (void)server;
         work();
         return true;
     }
+    /// The user asked for something new: what was given up before doesn't count for it.
+    virtual void beginOperation() {}
 
     virtual void setClipboardText(const QString& text) = 0;
     /// Opens a file or an address with the desktop's own program for it.

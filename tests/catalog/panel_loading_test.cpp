@@ -3,6 +3,7 @@
 #include "catalog/modOwner.h"
 #include "catalog/modSchema.h"
 #include "core/settings.h"
+#include "data/server_list.h"
 #include "shell/memory_controls.h"
 #include "support/recording_shell.h"
 #include "support/served_database.h"
@@ -203,6 +204,93 @@ TEST_P(PanelLoading, OneUnreachableServerLeavesTheOtherPanelLoaded) {
     InitializeDisplay(true, both, window);
     EXPECT_EQ(window.pictures.join(u' '), QStringLiteral("5 4 5"));
     EXPECT_EQ(panels[0].pvlDb.count(), 0);
+}
+
+/// Counts what waits for a server, and gives up the wait from the `patience`-th on.
+class ImpatientShell : public test::RecordingShell {
+ public:
+    int patience = 1000;
+    QStringList waits;
+
+    bool runBlocking(const std::function<void()>& work, const std::function<void()>& cancel,
+                     const QString& server) override {
+        waits += server;
+        if (waits.size() >= patience) return false;
+        return RecordingShell::runBlocking(work, cancel, server);
+    }
+};
+
+TEST_P(PanelLoading, AServerThatDoesNotAnswerIsAskedOnce) {
+    ImpatientShell impatient;
+    ServerInfo dead = server;
+    // Nobody listens at port 1. The embedded server has no such way to be out of reach.
+    if (GetParam() == Road::Odbc) {
+        dead.Name = QStringLiteral("127.0.0.1,1");
+        dead.Version.clear();
+        for (ServerInfo& each : globals().gtCurrentServers) each = dead;
+        InitializeDisplay(true, both, window);
+        EXPECT_EQ(impatient.waits, QStringList(dead.Name)) << "for both panels together";
+        EXPECT_EQ(impatient.lines.filter(QStringLiteral("frmErrorReport")).size(), 1)
+            << impatient.lines.join(u'\n').toStdString();
+        impatient.waits.clear();
+        dead.MRUDb = QStringLiteral("Sales");
+        EXPECT_FALSE(TestServerConnection(dead));
+        EXPECT_EQ(impatient.waits.size(), 1) << "in Add Server";
+    }
+    // A server that answers, but can't open the database, is asked whether it takes the login.
+    impatient.waits.clear();
+    ServerInfo missing = server;
+    missing.MRUDb = QStringLiteral("NoSuchDatabase");
+    TestServerConnection(missing);
+    EXPECT_EQ(impatient.waits.size(), 2);
+}
+
+TEST_P(PanelLoading, WhoGivesUpOnceHasGivenUpTheLoad) {
+    for (const int patience : {1, 2, 3}) {
+        ImpatientShell impatient;
+        impatient.patience = patience;
+        for (ServerInfo& each : globals().gtCurrentServers) {
+            each = server;
+            each.Version.clear();
+            each.RegIndex = 0;
+        }
+        InitializeDisplay(true, both, window);
+        EXPECT_EQ(impatient.waits.size(), patience);
+        EXPECT_EQ(impatient.lines.join(u'\n').toStdString(), "") << "it is no error";
+        ServerInfo added = server;
+        added.MRUDb = QStringLiteral("Alpha");
+        impatient.patience = 1;
+        impatient.waits.clear();
+        EXPECT_FALSE(TestServerConnection(added));
+        EXPECT_EQ(impatient.waits, QStringList(server.Name));
+        EXPECT_TRUE(globals().gblnStop);
+    }
+}
+
+TEST_P(PanelLoading, AQueryOnACallersConnectionCanBeGivenUp) {
+    ImpatientShell impatient;
+    std::shared_ptr<Connection> connection;
+    ASSERT_TRUE(ADO_Connection_Open(connection, server, QStringLiteral("Alpha")));
+    std::unique_ptr<Recordset> rs;
+    const QString text = QStringLiteral("SELECT name FROM sysobjects WHERE xtype = 'U'");
+    ASSERT_EQ(GetAdoRS_OnConnection(connection, adCmdText, text, rs), 0);
+    EXPECT_EQ(rs->RecordCount(), 2);
+    EXPECT_EQ(impatient.waits, QStringList({server.Name, server.Name}));
+    // A failed query leaves the connection as it was.
+    EXPECT_EQ(
+        GetAdoRS_OnConnection(connection, adCmdText, QStringLiteral("SELECT x FROM none"), rs), -1);
+    EXPECT_EQ(impatient.takeLines().size(), 1);
+    ASSERT_EQ(GetAdoRS_OnConnection(connection, adCmdText, text, rs), 0);
+    // Given up: silent, and what would follow on the connection isn't asked.
+    impatient.patience = impatient.waits.size() + 1;
+    EXPECT_EQ(GetAdoRS_OnConnection(connection, adCmdText, text, rs), -1);
+    EXPECT_EQ(rs, nullptr);
+    EXPECT_TRUE(globals().gblnStop);
+    const qsizetype asked = impatient.waits.size();
+    EXPECT_EQ(GetAdoRS_OnConnection(connection, adCmdText, text, rs), -1);
+    EXPECT_EQ(impatient.waits.size(), asked);
+    EXPECT_EQ(impatient.lines.join(u'\n').toStdString(), "");
+    connection->Close();
 }
 
 TEST_P(PanelLoading, WithoutAServerTheAddScreenIsOffered) {

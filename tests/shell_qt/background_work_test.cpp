@@ -6,6 +6,7 @@
 
 #include <QApplication>
 #include <QElapsedTimer>
+#include <QLabel>
 #include <QPushButton>
 #include <QTest>
 #include <QTimer>
@@ -82,10 +83,11 @@ TEST(BackgroundWork, NothingElseCanBeStartedMeanwhile) {
         QTest::keyClick(&waiting.button, Qt::Key_Space);
         waiting.window.close();
     });
-    // The attempt to close the window counts as giving up; this work doesn't mind.
+    // The attempt to close the window counts as giving up; this work doesn't mind, and yet the wish
+    // isn't lost: what would follow it isn't begun.
     std::atomic<bool> cancelled = false;
-    EXPECT_TRUE(waiting.background.run([] { std::this_thread::sleep_for(130ms); },
-                                       [&] { cancelled = true; }, &waiting.window));
+    EXPECT_FALSE(waiting.background.run([] { std::this_thread::sleep_for(130ms); },
+                                        [&] { cancelled = true; }, &waiting.window));
     EXPECT_EQ(waiting.clicks, 0);
     EXPECT_TRUE(cancelled);
     EXPECT_TRUE(waiting.window.isVisible());
@@ -117,6 +119,71 @@ TEST(BackgroundWork, CancelEndsWorkThatListens) {
     EXPECT_FALSE(waiting.background.hasAbandonedWork());
 }
 
+TEST(BackgroundWork, TheNoteNamesTheServerAndTheTime) {
+    Waiting waiting;
+    QString name, toolTip;
+    QStringList times;
+    int excess = 0;
+    const auto look = [&] {
+        const auto* note = waiting.window.findChild<QWidget*>(QStringLiteral("waitingNote"));
+        ASSERT_NE(note, nullptr);
+        const auto* label = note->findChild<QLabel*>(QStringLiteral("waitingFor"));
+        name = label->text();
+        toolTip = label->toolTip();
+        times += note->findChild<QLabel*>(QStringLiteral("waitingTime"))->text();
+        excess = std::max(excess, note->width() - waiting.window.width());
+    };
+    waiting.window.resize(700, 300);
+    for (const int at : {600, 2700}) QTimer::singleShot(at, look);
+    waiting.background.run([] { std::this_thread::sleep_for(2900ms); }, [] {}, &waiting.window,
+                           QStringLiteral("<b>db1"));
+    EXPECT_EQ(name, QStringLiteral("Waiting for the server <b>db1..."));
+    EXPECT_EQ(times, QStringList({QStringLiteral("00:00:00"), QStringLiteral("00:00:02")}));
+    QTimer::singleShot(600, look);
+    waiting.background.run([] { std::this_thread::sleep_for(800ms); }, [] {}, &waiting.window,
+                           QString(300, u'x'));
+    EXPECT_LE(excess, 0) << "a long name is cut";
+    EXPECT_EQ(toolTip.size(), 300);
+}
+
+TEST(BackgroundWork, AScreensOwnStopButtonMeansCancel) {
+    const struct {
+        const char* what;
+        const char* name;
+        std::function<void(QPushButton&)> press;
+    } rows[] = {
+        {"click on Stop", "cmdStop", [](QPushButton& b) { QTest::mouseClick(&b, Qt::LeftButton); }},
+        {"click on Cancel", "cmdCancel",
+         [](QPushButton& b) { QTest::mouseClick(&b, Qt::LeftButton); }},
+        {"Space", "cmdStop", [](QPushButton& b) { QTest::keyClick(&b, Qt::Key_Space); }},
+        {"its letter", "cmdStop",
+         [](QPushButton& b) { QTest::keyClick(&b, Qt::Key_S, Qt::AltModifier); }},
+        {"another button", "cmdExport", nullptr},
+    };
+    for (const auto& row : rows) {
+        Waiting waiting;
+        waiting.button.setText(QStringLiteral("&Stop"));
+        waiting.button.setObjectName(QLatin1String(row.name));
+        waiting.button.setFocus();
+        waiting.window.activateWindow();
+        const bool stops = row.press != nullptr;
+        QTimer::singleShot(70, [&] {
+            if (stops)
+                row.press(waiting.button);
+            else
+                QTest::mouseClick(&waiting.button, Qt::LeftButton);
+        });
+        auto stop = std::make_shared<std::atomic<bool>>(false);
+        const bool done = waiting.background.run(
+            [stop] {
+                for (int i = 0; i < 400 && !*stop; ++i) std::this_thread::sleep_for(1ms);
+            },
+            [stop] { *stop = true; }, &waiting.window);
+        EXPECT_EQ(done, !stops) << row.what;
+        EXPECT_EQ(*stop, stops) << row.what;
+    }
+}
+
 TEST(BackgroundWork, WorkThatDoesNotListenIsLeftBehind) {
     Waiting waiting;
     auto release = std::make_shared<std::atomic<bool>>(false);
@@ -133,6 +200,9 @@ TEST(BackgroundWork, WorkThatDoesNotListenIsLeftBehind) {
     EXPECT_LT(sinceCancel.elapsed(), 200);
     EXPECT_TRUE(waiting.background.hasAbandonedWork());
     int done = 0;
+    EXPECT_FALSE(waiting.background.run([&] { ++done; }, [] {}, nullptr))
+        << "one Cancel is for all that the operation waits for";
+    waiting.background.forgetGivingUp();
     EXPECT_TRUE(waiting.background.run([&] { ++done; }, [] {}, nullptr)) << "new work goes on";
     EXPECT_EQ(done, 1);
     *release = true;

@@ -1,5 +1,7 @@
 #include "shell/qt/background_work.h"
 
+#include "util/text.h"
+
 #include <QApplication>
 #include <QElapsedTimer>
 #include <QEventLoop>
@@ -100,12 +102,37 @@ constexpr auto Moment = 40ms;
 constexpr int NoteAfter = 400;         // milliseconds
 constexpr int LeaveBehindAfter = 100;  // milliseconds after Cancel
 
+/// A screen's own way out means the same as the note's.
+bool isWayOut(const QObject* object) {
+    return object->objectName() == u"cmdCancel" || object->objectName() == u"cmdStop";
+}
+
+/// Esc, a button of a screen that has the focus, or its letter.
+bool asksForWayOut(const QKeyEvent& key, const QObject* receiver) {
+    if (key.key() == Qt::Key_Escape) return true;
+    // Keys come to the window first, which would hand them to the widget with the focus.
+    const auto* focus = qobject_cast<const QWidget*>(receiver);
+    if (!focus) focus = QApplication::focusWidget();
+    if (focus && isWayOut(focus) &&
+        (key.key() == Qt::Key_Space || key.key() == Qt::Key_Return || key.key() == Qt::Key_Enter))
+        return true;
+    const QWidget* window = focus ? focus->window() : QApplication::activeWindow();
+    if (!window || key.modifiers() != Qt::AltModifier) return false;
+    for (const QPushButton* button : window->findChildren<QPushButton*>())
+        if (isWayOut(button) && button->isVisible() &&
+            button->shortcut() == QKeySequence(key.modifiers() | Qt::Key(key.key())))
+            return true;
+    return false;
+}
+
 /// Lets the window paint and keeps clicks and keys from everything but the note.
 class WaitingNote : public QObject {
  public:
-    explicit WaitingNote(QWidget* window) : window_(window) {
+    WaitingNote(QWidget* window, const QString& server) : window_(window), server_(server) {
+        since_.start();
         qApp->installEventFilter(this);
         QTimer::singleShot(NoteAfter, this, [this] { showNote(); });
+        connect(&clock_, &QTimer::timeout, this, [this] { showTime(); });
     }
     ~WaitingNote() override {
         qApp->removeEventFilter(this);
@@ -118,7 +145,7 @@ class WaitingNote : public QObject {
         switch (event->type()) {
             case QEvent::KeyPress:
             case QEvent::ShortcutOverride:
-                if (static_cast<QKeyEvent*>(event)->key() == Qt::Key_Escape) cancelled_ = true;
+                if (asksForWayOut(*static_cast<QKeyEvent*>(event), receiver)) cancelled_ = true;
                 return true;
             case QEvent::Close:
                 // The window goes with the next try, when nothing runs in it.
@@ -139,9 +166,7 @@ class WaitingNote : public QObject {
                 auto* widget = qobject_cast<QWidget*>(receiver);
                 if (widget && note_ && (widget == note_ || note_->isAncestorOf(widget)))
                     return false;
-                // A screen's own Cancel means the same.
-                if (event->type() == QEvent::MouseButtonPress && widget &&
-                    widget->objectName() == u"cmdCancel")
+                if (event->type() == QEvent::MouseButtonPress && widget && isWayOut(widget))
                     cancelled_ = true;
                 return true;
             }
@@ -161,14 +186,33 @@ class WaitingNote : public QObject {
         auto* bar = new QProgressBar;
         bar->setRange(0, 0);
         bar->setTextVisible(false);
-        bar->setFixedWidth(140);
+        bar->setFixedWidth(90);
         auto* cancel = new QPushButton(QStringLiteral("Cancel"));
         cancel->setFocusPolicy(Qt::NoFocus);
         connect(cancel, &QPushButton::pressed, this, [this] { cancelled_ = true; });
+        auto* text = new QLabel;
+        text->setTextFormat(Qt::PlainText);
+        text->setObjectName(QStringLiteral("waitingFor"));
+        time_ = new QLabel(QStringLiteral("00:00:00"));
+        time_->setObjectName(QStringLiteral("waitingTime"));
+        time_->setMinimumWidth(time_->sizeHint().width());
         auto* layout = new QHBoxLayout(note_);
-        layout->addWidget(new QLabel(QStringLiteral("Waiting for the server...")));
+        layout->addWidget(text);
+        layout->addWidget(time_);
         layout->addWidget(bar);
         layout->addWidget(cancel);
+        const QString waiting = QStringLiteral("Waiting for the server %1...");
+        text->setText(waiting.arg(server_).replace(QStringLiteral(" ..."), QStringLiteral("...")));
+        // The name gives way where the window is narrow; the button doesn't.
+        if (const int excess = note_->sizeHint().width() - window_->width(); excess > 0) {
+            const QFontMetrics metrics = text->fontMetrics();
+            text->setText(waiting.arg(
+                metrics.elidedText(server_, Qt::ElideMiddle,
+                                   std::max(metrics.horizontalAdvance(server_) - excess - 8, 40))));
+        }
+        text->setToolTip(server_);
+        showTime();
+        clock_.start(500);
         note_->adjustSize();
         note_->move((window_->width() - note_->width()) / 2,
                     (window_->height() - note_->height()) / 2);
@@ -176,8 +220,14 @@ class WaitingNote : public QObject {
         note_->raise();
     }
 
+    void showTime() { time_->setText(formatElapsed(since_.elapsed())); }
+
     QPointer<QWidget> window_;
+    QString server_;
+    QElapsedTimer since_;
+    QTimer clock_;
     QPointer<QFrame> note_;
+    QLabel* time_ = nullptr;  ///< of the note
     bool cancelled_ = false;
 };
 
@@ -196,7 +246,8 @@ bool BackgroundWork::hasAbandonedWork() const {
 }
 
 bool BackgroundWork::run(const std::function<void()>& work, const std::function<void()>& cancel,
-                         QWidget* window) {
+                         QWidget* window, const QString& server) {
+    if (gaveUp_) return false;
     // Work that is asked for while other work is waited for comes from a timer: it is done at once.
     if (running_) {
         work();
@@ -207,12 +258,13 @@ bool BackgroundWork::run(const std::function<void()>& work, const std::function<
     if (!worker_) worker_ = WorkerThread::start();
     worker_->give(work);
     if (!worker_->waitFor(Moment)) {
-        WaitingNote note(window);
+        WaitingNote note(window, server);
         QElapsedTimer sinceCancel;
         for (;;) {
             QApplication::processEvents(QEventLoop::AllEvents, 10);
+            gaveUp_ = note.isCancelled();
             if (worker_->waitFor(10ms)) break;
-            if (!note.isCancelled()) continue;
+            if (!gaveUp_) continue;
             if (!sinceCancel.isValid()) sinceCancel.start();
             // Again and again: the work may not have come to what can be cancelled.
             cancel();
@@ -223,7 +275,7 @@ bool BackgroundWork::run(const std::function<void()>& work, const std::function<
         }
     }
     if (const std::exception_ptr failure = worker_->takeFailure()) std::rethrow_exception(failure);
-    return true;
+    return !gaveUp_;
 }
 
 }  // namespace zov::qt

@@ -2,6 +2,8 @@
 // stays alive: the window paints, nothing but the way out takes clicks and keys.
 #pragma once
 
+#include <QString>
+
 #include <functional>
 #include <memory>
 #include <vector>
@@ -18,11 +20,14 @@ class BackgroundWork {
     ~BackgroundWork();
 
     /// Runs `work` and gives true when it is done; what it throws comes out here. When it takes
-    /// longer than a moment, a note with a Cancel button appears over `window`; Cancel or Esc calls
-    /// `cancel`, again and again, and leaves work that doesn't end within a tenth of a second
-    /// behind: false then.
+    /// longer than a moment, a note with a Cancel button appears over `window`, which names
+    /// `server` and the time; Cancel, Esc or the Stop button of a screen calls `cancel`, again and
+    /// again, and leaves work that doesn't end within a tenth of a second behind. False when the
+    /// user gave up, even if the work ended by itself at that moment; from then on nothing is run
+    /// and all calls give false, until forgetGivingUp().
     bool run(const std::function<void()>& work, const std::function<void()>& cancel,
-             QWidget* window);
+             QWidget* window, const QString& server = {});
+    void forgetGivingUp() { gaveUp_ = false; }
 
     /// Work that was left behind and hasn't ended yet.
     bool hasAbandonedWork() const;
@@ -31,6 +36,7 @@ class BackgroundWork {
     std::shared_ptr<WorkerThread> worker_;
     std::vector<std::shared_ptr<WorkerThread>> abandoned_;
     bool running_ = false;
+    bool gaveUp_ = false;
 };
 
 }  // namespace zov::qt

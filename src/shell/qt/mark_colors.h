@@ -16,6 +16,15 @@ QColor shownMarkColor(quint32 bgr, const QPalette& palette);
 /// light enough to be read.
 QColor shownTextColor(quint32 bgr, const QPalette& palette);
 
+/// A ground as it is seen where its cell is selected: nearer to the palette's highlight, and still
+/// the colour that it is, since that says what differs.
+QColor selectedGround(const QColor& ground, const QPalette& palette);
+
+/// How far two colours stand apart for who reads one on the other, from 1 (not at all) to 21.
+double contrastOf(const QColor& a, const QColor& b);
+/// A text colour in its own hue, as dark or as light as it takes to be read on the ground.
+QColor readableOn(const QColor& ground, const QColor& text);
+
 bool isDarkPalette(const QPalette& palette);
 
 }  // namespace zov::qt

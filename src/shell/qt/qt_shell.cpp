@@ -1,11 +1,14 @@
 #include "shell/qt/qt_shell.h"
 
+#include "core/globals.h"
 #include "core/product.h"
 #include "shell/qt/screen_dialog.h"
+#include "shell/qt/window_fit.h"
 
 #include <QApplication>
 #include <QClipboard>
 #include <QDesktopServices>
+#include <QDir>
 #include <QFileDialog>
 #include <QFileInfo>
 #include <QMessageBox>
@@ -54,9 +57,28 @@ class ArrowPointer {
     ArrowPointer& operator=(const ArrowPointer&) = delete;
 };
 
+/// Sees the clicks and keys of the whole program. One that comes while nothing is under way asks
+/// for something new.
+class NewWishes : public QObject {
+ public:
+    explicit NewWishes(Shell& shell) : shell_(shell) { qApp->installEventFilter(this); }
+
+ protected:
+    bool eventFilter(QObject*, QEvent* event) override {
+        const bool isInput =
+            event->type() == QEvent::MouseButtonPress || event->type() == QEvent::KeyPress;
+        const QCursor* pointer = QApplication::overrideCursor();
+        if (isInput && (!pointer || pointer->shape() != Qt::WaitCursor)) shell_.beginOperation();
+        return false;
+    }
+
+ private:
+    Shell& shell_;
+};
+
 }  // namespace
 
-QtShell::QtShell() {
+QtShell::QtShell() : newWishes_(std::make_unique<NewWishes>(*this)) {
     sincePump_.start();
 }
 
@@ -82,6 +104,7 @@ void QtShell::messageBox(const QString& text, const QString& title, BoxIcon icon
                     parentForDialogs());
     box.setTextFormat(Qt::PlainText);
     box.setTextInteractionFlags(Qt::TextSelectableByMouse);
+    fitBox(box);
     box.exec();
 }
 
@@ -94,6 +117,7 @@ bool askWithDefault(QMessageBox::StandardButton button, const QString& text, con
                     QMessageBox::Yes | QMessageBox::No, parent);
     box.setTextFormat(Qt::PlainText);
     box.setDefaultButton(button);
+    fitBox(box);
     return box.exec() == QMessageBox::Yes;
 }
 
@@ -112,6 +136,7 @@ BoxAnswer QtShell::askYesNoCancel(const QString& text, const QString& title) {
     QMessageBox box(QMessageBox::Question, title.isEmpty() ? product::Name : title, text,
                     QMessageBox::Yes | QMessageBox::No | QMessageBox::Cancel, parentForDialogs());
     box.setTextFormat(Qt::PlainText);
+    fitBox(box);
     switch (box.exec()) {
         case QMessageBox::Yes:
             return BoxAnswer::Yes;
@@ -128,8 +153,9 @@ void QtShell::pumpEvents() {
     sincePump_.restart();
 }
 
-bool QtShell::runBlocking(const std::function<void()>& work, const std::function<void()>& cancel) {
-    return background_.run(work, cancel, parentForDialogs());
+bool QtShell::runBlocking(const std::function<void()>& work, const std::function<void()>& cancel,
+                          const QString& server) {
+    return background_.run(work, cancel, parentForDialogs(), server);
 }
 
 void QtShell::setClipboardText(const QString& text) {
@@ -145,6 +171,19 @@ void QtShell::openWithDesktop(const QString& fileOrUrl) {
                BoxIcon::Exclamation);
 }
 
+namespace {
+
+// A dialog begins in the current folder, the program's own, when the one it is given doesn't exist.
+QString inDocuments(const QString& path) {
+    const QFileInfo wanted(path);
+    if (wanted.isAbsolute() && wanted.dir().exists()) return path;
+    const QString documents = globals().gstrUserDataFolder;
+    const bool exists = !documents.isEmpty() && QDir().mkpath(documents);
+    return (exists ? documents : QDir::homePath() + u'/') + wanted.fileName();
+}
+
+}  // namespace
+
 QString QtShell::askSavePath(const QString& title, const QString& filter,
                              const QString& initialPath) {
     const ArrowPointer arrow;
@@ -152,7 +191,7 @@ QString QtShell::askSavePath(const QString& title, const QString& filter,
     QString shown = filter == u"*.*" ? QStringLiteral("All files (*)") : filter;
     // "Export Files (*.htm)|*.htm": the name says its patterns as this dialog wants them.
     if (const qsizetype bar = shown.indexOf(u'|'); bar > 0) shown.truncate(bar);
-    return QFileDialog::getSaveFileName(parentForDialogs(), title, initialPath, shown);
+    return QFileDialog::getSaveFileName(parentForDialogs(), title, inDocuments(initialPath), shown);
 }
 
 void QtShell::setWaitPointer(bool on) {

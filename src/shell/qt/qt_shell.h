@@ -29,8 +29,9 @@ class QtShell : public Shell {
     bool askYesNoDefaultNo(const QString& text, const QString& title) override;
     BoxAnswer askYesNoCancel(const QString& text, const QString& title) override;
     void pumpEvents() override;
-    bool runBlocking(const std::function<void()>& work,
-                     const std::function<void()>& cancel) override;
+    bool runBlocking(const std::function<void()>& work, const std::function<void()>& cancel,
+                     const QString& server = {}) override;
+    void beginOperation() override { background_.forgetGivingUp(); }
     void setClipboardText(const QString& text) override;
     void openWithDesktop(const QString& fileOrUrl) override;
     QString askSavePath(const QString& title, const QString& filter,
@@ -43,6 +44,7 @@ class QtShell : public Shell {
     QPointer<QWidget> mainWindow_;
     QElapsedTimer sincePump_;
     BackgroundWork background_;
+    std::unique_ptr<QObject> newWishes_;
 };
 
 }  // namespace zov::qt
