@@ -26,6 +26,9 @@ class TextPane {
     /// Paints the background of the selection, colour as 0xBBGGRR.
     virtual void setSelectionBackColor(quint32 color) = 0;
     virtual void setFocus() = 0;
+    /// The page that the text stands on, in twips; for panes that have one. A line of the text is a
+    /// line of the pane on any page.
+    virtual void setPageSize(qint32 width, qint32 height) { (void)width, (void)height; }
 
     /// Why the text of the selected object isn't here; empty when it is.
     QString Trouble;

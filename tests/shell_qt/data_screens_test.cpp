@@ -121,6 +121,60 @@ TEST(GridModel, ShowsTheGridsColoursInBothPalettes) {
     qt::applyAppearance(qt::Appearance::Light);
 }
 
+TEST(GridModel, SelectedCellsAreReadableAndKeepTheirColoursInBothPalettes) {
+    const quint32 grounds[] = {difference_color::SourceHalf, difference_color::TargetHalf,
+                               difference_color::SourceOnly, difference_color::TargetOnly,
+                               0xFFFFFF};
+    const auto apart = [](const QColor& a, const QColor& b) {
+        return std::abs(a.red() - b.red()) + std::abs(a.green() - b.green()) +
+               std::abs(a.blue() - b.blue());
+    };
+    for (const qt::Appearance appearance : {qt::Appearance::Light, qt::Appearance::Dark}) {
+        qt::applyAppearance(appearance);
+        const QPalette palette = QApplication::palette();
+        std::vector<QColor> seen;
+        for (const quint32 color : grounds) {
+            const QColor ground = qt::shownMarkColor(color, palette);
+            seen.push_back(qt::selectedGround(ground, palette));
+            EXPECT_GT(apart(seen.back(), ground), 20) << "the selection isn't seen";
+            for (const quint32 text : {0x000000U, difference_color::DifferingText}) {
+                const QColor shade = qt::readableOn(seen.back(), qt::shownTextColor(text, palette));
+                EXPECT_GE(qt::contrastOf(seen.back(), shade), 4.5)
+                    << shade.name().toStdString() << " on " << seen.back().name().toStdString();
+            }
+        }
+        for (size_t a = 0; a < seen.size(); ++a)
+            for (size_t b = a + 1; b < seen.size(); ++b)
+                EXPECT_GT(apart(seen[a], seen[b]), 15) << a << " and " << b;
+    }
+    qt::applyAppearance(qt::Appearance::Light);
+}
+
+TEST(DataScreens, ASelectedCellIsPaintedInItsOwnColour) {
+    Desktop desktop;
+    desktop.show();
+    desktop.user.plan([&](QWidget* screen) {
+        QTableView* view = gridOf(screen);
+        ASSERT_NE(view, nullptr);
+        const auto paintedGround = [&](const QModelIndex& at) {
+            QApplication::processEvents();
+            const QRect rect = view->visualRect(at);
+            const QImage image = view->viewport()->grab().toImage();
+            const double scale = image.devicePixelRatio();
+            return image.pixelColor(int((rect.right() - 4) * scale), int((rect.top() + 3) * scale));
+        };
+        const QModelIndex cell = view->model()->index(0, 1);
+        const auto ground = cell.data(Qt::BackgroundRole).value<QBrush>().color();
+        view->setCurrentIndex(view->model()->index(1, 2));
+        EXPECT_EQ(paintedGround(cell), ground);
+        view->setCurrentIndex(cell);
+        EXPECT_EQ(paintedGround(cell), qt::selectedGround(ground, view->palette()));
+        static_cast<QDialog*>(screen)->reject();
+    });
+    test::showStockDifferences(desktop);
+    EXPECT_TRUE(desktop.user.isDone());
+}
+
 TEST(DataScreens, DifferencesAreWalkedFoundCopiedAndSorted) {
     Desktop desktop;
     desktop.show();

@@ -135,14 +135,12 @@ qt::MainWindow& Desktop::show(bool open) {
         options.sides[1] = {databases_.server, databases_.target};
         window_->openAtStart(options);
     }
-    window_->controller().Form_Load();
     window_->show();
     window_->activateWindow();
-    if (open)
-        EXPECT_TRUE(waitUntil(
-            [this] { return window_->list(1)->rowCount() > 0 && !window_->controller().Busy(); }));
-    else
-        QApplication::processEvents();
+    EXPECT_TRUE(waitUntil([this, open] {
+        return window_->isStarted() && (!open || window_->list(1)->rowCount() > 0) &&
+               !window_->controller().Busy();
+    }));
     return *window_;
 }
 

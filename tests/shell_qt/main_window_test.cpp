@@ -22,7 +22,9 @@
 #include <QSplitter>
 #include <QTest>
 #include <QTextBlock>
+#include <QTextLayout>
 #include <QToolBar>
+#include <QWheelEvent>
 
 #include <gtest/gtest.h>
 
@@ -207,10 +209,121 @@ TEST(MainWindow, AComparisonOfEqualTextsHasNoMarksAndSaysSo) {
     desktop.select(QStringLiteral("Same"), QStringLiteral("Same"));
     EXPECT_TRUE(desktop.compare().contains(QStringLiteral("identical.")));
     EXPECT_FALSE(window.pane(0)->hasMarks());
+    EXPECT_EQ(window.statusText(), QStringLiteral("The texts are identical."));
     window.goToDifference(true);
     EXPECT_EQ(window.statusText(), QStringLiteral("There is no difference between the texts."));
     desktop.select(QStringLiteral("Report"), QStringLiteral("Same"));
     EXPECT_EQ(window.statusText(), QString()) << "it is no longer about these texts";
+}
+
+TEST(MainWindow, WhatTheOptionsLeaveOutIsSaidWhereTextsLookDifferent) {
+    Desktop desktop({QStringLiteral("local:shop"), QStringLiteral("before"),
+                     QStringLiteral("CREATE TABLE dbo.T (A int)\nGO\n"
+                                    "CREATE PROCEDURE dbo.P AS\nSELECT  1\nGO\n"),
+                     QStringLiteral("after"),
+                     QStringLiteral("CREATE TABLE dbo.T (A int)\nGO\n"
+                                    "CREATE PROCEDURE dbo.P AS\n\nSELECT 1\nGO\n")});
+    qt::MainWindow& window = desktop.show();
+    chooseType(desktop, ObjectType::Procedure);
+    EXPECT_TRUE(desktop.compare().contains(QStringLiteral("identical.")));
+    window.goToDifference(true);
+    EXPECT_EQ(window.statusText(),
+              QStringLiteral("No difference that counts. Identical, leaving out white space."));
+    // The same texts with white space that counts: the verdict, the marks and the bar go along.
+    globals().gblnIgnoreWhitespace = false;
+    globals().gblnIgnoreColSeq = false;
+    EXPECT_TRUE(desktop.compare().contains(QStringLiteral("different.")));
+    window.goToDifference(true);
+    EXPECT_TRUE(window.statusText().startsWith(QStringLiteral("Difference 1 of ")))
+        << window.statusText().toStdString();
+    // And back: the colours stay, the bar follows the verdict.
+    globals().gblnIgnoreWhitespace = true;
+    EXPECT_TRUE(desktop.compare().contains(QStringLiteral("identical.")));
+    EXPECT_TRUE(window.pane(0)->hasMarks());
+    EXPECT_EQ(window.statusText(), QStringLiteral("Identical, leaving out white space."));
+}
+
+TEST(MainWindow, EmptyLinesOfATableAreNoStop) {
+    Desktop desktop;
+    qt::MainWindow& window = desktop.show();
+    desktop.select(QStringLiteral("Customer"), QStringLiteral("Customer"));
+    desktop.compare();
+    const QString status = window.statusText();
+    ASSERT_TRUE(status.contains(QStringLiteral("difference"))) << status.toStdString();
+    for (int i = 0; i < status.section(u' ', 0, 0).toInt(); ++i) {
+        window.goToDifference(true);
+        const QString source = window.pane(0)->textCursor().block().text().trimmed();
+        const QString target = window.pane(1)->textCursor().block().text().trimmed();
+        EXPECT_FALSE(source.isEmpty() && target.isEmpty()) << window.statusText().toStdString();
+    }
+    EXPECT_TRUE(window.pane(1)->plainText().contains(QStringLiteral("\n\n")))
+        << "the text has no empty line to pass by";
+}
+
+TEST(MainWindow, DebugModeHasItsMenuAndItsPrefix) {
+    Desktop desktop;
+    globals().gblnDebugMode = true;
+    qt::MainWindow& window = desktop.show();
+    EXPECT_NE(window.action(cmd::DebugServerVersion), nullptr);
+    window.setStatusText(QStringLiteral("Ready"));
+    EXPECT_EQ(desktop.find<QLabel>("status")->text(), QStringLiteral("Debug: Ready"));
+}
+
+TEST(MainWindow, CtrlAndTheWheelZoomBothTextsAndThatIsKept) {
+    Desktop desktop;
+    qt::MainWindow* window = &desktop.show();
+    const double usual = window->pane(0)->font().pointSizeF();
+    const auto turn = [&](int Index, int delta) {
+        QWidget* viewport = window->pane(Index)->viewport();
+        const QPointF at(10, 10);
+        QWheelEvent wheel(at, viewport->mapToGlobal(at), {}, {0, delta}, Qt::NoButton,
+                          Qt::ControlModifier, Qt::NoScrollPhase, false);
+        QApplication::sendEvent(viewport, &wheel);
+    };
+    turn(1, 120);
+    turn(0, 120);
+    turn(0, 60);
+    for (int Index : {0, 1}) EXPECT_EQ(window->pane(Index)->font().pointSizeF(), usual + 2);
+    turn(0, 60);
+    EXPECT_EQ(window->textZoom(), 3) << "two halves of a step are one";
+    turn(1, -120);
+    window = &desktop.restart();
+    for (int Index : {0, 1}) EXPECT_EQ(window->pane(Index)->font().pointSizeF(), usual + 2);
+    EXPECT_TRUE(test::activate(*window));
+    QTest::keyClick(window, Qt::Key_0, Qt::ControlModifier);
+    for (int Index : {0, 1}) EXPECT_EQ(window->pane(Index)->font().pointSizeF(), usual);
+    QTest::keyClick(window, Qt::Key_Minus, Qt::ControlModifier);
+    EXPECT_EQ(window->textZoom(), -1);
+    for (int i = 0; i < 60; ++i) turn(0, -120);
+    EXPECT_GE(window->pane(0)->font().pointSizeF(), 4);
+}
+
+TEST(MainWindow, HelpGoesWithTheWindow) {
+    Desktop desktop;
+    qt::MainWindow& window = desktop.show();
+    window.runCommand(cmd::HelpIndex);
+    const auto helpIsOpen = [] {
+        for (const QWidget* widget : QApplication::topLevelWidgets())
+            if (widget->objectName() == u"helpWindow" && widget->isVisible()) return true;
+        return false;
+    };
+    EXPECT_TRUE(helpIsOpen());
+    window.close();
+    EXPECT_FALSE(helpIsOpen());
+}
+
+TEST(MainWindow, PanesGetTheirPageFromTheSettings) {
+    Desktop desktop;
+    writeSetting(QStringLiteral("PageWidth"), 30000);
+    writeSetting(QStringLiteral("PageHeight"), 1);
+    qt::MainWindow& window = desktop.show(false);
+    for (int Index : {0, 1}) {
+        EXPECT_EQ(window.pane(Index)->pageSize(), QSize(30000, 15840));
+        // Whatever the page, a line of the text is a line of the pane.
+        window.pane(Index)->setText(QString(5000, u'x'));
+        EXPECT_EQ(window.pane(Index)->lineWrapMode(), QPlainTextEdit::NoWrap);
+        EXPECT_EQ(window.pane(Index)->document()->firstBlock().layout()->lineCount(), 1);
+    }
 }
 
 TEST(MainWindow, KeysReachTheirControls) {
@@ -262,13 +375,13 @@ TEST(MainWindow, ARunFromTheWindowGivesItsListsBack) {
 TEST(MainWindow, SizesAndSplittersAreThereAtTheNextStart) {
     Desktop desktop;
     qt::MainWindow& first = desktop.show();
-    first.resize(1000, 700);
+    first.resize(760, 700);
     QApplication::processEvents();
     auto* splitter = qobject_cast<QSplitter*>(first.centralWidget());
     splitter->setSizes({300, 250});
     const QList<int> sizes = splitter->sizes();
     qt::MainWindow& second = desktop.restart();
-    EXPECT_EQ(second.size(), QSize(1000, 700));
+    EXPECT_EQ(second.size(), QSize(760, 700));
     QApplication::processEvents();
     const QList<int> again = qobject_cast<QSplitter*>(second.centralWidget())->sizes();
     EXPECT_NEAR(again[0], sizes[0], 3);

@@ -10,14 +10,19 @@
 namespace zov {
 namespace {
 
-std::vector<quint32> colors(const char* marks) {
-    std::vector<quint32> all;
-    for (const char* mark = marks; *mark; ++mark)
-        all.push_back(colorOfMark(*mark == '='   ? MarkNotChanged
-                                  : *mark == '~' ? MarkChanged
-                                  : *mark == '+' ? MarkInserted
-                                  : *mark == '-' ? MarkDeleted
-                                                 : MarkNone));
+/// One letter a line: "=" the same, "~" changed, "+" inserted, "-" deleted, "?" without a verdict;
+/// empty lines are "_" without a verdict or the same, "i" inserted, "d" deleted.
+std::vector<qt::PaneAlignment::Line> lines(const char* marks) {
+    std::vector<qt::PaneAlignment::Line> all;
+    for (const char* mark = marks; *mark; ++mark) {
+        const bool isEmpty = *mark == '_' || *mark == 'i' || *mark == 'd';
+        all.push_back({colorOfMark(*mark == '='                   ? MarkNotChanged
+                                   : *mark == '~'                 ? MarkChanged
+                                   : *mark == '+' || *mark == 'i' ? MarkInserted
+                                   : *mark == '-' || *mark == 'd' ? MarkDeleted
+                                                                  : MarkNone),
+                       isEmpty});
+    }
     return all;
 }
 
@@ -52,14 +57,27 @@ TEST(PaneAlignment, ARunOfDifferencesIsOneStopInBothPanes) {
         {"=?=", "==", ""},
         // Lines of a table may be paired across: every marked line is in some run.
         {"==~", "~==", "0-1/0-1 2-3/2-3"},
+        // A table's empty line between columns and indexes is inserted by its mark.
+        {"=_=", "=i=", ""},
+        {"~_~", "~i~", "0-1/0-1 2-3/2-3"},
+        // Empty lines alone are nothing to stop at, within other differences they are part of them.
+        {"==", "=ii=", ""},
+        {"=d=", "==", ""},
+        {"==", "=+i+=", "1-1/1-4"},
     };
     for (const auto& row : rows)
-        EXPECT_EQ(stopsText(qt::PaneAlignment(colors(row.source), colors(row.target))), row.stops)
+        EXPECT_EQ(stopsText(qt::PaneAlignment(lines(row.source), lines(row.target))), row.stops)
             << row.source << " " << row.target;
 }
 
+TEST(PaneAlignment, KnowsOfEmptyLinesThatDiffer) {
+    EXPECT_TRUE(qt::PaneAlignment(lines("=="), lines("=i=")).hasEmptyDifferences());
+    EXPECT_FALSE(qt::PaneAlignment(lines("=_="), lines("=i=")).hasEmptyDifferences());
+    EXPECT_FALSE(qt::PaneAlignment(lines("=="), lines("=+i=")).hasEmptyDifferences());
+}
+
 TEST(PaneAlignment, ALineFindsItsPartnerBehindInsertedAndDeletedLines) {
-    const qt::PaneAlignment alignment(colors("=--==="), colors("==++=="));
+    const qt::PaneAlignment alignment(lines("=--==="), lines("==++=="));
     const int sourceLines[] = {0, 1, 1, 1, 4, 5};
     for (int line = 0; line < 6; ++line)
         EXPECT_EQ(alignment.partnerOf(0, line), sourceLines[line]) << line;

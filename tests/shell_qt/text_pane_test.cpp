@@ -2,9 +2,10 @@
 #include "shell/qt/appearance.h"
 #include "shell/qt/find_bar.h"
 #include "shell/qt/mark_colors.h"
+#include "shell/qt/text_find.h"
 #include "shell/qt/text_pane_widget.h"
-#include "structcompare/modMarkDifferences.h"
 #include "shell_qt/desktop.h"
+#include "structcompare/modMarkDifferences.h"
 
 #include <QImage>
 #include <QLabel>
@@ -107,20 +108,6 @@ TEST(TextPane, MarkedLinesArePaintedOverTheirWholeWidth) {
     qt::applyAppearance(qt::Appearance::Light);
 }
 
-double luminance(const QColor& color) {
-    const auto channel = [](double value) {
-        return value <= 0.03928 ? value / 12.92 : std::pow((value + 0.055) / 1.055, 2.4);
-    };
-    return 0.2126 * channel(color.redF()) + 0.7152 * channel(color.greenF()) +
-           0.0722 * channel(color.blueF());
-}
-
-double contrast(const QColor& a, const QColor& b) {
-    const double high = std::max(luminance(a), luminance(b));
-    const double low = std::min(luminance(a), luminance(b));
-    return (high + 0.05) / (low + 0.05);
-}
-
 TEST(TextPane, TextStaysReadableOnEveryMarkInBothPalettes) {
     for (const qt::Appearance appearance : {qt::Appearance::Light, qt::Appearance::Dark}) {
         qt::applyAppearance(appearance);
@@ -138,7 +125,7 @@ TEST(TextPane, TextStaysReadableOnEveryMarkInBothPalettes) {
              {MarkNone, MarkNotChanged, MarkChanged, MarkInserted, MarkDeleted}) {
             const QColor ground = qt::shownMarkColor(colorOfMark(mark), pane.palette());
             for (const QColor& shade : shades)
-                EXPECT_GE(contrast(shade, ground), 4.0)
+                EXPECT_GE(qt::contrastOf(shade, ground), 4.0)
                     << shade.name().toStdString() << " on " << ground.name().toStdString();
         }
     }
@@ -155,10 +142,11 @@ TEST(TextPane, TheFindBarCountsAndGoesRoundTheText) {
     auto* wanted = bar.findChild<QLineEdit*>(QStringLiteral("findText"));
     auto* found = bar.findChild<QLabel*>(QStringLiteral("findCount"));
     QTest::keyClicks(wanted, QStringLiteral("select"));
-    EXPECT_EQ(found->text(), QStringLiteral("2 found"));
+    EXPECT_EQ(found->text(), QStringLiteral("1 of 2"));
     EXPECT_EQ(pane.textCursor().selectionStart(), 0);
     QTest::keyClick(wanted, Qt::Key_Return);
     EXPECT_EQ(pane.textCursor().selectionStart(), 9);
+    EXPECT_EQ(found->text(), QStringLiteral("2 of 2"));
     QTest::keyClick(wanted, Qt::Key_Return);
     EXPECT_EQ(pane.textCursor().selectionStart(), 0) << "back at the first";
     bar.findNext(false);
@@ -166,6 +154,40 @@ TEST(TextPane, TheFindBarCountsAndGoesRoundTheText) {
     QTest::keyClicks(wanted, QStringLiteral("x"));
     EXPECT_EQ(found->text(), QStringLiteral("not found"));
     EXPECT_TRUE(pane.extraSelections().isEmpty());
+}
+
+TEST(TextPane, FindingGoesByTheCaretAndCountsWhatItCannotMark) {
+    TextPaneWidget pane;
+    pane.setText(QStringLiteral("ab aab\r\n").repeated(3000));
+    qt::TextFind find(&pane);
+    find.search(QStringLiteral("AB"));
+    EXPECT_EQ(find.count(), 6000);
+    EXPECT_EQ(find.note(), QStringLiteral("6000 found"));
+    pane.setCaret(4);
+    find.goOn(true);
+    EXPECT_EQ(find.note(), QStringLiteral("2 of 6000")) << "the place at the caret counts";
+    find.goOn(false);
+    find.goOn(false);
+    EXPECT_EQ(find.note(), QStringLiteral("6000 of 6000")) << "around the start";
+    find.search(QStringLiteral("b a"));
+    EXPECT_EQ(find.count(), 3000);
+    find.search(QStringLiteral("<b>"));
+    find.goOn(true);
+    EXPECT_EQ(find.note(), QStringLiteral("not found"));
+    find.search({});
+    EXPECT_EQ(find.note(), QString());
+}
+
+TEST(TextPane, ZoomTakesTheGutterAlong) {
+    TextPaneWidget pane;
+    pane.setText(QStringLiteral("SELECT 1"));
+    const int width = pane.lineNumberWidth(), letter = pane.fontMetrics().height();
+    pane.setZoom(8);
+    EXPECT_GT(pane.fontMetrics().height(), letter);
+    EXPECT_GT(pane.lineNumberWidth(), width);
+    EXPECT_EQ(pane.viewport()->x() - pane.contentsRect().x(), pane.lineNumberWidth());
+    pane.setZoom(0);
+    EXPECT_EQ(pane.lineNumberWidth(), width);
 }
 
 TEST(TextPane, TheFindBarTakesTheSelectionAndClosesWithEsc) {

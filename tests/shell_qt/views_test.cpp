@@ -80,9 +80,38 @@ TEST(SideBySide, CountsRunsAndGoesThroughThem) {
     EXPECT_FALSE(view.goToDifference(true));
     EXPECT_TRUE(view.goToDifference(false));
     EXPECT_FALSE(view.goToDifference(false));
+    EXPECT_EQ(view.currentDifference(), 1);
     view.setTexts(source, source, alignLines(source, source));
+    EXPECT_EQ(view.currentDifference(), 0);
     EXPECT_EQ(view.differenceCount(), 0);
     EXPECT_FALSE(view.goToDifference(true));
+}
+
+TEST(SideBySide, TheCurrentDifferenceIsSeen) {
+    const QStringList source = {QStringLiteral("a"), QStringLiteral("b"), QStringLiteral("c")};
+    const QStringList target = {QStringLiteral("a"), QStringLiteral("x"), QStringLiteral("c"),
+                                QStringLiteral("d")};
+    for (const qt::Appearance appearance : {qt::Appearance::Light, qt::Appearance::Dark}) {
+        qt::applyAppearance(appearance);
+        qt::SideBySideView view;
+        view.resize(500, 200);
+        view.show();
+        view.setTexts(source, target, alignLines(source, target));
+        const auto framed = [&](int row) {
+            const QImage image = view.viewport()->grab().toImage();
+            const double scale = image.devicePixelRatio();
+            const int height = view.fontMetrics().lineSpacing() + 2;
+            return image.pixelColor(int(scale), int((row + 0.5) * height * scale)) ==
+                   view.palette().color(QPalette::Highlight);
+        };
+        EXPECT_FALSE(framed(1));
+        view.goToDifference(true);
+        EXPECT_TRUE(framed(1));
+        view.goToDifference(true);
+        EXPECT_FALSE(framed(1));
+        EXPECT_TRUE(framed(3)) << "a row that only Target has";
+    }
+    qt::applyAppearance(qt::Appearance::Light);
 }
 
 TEST(SideBySide, LongTextsAreReachedByScrolling) {

@@ -56,7 +56,6 @@ int main(int argc, char** argv) {
         zov::installReportPrinter(&screens);
         shell.setMainWindow(&window);
         window.openAtStart(options);
-        window.controller().Form_Load();
         window.show();
         status = QApplication::exec();
         zov::installReportPrinter(nullptr);

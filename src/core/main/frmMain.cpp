@@ -5,20 +5,22 @@
 #include "core/globals.h"
 #include "core/main/main_screens.h"
 #include "core/mdlMain.h"
-#include "datacompare/modCompareData.h"
 #include "core/registry.h"
 #include "core/settings.h"
 #include "data/data_access_check.h"
 #include "data/frmAddServer.h"
 #include "data/frmDeleteServer.h"
 #include "data/server_list.h"
+#include "datacompare/modCompareData.h"
 #include "reports/copy_to_file.h"
 #include "scripting/modNew.h"
 #include "scripting/modSql.h"
 #include "shell/memory_controls.h"
 #include "shell/shell.h"
 #include "structcompare/compare_all_menu.h"
+#include "structcompare/left_out.h"
 #include "structcompare/modMarkDifferences.h"
+#include "structcompare/txtext_control.h"
 #include "util/text.h"
 
 namespace zov {
@@ -65,9 +67,13 @@ int rowOfObject(const ObjectList& list, const ObjectListRow& object) {
 
 void frmMain::Form_Load() {
     whileBusy("Form_Load", [&] {
+        Panels& panels = view_.panels();
+        for (const int Index : {SourcePanel, TargetPanel})
+            InitializeTXTextControl(panels[Index].txtTXProc);
         SetInitialServers();
-        LoadObjectTypesCombo(view_.panels().cmbType);
+        LoadObjectTypesCombo(panels.cmbType);
         refillServerBoxes();
+        showTypeToolTips(selectedType());
         view_.setConnectPicture(PictureDisconnected);
         view_.setOwnerControlsVisible(globals().gblnShowOwners);
         view_.setStatusText(QStringLiteral("Connect to the servers   "));
@@ -106,8 +112,26 @@ bool frmMain::dataAccessUsable() {
 }
 
 void frmMain::refillServerBoxes() {
-    FillServerCombo(view_.panels().source.cmbServer, 0);
-    FillServerCombo(view_.panels().target.cmbServer, 0);
+    for (const int Index : {SourcePanel, TargetPanel}) {
+        FillServerCombo(view_.panels()[Index].cmbServer, 0);
+        showPanelServer(Index);
+    }
+}
+
+// The box names the server that its panel shows and compares, whatever it named before the list of
+// servers changed.
+void frmMain::showPanelServer(int Index) {
+    ChoiceList& box = view_.panels()[Index].cmbServer;
+    box.Tag = QStringLiteral("OFF");
+    box.setText(server(Index).Name);
+    box.Tag.clear();
+}
+
+void frmMain::showTypeToolTips(ObjectType type) {
+    QString plural = GetObjectTypeName(type, true);
+    if (plural.isEmpty()) plural = QStringLiteral("objects");
+    view_.setCompareToolTip(QStringLiteral("Compare selected ") + plural + QStringLiteral(" (F7)"));
+    view_.setListToolTips(QStringLiteral("List of all ") + plural);
 }
 
 bool frmMain::addServer() {
@@ -188,10 +212,7 @@ void frmMain::cmbServer_Click(int Index) {
         if (chosen.Name.isEmpty()) return;
         if (!GetServerInfoByName(chosen)) {
             // Another instance took it off the list: the panel stays with its server.
-            panel.cmbServer.Tag = QStringLiteral("OFF");
-            panel.cmbServer.setText(server(Index).Name);
-            panel.cmbServer.Tag.clear();
-            return;
+            return showPanelServer(Index);
         }
         globals().gtCurrentServers[Index] = chosen;
         ResetFilter(Index);
@@ -308,11 +329,7 @@ void frmMain::ObjectTypeChanged(int Mode, int Value, int PanelBits) {
     whileBusy("ObjectTypeChanged", [&] {
         if (!serverInfoSet()) return;
         const ObjectType type = Mode == 20 ? ObjectTypeFromPosition(Value) : selectedType();
-        QString plural = GetObjectTypeName(type, true);
-        if (plural.isEmpty()) plural = QStringLiteral("objects");
-        view_.setCompareToolTip(QStringLiteral("Compare selected ") + plural +
-                                QStringLiteral(" (F7)"));
-        view_.setListToolTips(QStringLiteral("List of all ") + plural);
+        showTypeToolTips(type);
         if (!anyDatabase()) return initializeDisplay(false);
         Panels& panels = view_.panels();
         for (int Index = SourcePanel; Index <= TargetPanel; ++Index) {
@@ -343,6 +360,7 @@ void frmMain::RefreshSourceTarget(int Index) {
 }
 
 void frmMain::showComparisonReport(const SelectedPair& pair) {
+    reportShown_ = true;
     screens_.ShowUp(reportOf(pair));
 }
 
@@ -353,9 +371,18 @@ void frmMain::printBothPanes() {
 
 void frmMain::cmdCompare_Click() {
     whileBusy("cmdCompare_Click", [&] {
-        if (CanCompare())
-            CompareSelProcs(*this, view_.panels().source.txtTXProc,
-                            view_.panels().target.txtTXProc);
+        verdict_ = {};
+        if (!CanCompare()) return;
+        const TextPane& source = view_.panels().source.txtTXProc;
+        const TextPane& target = view_.panels().target.txtTXProc;
+        reportShown_ = false;
+        const bool identical = CompareSelProcs(*this, view_.panels().source.txtTXProc,
+                                               view_.panels().target.txtTXProc);
+        // Without a report there was no verdict: it said itself what was missing.
+        verdict_.isGiven = reportShown_;
+        verdict_.identical = identical;
+        if (identical)
+            verdict_.leftOut = LeftOutOfAccount(selectedType(), source.text(), target.text());
     });
 }
 
@@ -365,6 +392,7 @@ void frmMain::compareDatabases(const char* handler,
     if (!dataAccessUsable()) return;
     if (Busy_) return;
     const ScopedValue<bool> busy(Busy_, true);
+    shell().beginOperation();
     guardedRun(Module, handler, [&] {
         MemoryObjectList lists[2];
         MemoryTextPane panes[2];
@@ -396,6 +424,7 @@ void frmMain::CompareData() {
     bool showOptions = std::exchange(askForDataOptions_, false);
     if (!dataAccessUsable() || Busy_) return;
     const ScopedValue<bool> busy(Busy_, true);
+    shell().beginOperation();
     guardedRun(Module, "CompareData", [&] {
         SelectedPair pair;
         if (!CanCompareData(pair)) return;

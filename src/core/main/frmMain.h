@@ -39,6 +39,23 @@ class MainWindowView {
 class MainScreens;
 struct CompareAllWindow;
 
+/// What "Compare Selected Objects" said of the two texts that were shown.
+struct PairVerdict {
+    bool isGiven = false;  ///< false: the objects could not be compared
+    bool identical = false;
+    QStringList leftOut;  ///< when identical: what was overlooked; empty for equal texts
+};
+
+/// The status bar's word on a verdict. `stops`: differences that one can go to; `onlyEmptyLines`:
+/// there are marked lines, all of them empty; `oneIsEmpty`: one of the texts is.
+QString VerdictStatus(const PairVerdict& verdict, size_t stops, bool onlyEmptyLines,
+                      bool oneIsEmpty);
+/// What going to a difference says when there is none to go to.
+QString NoDifferenceStatus(const PairVerdict& verdict, bool onlyEmptyLines, bool oneIsEmpty);
+
+/// A status message as the bar shows it: in debug mode behind a prefix.
+QString StatusMessage(const QString& text);
+
 /// The two selected tables as a comparison of their rows wants them.
 CompareDataPair TablesOf(const SelectedPair& pair);
 
@@ -96,6 +113,10 @@ class frmMain : public PanelWindow,
     /// CanCompare for the data of the two selected tables. Asks when their structures differ.
     bool CanCompareData(SelectedPair& pair);
     bool CanDisplayDbInfo(int Index);
+    /// The last verdict of "Compare Selected Objects"; it is about the texts as they were then.
+    const PairVerdict& verdict() const { return verdict_; }
+    /// Fills the server boxes anew; each shows the server of its panel.
+    void refillServerBoxes();
     /// What viewing and analysing work on.
     struct TableChoice {
         ServerInfo server;
@@ -141,6 +162,7 @@ class frmMain : public PanelWindow,
     void whileBusy(const char* handler, Body body) {
         if (Busy_) return;
         const ScopedValue<bool> busy(Busy_, true);
+        shell().beginOperation();
         {
             const WaitPointer wait;
             guardedRun("frmMain", handler, body);
@@ -150,7 +172,8 @@ class frmMain : public PanelWindow,
     /// Says once, and after the options each time, that the settings could not be stored.
     void tellSettingsFailure();
 
-    void refillServerBoxes();
+    void showPanelServer(int Index);
+    void showTypeToolTips(ObjectType type);
     void initializeDisplay(bool pblnLoadMRUDb);
     void showFilters();
     bool serverInfoSet();
@@ -187,6 +210,8 @@ class frmMain : public PanelWindow,
     bool printJob_ = false;
     bool settingsFailureTold_ = false;
     bool askForDataOptions_ = false;
+    PairVerdict verdict_;
+    bool reportShown_ = false;  ///< by the comparison under way
     bool printed_ = false;  ///< what printBothPanes could do
 };
 

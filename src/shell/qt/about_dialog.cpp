@@ -3,6 +3,7 @@
 #include "core/globals.h"
 #include "core/product.h"
 #include "shell/qt/help_window.h"
+#include "shell/qt/window_fit.h"
 
 #include <QHBoxLayout>
 #include <QIcon>
@@ -25,6 +26,7 @@ AboutDialog::AboutDialog(QWidget* parent) : QDialog(parent) {
             .arg(product::Name, ProgramVersionText())
             .arg(ProgramBuildNumber)
             .arg(QString::fromLatin1(qVersion()), product::Company, product::SupportAddress));
+    text->setTextFormat(Qt::RichText);
     text->setWordWrap(true);
     text->setTextInteractionFlags(Qt::TextSelectableByMouse);
     text->setMinimumWidth(320);
@@ -43,6 +45,7 @@ AboutDialog::AboutDialog(QWidget* parent) : QDialog(parent) {
     connect(new QShortcut(QKeySequence::HelpContents, this), &QShortcut::activated, this,
             [this] { showHelpPage(QStringLiteral("frmabout"), this); });
     close->setFocus();
+    fitDialog(*this);
 }
 
 }  // namespace zov::qt

@@ -4,9 +4,12 @@
 #pragma once
 
 #include "shell/controls.h"
+#include "shell/qt/window_fit.h"
 
 #include <QComboBox>
-#include <QEvent>
+#include <QHelpEvent>
+#include <QStyleOption>
+#include <QToolTip>
 
 #include <functional>
 
@@ -50,10 +53,21 @@ class ChoiceCombo : public QComboBox, public ChoiceList {
                 if (!locked()) break;
                 event->ignore();
                 return true;
+            case QEvent::ToolTip:
+                // A name may be longer than its box.
+                if (!toolTip().isEmpty() || currentText().isEmpty()) break;
+                QToolTip::showText(static_cast<QHelpEvent*>(event)->globalPos(),
+                                   plainToolTip(currentText()), this);
+                return true;
             default:
                 break;
         }
         return QComboBox::event(event);
+    }
+    void paintEvent(QPaintEvent*) override {
+        QStyleOptionComboBox option;
+        initStyleOption(&option);
+        paintElided(*this, option);
     }
 
  private:

@@ -2,10 +2,14 @@
 
 #include "shell/qt/pane_printer.h"
 
+#include <QApplication>
+
 namespace zov::qt {
 
 void DesktopScreens::printReport(const QString& documentName, const QString& text) {
-    printText(text, documentName, window_);
+    // Over the report that is being printed, not over the window behind it.
+    QWidget* report = QApplication::activeModalWidget();
+    printText(text, documentName, report ? report : window_);
 }
 
 }  // namespace zov::qt

@@ -10,12 +10,10 @@
 
 namespace zov::qt {
 
-FindBar::FindBar(TextPaneWidget* pane, QWidget* parent) : QWidget(parent), pane_(pane) {
-    text_ = new QLineEdit;
-    text_->setObjectName(QStringLiteral("findText"));
-    text_->setAccessibleName(QStringLiteral("Text to find"));
+FindBar::FindBar(TextPaneWidget* pane, QWidget* parent)
+    : QWidget(parent), pane_(pane), find_(pane) {
+    text_ = new FindField;
     text_->setPlaceholderText(QStringLiteral("Find in the text"));
-    text_->setClearButtonEnabled(true);
     found_ = new QLabel;
     found_->setObjectName(QStringLiteral("findCount"));
     auto* layout = new QHBoxLayout(this);
@@ -35,7 +33,7 @@ FindBar::FindBar(TextPaneWidget* pane, QWidget* parent) : QWidget(parent), pane_
     button("next", QStringLiteral("Next place (F3)"), [this] { findNext(true); });
     button("close", QStringLiteral("Close (Esc)"), [this] { close(); });
     connect(text_, &QLineEdit::textChanged, this, [this] { searchAnew(); });
-    connect(text_, &QLineEdit::returnPressed, this, [this] { findNext(true); });
+    connect(text_, &FindField::searched, this, [this](bool forward) { findNext(forward); });
     connect(pane_, &TextPaneWidget::textReplaced, this, [this] {
         if (isVisible()) searchAnew();
     });
@@ -62,36 +60,29 @@ void FindBar::close() {
     if (!isVisible()) return;
     const bool hadFocus = isAncestorOf(focusWidget()) || text_->hasFocus();
     hide();
-    pane_->highlightAll({});
+    find_.search({});
     if (hadFocus) pane_->setFocus();
 }
 
 void FindBar::searchAnew() {
-    const QString wanted = text_->text();
-    count_ = pane_->highlightAll(wanted);
-    found_->setText(wanted.isEmpty() ? QString()
-                    : count_ == 0    ? QStringLiteral("not found")
-                                     : QStringLiteral("%1 found").arg(count_));
-    if (count_ == 0) return;
+    find_.search(text_->text());
     // The place at hand stays while it still fits: typing goes on where it was found.
-    QTextCursor at = pane_->textCursor();
-    at.setPosition(at.selectionStart());
-    pane_->setTextCursor(at);
-    findNext(true);
+    find_.goFromHere();
+    tell();
 }
 
 void FindBar::findNext(bool forward) {
     if (!isVisible()) {
         if (text_->text().isEmpty()) return open();
         show();
-        count_ = pane_->highlightAll(text_->text());
+        find_.search(text_->text());
     }
-    const QString wanted = text_->text();
-    const QTextDocument::FindFlags flags =
-        forward ? QTextDocument::FindFlags() : QTextDocument::FindBackward;
-    if (wanted.isEmpty() || pane_->find(wanted, flags)) return;
-    pane_->moveCursor(forward ? QTextCursor::Start : QTextCursor::End);
-    pane_->find(wanted, flags);
+    find_.goOn(forward);
+    tell();
+}
+
+void FindBar::tell() {
+    found_->setText(find_.note());
 }
 
 }  // namespace zov::qt

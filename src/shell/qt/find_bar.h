@@ -1,11 +1,13 @@
 // The bar below a text pane that searches in it: marks every place while it is
-// typed in, Enter and F3 go to the next, Shift+F3 to the previous, Esc closes.
+// typed in and says which of how many is shown; Enter and F3 go to the next, Shift+Enter
+// and Shift+F3 to the previous, Esc closes.
 #pragma once
+
+#include "shell/qt/text_find.h"
 
 #include <QWidget>
 
 class QLabel;
-class QLineEdit;
 
 namespace zov::qt {
 
@@ -26,10 +28,12 @@ class FindBar : public QWidget {
     void close();
     void searchAnew();
 
+    void tell();
+
     TextPaneWidget* pane_;
-    QLineEdit* text_;
+    TextFind find_;
+    FindField* text_;
     QLabel* found_;
-    int count_ = 0;
 };
 
 }  // namespace zov::qt

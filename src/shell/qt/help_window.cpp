@@ -1,6 +1,7 @@
 #include "shell/qt/help_window.h"
 
 #include "shell/qt/mark_colors.h"
+#include "shell/qt/window_fit.h"
 
 #include <QCoreApplication>
 #include <QDir>
@@ -101,13 +102,32 @@ QString helpFolder() {
     return {};
 }
 
-void showHelpPage(const QString& page, QWidget* parent) {
+namespace {
+
+QPointer<HelpWindow>& helpWindow() {
     static QPointer<HelpWindow> window;
+    return window;
+}
+
+}  // namespace
+
+void closeHelp() {
+    if (helpWindow()) helpWindow()->close();
+}
+
+void showHelpPage(const QString& page, QWidget* parent) {
+    QPointer<HelpWindow>& window = helpWindow();
     // A modal screen blocks windows that came before it: its help is a new one, above it.
     if (window && parent && parent->isModal()) delete window.data();
     if (!window) {
         window = new HelpWindow;
         window->setAttribute(Qt::WA_DeleteOnClose);
+        if (parent) {
+            window->setScreen(parent->screen());
+            const QRect over = parent->window()->frameGeometry();
+            window->move(over.center() - QRect(QPoint(), window->size()).center());
+        }
+        fitToScreen(*window);
         if (parent && parent->isModal()) window->setWindowModality(Qt::ApplicationModal);
     }
     window->open(page);

@@ -11,6 +11,9 @@ namespace zov::qt {
 /// Opens a page by its name ("frmaddserver", "index"); a page that isn't there shows the index.
 void showHelpPage(const QString& page, QWidget* parent);
 
+/// Closes the viewer, which would keep a program without any other window alive.
+void closeHelp();
+
 /// The folder of the help pages: beside the program, installed, or in the source tree.
 QString helpFolder();
 

@@ -10,6 +10,7 @@
 #include "shell/qt/object_list_view.h"
 #include "shell/qt/pane_printer.h"
 #include "shell/qt/text_pane_widget.h"
+#include "shell/qt/window_fit.h"
 
 #include <QAction>
 #include <QGridLayout>
@@ -101,6 +102,8 @@ MainWindow::MainWindow(MainScreens& screens, QWidget* parent)
     for (ChoiceCombo* box : findChildren<ChoiceCombo*>())
         box->isLocked = [this] { return controller_.Busy(); };
     setTabOrders();
+    setOwnerControlsVisible(globals().gblnShowOwners);
+    showNamesPlainly(*this);
     restoreLayout();
 }
 
@@ -123,7 +126,7 @@ QWidget* MainWindow::makeTopPanel(int Index) {
     side.owners = new ChoiceCombo;
     side.objects = new ObjectListView;
     side.objects->setEmptyText(QStringLiteral("Choose a server and a database above."));
-    side.filterText = new QLabel;
+    side.filterText = new ElidedLabel;
     side.filterMark = smallButton("filter-off", QStringLiteral("Click to remove Schema filter"));
     side.filterMark->hide();
     named("cmbServer", side.server, QStringLiteral("server"));
@@ -182,7 +185,7 @@ QWidget* MainWindow::makeTopPanel(int Index) {
     grid->setColumnStretch(3, 1);
     for (ChoiceCombo* combo : {side.server, side.database, side.owners}) {
         combo->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
-        combo->setMinimumContentsLength(8);
+        combo->setMinimumContentsLength(3);
         combo->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
     }
     layout->addLayout(grid);
@@ -203,10 +206,7 @@ QWidget* MainWindow::makeTextPanel(int Index) {
     auto* title = labelFor(
         Index == SourcePanel ? QStringLiteral("Source te&xt") : QStringLiteral("Target t&ext"),
         side.text, true);
-    side.objectName = new QLabel;
-    side.objectName->setTextFormat(Qt::PlainText);
-    side.objectName->setTextInteractionFlags(Qt::TextSelectableByMouse);
-    // A long name is cut, it doesn't widen the pane.
+    side.objectName = new ElidedLabel;
     side.objectName->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
     auto* copy = smallButton("copy", QStringLiteral("Copy to clipboard"));
     auto* save = smallButton("save", QStringLiteral("Copy to file"));
@@ -268,6 +268,7 @@ void MainWindow::makeToolBar() {
         action->setIcon(icon(iconName));
         action->setIconText(text);
         bar->addAction(action);
+        return bar->widgetForAction(action);
     };
     const auto addOwn = [&](const char* name, const char* iconName, const QString& toolTip,
                             auto slot) {
@@ -277,7 +278,8 @@ void MainWindow::makeToolBar() {
         if (auto* button = qobject_cast<QToolButton*>(bar->widgetForAction(action)))
             button->setToolButtonStyle(Qt::ToolButtonIconOnly);
     };
-    add(cmd::Connect, "disconnected", QStringLiteral("Connect"));
+    add(cmd::Connect, "disconnected", QStringLiteral("Connect"))
+        ->setObjectName(QStringLiteral("cmdConnect"));
     add(cmd::AddServer, "add-server", QStringLiteral("Add server"));
     bar->addSeparator();
     auto* objects = labelFor(QStringLiteral("&Objects:"), type_);
@@ -285,9 +287,12 @@ void MainWindow::makeToolBar() {
     bar->addWidget(objects);
     bar->addWidget(type_);
     bar->addSeparator();
-    add(cmd::CompareSelected, "compare", QStringLiteral("Compare"));
-    add(cmd::CompareAll, "compare-all", QStringLiteral("Compare all"));
-    add(cmd::DataPair, "compare-data", QStringLiteral("Compare data"));
+    add(cmd::CompareSelected, "compare", QStringLiteral("Compare"))
+        ->setObjectName(QStringLiteral("cmdCompare"));
+    add(cmd::CompareAll, "compare-all", QStringLiteral("Compare all"))
+        ->setObjectName(QStringLiteral("cmdCompareAll"));
+    add(cmd::DataPair, "compare-data", QStringLiteral("Compare data"))
+        ->setObjectName(QStringLiteral("cmdCompData"));
     bar->addSeparator();
     addOwn("previousDifference", "previous", QStringLiteral("Previous difference (Shift+F8)"),
            [this] { goToDifference(false); });
@@ -297,12 +302,12 @@ void MainWindow::makeToolBar() {
            [this] { openFindBar(); });
     bar->addSeparator();
     add(cmd::Options, "options", QStringLiteral("Options"));
-    add(cmd::HelpIndex, "help", QStringLiteral("Help"));
+    add(cmd::HelpIndex, "help", QStringLiteral("Help"))->setObjectName(QStringLiteral("cmdHelp"));
 }
 
 void MainWindow::makeStatusBar() {
-    status_ = new QLabel;
-    status_->setTextFormat(Qt::PlainText);
+    status_ = new ElidedLabel;
+    status_->setObjectName(QStringLiteral("status"));
     status_->setContentsMargins(6, 0, 0, 0);
     status_->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
     statusBar()->addWidget(status_, 1);
@@ -335,6 +340,10 @@ void MainWindow::makeShortcuts() {
     shortcut(Qt::Key_F6, [this] { focusTypeBox(); });
     shortcut(Qt::Key_F8, [this] { goToDifference(true); });
     shortcut(Qt::SHIFT | Qt::Key_F8, [this] { goToDifference(false); });
+    for (const auto keys : {Qt::CTRL | Qt::Key_Plus, Qt::CTRL | Qt::Key_Equal})
+        shortcut(keys, [this] { setTextZoom(textZoom_ + 1); });
+    shortcut(Qt::CTRL | Qt::Key_Minus, [this] { setTextZoom(textZoom_ - 1); });
+    shortcut(Qt::CTRL | Qt::Key_0, [this] { setTextZoom(0); });
     shortcut(QKeySequence::Find, [this] { openFindBar(); });
     shortcut(Qt::Key_F3, [this] { sides_[activePane()].findBar->findNext(true); });
     shortcut(Qt::SHIFT | Qt::Key_F3, [this] { sides_[activePane()].findBar->findNext(false); });
@@ -359,10 +368,12 @@ void MainWindow::connectSide(int Index) {
             [=, this](const QPoint& at) { showPaneMenu(Index, at); });
     connect(side.text, &TextPaneWidget::textReplaced, this, [=, this] {
         alignmentIsOld_ = true;
-        comparedEqual_ = false;
+        verdict_ = {};
         showObjectName(Index);
         tellOfDifferences({});
     });
+    connect(side.text, &TextPaneWidget::zoomAsked, this,
+            [this](int steps) { setTextZoom(textZoom_ + steps); });
     connect(side.text, &TextPaneWidget::marked, this, [this] { alignmentIsOld_ = true; });
     connect(side.text->verticalScrollBar(), &QScrollBar::valueChanged, this,
             [=, this] { scrollTogether(Index); });

@@ -36,6 +36,8 @@ class MainWindow : public QMainWindow, public MainWindowView {
     ObjectListView* list(int Index) { return sides_[Index].objects; }
     /// Runs a command as its menu entry does; `Index` is the pane of a pop-up command.
     void runCommand(int id, int Index = SourcePanel);
+    /// The first activation is over.
+    bool isStarted() const { return started_; }
     /// What the first activation opens the panels with.
     void openAtStart(const StartOptions& options) { start_ = options; }
 
@@ -55,9 +57,13 @@ class MainWindow : public QMainWindow, public MainWindowView {
     void closeWindow() override { close(); }
 
     QAction* action(int commandId) const;
-    QString statusText() const;
+    /// The last message, without the prefix of debug mode.
+    QString statusText() const { return statusText_; }
     /// Goes to the next or previous difference of the compared texts; says so when there is none.
     void goToDifference(bool forward);
+    /// The size of both texts in points from the usual one; kept for the next start.
+    int textZoom() const { return textZoom_; }
+    void setTextZoom(int steps);
 
  protected:
     void showEvent(QShowEvent* event) override;
@@ -97,7 +103,9 @@ class MainWindow : public QMainWindow, public MainWindowView {
     void scrollTogether(int from);
     /// The status bar's word about the compared texts; an empty one takes the last one back.
     void tellOfDifferences(const QString& text);
+    bool oneTextIsEmpty() const;
     void restoreLayout();
+    void layOutForSmallDisplay();
     void saveLayout();
 
     Side sides_[2];
@@ -113,11 +121,14 @@ class MainWindow : public QMainWindow, public MainWindowView {
     StartOptions start_;
     PaneAlignment alignment_;
     bool alignmentIsOld_ = true;
-    bool comparedEqual_ = false;
+    PairVerdict verdict_;  ///< on the texts that are shown; not given when one was replaced
+    QString statusText_;
     QString toldOfDifferences_;
+    int textZoom_ = 0;
     int atStop_ = -1;  ///< the difference that was gone to, of alignment_.stops()
     bool scrolling_ = false;
     bool shownOnce_ = false;
+    bool started_ = false;
 };
 
 }  // namespace zov::qt

@@ -1,5 +1,6 @@
 // The main window after it is built: what the controller shows in it, differences,
 // finding, scrolling together, and what is kept between runs.
+#include "core/mdlMain.h"
 #include "core/product.h"
 #include "shell/qt/about_dialog.h"
 #include "shell/qt/appearance.h"
@@ -10,6 +11,7 @@
 #include "shell/qt/object_list_view.h"
 #include "shell/qt/pane_printer.h"
 #include "shell/qt/text_pane_widget.h"
+#include "shell/qt/window_fit.h"
 
 #include <QAction>
 #include <QApplication>
@@ -19,10 +21,12 @@
 #include <QLocale>
 #include <QMenu>
 #include <QScopedValueRollback>
+#include <QScreen>
 #include <QScrollBar>
 #include <QSettings>
 #include <QSplitter>
 #include <QTimer>
+#include <QToolBar>
 #include <QToolButton>
 
 namespace zov::qt {
@@ -31,6 +35,19 @@ namespace {
 namespace cmd = command;
 
 constexpr int SupportTopic = 230;
+constexpr int TwipsPerPixel = 15;
+constexpr int SmallestZoom = 4, LargestZoom = 30;  // points from the usual size
+
+const QString ZoomKey = QStringLiteral("Window/TextZoom");
+
+std::vector<PaneAlignment::Line> alignmentLines(const TextPaneWidget& pane) {
+    std::vector<PaneAlignment::Line> lines;
+    const QStringList texts = pane.plainText().split(u'\n');
+    const std::vector<quint32> colors = pane.lineColors();
+    for (size_t i = 0; i < colors.size(); ++i)
+        lines.push_back({colors[i], texts.value(qsizetype(i)).trimmed().isEmpty()});
+    return lines;
+}
 
 QIcon icon(const char* name) {
     return QIcon(QStringLiteral(":/icons/%1.svg").arg(QLatin1String(name)));
@@ -42,17 +59,17 @@ void MainWindow::runCommand(int id, int Index) {
     if (id == cmd::DataPair && QApplication::keyboardModifiers().testFlag(Qt::ShiftModifier))
         controller_.askForDataOptionsOnce();
     controller_.ExecuteAction(id, Index);
-    if (id != cmd::CompareSelected) return;
-    const TextPaneWidget* source = sides_[SourcePanel].text;
-    const TextPaneWidget* target = sides_[TargetPanel].text;
-    if (source->lineCount() == 0 || target->lineCount() == 0) return;
-    comparedEqual_ = !source->hasMarks() && !target->hasMarks();
-    const size_t count = alignment().stops().size();
-    tellOfDifferences(count == 0   ? QString()
-                      : count == 1 ? QStringLiteral("1 difference: F8 goes to it.")
-                                   : QStringLiteral("%1 differences: F8 goes to the next one, "
-                                                    "Shift+F8 to the previous one.")
-                                         .arg(count));
+    if (id == cmd::CompareSelected) verdict_ = controller_.verdict();
+    // Pieces of the texts have no verdict that is the whole texts': only what is marked is told.
+    if (id == cmd::HighlightedSections && !alignment().stops().empty())
+        verdict_ = {true, false, {}};
+    if (id != cmd::CompareSelected && id != cmd::HighlightedSections) return;
+    tellOfDifferences(VerdictStatus(verdict_, alignment().stops().size(),
+                                    alignment().hasEmptyDifferences(), oneTextIsEmpty()));
+}
+
+bool MainWindow::oneTextIsEmpty() const {
+    return sides_[SourcePanel].text->lineCount() == 0 || sides_[TargetPanel].text->lineCount() == 0;
 }
 
 void MainWindow::tellOfDifferences(const QString& text) {
@@ -86,7 +103,6 @@ void MainWindow::setListToolTips(const QString& text) {
 
 void MainWindow::setFilterText(int Index, const QString& text) {
     sides_[Index].filterText->setText(text);
-    sides_[Index].filterText->setToolTip(text.trimmed());
 }
 
 void MainWindow::setFilterMark(int Index, bool visible, const QString& toolTip) {
@@ -102,11 +118,8 @@ void MainWindow::setOwnerControlsVisible(bool visible) {
 }
 
 void MainWindow::setStatusText(const QString& text) {
-    status_->setText(text);
-}
-
-QString MainWindow::statusText() const {
-    return status_->text();
+    statusText_ = text;
+    status_->setText(StatusMessage(text));
 }
 
 void MainWindow::focusTypeBox() {
@@ -176,7 +189,6 @@ void MainWindow::showObjectName(int Index) {
     const int row = list->selectedIndex();
     const QString name = row < 0 ? QString() : list->row(row).name;
     sides_[Index].objectName->setText(name);
-    sides_[Index].objectName->setToolTip(name);
 }
 
 int MainWindow::activePane() const {
@@ -199,17 +211,17 @@ const PaneAlignment& MainWindow::alignment() {
     const TextPaneWidget* source = sides_[SourcePanel].text;
     const TextPaneWidget* target = sides_[TargetPanel].text;
     alignment_ = source->hasMarks() && target->hasMarks()
-                     ? PaneAlignment(source->lineColors(), target->lineColors())
+                     ? PaneAlignment(alignmentLines(*source), alignmentLines(*target))
                      : PaneAlignment();
     return alignment_;
 }
 
 void MainWindow::goToDifference(bool forward) {
     const std::vector<PaneAlignment::Stop>& stops = alignment().stops();
-    if (stops.empty()) {
-        tellOfDifferences(comparedEqual_
-                              ? QStringLiteral("There is no difference between the texts.")
-                              : QStringLiteral("Compare two objects first (F7)."));
+    // Colours of an earlier comparison may stand on texts that count as identical now.
+    if (stops.empty() || (verdict_.isGiven && verdict_.identical)) {
+        tellOfDifferences(
+            NoDifferenceStatus(verdict_, alignment().hasEmptyDifferences(), oneTextIsEmpty()));
         return;
     }
     const int count = int(stops.size());
@@ -229,7 +241,7 @@ void MainWindow::goToDifference(bool forward) {
 }
 
 void MainWindow::scrollTogether(int from) {
-    if (scrolling_ || (alignment().isEmpty() && !comparedEqual_)) return;
+    if (scrolling_ || (alignment().isEmpty() && !(verdict_.isGiven && verdict_.identical))) return;
     const QScopedValueRollback<bool> once(scrolling_, true);
     TextPaneWidget* pane = sides_[from].text;
     TextPaneWidget* other = sides_[1 - from].text;
@@ -243,10 +255,13 @@ void MainWindow::showEvent(QShowEvent* event) {
     QMainWindow::showEvent(event);
     if (shownOnce_) return;
     shownOnce_ = true;
-    // The first activation comes when the window stands.
+    // A load may wait long for a server, and the first activation may ask something: both come when
+    // the window stands.
     QTimer::singleShot(0, this, [this] {
+        controller_.Form_Load();
         if (start_.opensPanels()) openStartPanels(start_, controller_, *panels_);
         controller_.Form_Activate();
+        started_ = true;
     });
 }
 
@@ -254,11 +269,23 @@ void MainWindow::closeEvent(QCloseEvent* event) {
     // A load that is under way is asked to stop; its loop ends at its next named point.
     globals().gblnStop = true;
     saveLayout();
+    closeHelp();
     QMainWindow::closeEvent(event);
 }
 
+void MainWindow::setTextZoom(int steps) {
+    const int before = std::exchange(textZoom_, std::clamp(steps, -SmallestZoom, LargestZoom));
+    if (textZoom_ == before) return;
+    for (Side& side : sides_) side.text->setZoom(textZoom_);
+    QSettings(windowSettingsFile(), QSettings::IniFormat).setValue(ZoomKey, textZoom_);
+}
+
 void MainWindow::restoreLayout() {
-    resize(1240, 860);
+    const QRect screen = this->screen()->availableGeometry();
+    const bool isSmall = IsDisplay640x480(this->screen()->size().width() * TwipsPerPixel,
+                                          this->screen()->size().height() * TwipsPerPixel);
+    if (isSmall) layOutForSmallDisplay();
+    resize(QSize(1240, 860).boundedTo(screen.size()));
     QSettings settings(windowSettingsFile(), QSettings::IniFormat);
     const auto stored = [&](const char* key) {
         return settings.value(QStringLiteral("Window/") + QLatin1String(key)).toByteArray();
@@ -269,6 +296,15 @@ void MainWindow::restoreLayout() {
     tops_->restoreState(stored("Panels"));
     texts_->restoreState(stored("Panels"));
     for (QSplitter* splitter : {splitter_, tops_, texts_}) splitter->setChildrenCollapsible(false);
+    // The sizes may have been kept from a larger display.
+    fitToScreen(*this);
+    if (isSmall) setGeometry(screen);
+    setTextZoom(settings.value(ZoomKey).toInt());
+}
+
+// A display of 640 by 480: the commands as pictures alone, and the window fills it.
+void MainWindow::layOutForSmallDisplay() {
+    for (QToolBar* bar : findChildren<QToolBar*>()) bar->setToolButtonStyle(Qt::ToolButtonIconOnly);
 }
 
 void MainWindow::saveLayout() {

@@ -1,5 +1,7 @@
 #include "shell/qt/object_list_view.h"
 
+#include "shell/qt/window_fit.h"
+
 #include <QHeaderView>
 #include <QLocale>
 #include <QPainter>
@@ -44,8 +46,8 @@ QVariant ObjectListModel::data(const QModelIndex& index, int role) const {
     if (!index.isValid() || index.row() >= rowCount()) return {};
     const ObjectListRow& row = rows_[size_t(index.row())];
     if (role == Qt::ToolTipRole)
-        return QStringLiteral("Id: %1, Name: %2, Ref. Date: %3")
-            .arg(groupedId(row.id), row.name, row.refDate);
+        return plainToolTip(QStringLiteral("Id: %1, Name: %2, Ref. Date: %3")
+                                .arg(groupedId(row.id), row.name, row.refDate));
     if (role == Qt::TextAlignmentRole && index.column() == IdColumn)
         return int(Qt::AlignRight | Qt::AlignVCenter);
     if (role != Qt::DisplayRole) return {};

@@ -6,7 +6,7 @@
 
 namespace zov::qt {
 
-PaneAlignment::PaneAlignment(const std::vector<quint32>& source, const std::vector<quint32>& target)
+PaneAlignment::PaneAlignment(const std::vector<Line>& source, const std::vector<Line>& target)
     : toTarget_(source.size()), toSource_(target.size()) {
     const quint32 deleted = colorOfMark(MarkDeleted);
     const quint32 inserted = colorOfMark(MarkInserted);
@@ -14,16 +14,27 @@ PaneAlignment::PaneAlignment(const std::vector<quint32>& source, const std::vect
     size_t i = 0, j = 0;
     bool inRun = false;
     while (i < source.size() || j < target.size()) {
-        const bool isDeleted = i < source.size() && source[i] == deleted;
-        const bool isInserted = j < target.size() && target[j] == inserted;
-        const bool isChanged = (i < source.size() && source[i] == changed) ||
-                               (j < target.size() && target[j] == changed);
-        const bool differs = isDeleted || isInserted || isChanged;
+        const Line* left = i < source.size() ? &source[i] : nullptr;
+        const Line* right = j < target.size() ? &target[j] : nullptr;
+        // Two empty lines stand for each other, though a table's have no partner by their marks.
+        const bool bothEmpty = left && right && left->isEmpty && right->isEmpty;
+        const bool isDeleted = left && left->color == deleted && !bothEmpty;
+        const bool isInserted = right && right->color == inserted && !bothEmpty;
+        const bool isChanged =
+            !bothEmpty && ((left && left->color == changed) || (right && right->color == changed));
+        // A line that only one side has moves that side alone.
+        const bool takeSource = left && (isDeleted || !isInserted);
+        const bool takeTarget = right && !isDeleted;
+        bool differs = isDeleted || isInserted || isChanged;
+        const bool nothingStandsHere =
+            (!takeSource || left->isEmpty) && (!takeTarget || right->isEmpty);
+        if (differs && nothingStandsHere && !inRun) {
+            // Nothing to look at. Within a run of other differences it is part of that.
+            hasEmptyDifferences_ = true;
+            differs = false;
+        }
         if (differs && !inRun) stops_.push_back({int(i), int(j), int(i), int(j)});
         inRun = differs;
-        // A line that only one side has moves that side alone.
-        const bool takeSource = i < source.size() && (isDeleted || !isInserted);
-        const bool takeTarget = j < target.size() && !isDeleted;
         if (takeSource) toTarget_[i] = int(j);
         if (takeTarget) toSource_[j] = int(i);
         i += takeSource;

@@ -21,11 +21,18 @@ class PaneAlignment {
         int targetEnd;
     };
 
+    /// A line of a pane.
+    struct Line {
+        quint32 color;  ///< as stored, 0xBBGGRR
+        bool isEmpty;   ///< nothing but white space stands there
+    };
+
     PaneAlignment() = default;
-    /// Colours of the panes' lines as stored, 0xBBGGRR, one for each line.
-    PaneAlignment(const std::vector<quint32>& source, const std::vector<quint32>& target);
+    PaneAlignment(const std::vector<Line>& source, const std::vector<Line>& target);
 
     bool isEmpty() const { return toTarget_.empty() && toSource_.empty(); }
+    /// Lines are marked where nothing stands, which are no stop.
+    bool hasEmptyDifferences() const { return hasEmptyDifferences_; }
     const std::vector<Stop>& stops() const { return stops_; }
     /// The line of the other pane beside `line` of pane `from` (0 Source, 1 Target).
     int partnerOf(int from, int line) const;
@@ -34,6 +41,7 @@ class PaneAlignment {
     std::vector<int> toTarget_;
     std::vector<int> toSource_;
     std::vector<Stop> stops_;
+    bool hasEmptyDifferences_ = false;
 };
 
 }  // namespace zov::qt

@@ -2,6 +2,7 @@
 
 #include "core/globals.h"
 #include "shell/qt/help_window.h"
+#include "shell/qt/window_fit.h"
 #include "shell/shell.h"
 
 #include <QFileInfo>
@@ -95,6 +96,7 @@ PrintPreview::PrintPreview(const QString& documentName, const QString& title,
     connect(new QShortcut(QKeySequence::HelpContents, this), &QShortcut::activated, this,
             [this] { showHelpPage(QStringLiteral("printing"), this); });
     resize(900, 760);
+    fitDialog(*this);
 }
 
 PrintPreview::~PrintPreview() {

@@ -1,6 +1,7 @@
 #include "shell/qt/screen_dialog.h"
 
 #include "shell/qt/help_window.h"
+#include "shell/qt/window_fit.h"
 
 #include <QCloseEvent>
 #include <QLineEdit>
@@ -45,6 +46,15 @@ void ScreenDialog::closeView() {
 
 void ScreenDialog::reject() {
     if (screen_.isClosed() || leave()) QDialog::reject();
+}
+
+void ScreenDialog::setVisible(bool visible) {
+    if (visible && !fitted_) {
+        fitted_ = true;
+        showNamesPlainly(*this);
+        fitDialog(*this);
+    }
+    QDialog::setVisible(visible);
 }
 
 void ScreenDialog::closeEvent(QCloseEvent* event) {

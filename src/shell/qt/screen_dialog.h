@@ -35,10 +35,13 @@ class ScreenDialog : public QDialog, public ScreenView {
 
     void reject() override;
     void closeEvent(QCloseEvent* event) override;
+    /// Before it is seen first, the dialog is made to fit its screen.
+    void setVisible(bool visible) override;
 
  private:
     Screen& screen_;
     QHash<QString, QWidget*> controls_;
+    bool fitted_ = false;
 };
 
 /// The widget for a screen; null when there is none.

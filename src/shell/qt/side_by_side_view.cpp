@@ -11,6 +11,7 @@ namespace zov::qt {
 namespace {
 
 constexpr int NumberWidth = 6;  // characters
+constexpr int FrameWidth = 2;   // pixels
 
 QString tabsExpanded(const QString& line) {
     if (!line.contains(u'\t')) return line;
@@ -70,18 +71,24 @@ void SideBySideView::resizeEvent(QResizeEvent* event) {
     fitScrollBars();
 }
 
+bool SideBySideView::startsRun(int row) const {
+    return !rows_[size_t(row)].equal && (row == 0 || rows_[size_t(row) - 1].equal);
+}
+
 int SideBySideView::differenceCount() const {
     int count = 0;
-    for (size_t i = 0; i < rows_.size(); ++i)
-        count += !rows_[i].equal && (i == 0 || rows_[i - 1].equal);
+    for (int row = 0; row < int(rows_.size()); ++row) count += startsRun(row);
+    return count;
+}
+
+int SideBySideView::currentDifference() const {
+    int count = 0;
+    for (int row = 0; row <= current_; ++row) count += startsRun(row);
     return count;
 }
 
 bool SideBySideView::goToDifference(bool forward) {
     const int count = int(rows_.size());
-    const auto startsRun = [this](int i) {
-        return !rows_[size_t(i)].equal && (i == 0 || rows_[size_t(i) - 1].equal);
-    };
     for (int i = forward ? current_ + 1 : current_ - 1; i >= 0 && i < count;
          i += forward ? 1 : -1) {
         if (!startsRun(i)) continue;
@@ -91,6 +98,18 @@ bool SideBySideView::goToDifference(bool forward) {
         return true;
     }
     return false;
+}
+
+void SideBySideView::paintFrame(QPainter& painter) const {
+    if (current_ < 0) return;
+    int end = current_;
+    while (end < int(rows_.size()) && !rows_[size_t(end)].equal) ++end;
+    const int first = verticalScrollBar()->value();
+    const QRect run(0, (current_ - first) * rowHeight(), viewport()->width(),
+                    (end - current_) * rowHeight());
+    painter.setPen(QPen(palette().color(QPalette::Highlight), FrameWidth));
+    painter.setBrush(Qt::NoBrush);
+    painter.drawRect(run.adjusted(1, 0, -1, 0));
 }
 
 void SideBySideView::paintSide(QPainter& painter, int row, int side, const QRect& box) const {
@@ -143,6 +162,7 @@ void SideBySideView::paintEvent(QPaintEvent*) {
     }
     painter.setPen(palette().color(QPalette::Mid));
     painter.drawLine(half, 0, half, viewport()->height());
+    paintFrame(painter);
 }
 
 }  // namespace zov::qt

@@ -14,9 +14,12 @@ class SideBySideView : public QAbstractScrollArea {
     explicit SideBySideView(QWidget* parent = nullptr);
     void setTexts(const QStringList& source, const QStringList& target,
                   const std::vector<AlignedRow>& rows);
-    /// Scrolls to the next (previous) run of different rows; false when there is none.
+    /// Scrolls to the next (previous) run of different rows and frames it; false when there is
+    /// none.
     bool goToDifference(bool forward);
     int differenceCount() const;
+    /// The run that is framed, from 1; 0 before the first was gone to.
+    int currentDifference() const;
 
  protected:
     void paintEvent(QPaintEvent* event) override;
@@ -24,6 +27,8 @@ class SideBySideView : public QAbstractScrollArea {
 
  private:
     void fitScrollBars();
+    bool startsRun(int row) const;
+    void paintFrame(QPainter& painter) const;
     void paintSide(QPainter& painter, int row, int side, const QRect& box) const;
     int rowHeight() const;
     double columnWidth() const;  ///< pixels of one character
@@ -32,7 +37,7 @@ class SideBySideView : public QAbstractScrollArea {
     QStringList target_;
     std::vector<AlignedRow> rows_;
     int widest_ = 0;  ///< characters
-    int current_ = -1;
+    int current_ = -1;  ///< first row of the framed run
 };
 
 }  // namespace zov::qt

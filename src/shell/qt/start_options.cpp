@@ -41,7 +41,7 @@ void openSide(int Index, const StartOptions::Side& side, frmMain& controller, Pa
     if (server < 0) return;
     panel.cmbServer.selectIndex(server);
     controller.cmbServer_Click(Index);
-    if (side.database.isEmpty() || panel.pvlDb.count() == 0) return;
+    if (globals().gblnStop || side.database.isEmpty() || panel.pvlDb.count() == 0) return;
     const int database = indexOfItem(panel.pvlDb, side.database);
     if (database < 0) {
         shell().messageBox(QStringLiteral("There is no database '%1' on the server '%2'.\r\n\r\n"
@@ -141,10 +141,11 @@ void openStartPanels(const StartOptions& options, frmMain& controller, Panels& p
         frmAddServer screen;
         screen.txtServer = side.server;
         if (!side.database.isEmpty()) screen.txtDatabase = side.database;
-        if (!screen.ShowUp()) continue;
-        for (Panel* panel : {&panels.source, &panels.target}) FillServerCombo(panel->cmbServer, 0);
+        if (screen.ShowUp()) controller.refillServerBoxes();
     }
-    for (int Index = SourcePanel; Index <= TargetPanel; ++Index)
+    globals().gblnStop = false;
+    // Who gave up waiting for the first panel doesn't want to wait for the second.
+    for (int Index = SourcePanel; Index <= TargetPanel && !globals().gblnStop; ++Index)
         if (!options.sides[Index].server.isEmpty())
             openSide(Index, options.sides[Index], controller, panels);
 }

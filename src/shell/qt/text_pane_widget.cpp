@@ -10,6 +10,7 @@
 #include <QPainter>
 #include <QScrollBar>
 #include <QTextBlock>
+#include <QWheelEvent>
 
 #include <algorithm>
 
@@ -39,18 +40,40 @@ TextPaneWidget::TextPaneWidget(QWidget* parent)
     setReadOnly(true);
     setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
     setLineWrapMode(NoWrap);
-    setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
-    setTabStopDistance(4 * fontMetrics().horizontalAdvance(u' '));
-    const auto fitMargin = [this] { setViewportMargins(lineNumberWidth(), 0, 0, 0); };
-    connect(this, &QPlainTextEdit::blockCountChanged, this, fitMargin);
+    connect(this, &QPlainTextEdit::blockCountChanged, this, [this] { fitToFont(); });
     connect(this, &QPlainTextEdit::updateRequest, this, [this](const QRect& rect, int dy) {
         if (dy)
             lineNumbers_->scroll(0, dy);
         else
             lineNumbers_->update(0, rect.y(), lineNumbers_->width(), rect.height());
     });
-    fitMargin();
+    setZoom(0);
     applyPalette();
+}
+
+void TextPaneWidget::setZoom(int points) {
+    QFont font = QFontDatabase::systemFont(QFontDatabase::FixedFont);
+    font.setPointSizeF(std::max(4.0, font.pointSizeF() + points));
+    setFont(font);
+    fitToFont();
+}
+
+void TextPaneWidget::fitToFont() {
+    setTabStopDistance(4 * fontMetrics().horizontalAdvance(u' '));
+    setViewportMargins(lineNumberWidth(), 0, 0, 0);
+    const QRect area = contentsRect();
+    lineNumbers_->setGeometry(area.left(), area.top(), lineNumberWidth(), area.height());
+    lineNumbers_->update();
+}
+
+void TextPaneWidget::wheelEvent(QWheelEvent* event) {
+    if (!event->modifiers().testFlag(Qt::ControlModifier)) return QPlainTextEdit::wheelEvent(event);
+    constexpr int Step = QWheelEvent::DefaultDeltasPerStep;
+    wheelTurned_ += event->angleDelta().y();
+    const int steps = wheelTurned_ / Step;
+    wheelTurned_ -= steps * Step;
+    if (steps != 0) emit zoomAsked(steps);
+    event->accept();
 }
 
 void TextPaneWidget::setText(const QString& text) {
@@ -119,22 +142,6 @@ void TextPaneWidget::showDifference(int first, int end) {
     lineNumbers_->update();
 }
 
-int TextPaneWidget::highlightAll(const QString& wanted) {
-    QList<QTextEdit::ExtraSelection> found;
-    constexpr int Enough = 2000;
-    if (!wanted.isEmpty()) {
-        QTextCharFormat format;
-        format.setBackground(isDarkPalette(palette()) ? QColor(0x7A5C00) : QColor(0xFFE08A));
-        QTextCursor at = document()->find(wanted, 0);
-        while (!at.isNull() && found.size() < Enough) {
-            found.append({at, format});
-            at = document()->find(wanted, at);
-        }
-    }
-    setExtraSelections(found);
-    return int(found.size());
-}
-
 void TextPaneWidget::setEmptyText(const QString& text) {
     emptyText_ = text;
     viewport()->update();
@@ -147,8 +154,7 @@ int TextPaneWidget::lineNumberWidth() const {
 
 void TextPaneWidget::resizeEvent(QResizeEvent* event) {
     QPlainTextEdit::resizeEvent(event);
-    const QRect area = contentsRect();
-    lineNumbers_->setGeometry(area.left(), area.top(), lineNumberWidth(), area.height());
+    fitToFont();
 }
 
 void TextPaneWidget::paintEvent(QPaintEvent* event) {

@@ -29,6 +29,12 @@ class TextPaneWidget : public QPlainTextEdit, public TextPane {
     void select(int start, int end) override;
     void setSelectionBackColor(quint32 color) override;
     void setFocus() override { QPlainTextEdit::setFocus(); }
+    void setPageSize(qint32 width, qint32 height) override { pageSize_ = {width, height}; }
+    /// In twips. Lines are not wrapped, however wide the page is.
+    QSize pageSize() const { return pageSize_; }
+
+    /// Points more or less than the usual size of the letters and of the line numbers.
+    void setZoom(int points);
 
     /// Whether a comparison has painted lines of this text.
     bool hasMarks() const { return !lineColors_.empty(); }
@@ -39,8 +45,6 @@ class TextPaneWidget : public QPlainTextEdit, public TextPane {
     /// Shows these lines, from 0 to one behind the last, as the difference that the user is at: a
     /// bar beside their numbers. Scrolls to them; no lines at all only scrolls.
     void showDifference(int first, int end);
-    /// Marks every place that holds this text in any case; empty marks none. Gives their number.
-    int highlightAll(const QString& wanted);
     /// What an empty pane says in its place.
     void setEmptyText(const QString& text);
 
@@ -52,20 +56,26 @@ class TextPaneWidget : public QPlainTextEdit, public TextPane {
     void textReplaced();
     /// A comparison begins to paint lines.
     void marked();
+    /// Ctrl and the wheel: so many points larger.
+    void zoomAsked(int points);
 
  protected:
     void resizeEvent(QResizeEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
     void changeEvent(QEvent* event) override;
+    void wheelEvent(QWheelEvent* event) override;
 
  private:
     void applyPalette();
+    void fitToFont();
 
     QString text_;
     QString plain_;
     QString emptyText_;
     SqlHighlighter* highlighter_;
     QWidget* lineNumbers_;
+    QSize pageSize_;
+    int wheelTurned_ = 0;  ///< eighths of a degree that are no step yet
     int selectionStart_ = 0;
     int selectionEnd_ = 0;
     std::unordered_map<int, quint32> lineColors_;

@@ -9,6 +9,7 @@
 #include <QDir>
 #include <QFile>
 #include <QHash>
+#include <QTemporaryFile>
 #include <QTest>
 
 #include <cstdio>
@@ -106,7 +107,15 @@ void makePictures(Album& album, qt::Appearance appearance) {
 }  // namespace
 
 int main(int argc, char** argv) {
-    if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
+    // The display that is made up by default is smaller than some screens want to be.
+    QTemporaryFile display;
+    if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM") && display.open()) {
+        display.write(
+            "{\"screens\":[{\"name\":\"s\",\"x\":0,\"y\":0,\"width\":1920,\"height\":1200,"
+            "\"logicalDpi\":96,\"logicalBaseDpi\":96,\"dpr\":1}]}");
+        display.flush();
+        qputenv("QT_QPA_PLATFORM", "offscreen:configfile=" + display.fileName().toUtf8());
+    }
     QApplication application(argc, argv);
     QApplication::setQuitOnLastWindowClosed(false);
     qt::initDesktopResources();

@@ -2,6 +2,7 @@
 
 #include "shell/qt/data/grid_pane.h"
 #include "shell/qt/mark_colors.h"
+#include "shell/qt/window_fit.h"
 
 #include <QAction>
 #include <QGridLayout>
@@ -50,7 +51,7 @@ CompareDataDialog::CompareDataDialog(frmCompareData& screen, QWidget* parent)
 QLayout* CompareDataDialog::labels() {
     auto* layout = new QGridLayout;
     for (const int side : {0, 1}) {
-        tables_[side] = plainLabel();
+        tables_[side] = new ElidedLabel;
         QFont bold = tables_[side]->font();
         bold.setBold(true);
         tables_[side]->setFont(bold);

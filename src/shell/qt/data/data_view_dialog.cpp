@@ -1,6 +1,7 @@
 #include "shell/qt/data/data_view_dialog.h"
 
 #include "shell/qt/data/grid_pane.h"
+#include "shell/qt/window_fit.h"
 
 #include <QLabel>
 #include <QProgressBar>
@@ -20,8 +21,7 @@ constexpr qint64 PaintMilliseconds = 30;
 DataViewDialog::DataViewDialog(frmDataView& screen, QWidget* parent)
     : ScreenDialog(screen, parent), screen_(screen) {
     setWindowFlag(Qt::WindowMaximizeButtonHint);
-    auto* table = new QLabel(screen.lblTableName);
-    table->setTextFormat(Qt::PlainText);
+    auto* table = new ElidedLabel(screen.lblTableName);
     auto* stats = new QLabel(screen.lblStats);
     stats->setTextFormat(Qt::PlainText);
     grid_ = new GridPane(screen.VSFlexGrid1, false, this);
@@ -48,8 +48,6 @@ DataViewDialog::DataViewDialog(frmDataView& screen, QWidget* parent)
     for (QPushButton* button : {stop_, export_, exit}) button->setAutoDefault(false);
     auto* buttons = new QHBoxLayout;
     buttons->addWidget(stats);
-    buttons->addSpacing(16);
-    buttons->addWidget(loading_, 1);
     buttons->addStretch(1);
     buttons->addWidget(stop_);
     buttons->addWidget(export_);
@@ -57,6 +55,7 @@ DataViewDialog::DataViewDialog(frmDataView& screen, QWidget* parent)
     auto* layout = new QVBoxLayout(this);
     layout->addWidget(table);
     layout->addWidget(grid_, 1);
+    layout->addWidget(loading_);
     layout->addLayout(buttons);
     resize(900, 600);
     name(QStringLiteral("lblTableName"), table);

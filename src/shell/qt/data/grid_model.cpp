@@ -1,6 +1,7 @@
 #include "shell/qt/data/grid_model.h"
 
 #include "shell/qt/mark_colors.h"
+#include "shell/qt/window_fit.h"
 
 #include <QBrush>
 #include <QFont>

@@ -1,5 +1,6 @@
 #include "shell/qt/data/grid_pane.h"
 
+#include "shell/qt/mark_colors.h"
 #include "shell/shell.h"
 
 #include <QAction>
@@ -27,29 +28,38 @@ QIcon iconNamed(const char* name) {
     return QIcon(QStringLiteral(":/icons/%1.svg").arg(QLatin1String(name)));
 }
 
-/// Marks selected cells by a tint and a frame: the colours of the cells say what differs.
+/// Marks selected cells by a tint below their text and a frame: the colours of the cells say what
+/// differs.
 class CellDelegate : public QStyledItemDelegate {
  public:
     using QStyledItemDelegate::QStyledItemDelegate;
 
     void paint(QPainter* painter, const QStyleOptionViewItem& option,
                const QModelIndex& index) const override {
-        QStyleOptionViewItem plain(option);
-        plain.state &= ~QStyle::State_Selected;
-        QStyledItemDelegate::paint(painter, plain, index);
+        QStyledItemDelegate::paint(painter, option, index);
         if (!(option.state & QStyle::State_Selected)) return;
-        const QColor frame = option.palette.color(QPalette::Highlight);
-        QColor tint = frame;
-        tint.setAlpha(SelectionTint);
         painter->save();
-        painter->fillRect(option.rect, tint);
-        painter->setPen(frame);
-        painter->drawRect(option.rect.adjusted(0, 0, -1, -1));
+        // The cell that the keys move from has the thicker frame.
+        const bool isCurrent = option.state & QStyle::State_HasFocus;
+        painter->setPen(QPen(option.palette.color(QPalette::Highlight), isCurrent ? 2 : 1));
+        painter->drawRect(isCurrent ? option.rect.adjusted(1, 1, -1, -1)
+                                    : option.rect.adjusted(0, 0, -1, -1));
         painter->restore();
     }
 
- private:
-    static constexpr int SelectionTint = 60;  // of 255
+ protected:
+    void initStyleOption(QStyleOptionViewItem* option, const QModelIndex& index) const override {
+        QStyledItemDelegate::initStyleOption(option, index);
+        if (!(option->state & QStyle::State_Selected)) return;
+        option->state &= ~(QStyle::State_Selected | QStyle::State_HasFocus);
+        const QColor ground = option->backgroundBrush.style() == Qt::NoBrush
+                                  ? option->palette.color(QPalette::Base)
+                                  : option->backgroundBrush.color();
+        const QColor seen = selectedGround(ground, option->palette);
+        option->backgroundBrush = seen;
+        option->palette.setColor(QPalette::Text,
+                                 readableOn(seen, option->palette.color(QPalette::Text)));
+    }
 };
 
 }  // namespace
@@ -74,11 +84,8 @@ GridPane::GridPane(const GridCells& grid, bool withDifferences, QWidget* parent)
     view_->setContextMenuPolicy(Qt::ActionsContextMenu);
 
     findBar_ = new QWidget;
-    findText_ = new QLineEdit;
-    findText_->setObjectName(QStringLiteral("findText"));
-    findText_->setAccessibleName(QStringLiteral("Text to find"));
+    findText_ = new FindField;
     findText_->setPlaceholderText(QStringLiteral("Find in the data"));
-    findText_->setClearButtonEnabled(true);
     findNote_ = new QLabel;
     findNote_->setObjectName(QStringLiteral("findNote"));
     auto* bar = new QHBoxLayout(findBar_);
@@ -98,7 +105,7 @@ GridPane::GridPane(const GridCells& grid, bool withDifferences, QWidget* parent)
     button("next", QStringLiteral("Next place (F3)"), [this] { findNext(true); });
     button("close", QStringLiteral("Close (Esc)"), [this] { closeFind(); });
     connect(findText_, &QLineEdit::textChanged, this, [this] { tell({}); });
-    connect(findText_, &QLineEdit::returnPressed, this, [this] { findNext(true); });
+    connect(findText_, &FindField::searched, this, [this](bool forward) { findNext(forward); });
     findBar_->hide();
 
     auto* layout = new QVBoxLayout(this);

@@ -4,12 +4,12 @@
 
 #include "datacompare/grid_navigation.h"
 #include "shell/qt/data/grid_model.h"
+#include "shell/qt/text_find.h"
 
 #include <QWidget>
 
 class QAction;
 class QLabel;
-class QLineEdit;
 class QTableView;
 
 namespace zov::qt {
@@ -54,7 +54,7 @@ class GridPane : public QWidget {
     GridModel* model_;
     QTableView* view_;
     QWidget* findBar_;
-    QLineEdit* findText_;
+    FindField* findText_;
     QLabel* findNote_;
     QAction* nextDifference_ = nullptr;
     QAction* previousDifference_ = nullptr;

@@ -1,5 +1,7 @@
 #include "shell/qt/data/run_dialogs.h"
 
+#include "shell/qt/window_fit.h"
+
 #include <QCheckBox>
 #include <QFormLayout>
 #include <QLabel>
@@ -30,8 +32,7 @@ ValidationDialog::ValidationDialog(frmCompareDataValidation& screen, QWidget* pa
     : ScreenDialog(screen, parent), screen_(screen) {
     auto* facts = new QFormLayout;
     const auto fact = [&](const char* caption, const char* control, const QString& text) {
-        QLabel* label = plainLabel(text);
-        label->setWordWrap(true);
+        auto* label = new ElidedLabel(text);
         name(QString::fromLatin1(control), label);
         facts->addRow(QString::fromLatin1(caption), label);
     };
@@ -112,8 +113,7 @@ CompareStatusDialog::CompareStatusDialog(frmCompareStatus& screen, QWidget* pare
         heading->setFont(bold);
         facts->addWidget(heading, 0, side + 1);
         for (int row = 0; row < 4; ++row) {
-            QLabel* label = plainLabel(texts[side][row]);
-            label->setWordWrap(true);
+            auto* label = new ElidedLabel(texts[side][row]);
             name(QString::fromLatin1(names[row]) + QString::number(side + 1), label);
             facts->addWidget(label, row + 1, side + 1);
             if (row == 3) counts_[side] = label;

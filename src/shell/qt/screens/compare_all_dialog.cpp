@@ -1,5 +1,7 @@
 #include "shell/qt/screens/compare_all_dialog.h"
 
+#include "shell/qt/window_fit.h"
+
 #include <QCheckBox>
 #include <QLabel>
 #include <QPushButton>
@@ -33,7 +35,7 @@ CompareAllDialog::CompareAllDialog(frmCompareAllTables& form, QWidget* parent)
         statusLayout->addWidget(comparing_[i]);
     }
     chooseLayout->addStretch(1);
-    current_ = new QLabel;
+    current_ = new ElidedLabel;
     name(QStringLiteral("lblCurProcName"), current_);
     time_ = new QLabel;
     name(QStringLiteral("lblTime"), time_);

@@ -1,5 +1,7 @@
 #include "shell/qt/screens/compare_and_print_dialog.h"
 
+#include "shell/qt/window_fit.h"
+
 #include <QLabel>
 #include <QPushButton>
 #include <QTimer>
@@ -9,7 +11,7 @@ namespace zov::qt {
 
 CompareAndPrintDialog::CompareAndPrintDialog(frmCompareAndPrint& screen, QWidget* parent)
     : ScreenDialog(screen, parent), screen_(screen) {
-    name_ = new QLabel;
+    name_ = new ElidedLabel;
     time_ = new QLabel;
     clock_ = new QTimer(this);
     clock_->setInterval(500);

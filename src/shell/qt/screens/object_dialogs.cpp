@@ -1,6 +1,7 @@
 #include "shell/qt/screens/object_dialogs.h"
 
 #include "shell/qt/help_window.h"
+#include "shell/qt/window_fit.h"
 
 #include <QGridLayout>
 #include <QHeaderView>
@@ -34,7 +35,8 @@ void fillCheckList(QListWidget* list, const Rows& rows, Name nameOf, Ticked isTi
 }
 
 QLabel* link(const QString& text, const QString& toolTip) {
-    auto* label = new QLabel(QStringLiteral("<a href=\"#\">%1</a>").arg(text));
+    auto* label = new QLabel(QStringLiteral("<a href=\"#\">%1</a>").arg(text.toHtmlEscaped()));
+    label->setTextFormat(Qt::RichText);
     label->setToolTip(toolTip);
     label->setTextInteractionFlags(Qt::LinksAccessibleByMouse | Qt::LinksAccessibleByKeyboard);
     return label;
@@ -93,13 +95,19 @@ void SearchDialog::refreshFields() {
 ListObjectsDialog::ListObjectsDialog(frmListObjects& screen, QWidget* parent)
     : ScreenDialog(screen, parent), screen_(screen) {
     auto* grid = new QGridLayout;
-    auto* type = new QLabel(QStringLiteral("<b>%1</b>").arg(screen.lblObjectType.toHtmlEscaped()));
+    auto* type = new QLabel(screen.lblObjectType);
+    QFont bold = type->font();
+    bold.setBold(true);
+    type->setFont(bold);
     grid->addWidget(type, 0, 0, 1, 2);
     for (const int Index : {0, 1}) {
         const QString side = Index == 0 ? QStringLiteral("Source") : QStringLiteral("Target");
         const QString server = Index == 0 ? screen.lblServer1 : screen.lblServer2;
         const QString db = Index == 0 ? screen.lblDb1 : screen.lblDb2;
-        grid->addWidget(new QLabel(QStringLiteral("%1: %2.%3").arg(side, server, db)), 1, Index);
+        auto* place = new ElidedLabel(QStringLiteral("%1: %2.%3").arg(side, server, db));
+        name(QStringLiteral("lblPlace_%1").arg(Index), place);
+        grid->addWidget(place, 1, Index);
+        grid->setColumnStretch(Index, 1);
         QListWidget* list = lists_[Index] = new QListWidget;
         list->setAccessibleName(side + QStringLiteral(" objects"));
         grid->addWidget(list, 2, Index);
@@ -155,8 +163,7 @@ IgnoreColumnsDialog::IgnoreColumnsDialog(frmIgnoreColumnsAdd& screen, QWidget* p
     links->addWidget(none);
     links->addStretch(1);
     auto* layout = new QVBoxLayout(this);
-    auto* table = new QLabel(screen.lblTableName);
-    table->setTextFormat(Qt::PlainText);
+    auto* table = new ElidedLabel(screen.lblTableName);
     layout->addWidget(table);
     layout->addWidget(info);
     layout->addWidget(columns_, 1);
@@ -164,6 +171,7 @@ IgnoreColumnsDialog::IgnoreColumnsDialog(frmIgnoreColumnsAdd& screen, QWidget* p
     layout->addWidget(new QLabel(screen.lblSelected));
     layout->addLayout(buttonRow({ok, cancel, help}));
     resize(460, 480);
+    name(QStringLiteral("lblTableName"), table);
     name(QStringLiteral("pvlSqlObj"), columns_);
     name(QStringLiteral("cmdOK"), ok);
     name(QStringLiteral("cmdCancel"), cancel);

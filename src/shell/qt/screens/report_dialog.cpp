@@ -1,7 +1,7 @@
 #include "shell/qt/screens/report_dialog.h"
 
 #include <QFontDatabase>
-#include <QLineEdit>
+#include <QLabel>
 #include <QPlainTextEdit>
 #include <QPushButton>
 #include <QShortcut>
@@ -18,7 +18,9 @@ ReportDialog::ReportDialog(frmReport& screen, QWidget* parent)
     text_->setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
     text_->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
     text_->setAccessibleName(QStringLiteral("Report"));
-    findText_ = new QLineEdit;
+    finder_ = std::make_unique<TextFind>(text_);
+    findText_ = new FindField;
+    findNote_ = new QLabel;
     findText_->setPlaceholderText(QStringLiteral("Find in the report (Ctrl+F)"));
     auto* copy = new QPushButton(QStringLiteral("Copy To &Clipboard"));
     auto* file = new QPushButton(QStringLiteral("Copy To &File"));
@@ -26,11 +28,15 @@ ReportDialog::ReportDialog(frmReport& screen, QWidget* parent)
     auto* print = new QPushButton(QStringLiteral("&Print"));
     auto* exit = new QPushButton(QStringLiteral("E&xit"));
     exit->setDefault(true);
+    auto* findRow = new QHBoxLayout;
+    findRow->addWidget(findText_, 1);
+    findRow->addWidget(findNote_);
     auto* buttons = new QHBoxLayout;
-    buttons->addWidget(findText_, 1);
+    buttons->addStretch(1);
     for (QPushButton* button : {copy, file, save_, print, exit}) buttons->addWidget(button);
     auto* layout = new QVBoxLayout(this);
     layout->addWidget(text_, 1);
+    layout->addLayout(findRow);
     layout->addLayout(buttons);
     setMinimumSize(640, 360);
     resize(860, 640);
@@ -38,6 +44,7 @@ ReportDialog::ReportDialog(frmReport& screen, QWidget* parent)
 
     name(QStringLiteral("txtReport"), text_);
     name(QStringLiteral("findText"), findText_);
+    name(QStringLiteral("findNote"), findNote_);
     name(QStringLiteral("cmdCopyClip"), copy);
     name(QStringLiteral("cmdCopyToFile"), file);
     name(QStringLiteral("cmdSave"), save_);
@@ -48,7 +55,12 @@ ReportDialog::ReportDialog(frmReport& screen, QWidget* parent)
     connect(print, &QPushButton::clicked, this, [this] { screen_.cmdPrint(); });
     connect(exit, &QPushButton::clicked, this, [this] { screen_.cmdExit(); });
     exit->setAutoDefault(false);
-    connect(findText_, &QLineEdit::returnPressed, this, [this] { find(true); });
+    connect(findText_, &QLineEdit::textChanged, this, [this](const QString& wanted) {
+        finder_->search(wanted);
+        finder_->goFromHere();
+        findNote_->setText(finder_->note());
+    });
+    connect(findText_, &FindField::searched, this, [this](bool forward) { find(forward); });
     connect(new QShortcut(QKeySequence::Find, this), &QShortcut::activated, this, [this] {
         findText_->setFocus();
         findText_->selectAll();
@@ -70,12 +82,9 @@ void ReportDialog::refreshFields() {
 }
 
 void ReportDialog::find(bool forward) {
-    const QString wanted = findText_->text();
-    const QTextDocument::FindFlags flags =
-        forward ? QTextDocument::FindFlags() : QTextDocument::FindBackward;
-    if (wanted.isEmpty() || text_->find(wanted, flags)) return;
-    text_->moveCursor(forward ? QTextCursor::Start : QTextCursor::End);
-    text_->find(wanted, flags);
+    if (findText_->text().isEmpty()) return findText_->setFocus();
+    finder_->goOn(forward);
+    findNote_->setText(finder_->note());
 }
 
 }  // namespace zov::qt

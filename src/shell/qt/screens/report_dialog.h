@@ -3,8 +3,9 @@
 
 #include "reports/frmReport.h"
 #include "shell/qt/screen_dialog.h"
+#include "shell/qt/text_find.h"
 
-class QLineEdit;
+class QLabel;
 class QPlainTextEdit;
 class QPushButton;
 
@@ -21,7 +22,9 @@ class ReportDialog : public ScreenDialog {
 
     frmReport& screen_;
     QPlainTextEdit* text_;
-    QLineEdit* findText_;
+    std::unique_ptr<TextFind> finder_;
+    FindField* findText_;
+    QLabel* findNote_;
     QPushButton* save_;
 };
 

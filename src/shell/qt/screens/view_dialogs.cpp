@@ -2,6 +2,7 @@
 
 #include "shell/qt/mark_colors.h"
 #include "shell/qt/side_by_side_view.h"
+#include "shell/qt/window_fit.h"
 
 #include <QCheckBox>
 #include <QGridLayout>
@@ -46,11 +47,15 @@ CompareTextDialog::CompareTextDialog(frmCompareText& screen, QWidget* parent)
     view_ = new SideBySideView;
     view_->setTexts(screen.sourceLines, screen.targetLines, screen.rows);
     auto* names = new QHBoxLayout;
-    names->addWidget(new QLabel(QStringLiteral("<b>%1</b>").arg(screen.lblSource.toHtmlEscaped())),
-                     1);
-    names->addWidget(new QLabel(QStringLiteral("<b>%1</b>").arg(screen.lblTarget.toHtmlEscaped())),
-                     1);
-    auto* count = new QLabel(QStringLiteral("Differences: %1").arg(view_->differenceCount()));
+    for (const QString& text : {screen.lblSource, screen.lblTarget}) {
+        auto* label = new ElidedLabel(text);
+        QFont bold = label->font();
+        bold.setBold(true);
+        label->setFont(bold);
+        names->addWidget(label, 1);
+    }
+    count_ = new QLabel(QStringLiteral("Differences: %1").arg(view_->differenceCount()));
+    count_->setObjectName(QStringLiteral("differenceCount"));
     auto* previous =
         new QPushButton(QIcon(QStringLiteral(":/icons/previous.svg")), QStringLiteral("&Previous"));
     auto* next =
@@ -60,7 +65,7 @@ CompareTextDialog::CompareTextDialog(frmCompareText& screen, QWidget* parent)
     next->setToolTip(QStringLiteral("Next difference (F8)"));
     close->setDefault(true);
     auto* buttons = new QHBoxLayout;
-    buttons->addWidget(count, 1);
+    buttons->addWidget(count_, 1);
     for (QPushButton* button : {previous, next, close}) buttons->addWidget(button);
     auto* layout = new QVBoxLayout(this);
     layout->addLayout(names);
@@ -80,7 +85,12 @@ CompareTextDialog::CompareTextDialog(frmCompareText& screen, QWidget* parent)
 }
 
 void CompareTextDialog::goToDifference(bool forward) {
-    view_->goToDifference(forward);
+    const bool moved = view_->goToDifference(forward);
+    const int count = view_->differenceCount();
+    if (count == 0) return;
+    QString text = QStringLiteral("Difference %1 of %2").arg(view_->currentDifference()).arg(count);
+    if (!moved) text += QStringLiteral("; none further in this direction");
+    count_->setText(text);
 }
 
 TipDialog::TipDialog(frmTip& screen, QWidget* parent)

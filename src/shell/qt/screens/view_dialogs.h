@@ -28,6 +28,7 @@ class CompareTextDialog : public ScreenDialog {
 
     frmCompareText& screen_;
     class SideBySideView* view_;
+    QLabel* count_;
 };
 
 class TipDialog : public ScreenDialog {
