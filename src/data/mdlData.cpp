@@ -121,7 +121,9 @@ std::unique_ptr<Recordset> openRecordset(Command& command, qint32 cursorLocation
         throw DbError(ado_error::Unspecified,
                       QStringLiteral("The server answered a query without any column. Run it again; "
                                      "when that doesn't help, look at the server's error log."));
-    if (rs->isOpen() && rs->CursorLocation == adUseClient) rs->disconnect();
+    // A procedure's return value and output parameters come behind its rows.
+    const bool isProcedure = command.CommandType == adCmdStoredProc;
+    if (rs->isOpen() && (isProcedure || rs->CursorLocation == adUseClient)) rs->disconnect();
     return rs;
 }
 

@@ -30,7 +30,8 @@ using OutParams = std::vector<Parameter>;
 /// Runs a command on a connection of its own. `Rs` becomes a new recordset, or null when
 /// `CommandText` is empty (which only tests the connection). The result is the command's return
 /// value, 0 for a text query, and -1 on any failure, told in `Failure` and, unless
-/// gblnSuppressConnErrors is on, reported.
+/// gblnSuppressConnErrors is on, reported. A procedure's rows are all read before it comes back,
+/// whatever the cursor location: only behind them are its return value and outputs.
 qint32 GetAdoRS(const ServerInfo& Server, int CommandType, const QString& CommandText,
                 std::unique_ptr<Recordset>& Rs, const QString& Database,
                 AdoFailure* Failure = nullptr, const std::vector<QVariant>& InParams = {},

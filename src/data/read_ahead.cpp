@@ -136,11 +136,15 @@ void ReadAhead::Reader::run() {
         try {
             rows = fetchWindow(*stream, window, WindowRows, 1,
                                [&] { return mayGiveWhatThereIs(start); });
-        } catch (...) {
+        } catch (const DbError&) {
+            // Rows that came before an error of the server are not lost.
             failed = std::current_exception();
+            rows = window.rowCount();
+        } catch (...) {
+            // What else fails, memory above all, leaves rows of which a part is missing.
+            failed = std::current_exception();
+            rows = 0;
         }
-        // Rows that came before an error are not lost.
-        if (failed) rows = window.rowCount();
         const std::lock_guard lock(guard);
         if (rows > 0) {
             readyBytes += window.reservedBytes();

@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <bit>
+#include <system_error>
 
 namespace zov {
 namespace {
@@ -118,6 +119,18 @@ void RowSource::endReadAhead() {
     session_.reset();
 }
 
+template <typename Fetch>
+auto RowSource::wholeRows(Fetch fetch) {
+    try {
+        return fetch();
+    } catch (const DbError&) {
+        throw;
+    } catch (...) {
+        forgetRows();
+        throw;
+    }
+}
+
 bool RowSource::nextWindow(qsizetype atLeast) {
     if (!stream_) return false;
     dropped_ += store_.rowCount();
@@ -125,8 +138,7 @@ bool RowSource::nextWindow(qsizetype atLeast) {
     firstLive_ = 0;
     indexes_.clear();
     // Most results are small, and not worth a thread.
-    if (!ahead_ && (++windows_ > WindowsWithoutThread || keepWaiting_))
-        ahead_ = std::make_unique<ReadAhead>(stream_, session_, columns_);
+    if (!ahead_ && (++windows_ > WindowsWithoutThread || keepWaiting_)) beginReadAhead();
     if (ahead_) {
         if (ahead_->next(store_, keepWaiting_)) return true;
         ahead_.reset();
@@ -135,9 +147,19 @@ bool RowSource::nextWindow(qsizetype atLeast) {
         return false;
     }
     store_.clear();
-    if (fetchWindow(*stream_, store_, std::max(atLeast, FirstWindowRows), atLeast) > 0) return true;
+    const auto fetched = wholeRows(
+        [&] { return fetchWindow(*stream_, store_, std::max(atLeast, FirstWindowRows), atLeast); });
+    if (fetched > 0) return true;
     finishStream();
     return false;
+}
+
+void RowSource::beginReadAhead() {
+    try {
+        ahead_ = std::make_unique<ReadAhead>(stream_, session_, columns_);
+    } catch (const std::system_error&) {
+        // There is no thread to be had: the rows are read here, as the first ones were.
+    }
 }
 
 void RowSource::takeWindow(RowStore& rows) {
@@ -157,14 +179,17 @@ void RowSource::forgetRows() {
 void RowSource::spool() {
     if (!stream_) return;
     indexes_.clear();
-    if (ahead_) {
-        ahead_->stop();
-        for (RowStore window; ahead_->next(window);) store_.append(window);
-        ahead_.reset();
-    }
-    releaseWideRegisters();
-    while (stream_->fetch(store_, 16384) > 0) {
-    }
+    wholeRows([&] {
+        if (ahead_) {
+            ahead_->stop();
+            for (RowStore window; ahead_->next(window);) store_.append(window);
+            ahead_.reset();
+        }
+        releaseWideRegisters();
+        while (stream_->fetch(store_, 16384) > 0) {
+        }
+        return true;
+    });
     finishStream();
     store_.shrinkToFit();
 }

@@ -65,6 +65,11 @@ class RowSource {
  private:
     void start();
     void finishStream();
+    void beginReadAhead();
+    /// Runs a fetch into the store. Where memory fails within it rows are left of which a part is
+    /// missing: none of them may be looked at.
+    template <typename Fetch>
+    auto wholeRows(Fetch fetch);
     /// Stops reading ahead. A stream that can't be stopped is gone then, and the session with it.
     void endReadAhead();
 

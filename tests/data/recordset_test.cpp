@@ -154,6 +154,30 @@ TEST_P(RecordsetTest, ABrokenConnectionLeavesTheRowsBeforeIt) {
     EXPECT_GT(seen, 1000);
 }
 
+TEST_P(RecordsetTest, WithoutMemoryNoRowIsSeenOfWhichAPartIsMissing) {
+    FakeTable table{{{QStringLiteral("n"), SqlType::Int, 0, 0, 0, false},
+                     {QStringLiteral("t"), SqlType::NVarChar, 50, 0, 0, true}},
+                    {}};
+    for (int i = 0; i < 20'000; ++i) table.rows += QStringLiteral("%1|t%1").arg(i);
+    // In the first window, and where a thread reads ahead.
+    for (const qsizetype failAfter : {100, 15'000}) {
+        session = std::make_shared<FakeSession>(table, &journal);
+        session->failAfterRows = failAfter;
+        session->outOfMemory = true;
+        connection = std::make_shared<Connection>(session);
+        qsizetype seen = 0;
+        const auto readAll = [&] {
+            Recordset rs = openOn(connection, GetParam());
+            for (; !rs.isEof(); rs.MoveNext(), ++seen) {
+                EXPECT_EQ(rs.field(0).toInt64(), seen);
+                EXPECT_EQ(rs.field(1).text(), QStringLiteral("t%1").arg(seen));
+            }
+        };
+        EXPECT_THROW(readAll(), std::bad_alloc) << failAfter;
+        EXPECT_LE(seen, failAfter);
+    }
+}
+
 INSTANTIATE_TEST_SUITE_P(Cursors, RecordsetTest, ::testing::Values(2, 3),
                          [](const auto& info) { return info.param == 2 ? "ServerSide" : "ClientSide"; });
 

@@ -1,4 +1,6 @@
 // Commands through the driver: batches, messages, procedures, errors, time-outs, cancelling.
+#include "core/globals.h"
+#include "data/mdlData.h"
 #include "data_odbc/odbc_fixture.h"
 
 #include <QDateTime>
@@ -181,6 +183,32 @@ TEST_F(OdbcCommandTest, ADroppedConnectionEndsInAnErrorNotInFewerRows) {
     EXPECT_EQ(readRows(*run(*open(), ask)).size(), 1);
 }
 
+TEST_F(OdbcCommandTest, AProcedureWithRowsGivesItsReturnValueAndOutputsWithEveryCursor) {
+    ScriptedAnswer answer = numbers(5000);
+    answer.returnValue = 7;
+    answer.outputs = {QVariant(41)};
+    script.answer(QStringLiteral("dbo.counted"), answer);
+    ServerInfo server;
+    server.Name = endpoint.dataSource();
+    server.SQLAuth = true;
+    server.LoginName = options.user;
+    server.Password = options.password;
+    for (const qint32 cursor : {adUseServer, adUseClient}) {
+        const ScopedValue<qint32> location(globals().glngCursorLocation, cursor);
+        OutParams outputs{{QString(), QVariant(1)}};
+        std::unique_ptr<Recordset> rs;
+        EXPECT_EQ(GetAdoRS(server, adCmdStoredProc, QStringLiteral("dbo.counted"), rs,
+                           QStringLiteral("shop"), nullptr, {}, &outputs),
+                  7)
+            << cursor;
+        EXPECT_EQ(outputs[0].Value, QVariant(41)) << cursor;
+        ASSERT_TRUE(rs && rs->isOpen());
+        qint64 sum = 0;
+        for (; !rs->isEof(); rs->MoveNext()) sum += rs->field(0).toInt64();
+        EXPECT_EQ(sum, 4999 * 5000 / 2) << cursor;
+    }
+}
+
 TEST_F(OdbcCommandTest, ATimeOutIsToldAsSuch) {
     TdsFaults faults;
     faults.delayMilliseconds = 20'000;
@@ -194,6 +222,86 @@ TEST_F(OdbcCommandTest, ATimeOutIsToldAsSuch) {
     EXPECT_EQ(error.number, ado_error::Timeout);
     EXPECT_EQ(error.description, QStringLiteral("Timeout expired"));
     EXPECT_EQ(readRows(*run(*connection, ask)).size(), 1);
+}
+
+TEST_F(OdbcCommandTest, ASilentServerCostsItsTimeOutOnce) {
+    script.answer(ask, numbers(100'000));
+    struct Row {
+        const char* name;
+        int delay;
+        qint64 stallAfter;
+    };
+    for (const Row& row : {Row{"before the answer", 60'000, -1}, Row{"at the first row", 0, 0},
+                           Row{"within the rows", 0, 5000}}) {
+        SCOPED_TRACE(row.name);
+        TdsFaults faults;
+        faults.onlyStatementsWith = ask;
+        faults.delayMilliseconds = row.delay;
+        faults.stallAfterRows = row.stallAfter;
+        faults.stallMilliseconds = 60'000;
+        faults.deafWhileStalled = true;
+        endpoint.setFaults(faults);
+        for (const bool pooled : {false, true}) {
+            if (!pooled) odbc::dropIdleSessions();
+            auto connection = open();
+            const auto start = std::chrono::steady_clock::now();
+            const DbError error = errorOf([&] { readRows(*run(*connection, ask, 2)); });
+            connection.reset();
+            EXPECT_EQ(error.number, ado_error::Timeout) << error.what();
+            EXPECT_TRUE(error.connectionLost);
+            EXPECT_TRUE(error.description.startsWith(QStringLiteral("Timeout expired\r\n")));
+            EXPECT_LT(secondsSince(start), 4.0) << "pooled: " << pooled;
+            EXPECT_GE(secondsSince(start), 1.9);
+            // For a moment the server isn't asked again: the same run would wait each time.
+            EXPECT_TRUE(errorOf([&] {
+                            open();
+                        }).description.contains(QStringLiteral("did not answer in time")));
+            EXPECT_LT(secondsSince(start), 4.0);
+            odbc::dropIdleSessions();
+            // A session that waited idle for a while must be asked whether it lives.
+            endpoint.setFaults({});
+            open();
+            std::this_thread::sleep_for(std::chrono::milliseconds(600));
+            endpoint.setFaults(faults);
+        }
+    }
+}
+
+TEST_F(OdbcCommandTest, ACancelEndsTheWaitForAServerThatDoesNotListen) {
+    script.answer(ask, numbers(1));
+    TdsFaults faults;
+    faults.onlyStatementsWith = ask;
+    faults.delayMilliseconds = 60'000;
+    faults.deafWhileStalled = true;
+    endpoint.setFaults(faults);
+    const auto connection = open();
+    const auto start = std::chrono::steady_clock::now();
+    std::thread other([&] {
+        std::this_thread::sleep_for(std::chrono::milliseconds(300));
+        connection->cancel();
+    });
+    const DbError error = errorOf([&] { run(*connection, ask, 0); });
+    other.join();
+    EXPECT_EQ(error.number, ado_error::Cancelled) << error.what();
+    EXPECT_LT(secondsSince(start), 3.0);
+}
+
+TEST_F(OdbcCommandTest, AnUnfinishedStreamOfASilentServerIsLetGo) {
+    script.answer(ask, numbers(100'000));
+    TdsFaults faults;
+    faults.onlyStatementsWith = ask;
+    faults.stallAfterRows = 2000;
+    faults.stallMilliseconds = 60'000;
+    faults.deafWhileStalled = true;
+    endpoint.setFaults(faults);
+    const auto start = std::chrono::steady_clock::now();
+    {
+        const auto connection = open();
+        const auto stream = run(*connection, ask, 30);
+        RowStore rows(stream->columns());
+        EXPECT_EQ(stream->fetch(rows, 10), 10);
+    }
+    EXPECT_LT(secondsSince(start), 5.0);
 }
 
 TEST_F(OdbcCommandTest, ACancelFromAnotherThreadStopsTheCommand) {

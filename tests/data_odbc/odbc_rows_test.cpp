@@ -87,6 +87,32 @@ std::vector<TypeCase> typeCases() {
              to.appendTicksOffset(ticks(2024, 2, 29, 17, 55, 45, 6'789'012), -570);
          },
          s("2024-02-29 17:55:45.6789012 -09:30")},
+        {"DateTime2OfTheYear999", typed(T::DateTime2, 0, 0, 7),
+         integer(ticks(999, 12, 31, 23, 59, 59, 9'999'999)), s("0999-12-31 23:59:59.9999999")},
+        {"DateTime2OfTheYear87", typed(T::DateTime2, 0, 0, 3),
+         integer(ticks(87, 2, 28, 1, 2, 3, 4'560'000)), s("0087-02-28 01:02:03.456")},
+        {"DateTime2BeforeTheReform", typed(T::DateTime2, 0, 0, 0),
+         integer(ticks(1582, 10, 4, 12, 0, 0, 0)), s("1582-10-04 12:00:00")},
+        {"DateTime2InALeapYearOfOld", typed(T::DateTime2, 0, 0, 0),
+         integer(ticks(400, 2, 29, 0, 0, 0, 0)), s("0400-02-29 00:00:00")},
+        {"DateTime2Last", typed(T::DateTime2, 0, 0, 7),
+         integer(ticks(9999, 12, 31, 23, 59, 59, 9'999'999)), s("9999-12-31 23:59:59.9999999")},
+        {"DateOfTheYear7", typed(T::Date), integer(ticks(7, 3, 1, 0, 0, 0, 0)), s("0007-03-01")},
+        {"DateTimeOffsetOfTheYear999", typed(T::DateTimeOffset, 0, 0, 7),
+         [](ColumnCells& to) {
+             to.appendTicksOffset(ticks(999, 12, 31, 23, 59, 59, 1'234'567), 60);
+         },
+         s("0999-12-31 23:59:59.1234567 +01:00")},
+        {"DateTimeOffsetOfTheYear5", typed(T::DateTimeOffset, 0, 0, 0),
+         [](ColumnCells& to) { to.appendTicksOffset(ticks(5, 6, 7, 8, 9, 10, 0), -330); },
+         s("0005-06-07 08:09:10 -05:30")},
+        {"DateTimeOffsetFirst", typed(T::DateTimeOffset, 0, 0, 7),
+         [](ColumnCells& to) { to.appendTicksOffset(0, -840); }, s("0001-01-01 00:00:00 -14:00")},
+        {"DateTimeOffsetLast", typed(T::DateTimeOffset, 0, 0, 7),
+         [](ColumnCells& to) {
+             to.appendTicksOffset(ticks(9999, 12, 31, 23, 59, 59, 9'999'999), 840);
+         },
+         s("9999-12-31 23:59:59.9999999 +14:00")},
         {"DateTimeOffsetEast", typed(T::DateTimeOffset),
          [](ColumnCells& to) { to.appendTicksOffset(ticks(2024, 2, 29, 0, 0, 0, 0), 840); },
          s("2024-02-29 00:00:00 +14:00")},

@@ -2,13 +2,15 @@
 
 #include "data/base/field_text.h"
 
+#include <new>
+
 namespace zov::testing {
 namespace {
 
 class FakeStream : public ResultStream {
  public:
-    FakeStream(const FakeTable& table, Journal* journal, qsizetype failAfter)
-        : table_(table), journal_(journal), failAfter_(failAfter) {}
+    FakeStream(const FakeTable& table, Journal* journal, qsizetype failAfter, bool outOfMemory)
+        : table_(table), journal_(journal), failAfter_(failAfter), outOfMemory_(outOfMemory) {}
     ~FakeStream() override { close(); }
 
     const std::vector<ColumnInfo>& columns() const override { return table_.columns; }
@@ -16,6 +18,10 @@ class FakeStream : public ResultStream {
     qsizetype fetch(RowStore& rows, qsizetype maxRows) override {
         qsizetype count = 0;
         for (; count < maxRows && at_ < table_.rows.size(); ++count, ++at_) {
+            if (at_ == failAfter_ && outOfMemory_) {
+                append(rows.column(0), table_.rows[at_].section(u'|', 0, 0));
+                throw std::bad_alloc();
+            }
             if (at_ == failAfter_) {
                 DbError error(ado_error::Unspecified, QStringLiteral("Connection broken"));
                 error.connectionLost = true;
@@ -51,6 +57,7 @@ class FakeStream : public ResultStream {
     const FakeTable& table_;
     Journal* journal_;
     qsizetype failAfter_;
+    bool outOfMemory_;
     qsizetype at_ = 0;
     bool closed_ = false;
 };
@@ -59,7 +66,7 @@ class FakeStream : public ResultStream {
 
 std::unique_ptr<ResultStream> FakeSession::execute(const CommandSpec& command) {
     *journal_ += QStringLiteral("execute ") + command.text;
-    return std::make_unique<FakeStream>(table_, journal_, failAfterRows);
+    return std::make_unique<FakeStream>(table_, journal_, failAfterRows, outOfMemory);
 }
 
 }  // namespace zov::testing

@@ -28,6 +28,8 @@ class FakeSession : public ProviderConnection {
 
     /// The stream throws this after so many rows; below 0 never.
     qsizetype failAfterRows = -1;
+    /// What it throws is that memory is out, with the row's first cell in place.
+    bool outOfMemory = false;
 
  private:
     FakeTable table_;

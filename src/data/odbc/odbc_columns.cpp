@@ -179,6 +179,13 @@ qint64 ticksOf(const ResultColumn& column, const char* data) {
     return ticks + daysFromCivil(value.year, value.month, value.day) * TicksPerDay;
 }
 
+/// FreeTDS writes a year below 1000 with as many digits as it has.
+QByteArray withFourDigitYear(const char* data, qsizetype length) {
+    const QByteArray text(data, length);
+    const qsizetype digits = text.indexOf('-');
+    return digits > 0 && digits < 4 ? QByteArray(4 - digits, '0') + text : text;
+}
+
 qint64 scaledOf(const ResultColumn& column, const char* data, qsizetype length) {
     qint64 value = 0;
     if (!parseScaled(data, length, column.info.scale, value))
@@ -323,7 +330,8 @@ void appendCell(const ResultColumn& column, const char* data, qsizetype length, 
         case CellForm::StampOffset: {
             qint64 ticks = 0;
             qint16 offset = 0;
-            if (!parseIsoTicks(data, length, ticks, offset))
+            const QByteArray text = withFourDigitYear(data, length);
+            if (!parseIsoTicks(text.constData(), text.size(), ticks, offset))
                 refuseCell(column, "is no date, time and offset");
             to.appendTicksOffset(ticks, offset);
             return;

@@ -99,8 +99,8 @@ QString freeTdsSection(const ServerAddress& server, const Encryption& encryption
     static QHash<QString, QString> sections;  // text to name
     const QMutexLocker lock(&guard);
     QString text = QStringLiteral("\thost = %1\n").arg(server.host);
-    if (server.instance.isEmpty() || server.port)
-        text += QStringLiteral("\tport = %1\n").arg(server.port ? server.port : DefaultPort);
+    if (server.tcpPort())
+        text += QStringLiteral("\tport = %1\n").arg(server.tcpPort());
     else
         text += QStringLiteral("\tinstance = %1\n").arg(server.instance);
     text += QStringLiteral(
@@ -220,9 +220,12 @@ ServerAddress ServerAddress::parse(const QString& dataSource) {
     return server;
 }
 
+int ServerAddress::tcpPort() const {
+    return port || !instance.isEmpty() ? port : DefaultPort;
+}
+
 QString ServerAddress::shown() const {
-    if (port || instance.isEmpty())
-        return QStringLiteral("%1, port %2").arg(host).arg(port ? port : DefaultPort);
+    if (tcpPort()) return QStringLiteral("%1, port %2").arg(host).arg(tcpPort());
     return QStringLiteral("%1, instance %2").arg(host, instance);
 }
 
@@ -251,13 +254,13 @@ QString odbcConnectionString(const Driver& driver, const ServerAddress& server,
         return freeTds ? freeTdsValue(QLatin1StringView(what), value) : microsoftValue(value);
     };
     add("DRIVER", u'{' + driver.name + u'}');
-    const bool byInstance = !server.instance.isEmpty() && server.port == 0;
+    const bool byInstance = server.tcpPort() == 0;
     if (freeTds) {
         if (encryption.verified()) {
             add("Servername", freeTdsSection(server, encryption));
         } else {
             add("Server", byInstance ? server.host + u'\\' + server.instance : server.host);
-            if (!byInstance) add("Port", QString::number(server.port ? server.port : DefaultPort));
+            if (!byInstance) add("Port", QString::number(server.tcpPort()));
             add("Encryption", QStringLiteral("request"));
         }
         // Older servers answer with their own version, and the driver goes down to it.
@@ -265,10 +268,9 @@ QString odbcConnectionString(const Driver& driver, const ServerAddress& server,
         add("ClientCharset", QStringLiteral("UTF-8"));
     } else {
         add("SERVER",
-            microsoftValue(byInstance ? server.host + u'\\' + server.instance
-                                      : QStringLiteral("tcp:%1,%2")
-                                            .arg(server.host)
-                                            .arg(server.port ? server.port : DefaultPort)));
+            microsoftValue(
+                byInstance ? server.host + u'\\' + server.instance
+                           : QStringLiteral("tcp:%1,%2").arg(server.host).arg(server.tcpPort())));
         add("Encrypt", QStringLiteral("yes"));
         add("TrustServerCertificate",
             encryption.verified() ? QStringLiteral("no") : QStringLiteral("yes"));

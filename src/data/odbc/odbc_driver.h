@@ -34,6 +34,8 @@ struct ServerAddress {
     /// reached by TCP.
     static ServerAddress parse(const QString& dataSource);
 
+    /// The port that is connected to; 0 when only the server's browser knows.
+    int tcpPort() const;
     /// "host, port 1433" or "host, instance X", for messages.
     QString shown() const;
 };

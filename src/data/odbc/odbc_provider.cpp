@@ -27,7 +27,10 @@ class OdbcConnection : public ProviderConnection {
             try {
                 return std::make_unique<OdbcStream>(session, command);
             } catch (const DbError& error) {
-                if (!error.connectionLost) throw;
+                // A server that was silent for that long is not asked once more.
+                if (!error.connectionLost || error.number == ado_error::Timeout ||
+                    error.number == ado_error::Cancelled)
+                    throw;
             }
             session = replace(*session);
         } else if (!session->makeFresh()) {

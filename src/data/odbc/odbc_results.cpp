@@ -33,6 +33,7 @@ OdbcStream::OdbcStream(std::shared_ptr<Session> session, const CommandSpec& comm
     : session_(std::move(session)),
       command_(command),
       statement_(SQL_HANDLE_STMT, session_->handle()) {
+    const DriverCall call(session_->driver());
     session_->noteCommand(command.text, command.storedProcedure);
     SQLSetStmtAttrW(handle(), SQL_ATTR_QUERY_TIMEOUT,
                     pointerOf(SQLULEN(std::max(0, command.timeout))), SQL_IS_UINTEGER);
@@ -47,6 +48,7 @@ OdbcStream::OdbcStream(std::shared_ptr<Session> session, const CommandSpec& comm
                                            : command.text;
     session_->setRunning(handle());
     try {
+        const Patience patience = session_->whileWaiting(command_.timeout);
         check(SQLExecDirectW(handle(), wide(text), SQLINTEGER(text.size())));
         describeResult();
     } catch (...) {
@@ -151,6 +153,8 @@ void OdbcStream::bindColumns() {
 
 qsizetype OdbcStream::fetch(RowStore& rows, qsizetype maxRows) {
     throwPending();
+    if (rowsEnded_) return 0;
+    const DriverCall call(session_->driver());
     qsizetype got = 0;
     const qsizetype bytesBefore = hasLong_ ? rows.reservedBytes() : 0;
     while (!rowsEnded_ && got < maxRows) {
@@ -160,8 +164,7 @@ qsizetype OdbcStream::fetch(RowStore& rows, qsizetype maxRows) {
                                   SQL_IS_UINTEGER));
             arraySize_ = wanted;
         }
-        fetched_ = 0;
-        const SQLRETURN result = SQLFetch(handle());
+        const SQLRETURN result = fetchBlock();
         noteOutcome(result);
         const qsizetype count =
             SQL_SUCCEEDED(result) ? qsizetype(std::min<SQLULEN>(fetched_, SQLULEN(wanted))) : 0;
@@ -175,6 +178,12 @@ qsizetype OdbcStream::fetch(RowStore& rows, qsizetype maxRows) {
     }
     if (got == 0) throwPending();
     return got;
+}
+
+SQLRETURN OdbcStream::fetchBlock() {
+    fetched_ = 0;
+    const Patience patience = session_->whileWaiting(command_.timeout);
+    return SQLFetch(handle());
 }
 
 void OdbcStream::appendRows(RowStore& rows, qsizetype count) {
@@ -202,6 +211,7 @@ void OdbcStream::readLongCell(ResultColumn& column, SQLUSMALLINT number, ColumnC
     cell_.clear();
     for (;;) {
         SQLLEN left = 0;
+        const Patience patience = session_->whileWaiting(command_.timeout);
         const SQLRETURN result =
             SQLGetData(handle(), number, column.cType, piece_.data(), PieceBytes, &left);
         if (result == SQL_NO_DATA) break;
@@ -230,6 +240,8 @@ void OdbcStream::readLongCell(ResultColumn& column, SQLUSMALLINT number, ColumnC
 bool OdbcStream::nextResult() {
     throwPending();
     if (ended_ || !statement_) return false;
+    const DriverCall call(session_->driver());
+    const Patience patience = session_->whileWaiting(command_.timeout);
     const SQLRETURN result = SQLMoreResults(handle());
     check(result);
     if (result == SQL_NO_DATA) {
@@ -247,13 +259,17 @@ bool OdbcStream::nextResult() {
 
 void OdbcStream::close() {
     if (!statement_) return;
-    // Results that nobody wants are stopped at the server, not read.
-    if (!ended_) {
-        SQLCancel(handle());
-        SQLFreeStmt(handle(), SQL_CLOSE);
+    {
+        const DriverCall call(session_->driver());
+        const Patience patience = session_->whileClosing();
+        // Results that nobody wants are stopped at the server, not read.
+        if (!ended_) {
+            SQLCancel(handle());
+            SQLFreeStmt(handle(), SQL_CLOSE);
+        }
+        session_->setRunning(nullptr);
+        statement_.reset();
     }
-    session_->setRunning(nullptr);
-    statement_.reset();
     ended_ = true;
     rowsEnded_ = true;
     session_.reset();

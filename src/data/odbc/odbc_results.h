@@ -34,6 +34,7 @@ class OdbcStream : public ResultStream {
     void throwPending();
     void describeResult();
     void bindColumns();
+    SQLRETURN fetchBlock();
     void appendRows(RowStore& rows, qsizetype count);
     void readLongCell(ResultColumn& column, SQLUSMALLINT number, ColumnCells& to);
     [[noreturn]] void fail(DbError error);

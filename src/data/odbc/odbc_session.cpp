@@ -2,6 +2,7 @@
 
 #include "data/odbc/odbc_provider.h"
 
+#include <QHash>
 #include <QRegularExpression>
 
 #include <chrono>
@@ -21,7 +22,11 @@ constexpr size_t MostIdle = 16;
 // would ask as often as it reads.
 constexpr auto JustUsed = std::chrono::milliseconds(500);
 // Seconds in which an idle session must show that it is alive.
-constexpr SQLULEN AnswerTimeout = 5;
+constexpr int AnswerTimeout = 5;
+// In which a server answers a cancel, of which the driver tells nothing.
+constexpr auto CancelTime = std::chrono::milliseconds(1000);
+constexpr auto SilentTime = std::chrono::seconds(10);
+constexpr auto ClosingTime = std::chrono::milliseconds(2000);
 
 // A failure to connect, with the server that was tried and what to look at next.
 DbError connectFailure(DbError error, const ServerAddress& server, const ConnectionSpec& spec,
@@ -59,6 +64,53 @@ DbError connectFailure(DbError error, const ServerAddress& server, const Connect
     return told;
 }
 
+/// Servers that let somebody wait in vain a moment ago. A run asks many times, and isn't to wait
+/// each time; who tries again after having read the message is let through.
+class SilentServers {
+ public:
+    static SilentServers& instance() {
+        static SilentServers servers;
+        return servers;
+    }
+    void note(const QString& server) {
+        const std::lock_guard lock(guard_);
+        until_[server] = Clock::now() + SilentTime;
+    }
+    void throwIfSilent(const QString& server) {
+        const std::lock_guard lock(guard_);
+        const auto found = until_.constFind(server);
+        if (found == until_.cend() || Clock::now() >= found.value()) return;
+        DbError told(
+            ado_error::Unspecified,
+            QStringLiteral("The server \"%1\" did not answer in time a moment ago, and isn't "
+                           "asked again at once. Try again when it can be reached.")
+                .arg(server));
+        told.connectionLost = true;
+        throw told;
+    }
+    void forget() {
+        const std::lock_guard lock(guard_);
+        until_.clear();
+    }
+
+ private:
+    std::mutex guard_;
+    QHash<QString, Clock::time_point> until_;
+};
+
+/// "FreeTDS" of "DRIVER={FreeTDS};...".
+QByteArray driverNamed(const QString& connectionString) {
+    return connectionString.section(u'{', 1).section(u'}', 0, 0).toLocal8Bit();
+}
+
+/// The time for an answer was over.
+DbError cutOff(const DbError& error) {
+    DbError told(ado_error::Timeout, QStringLiteral("Timeout expired"), QStringLiteral("HYT00"));
+    told.line = error.line;
+    told.connectionLost = true;
+    return told;
+}
+
 /// The driver says only that the server went away; which one, and what helps, stands behind it.
 DbError lostConnection(const DbError& error, const QString& server) {
     DbError told(
@@ -76,9 +128,14 @@ DbError lostConnection(const DbError& error, const QString& server) {
 
 Session::Session(const QString& connectionString, const ServerAddress& server,
                  const ConnectionSpec& spec)
-    : connection_(SQL_HANDLE_DBC, environment()), key_(connectionString), server_(spec.dataSource) {
+    : driver_(driverNamed(connectionString)),
+      connection_(SQL_HANDLE_DBC, environment()),
+      key_(connectionString),
+      server_(spec.dataSource) {
+    const DriverCall call(driver_);
     SQLSetConnectAttrW(handle(), SQL_ATTR_LOGIN_TIMEOUT,
                        pointerOf(SQLULEN(std::max(0, spec.connectTimeout))), SQL_IS_UINTEGER);
+    const ServerSocket::Present before = ServerSocket::present();
     SQLWCHAR completed[8];
     SQLSMALLINT completedLength = 0;
     const SQLRETURN result = SQLDriverConnectW(
@@ -87,12 +144,19 @@ Session::Session(const QString& connectionString, const ServerAddress& server,
     if (!SQL_SUCCEEDED(result)) {
         const DbError error =
             errorFrom(readDiagnostics(SQL_HANDLE_DBC, handle()), Phase::Connecting);
+        if (error.sqlState.startsWith(u"HYT")) SilentServers::instance().note(server_);
         throw connectFailure(error, server, spec, Encryption::fromEnvironment().verified());
     }
+    waiting_ = Waiting::on(ServerSocket::since(before, server.tcpPort()));
     SQLUINTEGER extensions = 0;
     SQLGetInfoW(handle(), SQL_GETDATA_EXTENSIONS, &extensions, sizeof extensions, nullptr);
     readsAnyColumn_ = (extensions & SQL_GD_ANY_COLUMN) && (extensions & SQL_GD_ANY_ORDER);
     rememberDatabase();
+}
+
+Session::~Session() {
+    const DriverCall call(driver_);
+    connection_.reset();
 }
 
 void Session::rememberDatabase() {
@@ -107,7 +171,9 @@ void Session::rememberDatabase() {
 void Session::setRunning(SQLHSTMT statement) {
     const std::lock_guard lock(runningGuard_);
     running_ = statement;
-    if (statement) cancelled_ = false;
+    if (!statement) return;
+    cancelled_ = false;
+    waiting_->beginStatement();
 }
 
 bool Session::isBusy() const {
@@ -120,7 +186,19 @@ void Session::cancel() {
     const std::lock_guard lock(runningGuard_);
     if (!running_) return;
     cancelled_ = true;
+    waiting_->shorten(CancelTime);
+    const DriverCall call(driver_);
     SQLCancel(running_);
+}
+
+Patience Session::whileWaiting(int seconds) const {
+    using std::chrono::milliseconds;
+    return Patience(
+        *waiting_, seconds > 0 ? std::chrono::seconds(seconds) + CancelTime : milliseconds::zero());
+}
+
+Patience Session::whileClosing() const {
+    return Patience(*waiting_, ClosingTime);
 }
 
 bool Session::wasCancelled() const {
@@ -156,7 +234,15 @@ DbError Session::failure(SQLSMALLINT handleType, SQLHANDLE statement) {
             SQLGetConnectAttrW(handle(), SQL_ATTR_CONNECTION_DEAD, &dead, sizeof dead, nullptr)) &&
         dead == SQL_CD_TRUE)
         error.connectionLost = true;
-    if (wasCancelled() && !error.connectionLost) error.number = ado_error::Cancelled;
+    if (waiting_->wasCut()) {
+        error.connectionLost = true;
+        if (!wasCancelled()) SilentServers::instance().note(server_);
+        // The driver knows only that its connection is gone.
+        if (!wasCancelled() && error.number != ado_error::Timeout) error = cutOff(error);
+    }
+    // A cancel of the user's; that it had to cut the connection is of no interest.
+    if (wasCancelled() && (!error.connectionLost || waiting_->wasCut()))
+        error.number = ado_error::Cancelled;
     return error.connectionLost ? lostConnection(error, server_) : error;
 }
 
@@ -174,8 +260,10 @@ bool Session::makeFresh() {
     // catalogue: FreeTDS would wait for the answer for ever.
     const QString use =
         QStringLiteral("USE [%1]").arg(QString(database_).replace(u']', QStringLiteral("]]")));
+    const Patience patience = whileWaiting(AnswerTimeout);
+    const DriverCall call(driver_);
     const Handle statement(SQL_HANDLE_STMT, handle());
-    SQLSetStmtAttrW(statement.get(), SQL_ATTR_QUERY_TIMEOUT, pointerOf(AnswerTimeout),
+    SQLSetStmtAttrW(statement.get(), SQL_ATTR_QUERY_TIMEOUT, pointerOf(SQLULEN(AnswerTimeout)),
                     SQL_IS_UINTEGER);
     const SQLRETURN result = SQLExecDirectW(statement.get(), wide(use), SQLINTEGER(use.size()));
     return SQL_SUCCEEDED(result) || result == SQL_NO_DATA;
@@ -287,6 +375,7 @@ class SessionPool {
 
 std::shared_ptr<Session> borrowSession(const QString& connectionString, const ServerAddress& server,
                                        const ConnectionSpec& spec) {
+    SilentServers::instance().throwIfSilent(spec.dataSource);
     SessionPool& pool = SessionPool::instance();
     std::unique_ptr<Session> session;
     bool justUsed = false;
@@ -313,6 +402,7 @@ std::shared_ptr<Session> replaceSession(const Session& dead, const ServerAddress
 }
 
 void dropIdleSessions() {
+    SilentServers::instance().forget();
     SessionPool::instance().clear();
 }
 

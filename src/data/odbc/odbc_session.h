@@ -3,9 +3,11 @@
 // connection for every query.
 #pragma once
 
+#include "data/odbc/driver_crash.h"
 #include "data/odbc/odbc_driver.h"
 #include "data/odbc/odbc_errors.h"
 #include "data/odbc/odbc_handles.h"
+#include "data/odbc/patience.h"
 
 #include <memory>
 #include <mutex>
@@ -20,6 +22,9 @@ class Session {
 
     SQLHDBC handle() const { return connection_.get(); }
     const QString& key() const { return key_; }
+    /// The driver's name, for a DriverCall.
+    const QByteArray& driver() const { return driver_; }
+    ~Session();
     /// Columns of a result may be read piecewise in any order, in front of bound ones too.
     bool readsAnyColumn() const { return readsAnyColumn_; }
 
@@ -34,10 +39,17 @@ class Session {
     void noteCommand(const QString& text, bool isProcedure);
     /// Something failed: the session may go on, but is not used for anybody else.
     void noteFailure() { reusable_ = false; }
-    bool isReusable() const { return reusable_; }
+    bool isReusable() const { return reusable_ && !waiting_->wasCut(); }
 
     /// Turns a failed call into its error, and notes it.
     DbError failure(SQLSMALLINT handleType, SQLHANDLE handle);
+
+    /// The driver waits for the server in this scope: for `seconds` of silence (0: without limit)
+    /// and a moment more, for the answer to the cancel that a driver sends then. A server that is
+    /// silent behind that, or goes on behind cancel(), loses the connection.
+    Patience whileWaiting(int seconds) const;
+    /// For a call that only tidies up.
+    Patience whileClosing() const;
 
     /// Forgets what its last user left. False when the driver knows that the server is gone.
     bool reset();
@@ -51,7 +63,9 @@ class Session {
  private:
     void rememberDatabase();
 
+    QByteArray driver_;
     Handle connection_;
+    std::shared_ptr<Waiting> waiting_;
     QString key_;
     QString server_;  ///< as the user named it
     QString database_;  // where the login landed

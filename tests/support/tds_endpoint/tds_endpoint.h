@@ -25,7 +25,7 @@ struct TdsFaults {
     int delayMilliseconds = 0;   ///< before a statement runs; an attention ends the wait
     qint64 stallAfterRows = -1;  ///< nothing comes behind so many rows for `stallMilliseconds`
     int stallMilliseconds = 0;
-    bool deafWhileStalled = false;  ///< an attention doesn't end that either
+    bool deafWhileStalled = false;  ///< an attention ends neither that nor the delay
     qint64 dropAfterRows = -1;   ///< the connection is cut behind so many rows
     qint64 errorAfterRows = -1;  ///< an error follows so many rows, and the result ends
     qint32 errorNumber = 1205;

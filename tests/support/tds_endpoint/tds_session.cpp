@@ -391,7 +391,7 @@ void Session::waitBefore(const TdsFaults& faults) {
     if (!faults.delayMilliseconds) return;
     std::unique_lock lock(mutex_);
     arrived_.wait_for(lock, std::chrono::milliseconds(faults.delayMilliseconds),
-                      [this] { return ended_ || cancelled_.load(); });
+                      [&] { return ended_ || (cancelled_.load() && !faults.deafWhileStalled); });
 }
 
 void Session::putResults(ResultStream& stream, const TdsFaults& faults, DoneToken done,

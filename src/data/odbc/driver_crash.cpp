@@ -1,0 +1,78 @@
+#include "data/odbc/driver_crash.h"
+
+#ifdef Q_OS_UNIX
+#include <unistd.h>
+
+#include <csignal>
+#include <cstdlib>
+#include <cstring>
+#endif
+
+namespace zov::odbc {
+namespace {
+
+thread_local const char* running = nullptr;
+
+#ifdef Q_OS_UNIX
+
+constexpr int Crashes[] = {SIGSEGV, SIGBUS, SIGFPE, SIGILL, SIGABRT};
+struct sigaction before[std::size(Crashes)];
+const char* programName = "";
+int exitStatus = 2;
+
+void say(const char* words) {
+    // Nothing else may be called in what may be any state.
+    if (write(STDERR_FILENO, words, std::strlen(words)) < 0) return;
+}
+
+void onCrash(int signal) {
+    if (running) {
+        say(programName);
+        say(": The ODBC driver ");
+        say(running);
+        say(" has crashed, most likely over a damaged answer of the server. Nothing was compared.\n"
+            "  Try again; if it comes back, install another version of the driver, or name another "
+            "one in ZOVRAND_ODBC_DRIVER.\n");
+        std::_Exit(exitStatus);
+    }
+    for (size_t i = 0; i < std::size(Crashes); ++i) {
+        if (Crashes[i] == signal) sigaction(signal, &before[i], nullptr);
+    }
+    // Comes again, and goes to who was there before.
+    if (signal == SIGABRT) raise(signal);
+}
+
+#endif
+
+}  // namespace
+
+void tellDriverCrashes(const char* program, int status) {
+#ifdef Q_OS_UNIX
+    programName = program;
+    exitStatus = status;
+    // A stack that ran over has no room for the handler.
+    static char room[64 * 1024];
+    stack_t stack{};
+    stack.ss_sp = room;
+    stack.ss_size = sizeof room;
+    sigaltstack(&stack, nullptr);
+    struct sigaction action {};
+    action.sa_handler = onCrash;
+    action.sa_flags = SA_ONSTACK;
+    sigemptyset(&action.sa_mask);
+    for (size_t i = 0; i < std::size(Crashes); ++i) sigaction(Crashes[i], &action, &before[i]);
+#else
+    Q_UNUSED(program);
+    Q_UNUSED(status);
+#endif
+}
+
+DriverCall::DriverCall(const QByteArray& driver) : outer_(running) {
+    running = driver.constData();
+}
+
+DriverCall::~DriverCall() {
+    running = outer_;
+}
+
+}  // namespace zov::odbc
