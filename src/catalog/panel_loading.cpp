@@ -5,8 +5,7 @@
 #include "core/error_report.h"
 #include "core/globals.h"
 #include "core/mdlMain.h"
-#include "core/registry.h"
-#include "core/settings.h"
+#include "data/server_list.h"
 #include "shell/shell.h"
 #include "util/text.h"
 
@@ -110,17 +109,10 @@ QString GetServerVersion(const ServerInfo& Server, AdoFailure* Failure) {
 
 void CheckSQLServerVersion(ServerInfo& Server, AdoFailure* Failure) {
     if (!Server.Version.isEmpty()) return;
-    const QString name = QStringLiteral("Version");
-    if (Server.RegIndex > 0)
-        Server.Version = RegGetStringValue(RegRoot::CurrentUser,
-                                           settings_key::server(Server.RegIndex), name, {});
+    Server.Version = StoredServerVersion(Server);
     if (!Server.Version.isEmpty()) return;
-    const QString version = GetServerVersion(Server, Failure);
-    if (version.isEmpty()) return;
-    if (Server.RegIndex > 0)
-        RegSetStringValue(RegRoot::CurrentUser, settings_key::server(Server.RegIndex), name,
-                          version);
-    Server.Version = version;
+    Server.Version = GetServerVersion(Server, Failure);
+    if (!Server.Version.isEmpty()) StoreServerVersion(Server, Server.Version);
 }
 
 bool CanConnectToDb(const ServerInfo& Server, const QString& DbName, int Index) {
@@ -271,11 +263,7 @@ void DatabaseChanged(ServerInfo& Server, const QString& DbName, Panel& panel, Ch
         LoadOwners(Server, DbName, panel.cmbOwners);
         if (Server.RegIndex < 1) return;
         Server.MRUDb = DbName;
-        std::vector<ServerInfo>& servers = globals().gtServers;
-        if (size_t(Server.RegIndex) <= servers.size())
-            servers[size_t(Server.RegIndex - 1)].MRUDb = DbName;
-        RegSetStringValue(RegRoot::CurrentUser, settings_key::server(Server.RegIndex),
-                          QStringLiteral("MRUDb"), DbName);
+        StoreServerDatabase(Server, DbName);
     });
 }
 

@@ -29,13 +29,23 @@ void RunStartUp(const QString& commandLine, const std::function<void()>& loadSer
     g.gblnDebugMode = QFileInfo::exists(g.gstrDebugFile);
     g.gtCurrentServers[SourcePanel] = ServerInfo();
     g.gtCurrentServers[TargetPanel] = ServerInfo();
-    // A damaged store waits for its user: with its version unreadable it would pass for an old one,
-    // and nothing is written into it just for having been started.
-    const bool damaged = brokenSettingsLines() > 0;
-    if (!damaged) step([] { UpgradeRegistryData(); });
+    // A damaged or unreadable store waits for its user: with its version unreadable it would pass
+    // for an old one, and nothing is written into it just for having been started.
+    const bool sound = brokenSettingsLines() == 0 && settingsReadFailure().isEmpty();
+    if (sound) step([] { UpgradeRegistryData(); });
     step([&] { LoadSettings(loadServers); });
-    if (!damaged) step([] { SaveProgramLocation(); });
+    if (sound) step([] { SaveProgramLocation(); });
     step([&] { ParseCommandLine(commandLine); });
+}
+
+QString damagedSettingsNote() {
+    const int broken = brokenSettingsLines();
+    if (broken == 0) return {};
+    return QStringLiteral(
+               "%1 holds %2 that can't be read; the others are used, and nothing is "
+               "lost when settings are saved.")
+        .arg(settingsFilePath(),
+             broken == 1 ? QStringLiteral("a line") : QStringLiteral("%1 lines").arg(broken));
 }
 
 void InitPaths() {
@@ -56,23 +66,26 @@ void InitPaths() {
 }
 
 void UpgradeRegistryData() {
-    const QString current = ProgramVersionText();
     const QString name = QStringLiteral("VerNum");
-    const RegistryBatch batch;
-    const QString stored =
-        RegGetStringValue(RegRoot::CurrentUser, settings_key::Root, name, QString());
-    if (current == u"1.1" && stored.isEmpty()) {
-        const QString count = QStringLiteral("Count");
-        const qint32 servers =
-            RegGetDWordValue(RegRoot::CurrentUser, settings_key::Servers, count, 0);
-        for (qint32 n = 1; n <= qBound(5, servers, MaxStoredServers); ++n) {
-            RegDeleteKeyPath(RegRoot::CurrentUser, settings_key::server(n));
+    const auto stored = [&] {
+        return RegGetStringValue(RegRoot::CurrentUser, settings_key::Root, name, QString());
+    };
+    const QString current = ProgramVersionText();
+    if (stored() == current) return;
+    // Asked once more under the lock: another process may just have done this, and added a server.
+    const auto upgrade = [&] {
+        if (current == u"1.1" && stored().isEmpty()) {
+            const QString count = QStringLiteral("Count");
+            const qint32 servers =
+                RegGetDWordValue(RegRoot::CurrentUser, settings_key::Servers, count, 0);
+            for (qint32 n = 1; n <= qBound(5, servers, MaxStoredServers); ++n) {
+                RegDeleteKeyPath(RegRoot::CurrentUser, settings_key::server(n));
+            }
+            RegSetDWordValue(RegRoot::CurrentUser, settings_key::Servers, count, 0);
         }
-        RegSetDWordValue(RegRoot::CurrentUser, settings_key::Servers, count, 0);
-    }
-    if (stored != current) {
         RegSetStringValue(RegRoot::CurrentUser, settings_key::Root, name, current);
-    }
+    };
+    changeSettings(upgrade, LockWait::None);
 }
 
 void LoadSettings(const std::function<void()>& loadServers) {
@@ -99,8 +112,12 @@ void LoadSettings(const std::function<void()>& loadServers) {
 }
 
 void SaveProgramLocation() {
-    RegSetStringValue(RegRoot::CurrentUser, settings_key::Root, QStringLiteral("Location"),
-                      globals().gstrAppPath);
+    const QString name = QStringLiteral("Location");
+    const QString& folder = globals().gstrAppPath;
+    if (RegGetStringValue(RegRoot::CurrentUser, settings_key::Root, name, {}) == folder) return;
+    changeSettings(
+        [&] { RegSetStringValue(RegRoot::CurrentUser, settings_key::Root, name, folder); },
+        LockWait::None);
 }
 
 void ParseCommandLine(const QString& commandLine) {

@@ -11,8 +11,12 @@ namespace zov {
 
 /// Everything that stands before the main window: extended names on, paths, debug mode, panels
 /// cleared, old stores upgraded, settings, the program's location, the command line. A failing step
-/// is reported and the next one runs. `loadServers` fills gtServers.
+/// is reported and the next one runs; what a start notes in the store is left out while another
+/// process writes there. `loadServers` fills gtServers.
 void RunStartUp(const QString& commandLine, const std::function<void()>& loadServers);
+
+/// What there is to be told of the store's lines that can't be read; empty when there are none.
+QString damagedSettingsNote();
 
 void InitPaths();
 /// A store of an older layout (no version in it) loses its server list; the current version is

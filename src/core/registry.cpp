@@ -8,9 +8,12 @@
 
 #include <functional>
 #include <optional>
+#include <utility>
 #include <vector>
 
 #ifdef Q_OS_WIN
+#include <QDir>
+#include <QLockFile>
 #include <QSettings>
 #endif
 
@@ -24,6 +27,7 @@ struct StoreState {
     std::vector<Change> pending;               // of the open batch
     std::optional<RegistryDocument> snapshot;  // what the open batch reads, its changes included
     QString failure;
+    QString readFailure;
     QHash<QString, RegistryValue> overrides;  // by folded "key\name"
 };
 
@@ -46,7 +50,9 @@ void noteFailure(const QString& sentence) {
 
 RegistryDocument loadStore() {
     QByteArray bytes;
-    noteFailure(readWholeFile(settingsFilePath(), bytes));
+    const QString trouble = readWholeFile(settingsFilePath(), bytes);
+    noteFailure(trouble);
+    if (state().readFailure.isEmpty()) state().readFailure = trouble;
     return RegistryDocument(decodeText(bytes).text);
 }
 
@@ -64,7 +70,17 @@ auto withStore(Reader read) {
     return read(document);
 }
 
+/// Whether any of the changes would change the store. Asked without the lock, which then needn't be
+/// waited for.
+bool changesAnything(const std::vector<Change>& changes) {
+    RegistryDocument document = loadStore();
+    const QString before = document.text();
+    for (const Change& change : changes) change(document);
+    return document.text() != before;
+}
+
 bool writeStore(const std::vector<Change>& changes) {
+    if (!changesAnything(changes)) return true;
     // Owner-only whether or not a password is among the values now: the next one may be.
     const QString trouble =
         updateTextFile(settingsFilePath(), FileAccess::OwnerOnly, [&](QString& text) {
@@ -88,6 +104,8 @@ bool apply(Change change) {
 }
 
 #ifdef Q_OS_WIN
+constexpr int NativeLockPatienceMs = 10'000;
+
 bool usesNativeRegistry() {
     return portableHomeFolder().isEmpty();
 }
@@ -194,22 +212,55 @@ QString RegDeleteKeyPath(RegRoot Root, const QString& Key) {
     return done ? QStringLiteral("Success") : notFound;
 }
 
-RegistryBatch::RegistryBatch() {
+RegistryBatch::RegistryBatch(End end) : end_(end) {
     ++state().batchDepth;
 }
 
 RegistryBatch::~RegistryBatch() {
     if (--state().batchDepth > 0) return;
-    const std::vector<Change> changes = std::move(state().pending);
-    state().pending.clear();
+    const std::vector<Change> changes = std::exchange(state().pending, {});
     state().snapshot.reset();
-    if (!changes.empty()) writeStore(changes);
+    if (!changes.empty() && end_ == End::Write) writeStore(changes);
+}
+
+bool changeSettings(const std::function<void()>& change, LockWait wait) {
+    StoreState& store = state();
+    if (store.batchDepth > 0) {
+        change();
+        return true;
+    }
+#ifdef Q_OS_WIN
+    if (usesNativeRegistry()) {
+        QLockFile lock(QDir::temp().filePath(QStringLiteral("zovrand-settings.lock")));
+        if (!lock.tryLock(wait == LockWait::Patient ? NativeLockPatienceMs : 0)) return false;
+        change();
+        return true;
+    }
+#endif
+    bool done = false;
+    const QString trouble = updateTextFile(
+        settingsFilePath(), FileAccess::OwnerOnly,
+        [&](QString& text) {
+            store.snapshot.emplace(text);
+            const QString before = store.snapshot->text();
+            const RegistryBatch asOne(RegistryBatch::End::LeaveToCaller);
+            change();
+            const QString after = store.snapshot->text();
+            if (after != before) text = after;
+            done = true;
+        },
+        wait);
+    noteFailure(trouble);
+    return done && trouble.isEmpty();
 }
 
 QString takeSettingsFailure() {
-    const QString failure = state().failure;
-    state().failure.clear();
-    return failure;
+    state().readFailure.clear();
+    return std::exchange(state().failure, {});
+}
+
+QString settingsReadFailure() {
+    return state().readFailure;
 }
 
 int brokenSettingsLines() {

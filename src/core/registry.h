@@ -3,10 +3,16 @@
 // registry editor's export format (settingsFilePath in util/paths.h).
 //
 // No helper reports failure to its caller: a failed read gives the default, a
-// failed write is lost. takeSettingsFailure tells those who must know.
+// failed write is lost. takeSettingsFailure tells those who must know. What is
+// decided from the store and then written to it goes through changeSettings, so
+// that no other process comes in between.
 #pragma once
 
+#include "util/atomic_file.h"
+
 #include <QString>
+
+#include <functional>
 
 namespace zov {
 
@@ -31,15 +37,28 @@ QString RegDeleteKeyPath(RegRoot Root, const QString& Key);
 /// writes, into the store as it is by then.
 class RegistryBatch {
  public:
-    RegistryBatch();
+    enum class End { Write, LeaveToCaller };
+    explicit RegistryBatch(End end = End::Write);
     ~RegistryBatch();
     RegistryBatch(const RegistryBatch&) = delete;
     RegistryBatch& operator=(const RegistryBatch&) = delete;
+
+ private:
+    End end_;
 };
+
+/// Runs `change` with the store locked: the helpers read in it what is stored now, and what they
+/// write reaches the store as one when it returns. False when the store could not be locked, read
+/// or written; it is as it was then, and `change` may not have been run. Within a batch it is part
+/// of the batch.
+bool changeSettings(const std::function<void()>& change, LockWait wait = LockWait::Patient);
 
 /// The sentence of the first failure to read or write the store that nobody has taken yet (path and
 /// reason); empty when there was none.
 QString takeSettingsFailure();
+/// The sentence of the first read of the store that failed, since takeSettingsFailure() was called:
+/// the defaults that were given in its place are not what the user has stored.
+QString settingsReadFailure();
 
 /// Lines of the store's text that can't be read. They are kept; 0 where the store is no text.
 int brokenSettingsLines();

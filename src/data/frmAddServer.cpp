@@ -57,7 +57,7 @@ void frmAddServer::cmdOK() {
         server.Password = Trim(txtPassword);
     }
     if (IsServerInList(server.Name)) {
-        refuse(QStringLiteral("This server is already added to the list."), serverControl);
+        refuse(serverNotSavedText(ServerSaved::AlreadyThere), serverControl);
         return;
     }
     shell().beginOperation();
@@ -72,8 +72,12 @@ void frmAddServer::cmdOK() {
         focus(serverControl);
         return;
     }
-    SaveServerToRegistry(server);
+    const ServerSaved saved = SaveServerToRegistry(server);
     LoadServersFromRegistry();
+    if (saved == ServerSaved::AlreadyThere || saved == ServerSaved::ListIsFull) {
+        refuse(serverNotSavedText(saved), serverControl);
+        return;
+    }
     SetInitialServers();
     added_ = true;
     close();

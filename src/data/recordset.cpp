@@ -88,7 +88,8 @@ qint64 Field::toInt64() const {
         case Storage::Int16:
         case Storage::Int32:
         case Storage::Int64: return view.integer;
-        default: return qRound64(Val(cellText(view)));
+        default:
+            return roundToInt64(Val(cellText(view)));
     }
 }
 

@@ -47,6 +47,29 @@ void writeServer(qint32 n, const ServerInfo& server) {
     RegSetStringValue(User, key, Version, server.Version);
 }
 
+/// The number under which the server stands now: another instance may have removed one in front of
+/// it since its record was read. 0 when it isn't there any more.
+qint32 storedNumber(const ServerInfo& server) {
+    if (server.RegIndex < 1) return 0;
+    const auto hasName = [&](qint32 n) {
+        return RegGetStringValue(User, settings_key::server(n), Name, {}) == server.Name;
+    };
+    const qint32 count = storedCount();
+    if (server.RegIndex <= count && hasName(server.RegIndex)) return server.RegIndex;
+    for (qint32 n = 1; n <= count; ++n) {
+        if (hasName(n)) return n;
+    }
+    return 0;
+}
+
+void storeValue(const ServerInfo& server, const QString& name, const QString& value) {
+    if (server.RegIndex < 1) return;
+    changeSettings([&] {
+        const qint32 n = storedNumber(server);
+        if (n > 0) RegSetStringValue(User, settings_key::server(n), name, value);
+    });
+}
+
 }  // namespace
 
 void LoadServersFromRegistry() {
@@ -113,7 +136,8 @@ void FillServerCombo(ChoiceList& Combo, int Index) {
 
 bool IsServerInList(const QString& Name) {
     if (globals().gtServers.empty()) {
-        RegDeleteKeyPath(User, settings_key::Servers);
+        // A list that couldn't be read isn't an empty one.
+        if (settingsReadFailure().isEmpty()) RegDeleteKeyPath(User, settings_key::Servers);
         return false;
     }
     for (const ServerInfo& server : globals().gtServers) {
@@ -122,26 +146,72 @@ bool IsServerInList(const QString& Name) {
     return false;
 }
 
-void SaveServerToRegistry(const ServerInfo& Server) {
-    const RegistryBatch batch;
-    // Another process may have added servers since gtServers was read: theirs stay.
-    const qint32 n = qMax(GetServerCount(), storedCount()) + 1;
-    RegSetDWordValue(User, settings_key::Servers, Count, n);
-    writeServer(n, Server);
+ServerSaved SaveServerToRegistry(const ServerInfo& Server) {
+    auto outcome = ServerSaved::NotStored;
+    // The number is worked out, and the name looked for, under the lock: other processes add and
+    // remove too, and gtServers knows nothing of them.
+    const bool written = changeSettings([&] {
+        const qint32 count = storedCount();
+        for (qint32 n = 1; n <= count; ++n) {
+            const QString stored = RegGetStringValue(User, settings_key::server(n), Name, {});
+            if (stored.compare(Server.Name, Qt::CaseInsensitive) != 0) continue;
+            outcome = ServerSaved::AlreadyThere;
+            return;
+        }
+        if (count == MaxStoredServers) {
+            outcome = ServerSaved::ListIsFull;
+            return;
+        }
+        RegSetDWordValue(User, settings_key::Servers, Count, count + 1);
+        writeServer(count + 1, Server);
+        outcome = ServerSaved::Yes;
+    });
+    return written ? outcome : ServerSaved::NotStored;
 }
 
-void RemoveServer(const QString& Name) {
-    const RegistryBatch batch;
-    const qint32 count = storedCount();
-    std::vector<ServerInfo> kept;
-    for (qint32 n = 1; n <= count; ++n) {
-        ServerInfo server = readServer(n);
-        if (server.Name != Name) kept.push_back(std::move(server));
+QString serverNotSavedText(ServerSaved saved) {
+    if (saved == ServerSaved::ListIsFull)
+        return QStringLiteral(
+                   "The list holds %1 servers, which is as many as it can. Remove one "
+                   "first.")
+            .arg(MaxStoredServers);
+    return QStringLiteral("This server is already added to the list.");
+}
+
+bool RemoveServer(const QString& Name) {
+    bool found = false;
+    const bool written = changeSettings([&] {
+        const qint32 count = storedCount();
+        std::vector<ServerInfo> kept;
+        for (qint32 n = 1; n <= count; ++n) {
+            ServerInfo server = readServer(n);
+            if (server.Name != Name) kept.push_back(std::move(server));
+        }
+        found = qint32(kept.size()) < count;
+        if (!found) return;
+        for (qint32 n = 1; n <= count; ++n) RegDeleteKeyPath(User, settings_key::server(n));
+        qint32 n = 0;
+        for (const ServerInfo& server : kept) writeServer(++n, server);
+        RegSetDWordValue(User, settings_key::Servers, Count, n);
+    });
+    return written && found;
+}
+
+QString StoredServerVersion(const ServerInfo& Server) {
+    const RegistryBatch oneLook;
+    const qint32 n = storedNumber(Server);
+    return n == 0 ? QString() : RegGetStringValue(User, settings_key::server(n), Version, {});
+}
+
+void StoreServerVersion(const ServerInfo& Server, const QString& version) {
+    storeValue(Server, Version, version);
+}
+
+void StoreServerDatabase(const ServerInfo& Server, const QString& database) {
+    for (ServerInfo& listed : globals().gtServers) {
+        if (listed.Name == Server.Name) listed.MRUDb = database;
     }
-    for (qint32 n = 1; n <= count; ++n) RegDeleteKeyPath(User, settings_key::server(n));
-    qint32 n = 0;
-    for (const ServerInfo& server : kept) writeServer(++n, server);
-    RegSetDWordValue(User, settings_key::Servers, Count, n);
+    storeValue(Server, MRUDb, database);
 }
 
 bool TestServerConnection(const ServerInfo& Server, QString* ErrDescription) {

@@ -1,6 +1,6 @@
 // The user's stored list of servers: key `Server`n of the settings store, n from
 // 1 without gaps, and its copy in memory, gtServers. Source and Target choose
-// from this one list.
+// from this one list. Several processes may change it at once.
 #pragma once
 
 #include "core/server_info.h"
@@ -29,11 +29,28 @@ void FillServerCombo(ChoiceList& Combo, int Index);
 /// what is left of the list's key is cleaned up.
 bool IsServerInList(const QString& Name);
 
-/// Adds the server at the list's end. gtServers is left as it was.
-void SaveServerToRegistry(const ServerInfo& Server);
+enum class ServerSaved {
+    Yes,
+    AlreadyThere,  ///< under this name, in any case: another process may have added it meanwhile
+    ListIsFull,
+    NotStored,  ///< takeSettingsFailure() says why
+};
+/// Adds the server at the stored list's end. gtServers is left as it was.
+ServerSaved SaveServerToRegistry(const ServerInfo& Server);
 
-/// Takes the server of exactly this name out of the store and numbers the others anew.
-void RemoveServer(const QString& Name);
+/// What to tell of a server that the list doesn't take: already there, or the list is full.
+QString serverNotSavedText(ServerSaved saved);
+
+/// Takes the server of exactly this name out of the store and numbers the others anew. False when
+/// there is none, or when the store can't be written (takeSettingsFailure() says why).
+bool RemoveServer(const QString& Name);
+
+/// The version that is stored for this server, empty when none is. This and what follows go by the
+/// record's name, wherever it stands in the list by now; a record that isn't stored stays so.
+QString StoredServerVersion(const ServerInfo& Server);
+void StoreServerVersion(const ServerInfo& Server, const QString& version);
+/// In gtServers, too.
+void StoreServerDatabase(const ServerInfo& Server, const QString& database);
 
 /// Whether the server can be reached with the record's login, through its database (`MRUDb`, master
 /// when empty). Silent. `ErrDescription`: why not, when given.

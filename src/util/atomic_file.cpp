@@ -1,15 +1,20 @@
 #include "util/atomic_file.h"
 
 #include <QDir>
+#include <QElapsedTimer>
 #include <QFile>
 #include <QFileInfo>
 #include <QLockFile>
 #include <QSaveFile>
+#include <QThread>
+
+#include <filesystem>
 
 namespace zov {
 namespace {
 
 constexpr int LockPatienceMs = 10'000;
+constexpr int LockQuestionMs = 10;
 
 QString cannotWrite(const QString& path, const QString& reason) {
     return QStringLiteral("Cannot write %1: %2.").arg(QDir::toNativeSeparators(path), reason);
@@ -26,6 +31,28 @@ QString ensureFolder(const QString& path, MissingFolder missing = MissingFolder:
     if (QDir().mkpath(folder)) return {};
     return cannotWrite(
         path, QStringLiteral("the folder %1 cannot be made").arg(QDir::toNativeSeparators(folder)));
+}
+
+std::filesystem::path nativePath(const QString& path) {
+#ifdef Q_OS_WIN
+    return path.toStdWString();
+#else
+    return QFile::encodeName(path).toStdString();
+#endif
+}
+
+/// Asks again soon, not at longer and longer intervals as QLockFile does: among many short holders
+/// nobody goes hungry.
+bool takeLock(QLockFile& lock, LockWait wait) {
+    QElapsedTimer waited;
+    waited.start();
+    for (;;) {
+        if (lock.tryLock(0)) return true;
+        if (lock.error() != QLockFile::LockFailedError || wait == LockWait::None ||
+            waited.hasExpired(LockPatienceMs))
+            return false;
+        QThread::msleep(LockQuestionMs);
+    }
 }
 
 }  // namespace
@@ -79,13 +106,18 @@ QString writeFileAtomically(const QString& path, const QByteArray& bytes, FileAc
 
 QString readWholeFile(const QString& path, QByteArray& bytes, bool* exists) {
     bytes.clear();
-    const QFileInfo info(path);
-    if (exists) *exists = info.exists();
-    if (!info.exists()) return {};
     const auto cannotRead = [&](const QString& reason) {
         return QStringLiteral("Cannot read %1: %2.").arg(QDir::toNativeSeparators(path), reason);
     };
-    if (info.isDir()) return cannotRead(QStringLiteral("it is a folder"));
+    // A file that can't be looked for, in a folder that is closed to us, is not a missing one.
+    std::error_code failure;
+    const auto kind = std::filesystem::status(nativePath(path), failure).type();
+    if (exists) *exists = kind != std::filesystem::file_type::not_found;
+    if (kind == std::filesystem::file_type::not_found) return {};
+    if (kind == std::filesystem::file_type::none)
+        return cannotRead(QString::fromLocal8Bit(failure.message().c_str()));
+    if (kind == std::filesystem::file_type::directory)
+        return cannotRead(QStringLiteral("it is a folder"));
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly)) return cannotRead(file.errorString());
     bytes = file.readAll();
@@ -97,12 +129,13 @@ QString readWholeFile(const QString& path, QByteArray& bytes, bool* exists) {
 }
 
 QString updateTextFile(const QString& path, FileAccess access,
-                       const std::function<void(QString& text)>& change) {
+                       const std::function<void(QString& text)>& change, LockWait wait) {
     if (const QString trouble = ensureFolder(path); !trouble.isEmpty()) return trouble;
     QLockFile lock(path + QStringLiteral(".lock"));
-    if (!lock.tryLock(LockPatienceMs)) {
+    if (!takeLock(lock, wait)) {
         switch (lock.error()) {
             case QLockFile::LockFailedError:
+                if (wait == LockWait::None) return {};
                 return cannotWrite(path, QStringLiteral("another program holds its lock file"));
             case QLockFile::PermissionError:
                 return cannotWrite(path, QStringLiteral("its folder is not writable"));

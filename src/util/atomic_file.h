@@ -56,10 +56,17 @@ class AtomicFile {
 /// sentence as above, empty on success.
 QString readWholeFile(const QString& path, QByteArray& bytes, bool* exists = nullptr);
 
+/// How long to wait for a lock that another process holds.
+enum class LockWait {
+    Patient,
+    None,  ///< for what may as well be written the next time
+};
+
 /// Reads the file anew under a lock (`path` & ".lock"), lets `change` edit its text, and writes it
 /// back in the encoding it had, unless nothing was changed. A new file is UTF-8. The result is a
-/// sentence as above, empty on success.
+/// sentence as above, empty on success, and with LockWait::None also when the lock wasn't free.
 QString updateTextFile(const QString& path, FileAccess access,
-                       const std::function<void(QString& text)>& change);
+                       const std::function<void(QString& text)>& change,
+                       LockWait wait = LockWait::Patient);
 
 }  // namespace zov

@@ -47,16 +47,27 @@ double Val(QStringView text) {
     return text.left(numberLength(text)).toDouble();
 }
 
-qint32 roundToInt32(double number) {
+namespace {
+
+template <typename Integer>
+Integer roundedTo(double number) {
     if (std::isnan(number)) return 0;
-    const double rounded = number - std::remainder(number, 1.0);
-    if (rounded >= double(std::numeric_limits<qint32>::max())) {
-        return std::numeric_limits<qint32>::max();
-    }
-    if (rounded <= double(std::numeric_limits<qint32>::min())) {
-        return std::numeric_limits<qint32>::min();
-    }
-    return qint32(rounded);
+    // What is left of an infinite number is none, and so would the result be.
+    const double rounded = std::isinf(number) ? number : number - std::remainder(number, 1.0);
+    using Limits = std::numeric_limits<Integer>;
+    if (rounded >= double(Limits::max())) return Limits::max();
+    if (rounded <= double(Limits::min())) return Limits::min();
+    return Integer(rounded);
+}
+
+}  // namespace
+
+qint32 roundToInt32(double number) {
+    return roundedTo<qint32>(number);
+}
+
+qint64 roundToInt64(double number) {
+    return roundedTo<qint64>(number);
 }
 
 qint32 ValInt32(QStringView text) {

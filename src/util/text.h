@@ -15,8 +15,9 @@ inline const QString CRLF = QStringLiteral("\r\n");
 /// digits, point, exponent. 0 when it starts with none.
 double Val(QStringView text);
 
-/// Rounds half to even; beyond the 32-bit range the nearest end, NaN gives 0.
+/// Rounds half to even; beyond the range, also at infinity, the nearest end, NaN gives 0.
 qint32 roundToInt32(double number);
+qint64 roundToInt64(double number);
 /// roundToInt32(Val(text)).
 qint32 ValInt32(QStringView text);
 

@@ -75,6 +75,13 @@ class PanelLoading : public ::testing::TestWithParam<Road> {
         return LoadServer(server, panels[index].panel, cmbType, mru, index, texts);
     }
 
+    /// Puts a server at the stored list's end.
+    static void store(ServerInfo& info) {
+        SaveServerToRegistry(info);
+        LoadServersFromRegistry();
+        info.RegIndex = globals().gtServers.back().RegIndex;
+    }
+
     test::TempHome home;
     test::RecordingShell shell;
     ServedDatabases served{GetParam()};
@@ -152,8 +159,7 @@ TEST_P(PanelLoading, OwnersNarrowTheList) {
 }
 
 TEST_P(PanelLoading, ANewDatabaseDropsTheFilterAndIsRemembered) {
-    server.RegIndex = 1;
-    globals().gtServers = {server};
+    store(server);
     ASSERT_TRUE(load(false));
     globals().gblnFilterActive[SourcePanel] = true;
     globals().gstrFilterList[SourcePanel] = QStringLiteral("hr");
@@ -169,15 +175,18 @@ TEST_P(PanelLoading, ANewDatabaseDropsTheFilterAndIsRemembered) {
 
 TEST_P(PanelLoading, TheVersionIsAskedOnceAndStored) {
     const QString version = server.Version;
-    server.RegIndex = 3;
     server.Version.clear();
+    ServerInfo first;
+    first.Name = QStringLiteral("first");
+    store(first);
+    store(server);
     CheckSQLServerVersion(server);
     EXPECT_EQ(server.Version, version);
-    EXPECT_EQ(RegGetStringValue(RegRoot::CurrentUser, settings_key::server(3),
+    EXPECT_EQ(RegGetStringValue(RegRoot::CurrentUser, settings_key::server(2),
                                 QStringLiteral("Version"), {}),
               version);
     // The stored text comes before the server's answer, and the record's before both.
-    RegSetStringValue(RegRoot::CurrentUser, settings_key::server(3), QStringLiteral("Version"),
+    RegSetStringValue(RegRoot::CurrentUser, settings_key::server(2), QStringLiteral("Version"),
                       QStringLiteral("9.00.1399.06"));
     server.Version.clear();
     CheckSQLServerVersion(server);

@@ -9,7 +9,11 @@
 
 #include <gtest/gtest.h>
 
+#include <QElapsedTimer>
 #include <QFileInfo>
+#include <QLockFile>
+
+#include <stdexcept>
 
 namespace zov {
 namespace {
@@ -203,6 +207,57 @@ TEST_F(Registry, AHomeThatCannotBeWrittenIsToldOnceAndReadsAsDefaults) {
         takeSettingsFailure(),
         QStringLiteral("Cannot write %1/home/registry.reg: the folder %1/home cannot be made.")
             .arg(file));
+    EXPECT_EQ(takeSettingsFailure(), QString());
+}
+
+TEST_F(Registry, AStoreThatCannotBeReadIsNoEmptyOne) {
+    QDir().mkpath(home.registryPath());  // not even the administrator reads a folder
+    EXPECT_EQ(settingsReadFailure(), QString());
+    EXPECT_EQ(readSetting(QStringLiteral("Timeout")), 30);
+    const QString sentence =
+        QStringLiteral("Cannot read %1: it is a folder.").arg(home.registryPath());
+    EXPECT_EQ(settingsReadFailure(), sentence);
+    bool ran = false;
+    EXPECT_FALSE(changeSettings([&] { ran = true; }));
+    EXPECT_FALSE(ran);
+    EXPECT_EQ(RegSetDWordValue(User, Key, QStringLiteral("Timeout"), 1),
+              QStringLiteral("No! Failed to save Value"));
+    EXPECT_EQ(takeSettingsFailure(), sentence);
+    EXPECT_EQ(settingsReadFailure(), QString());
+}
+
+TEST_F(Registry, AChangeSeesWhatIsStoredNowAndReachesTheStoreAsOne) {
+    RegSetDWordValue(User, Key, QStringLiteral("Count"), 1);
+    EXPECT_TRUE(changeSettings([&] {
+        // Nobody else may write meanwhile.
+        QLockFile other(home.registryPath() + QStringLiteral(".lock"));
+        EXPECT_FALSE(other.tryLock(0));
+        RegSetDWordValue(User, Key, QStringLiteral("Count"), num("Count") + 1);
+        RegSetDWordValue(User, Key, QStringLiteral("Count"), num("Count") + 1);
+        EXPECT_TRUE(stored().contains("\"Count\"=dword:00000001"));
+    }));
+    EXPECT_TRUE(stored().contains("\"Count\"=dword:00000003"));
+    EXPECT_THROW(changeSettings([] {
+                     RegSetDWordValue(User, Key, QStringLiteral("Count"), 9);
+                     throw std::runtime_error("no");
+                 }),
+                 std::runtime_error);
+    EXPECT_EQ(num("Count"), 3);
+    EXPECT_EQ(takeSettingsFailure(), QString());
+}
+
+TEST_F(Registry, ALockedStoreIsReadAndWhatIsStoredAlreadyIsNotWaitedFor) {
+    RegSetDWordValue(User, Key, QStringLiteral("Timeout"), 7);
+    QLockFile other(home.registryPath() + QStringLiteral(".lock"));
+    ASSERT_TRUE(other.tryLock(0));
+    QElapsedTimer time;
+    time.start();
+    EXPECT_EQ(num("Timeout"), 7);
+    EXPECT_EQ(RegSetDWordValue(User, Key, QStringLiteral("Timeout"), 7), Success);
+    EXPECT_FALSE(changeSettings([] { RegSetDWordValue(User, Key, QStringLiteral("Timeout"), 8); },
+                                LockWait::None));
+    EXPECT_LT(time.elapsed(), 1000);
+    EXPECT_EQ(num("Timeout"), 7);
     EXPECT_EQ(takeSettingsFailure(), QString());
 }
 

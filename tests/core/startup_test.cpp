@@ -10,6 +10,9 @@
 
 #include <gtest/gtest.h>
 
+#include <QElapsedTimer>
+#include <QLockFile>
+
 namespace zov {
 namespace {
 
@@ -125,6 +128,41 @@ TEST_F(StartUp, ADamagedStoreIsLeftAloneUntilSomethingIsSaved) {
     RunStartUp(QString(), nullptr);
     EXPECT_EQ(home.read(QStringLiteral("registry.reg")), before);
     EXPECT_EQ(serverCount(), 7);
+}
+
+TEST_F(StartUp, WhatIsDamagedIsToldInASentence) {
+    EXPECT_EQ(damagedSettingsNote(), QString());
+    store("noise\n");
+    EXPECT_EQ(damagedSettingsNote(),
+              home.registryPath() +
+                  QStringLiteral(" holds a line that can't be read; the others are used, and "
+                                 "nothing is lost when settings are saved."));
+    store("noise\n\"Timeout\"=dword:x\n");
+    EXPECT_TRUE(damagedSettingsNote().contains(QStringLiteral(" holds 2 lines that ")));
+}
+
+TEST_F(StartUp, AStoreThatCantBeReadIsNotTakenForAnOldOne) {
+    QDir().mkpath(home.registryPath());
+    RunStartUp(QString(), nullptr);
+    EXPECT_EQ(settingsReadFailure(),
+              QStringLiteral("Cannot read %1: it is a folder.").arg(home.registryPath()));
+    EXPECT_EQ(globals().glngTimeout, 30);
+}
+
+TEST_F(StartUp, AStartDoesNotWaitForAnotherProcessesWriting) {
+    store(TwoServers);
+    const QByteArray before = home.read(QStringLiteral("registry.reg"));
+    QLockFile other(home.registryPath() + QStringLiteral(".lock"));
+    ASSERT_TRUE(other.tryLock(0));
+    QElapsedTimer time;
+    time.start();
+    RunStartUp(QString(), nullptr);
+    EXPECT_LT(time.elapsed(), 2000);
+    EXPECT_EQ(home.read(QStringLiteral("registry.reg")), before);
+    EXPECT_EQ(takeSettingsFailure(), QString());
+    other.unlock();
+    RunStartUp(QString(), nullptr);
+    EXPECT_EQ(serverCount(), 0);
 }
 
 TEST_F(StartUp, AnAbsurdServerCountEndsSoon) {

@@ -1,7 +1,8 @@
 // The two panels in their user's hands: servers, databases, types, filters and
 // selections, also when something has gone away meanwhile.
-#include "core/settings.h"
 #include "catalog/frmFilterBySchema.h"
+#include "core/registry.h"
+#include "core/settings.h"
 #include "data/frmAddServer.h"
 #include "data/frmDeleteServer.h"
 #include "main_window_fixture.h"
@@ -23,6 +24,30 @@ class PanelsInUse : public test::MainWindow {
     PanelsInUse() : MainWindow() {}
     QString rows(int Index) { return test::rowsOf(view.sides[Index].pvlSqlObj); }
 };
+
+TEST_F(PanelsInUse, WhatIsWrongWithTheSettingsIsToldAtTheStart) {
+    home.write(QStringLiteral("registry.reg"), "noise\n");
+    window.Form_Load();
+    EXPECT_EQ(told(), "");  // the window isn't there yet
+    shell.onScreen = [](Screen& screen) { dynamic_cast<frmAddServer&>(screen).cmdCancel(); };
+    window.Form_Activate();
+    EXPECT_EQ(shell.takeLines().value(0),
+              QStringLiteral("exclamation [Settings Damaged]: %1 holds a line that can't be read; "
+                             "the others are used, and nothing is lost when settings are saved.")
+                  .arg(home.registryPath()));
+
+    QFile::remove(home.registryPath());
+    QDir().mkpath(home.registryPath());
+    test::TestView second;
+    frmMain other(second, screens);
+    other.Form_Load();
+    other.Form_Activate();
+    const QString unread =
+        QStringLiteral("exclamation [Settings Not Read]: Cannot read %1: it is a folder.")
+            .arg(home.registryPath());
+    EXPECT_EQ(shell.takeLines().filter(unread).size(), 1);
+    EXPECT_EQ(takeSettingsFailure(), QString());
+}
 
 TEST_F(PanelsInUse, StayEmptyAtStartUnlessTheyAreToConnect) {
     loadDatabases(Source, Target);

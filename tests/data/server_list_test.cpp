@@ -2,6 +2,7 @@
 #include "data/server_list.h"
 
 #include "core/globals.h"
+#include "core/mdlMain.h"
 #include "core/registry.h"
 #include "core/settings.h"
 #include "data/data_access_check.h"
@@ -135,12 +136,16 @@ TEST_F(ServerList, BothPanelsStartWithTheFirstServer) {
 }
 
 TEST_F(ServerList, RemovalNumbersTheOthersAnew) {
-    for (const char* name : {"A", "B", "b", "C"}) add(server(name, "u", "secret"));
-    RemoveServer(QStringLiteral("B"));
+    for (const char* name : {"A", "B", "x", "C"}) add(server(name, "u", "secret"));
+    // Only a file that somebody edited holds a name in two cases.
+    home.write(
+        QStringLiteral("registry.reg"),
+        home.read(QStringLiteral("registry.reg")).replace("\"Name\"=\"x\"", "\"Name\"=\"b\""));
+    EXPECT_TRUE(RemoveServer(QStringLiteral("B")));
     EXPECT_EQ(namesLoaded(), u"1A|2b|3C");
     EXPECT_FALSE(home.read(QStringLiteral("registry.reg")).contains("Server4"));
     EXPECT_FALSE(home.read(QStringLiteral("registry.reg")).contains("db of B"));
-    RemoveServer(QStringLiteral("not there"));
+    EXPECT_FALSE(RemoveServer(QStringLiteral("not there")));
     EXPECT_EQ(namesLoaded(), u"1A|2b|3C");
     RemoveServer(QStringLiteral("A"));
     RemoveServer(QStringLiteral("b"));
@@ -160,6 +165,54 @@ TEST_F(ServerList, AServerThatAnotherProcessAddedStays) {
             "\r\n[HKEY_CURRENT_USER\\Software\\ZOV\\Servers\\Server2]\r\n\"Name\"=\"theirs\"\r\n");
     SaveServerToRegistry(server("mine"));
     EXPECT_EQ(namesLoaded(), u"1A|2theirs|3mine");
+}
+
+TEST_F(ServerList, WhatAnotherProcessRemovedLeavesNoGap) {
+    for (const char* name : {"A", "B", "C"}) add(server(name));
+    // gtServers still holds three.
+    EXPECT_TRUE(RemoveServer(QStringLiteral("A")));
+    EXPECT_EQ(SaveServerToRegistry(server("mine")), ServerSaved::Yes);
+    EXPECT_EQ(namesLoaded(), u"1B|2C|3mine");
+}
+
+TEST_F(ServerList, ANameThatAnotherProcessAddedIsNotAddedTwice) {
+    add(server("A"));
+    globals().gtServers.clear();  // as it was before the other one came
+    ServerInfo again = server("a", "their login", "p");
+    EXPECT_EQ(SaveServerToRegistry(again), ServerSaved::AlreadyThere);
+    EXPECT_EQ(namesLoaded(), u"1A");
+    EXPECT_FALSE(home.read(QStringLiteral("registry.reg")).contains("their login"));
+    EXPECT_EQ(serverNotSavedText(ServerSaved::AlreadyThere),
+              u"This server is already added to the list.");
+}
+
+TEST_F(ServerList, AFullListTakesNoMore) {
+    add(server("A"));
+    RegSetDWordValue(RegRoot::CurrentUser, settings_key::Servers, QStringLiteral("Count"),
+                     MaxStoredServers);
+    EXPECT_EQ(SaveServerToRegistry(server("B")), ServerSaved::ListIsFull);
+    EXPECT_FALSE(home.read(QStringLiteral("registry.reg")).contains("\"B\""));
+    EXPECT_EQ(serverNotSavedText(ServerSaved::ListIsFull),
+              u"The list holds 1000 servers, which is as many as it can. Remove one first.");
+}
+
+TEST_F(ServerList, WhatIsNotedOfAServerGoesToItAndNotToItsOldNumber) {
+    for (const char* name : {"A", "B", "C"}) add(server(name));
+    const ServerInfo b = globals().gtServers[1];
+    const ServerInfo c = globals().gtServers[2];
+    ASSERT_TRUE(RemoveServer(QStringLiteral("B")));  // by another instance: C is number 2 now
+    StoreServerDatabase(c, QStringLiteral("C2"));
+    StoreServerVersion(c, QStringLiteral("16.0"));
+    StoreServerDatabase(b, QStringLiteral("B2"));
+    StoreServerVersion(b, QStringLiteral("17.0"));
+    EXPECT_EQ(StoredServerVersion(c), u"16.0");
+    EXPECT_EQ(StoredServerVersion(b), u"");
+    EXPECT_EQ(globals().gtServers[2].MRUDb, u"C2");
+    EXPECT_EQ(namesLoaded(), u"1A|2C");
+    EXPECT_EQ(globals().gtServers[0].MRUDb, u"db of A");
+    EXPECT_EQ(globals().gtServers[0].Version, u"9.00.1399.06");
+    EXPECT_EQ(globals().gtServers[1].MRUDb, u"C2");
+    EXPECT_FALSE(home.read(QStringLiteral("registry.reg")).contains("B2"));
 }
 
 TEST_F(ServerList, AFullDiskLeavesTheListAsItWas) {
@@ -308,6 +361,23 @@ TEST_F(ServerList, AReachableServerIsAddedAndBecomesThePanels) {
     EXPECT_EQ(globals().gtServers[0].MRUDb, u"master");
     EXPECT_EQ(globals().gtServers[0].Version, u"");
     EXPECT_EQ(globals().gtCurrentServers[TargetPanel].Name, u"local:here");
+}
+
+TEST_F(ServerList, AServerAddedElsewhereMeanwhileIsRefusedAtTheLastStep) {
+    makeLocalServer(QStringLiteral("local:here"));
+    playAdd(recorder, [&](frmAddServer& screen) {
+        SaveServerToRegistry(server("LOCAL:HERE"));  // gtServers doesn't know
+        screen.txtServer = QStringLiteral("local:here");
+        screen.cmdOK();
+        EXPECT_FALSE(screen.isClosed());
+    });
+    frmAddServer screen;
+    EXPECT_FALSE(screen.ShowUp());
+    EXPECT_EQ(recorder.lines,
+              (QStringList{QStringLiteral("screen frmAddServer"),
+                           QStringLiteral("information: This server is already added to the list."),
+                           QStringLiteral("focus txtServer, text selected")}));
+    EXPECT_EQ(namesLoaded(), u"1LOCAL:HERE");
 }
 
 TEST_F(ServerList, TheTestFallsBackToTheLoginAlone) {

@@ -144,6 +144,26 @@ TEST(Screens, TheLoginFieldsFollowTheKindOfLogin) {
     EXPECT_TRUE(desktop.user.isDone());
 }
 
+TEST(Screens, StoredNumbersThatABoxCantShowAreNoChange) {
+    Desktop desktop;
+    desktop.show();
+    globals().glngTimeout = -5;
+    globals().glngMaxRowsInDiffTable = -1;
+    globals().glngCacheSize = 2'000'000'000;
+    desktop.user.plan([&](QWidget* screen) { QTest::keyClick(screen, Qt::Key_Escape); });
+    desktop.window().runCommand(cmd::Options);
+    EXPECT_EQ(desktop.user.takeSeen(), QStringList()) << "asked whether to save";
+    EXPECT_EQ(globals().glngTimeout, -5);
+    desktop.user.plan([&](QWidget* screen) {
+        child<QSpinBox>(screen, "txtTimeout")->setValue(3);
+        child<QSpinBox>(screen, "txtMaxRows")->setValue(20);
+        QTest::keyClick(screen, Qt::Key_Return);
+    });
+    desktop.window().runCommand(cmd::Options);
+    EXPECT_EQ(globals().glngTimeout, 3);
+    EXPECT_EQ(globals().glngCacheSize, 2'000'000'000);
+}
+
 TEST(Screens, OptionsAreSavedFromTheirPagesAndEscAsksFirst) {
     Desktop desktop;
     desktop.show();

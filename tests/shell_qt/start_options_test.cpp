@@ -2,6 +2,7 @@
 #include "shell/qt/start_options.h"
 
 #include "core/CCommandArgs.h"
+#include "data/script_loading.h"
 #include "data/server_list.h"
 #include "shell/qt/appearance.h"
 #include "shell_qt/desktop.h"
@@ -79,6 +80,12 @@ TEST(StartOptions, EmbeddedServersAreStoredOnce) {
     Desktop desktop;
     const StartOptions options =
         parseStartOptions(words("--source local:fresh --target LOCAL:FRESH --source-db some"));
+    qt::storeEmbeddedServers(options);
+    EXPECT_EQ(GetServerCount(), 1) << "there is no such server yet";
+    ServerInfo fresh;
+    fresh.Name = QStringLiteral("local:fresh");
+    LoadScripts(fresh, QStringLiteral("some"),
+                {desktop.home.write(QStringLiteral("fresh.sql"), "CREATE TABLE T (a int)\n")});
     qt::storeEmbeddedServers(options);
     qt::storeEmbeddedServers(options);
     qt::storeEmbeddedServers(parseStartOptions(words("--source host,1433")));

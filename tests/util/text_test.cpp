@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <limits>
 
 namespace zov {
 namespace {
@@ -39,8 +40,12 @@ TEST(RoundToInt32, RoundsHalvesToEvenAndStopsAtTheRangesEnds) {
                         {1e9, 1'000'000'000},
                         {3e9, 2147483647},
                         {-3e9, -2147483647 - 1},
+                        {std::numeric_limits<double>::infinity(), 2147483647},
+                        {-std::numeric_limits<double>::infinity(), -2147483647 - 1},
                         {std::nan(""), 0}};
     for (const Row& row : rows) EXPECT_EQ(roundToInt32(row.from), row.to) << row.from;
+    EXPECT_EQ(ValInt32(QStringLiteral("1e999")), 2147483647);
+    EXPECT_EQ(roundToInt64(-1e300), std::numeric_limits<qint64>::min());
 }
 
 TEST(IsNumeric, WantsTheWholeText) {

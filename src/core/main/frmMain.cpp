@@ -93,12 +93,33 @@ void frmMain::Form_Activate() {
     if (activated_) return;
     activated_ = true;
     guardedRun(Module, "Form_Activate", [&] {
+        if (!tellUnreadSettings()) {
+            const QString damage = damagedSettingsNote();
+            if (!damage.isEmpty())
+                shell().messageBox(damage, QStringLiteral("Settings Damaged"),
+                                   BoxIcon::Exclamation);
+        }
         if (readBooleanSetting(QStringLiteral("ShowTipOfDay"))) screens_.showTip();
         serverInfoSet();
     });
 }
 
+bool frmMain::tellUnreadSettings() {
+    const QString failure = settingsReadFailure();
+    if (failure.isEmpty()) return false;
+    takeSettingsFailure();
+    if (unreadSettingsTold_) return true;
+    unreadSettingsTold_ = true;
+    shell().messageBox(
+        failure + QStringLiteral("\r\n\r\nThe program's defaults are used in place of what is "
+                                 "stored there, and a list of servers that can't be read is shown "
+                                 "as empty. Make the file readable and start the program again."),
+        QStringLiteral("Settings Not Read"), BoxIcon::Exclamation);
+    return true;
+}
+
 void frmMain::tellSettingsFailure() {
+    if (tellUnreadSettings()) return;
     const QString failure = takeSettingsFailure();
     if (failure.isEmpty() || settingsFailureTold_) return;
     settingsFailureTold_ = true;

@@ -171,6 +171,8 @@ class frmMain : public PanelWindow,
     }
     /// Says once, and after the options each time, that the settings could not be stored.
     void tellSettingsFailure();
+    /// False when all reads of the settings went well.
+    bool tellUnreadSettings();
 
     void showPanelServer(int Index);
     void showTypeToolTips(ObjectType type);
@@ -209,6 +211,7 @@ class frmMain : public PanelWindow,
     bool activated_ = false;
     bool printJob_ = false;
     bool settingsFailureTold_ = false;
+    bool unreadSettingsTold_ = false;
     bool askForDataOptions_ = false;
     PairVerdict verdict_;
     bool reportShown_ = false;  ///< by the comparison under way

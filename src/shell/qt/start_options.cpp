@@ -127,6 +127,8 @@ void storeEmbeddedServers(const StartOptions& options) {
         ServerInfo server;
         server.Name = side.server;
         server.MRUDb = side.database.isEmpty() ? QStringLiteral("master") : side.database;
+        // A slip of the pen doesn't get into the list: it is asked for like any other server.
+        if (!TestServerConnection(server)) continue;
         SaveServerToRegistry(server);
         LoadServersFromRegistry();
         added = true;

@@ -32,8 +32,8 @@ struct StartOptions {
 /// `arguments` without the program's name.
 StartOptions parseStartOptions(const QStringList& arguments);
 
-/// An embedded server that is named and isn't stored yet is added to the list; nothing is asked.
-/// Other servers need a login: they are left to openStartPanels.
+/// An embedded server that is named, is there and isn't stored yet is added to the list; nothing is
+/// asked. All others are left to openStartPanels.
 void storeEmbeddedServers(const StartOptions& options);
 
 /// Selects servers and databases as a user would. A server that isn't stored is asked for with the

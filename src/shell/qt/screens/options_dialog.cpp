@@ -121,12 +121,21 @@ QWidget* OptionsDialog::makePage(const OptionsPage& page) {
     return box;
 }
 
+namespace {
+
+/// A stored number beyond what the box can show isn't changed by having been shown.
+void takeNumber(const QSpinBox& box, qint32& value) {
+    if (box.value() != qBound(box.minimum(), value, box.maximum())) value = box.value();
+}
+
+}  // namespace
+
 void OptionsDialog::takeFields() {
     for (auto it = checks_.constBegin(); it != checks_.constEnd(); ++it)
         screen_.values.*frmOptions::checkBox(it.key()) = it.value()->isChecked();
-    screen_.values.txtTimeout = timeout_->value();
-    screen_.values.txtMaxRows = maxRows_->value();
-    screen_.values.txtCacheSize = cacheSize_->value();
+    takeNumber(*timeout_, screen_.values.txtTimeout);
+    takeNumber(*maxRows_, screen_.values.txtMaxRows);
+    takeNumber(*cacheSize_, screen_.values.txtCacheSize);
     screen_.values.serverSide = serverSide_->isChecked();
 }
 
