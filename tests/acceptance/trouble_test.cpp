@@ -140,6 +140,58 @@ TEST_F(Trouble, ServersOutOfReach) {
         {"libnosuch.so"});
 }
 
+TEST_F(Trouble, ADriverThatCrashesIsNamed) {
+    home_.setEnvironment("ZOVRAND_PASSWORD", "secret");
+    home_.setEnvironment("ZOVRAND_ODBC_DRIVER", ZOV_CRASHING_DRIVER);
+    const QStringList server{"127.0.0.1,1", "--login", "sa"};
+    for (const QStringList& command : {QStringList{"compare", "--source-db", "A", "--target",
+                                                   "127.0.0.1,1", "--target-db", "A", "--source"} +
+                                           server,
+                                       QStringList{"query", "SELECT 1", "-d", "A", "-S"} + server})
+        expectTrouble(home_.run(command), {"The ODBC driver " ZOV_CRASHING_DRIVER " has crashed",
+                                           "ZOVRAND_ODBC_DRIVER"});
+}
+
+TEST_F(Trouble, WithoutMemoryItSaysSo) {
+#ifdef __SANITIZE_ADDRESS__
+    GTEST_SKIP() << "the sanitizer itself needs more address space than the test leaves";
+#endif
+    QByteArray rows = "CREATE TABLE Big (Id int PRIMARY KEY, T nvarchar(max))\nGO\n";
+    for (int i = 0; i < 3000; ++i)
+        rows += "INSERT INTO Big VALUES (" + QByteArray::number(i) + ", N'" +
+                QByteArray(4000, 'x') + "')\n";
+    home_.loadText(Server, "Big", rows);
+    const QStringList data{"data", "--source",    Server, "--source-db", "Big", "--target",
+                           Server, "--target-db", "Big",  "--table",     "Big", "--sort",
+                           "T"};
+    const QStringList query{"query",
+                            "-S",
+                            Server,
+                            "-d",
+                            "Big",
+                            "--set",
+                            "CursorConnectionUseServer=0",
+                            "SELECT * FROM Big ORDER BY T"};
+    int failed = 0;
+    // Sizes of the address space in which it can start, and less and less can be done.
+    for (const int megabytes : {400, 300, 260, 230, 200, 180, 160}) {
+        for (const QStringList& command : {data, query}) {
+            SCOPED_TRACE(megabytes);
+            const CliResult result =
+                home_.runInShell(QStringLiteral("ulimit -c 0; ulimit -v %1; exec \"$0\" \"$@\"")
+                                     .arg(megabytes * 1024),
+                                 command);
+            if (result.status == 127) continue;  // not even loaded
+            EXPECT_TRUE(result.status == 0 || result.status == 2)
+                << ::testing::PrintToString(CliResult{result.status, {}, result.err});
+            if (result.status != 2) continue;
+            ++failed;
+            EXPECT_TRUE(result.err.startsWith("zovrand-cli: ")) << result.err.toStdString();
+        }
+    }
+    EXPECT_GT(failed, 0) << "memory was enough each time: the sizes are to be made smaller";
+}
+
 TEST_F(Trouble, TheServerRefuses) {
     loadSmall("local:" + home_.path("wire"));
     TdsEndpointOptions options;

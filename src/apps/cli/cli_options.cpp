@@ -315,6 +315,9 @@ void describeCommands(CLI::App& app, Options& options, Fields& fields, Choices& 
     CLI::App* list = app.add_subcommand("list", "Names of a database's objects, one a line");
     addServer(list, options, fields);
     addType(list, options, fields);
+    list->add_flag("-0,--null", options.nulBetween,
+                   "End each name with a NUL instead of a line break, and show it as it is: "
+                   "otherwise control characters come as signs");
     list->footer(ListExamples);
     choices.emplace_back(list, Command::List);
 

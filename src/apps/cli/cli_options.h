@@ -43,6 +43,7 @@ struct Options {
 
     QString sql;         // query
     QString type;        // list, text
+    bool nulBetween = false;  // list
     QString objectName;  // text
 
     // compare

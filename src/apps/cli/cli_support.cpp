@@ -4,30 +4,47 @@
 #include "core/globals.h"
 #include "data/sql_names.h"
 #include "shell/console/console_shell.h"
+#include "shell/console/interrupt.h"
 #include "shell/console/terminal.h"
+#include "shell/console/visible_text.h"
 #include "util/text.h"
 
 #include <QRegularExpression>
+#include <QScopeGuard>
 
 #include <cstdio>
 
 namespace zov::cli {
 namespace {
 
-QString firstLineOfStandardInput() {
+/// An input that ends at once holds no password, not an empty one.
+QString passwordLine() {
     QByteArray line;
-    for (int c = std::getchar(); c != EOF && c != '\n'; c = std::getchar()) line.append(char(c));
+    switch (readInputLine(line)) {
+        case LineRead::Line:
+            break;
+        case LineRead::EndOfInput:
+            throw Failure(
+                QStringLiteral("No password was given: the input ended.\n"
+                               "An empty password is an empty line."));
+        case LineRead::Interrupted:
+            throw Failure(QStringLiteral("Stopped."));
+        case LineRead::Failed:
+            throw Failure(
+                QStringLiteral("The password can't be read from standard input.\n"
+                               "Give it as one line, or in ZOVRAND_PASSWORD."));
+    }
     if (line.endsWith('\r')) line.chop(1);
     return QString::fromLocal8Bit(line);
 }
 
 QString askForPassword(const QString& login) {
-    std::fprintf(stderr, "Password of %s: ", qPrintable(login));
-    setTerminalEcho(false);
-    const QString password = firstLineOfStandardInput();
-    setTerminalEcho(true);
-    std::fputc('\n', stderr);
-    return password;
+    std::fputs(qPrintable(QStringLiteral("Password of %1: ").arg(visibleText(login))), stderr);
+    std::fflush(stderr);
+    // The cursor stands behind the prompt, however this ends.
+    const auto lineEnd = qScopeGuard([] { std::fputc('\n', stderr); });
+    const HiddenTyping hidden;
+    return passwordLine();
 }
 
 bool isLocal(const QString& server) {
@@ -64,7 +81,8 @@ constexpr NamedType NamedTypes[] = {
 QString passwordFor(const Options& options, const QString& login, const char* variable) {
     if (options.passwordFromStdin) {
         // Standard input has one first line, whoever asks for it.
-        static const QString line = firstLineOfStandardInput();
+        static const QString line =
+            standardInputIsTerminal() ? askForPassword(login) : passwordLine();
         return line;
     }
     for (const char* name : {variable, "ZOVRAND_PASSWORD"}) {
@@ -259,7 +277,10 @@ bool tellTrouble(ConsoleShell& console, const RunAccount& account) {
 }
 
 void writeOut(const QString& text) {
-    const QByteArray bytes = text.toUtf8();
+    // Half a result must not pass for one.
+    if (interruptRequested()) throw Failure(QStringLiteral("Stopped."));
+    static const bool isShown = standardOutputIsTerminal();
+    const QByteArray bytes = (isShown ? visibleText(text, LineBreaks::Keep) : text).toUtf8();
     if (std::fwrite(bytes.constData(), 1, size_t(bytes.size()), stdout) != size_t(bytes.size())) {
         throw Failure(QStringLiteral("Standard output cannot be written."));
     }

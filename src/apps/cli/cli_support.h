@@ -79,7 +79,8 @@ QString fullNames(const std::vector<ObjectListRow>& rows);
 /// Tells what failed in a run and wasn't told when it did. True when there was anything.
 bool tellTrouble(ConsoleShell& console, const RunAccount& account);
 
-/// Writes to standard output with plain line feeds; throws Failure when that is impossible.
+/// Writes to standard output with plain line feeds; throws Failure when that is impossible, or when
+/// the run was interrupted. On a terminal, signs that it would act on are shown as signs.
 void writeOut(const QString& text);
 void flushOut();
 

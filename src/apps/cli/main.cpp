@@ -7,16 +7,19 @@
 #include "core/mdlMain.h"
 #include "core/registry.h"
 #include "core/settings.h"
+#include "data/odbc/driver_crash.h"
 #include "data/server_list.h"
 #include "shell/console/console_shell.h"
 #include "shell/console/interrupt.h"
-#include "util/paths.h"
+#include "shell/console/terminal.h"
 
 #include <QCoreApplication>
 
+#include <chrono>
 #include <cstdio>
 #include <cstdlib>
 #include <exception>
+#include <new>
 
 namespace zov::cli {
 namespace {
@@ -59,34 +62,68 @@ void overrideSettings(const QStringList& settings) {
     }
 }
 
+/// Settings say what counts as a difference, and which servers there are: without them no result is
+/// worth anything.
+void throwIfSettingsUnread() {
+    const QString failure = settingsReadFailure();
+    if (failure.isEmpty()) return;
+    throw Failure(failure +
+                  QStringLiteral("\nThe stored settings are needed to go on. Make the file "
+                                 "readable, or name another folder in ZOVRAND_HOME."));
+}
+
+bool onlyReads(Command command) {
+    switch (command) {
+        case Command::ServerAdd:
+        case Command::ServerRemove:
+        case Command::Load:
+            return false;
+        default:
+            return true;
+    }
+}
+
 int startAndRun(const Options& options, ConsoleShell& console) {
     overrideSettings(options.settings);
     RunStartUp(QString(), LoadServersFromRegistry);
+    if (const QString damage = damagedSettingsNote(); !damage.isEmpty()) console.showNote(damage);
+    throwIfSettingsUnread();
     // Noting the version and the program's folder may fail in a home that can't be written; that
     // matters only to the commands that save something.
     takeSettingsFailure();
-    if (const int broken = brokenSettingsLines(); broken > 0) {
-        console.showNote(
-            QStringLiteral("%1 holds %2 that can't be read; the others are used, and "
-                           "nothing is lost when settings are saved.")
-                .arg(settingsFilePath(), broken == 1 ? QStringLiteral("a line")
-                                                     : QStringLiteral("%1 lines").arg(broken)));
-    }
-    return run(options, console);
+    const int status = run(options, console);
+    throwIfSettingsUnread();
+    // A load has told what stands and what doesn't; all others have no result when they were
+    // stopped.
+    if (interruptRequested() && onlyReads(options.command))
+        throw Failure(QStringLiteral("Stopped."));
+    return status;
 }
 
-// Memory that runs out where nothing can be caught ends the program as trouble does. Nothing more
-// is asked of it here: what was begun is undone by the next start.
-[[noreturn]] void endForWantOfMemory() {
-    static const char text[] = "zovrand-cli: Out of memory. Close other programs and try again.\n";
-    std::fwrite(text, 1, sizeof text - 1, stderr);
+/// What nobody caught, most likely since there was no memory to catch it with.
+[[noreturn]] void endUncaught() {
+    const char* words = "zovrand-cli: The program failed inside and can't go on.\n";
+    try {
+        if (const std::exception_ptr failure = std::current_exception())
+            std::rethrow_exception(failure);
+    } catch (const std::bad_alloc&) {
+        words = "zovrand-cli: Out of memory. Close other programs and try again.\n";
+    } catch (...) {
+    }
+    restoreTerminal();
+    std::fputs(words, stderr);
     std::_Exit(Trouble);
 }
 
 // Before the program's own globals are made, which take memory as well.
 [[gnu::constructor(101)]] void beReadyForWantOfMemory() {
-    std::set_terminate(endForWantOfMemory);
+    std::set_terminate(endUncaught);
 }
+
+/// How long a run that was interrupted may take to end by itself.
+constexpr auto PatienceWhenStopped = std::chrono::milliseconds(700);
+/// A load first undoes what it did, however long that takes.
+constexpr auto PatienceOfALoad = std::chrono::hours(24);
 
 }  // namespace
 }  // namespace zov::cli
@@ -101,10 +138,21 @@ int main(int argc, char** argv) {
     console.onInterrupt = [] { globals().gblnStop = true; };
     installShell(&console);
     catchInterrupts();
+    std::set_terminate(cli::endUncaught);
+    odbc::tellDriverCrashes("zovrand-cli", cli::Trouble);
     try {
+        const InterruptWatch watch(options->command == cli::Command::Load
+                                       ? cli::PatienceOfALoad
+                                       : cli::PatienceWhenStopped,
+                                   "zovrand-cli: Stopped.\n");
         status = cli::startAndRun(*options, console);
     } catch (const cli::Failure& failure) {
         console.showError(failure.text);
+        status = cli::Trouble;
+    } catch (const std::bad_alloc&) {
+        console.showError(QStringLiteral(
+            "Out of memory.\nCompare or read less at once, or let rows be streamed with --set "
+            "CursorConnectionUseServer=1."));
         status = cli::Trouble;
     } catch (...) {
         console.showError(caughtError().description);

@@ -3,6 +3,7 @@
 #include "core/globals.h"
 #include "scripting/modNew.h"
 #include "shell/console/console_shell.h"
+#include "shell/console/visible_text.h"
 #include "shell/memory_controls.h"
 #include "util/text.h"
 
@@ -66,7 +67,8 @@ int runList(const Options& options, ConsoleShell& console) {
     LoadedList loaded;
     if (!load(options, console, loaded)) return Trouble;
     for (int row = 0; row < loaded.list.rowCount(); ++row) {
-        writeOut(loaded.list.row(row).name + u'\n');
+        const QString& name = loaded.list.row(row).name;
+        writeOut(options.nulBetween ? name + QChar(u'\0') : visibleText(name) + u'\n');
     }
     flushOut();
     return Identical;

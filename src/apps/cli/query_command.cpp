@@ -6,40 +6,10 @@
 #include "shell/console/console_shell.h"
 #include "shell/console/interrupt.h"
 
-#include <atomic>
-#include <chrono>
-#include <thread>
-
 namespace zov::cli {
 namespace {
 
 constexpr qsizetype RowsAtOnce = 1024;
-
-/// Cancels the running statement once Ctrl-C was pressed.
-class CancelOnInterrupt {
- public:
-    explicit CancelOnInterrupt(const std::shared_ptr<ProviderConnection>& session)
-        : session_(session), watcher_([this] { watch(); }) {}
-    ~CancelOnInterrupt() {
-        done_ = true;
-        watcher_.join();
-    }
-
- private:
-    void watch() {
-        while (!done_) {
-            if (interruptRequested()) {
-                session_->cancel();
-                return;
-            }
-            std::this_thread::sleep_for(std::chrono::milliseconds(50));
-        }
-    }
-
-    std::shared_ptr<ProviderConnection> session_;
-    std::atomic<bool> done_{false};
-    std::thread watcher_;
-};
 
 /// A value on one line: tabs, line breaks and backslashes as \t, \n, \r, \\.
 void appendEscaped(QString& line, const QString& value) {
@@ -75,7 +45,6 @@ void writeRows(ResultStream& stream) {
     RowStore rows(columns);
     for (; stream.fetch(rows, RowsAtOnce) > 0; rows.clear()) {
         for (qsizetype row = 0; row < rows.rowCount(); ++row) {
-            if (interruptRequested()) throw Failure(QStringLiteral("Stopped."));
             line.clear();
             for (int i = 0; i < rows.columnCount(); ++i) {
                 if (i > 0) line += u'\t';
@@ -112,7 +81,7 @@ int runQuery(const Options& options, ConsoleShell& console) {
         connection->Open();
         connected = true;
         const auto session = connection->sessionForNewCommand();
-        const CancelOnInterrupt canceller(session);
+        const BreakOff atInterrupt([session] { session->cancel(); });
         CommandSpec command;
         command.text = options.sql;
         command.timeout = globals().glngTimeout;

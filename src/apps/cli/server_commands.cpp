@@ -4,6 +4,8 @@
 #include "core/registry.h"
 #include "data/server_list.h"
 #include "shell/console/console_shell.h"
+#include "shell/console/interrupt.h"
+#include "shell/console/visible_text.h"
 #include "util/text.h"
 
 namespace zov::cli {
@@ -18,6 +20,15 @@ void throwIfNotSaved() {
                                  "another folder to keep it in."));
 }
 
+[[noreturn]] void throwNotSaved(const ServerInfo& server, ServerSaved saved) {
+    QString text = serverNotSavedText(saved);
+    if (saved == ServerSaved::AlreadyThere)
+        text += QStringLiteral(
+                    "\nTo store it with another login, first: zovrand-cli server remove \"%1\".")
+                    .arg(server.Name);
+    throw Failure(text);
+}
+
 }  // namespace
 
 int runServerAdd(const Options& options, ConsoleShell& console) {
@@ -26,13 +37,7 @@ int runServerAdd(const Options& options, ConsoleShell& console) {
     if (server.Name.isEmpty()) throw Failure(QStringLiteral("Please enter server name."));
     server.MRUDb = Trim(options.server.database);
     if (server.MRUDb.isEmpty()) server.MRUDb = QStringLiteral("master");
-    if (IsServerInList(server.Name)) {
-        throw Failure(
-            QStringLiteral("This server is already added to the list.\n"
-                           "To store it with another login, first: zovrand-cli server remove "
-                           "\"%1\".")
-                .arg(server.Name));
-    }
+    if (IsServerInList(server.Name)) throwNotSaved(server, ServerSaved::AlreadyThere);
     server.LoginName = Trim(options.sqlLogin);
     server.SQLAuth = !server.LoginName.isEmpty();
     if (server.SQLAuth) server.Password = passwordFor(options, server.LoginName);
@@ -41,9 +46,11 @@ int runServerAdd(const Options& options, ConsoleShell& console) {
         reachServer(server, QString(), SourcePanel);
         throw Failure(QStringLiteral("Cannot connect to the server."));
     }
+    if (interruptRequested()) throw Failure(QStringLiteral("Stopped: nothing was stored."));
     takeSettingsFailure();
-    SaveServerToRegistry(server);
+    const ServerSaved saved = SaveServerToRegistry(server);
     throwIfNotSaved();
+    if (saved != ServerSaved::Yes) throwNotSaved(server, saved);
     LoadServersFromRegistry();
     console.showNote(QStringLiteral("Added %1.").arg(server.Name));
     return Identical;
@@ -52,20 +59,17 @@ int runServerAdd(const Options& options, ConsoleShell& console) {
 int runServerList() {
     for (const ServerInfo& server : globals().gtServers) {
         const QString login = server.SQLAuth ? server.LoginName : QStringLiteral("(Windows)");
-        writeOut(server.Name + u'\t' + login + u'\t' + server.MRUDb + u'\n');
+        writeOut(visibleText(server.Name) + u'\t' + visibleText(login) + u'\t' +
+                 visibleText(server.MRUDb) + u'\n');
     }
     flushOut();
     return Identical;
 }
 
 int runServerRemove(const Options& options) {
-    for (const ServerInfo& server : globals().gtServers) {
-        if (server.Name != options.name) continue;
-        takeSettingsFailure();
-        RemoveServer(server.Name);
-        throwIfNotSaved();
-        return Identical;
-    }
+    takeSettingsFailure();
+    if (RemoveServer(options.name)) return Identical;
+    throwIfNotSaved();
     throw Failure(QStringLiteral("There is no stored server \"%1\".\n"
                                  "The list is shown by: zovrand-cli server list.")
                       .arg(options.name));

@@ -2,6 +2,7 @@
 #include "core/globals.h"
 #include "core/mdlMain.h"
 #include "core/product.h"
+#include "data/odbc/driver_crash.h"
 #include "data/server_list.h"
 #include "shell/qt/appearance.h"
 #include "shell/qt/desktop_screens.h"
@@ -38,6 +39,7 @@ int main(int argc, char** argv) {
         return options.exitStatus;
     }
 
+    zov::odbc::tellDriverCrashes("zovrand", 2);
     zov::qt::QtShell shell;
     zov::installShell(&shell);
     zov::RunStartUp(options.rest, [] { zov::LoadServersFromRegistry(); });

@@ -2,6 +2,7 @@
 
 #include "shell/console/interrupt.h"
 #include "shell/console/terminal.h"
+#include "shell/console/visible_text.h"
 #include "shell/screen.h"
 
 #include <QStringList>
@@ -45,7 +46,7 @@ void ConsoleShell::writeLines(const QString& text) {
     plain.replace(u'\r', u'\n');
     for (const QString& line : plain.split(u'\n', Qt::SkipEmptyParts)) {
         if (line.trimmed().isEmpty()) continue;
-        lines += start + line.trimmed() + u'\n';
+        lines += start + visibleText(line.trimmed()) + u'\n';
         start = QStringLiteral("  ");
     }
     write_(lines);
@@ -67,7 +68,7 @@ void ConsoleShell::showProgress(const QString& text) {
     if (!terminal_) return;
     if (sinceProgress_.isValid() && sinceProgress_.elapsed() < ProgressIntervalMs) return;
     sinceProgress_.start();
-    const QString line = text.left(LineWidth);
+    const QString line = visibleText(text).left(LineWidth);
     write_(u'\r' + line + QString(qMax(0, progressLength_ - int(line.size())), u' '));
     progressLength_ = int(line.size());
 }
@@ -101,6 +102,18 @@ BoxAnswer ConsoleShell::askYesNoCancel(const QString& text, const QString& title
 
 void ConsoleShell::pumpEvents() {
     if (interruptRequested() && onInterrupt) onInterrupt();
+}
+
+bool ConsoleShell::runBlocking(const std::function<void()>& work,
+                               const std::function<void()>& cancel) {
+    // Nobody waits for an answer any more.
+    if (interruptRequested()) {
+        if (onInterrupt) onInterrupt();
+        return false;
+    }
+    const BreakOff atInterrupt(cancel);
+    work();
+    return true;
 }
 
 void ConsoleShell::openWithDesktop(const QString& fileOrUrl) {

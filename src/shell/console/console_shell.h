@@ -1,6 +1,7 @@
 // The shell of the command line: boxes become lines on standard error, questions
 // are answered No, progress is one line that is written over while standard
-// error is a terminal, and Ctrl-C is the Stop button.
+// error is a terminal, and Ctrl-C is the Stop button. What messages hold of signs
+// that a terminal would act on is shown as signs.
 #pragma once
 
 #include "shell/shell.h"
@@ -39,6 +40,8 @@ class ConsoleShell : public Shell {
     bool askYesNo(const QString& text, const QString& title) override;
     BoxAnswer askYesNoCancel(const QString& text, const QString& title) override;
     void pumpEvents() override;
+    bool runBlocking(const std::function<void()>& work,
+                     const std::function<void()>& cancel) override;
     void setClipboardText(const QString&) override {}
     void openWithDesktop(const QString& fileOrUrl) override;
     QString askSavePath(const QString&, const QString&, const QString&) override { return {}; }
