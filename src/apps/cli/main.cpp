@@ -138,7 +138,6 @@ int main(int argc, char** argv) {
     console.onInterrupt = [] { globals().gblnStop = true; };
     installShell(&console);
     catchInterrupts();
-    std::set_terminate(cli::endUncaught);
     odbc::tellDriverCrashes("zovrand-cli", cli::Trouble);
     try {
         const InterruptWatch watch(options->command == cli::Command::Load
