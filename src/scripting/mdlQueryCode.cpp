@@ -27,11 +27,12 @@ struct TableLiterals {
     QString identity;  ///< for ident_seed and ident_incr, which read it as a statement would
 };
 
-// A plain name of the default schema stands as it is.
+// A plain name of the default schema stands as it is. Blanks at the ends would get lost.
 QString identityName(const ObjectRef& table) {
     const bool defaultSchema = table.schema.isEmpty() || table.schema == QLatin1StringView("dbo");
     const bool plain = !table.name.contains(u'.') && !table.name.contains(u'[') &&
-                       !table.name.contains(u']') && !table.name.contains(u'"');
+                       !table.name.contains(u']') && !table.name.contains(u'"') &&
+                       table.name.trimmed() == table.name;
     if (plain && defaultSchema && !table.hasNamesakes) return table.name;
     return quotedName(table.schema, table.name);
 }

@@ -168,6 +168,7 @@ TEST_F(StatementsSent, AnIdentityIsAskedOfTheTableThatIsMeant) {
         {"dbo", "T", true, "[dbo].[T]"},
         {"hr", "T", false, "[hr].[T]"},
         {"dbo", "p.q", false, "[dbo].[p.q]"},
+        {"dbo", " led", false, "[dbo].[ led]"},
         {"", "p.q", false, "[p.q]"},
         {"dbo", "a]b", false, "[dbo].[a]]b]"},
         {"d'o", "x\"", false, "[d''o].[x\"]"},
