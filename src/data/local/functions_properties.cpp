@@ -101,7 +101,7 @@ void listProperties(sqlite3_context* context, int, sqlite3_value** v) {
             QStringLiteral("The embedded server doesn't list the extended properties of "
                            "%1.")
                 .arg(deepest));
-    LookUp find(QueryCache::of(*static_cast<Database*>(sqlite3_user_data(context))), sql);
+    LookUp find(QueryCache::of(*static_cast<Database*>(dataOf(context))), sql);
     for (const int name : {0, 2, 4, 6}) {
         if (isNull(v[name]))
             find.bindNull();

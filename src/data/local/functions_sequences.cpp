@@ -26,7 +26,7 @@ bool advance(qint64 current, qint64 step, qint64 least, qint64 most, bool cycle,
 }
 
 void nextValue(sqlite3_context* context, int, sqlite3_value** v) {
-    QueryCache& cache = QueryCache::of(*static_cast<Database*>(sqlite3_user_data(context)));
+    QueryCache& cache = QueryCache::of(*static_cast<Database*>(dataOf(context)));
     const qint64 id = sqlite3_value_int64(v[0]);
     QString name, info;
     {

@@ -438,18 +438,19 @@ Database& ServerStore::systemDatabase(const QString& name, int id) {
 }
 
 Database& ServerStore::newDatabase(const QString& name) {
+    if (name.isEmpty() || name.size() > 128)
+        throw nativeError(103, QStringLiteral("A database's name has 1 to 128 characters."));
     return stageNew(name, nextDatabaseId()).database;
 }
 
 Database& ServerStore::openOrCreate(const QString& name) {
     if (hasDatabase(name)) return database(name);
+    Database& made = newDatabase(name);
     unclaimed_.insert(fold(name));
-    return newDatabase(name);
+    return made;
 }
 
 void ServerStore::createDatabase(const QString& name) {
-    if (name.isEmpty() || name.size() > 128)
-        throw nativeError(103, QStringLiteral("A database's name has 1 to 128 characters."));
     if (transactionCount_ > 0)
         throw nativeError(226, QStringLiteral("CREATE DATABASE statement not allowed within "
                                               "multi-statement transaction."));

@@ -105,7 +105,7 @@ void ConsoleShell::pumpEvents() {
 }
 
 bool ConsoleShell::runBlocking(const std::function<void()>& work,
-                               const std::function<void()>& cancel) {
+                               const std::function<void()>& cancel, const QString&) {
     // Nobody waits for an answer any more.
     if (interruptRequested()) {
         if (onInterrupt) onInterrupt();

@@ -40,8 +40,8 @@ class ConsoleShell : public Shell {
     bool askYesNo(const QString& text, const QString& title) override;
     BoxAnswer askYesNoCancel(const QString& text, const QString& title) override;
     void pumpEvents() override;
-    bool runBlocking(const std::function<void()>& work,
-                     const std::function<void()>& cancel) override;
+    bool runBlocking(const std::function<void()>& work, const std::function<void()>& cancel,
+                     const QString& server = {}) override;
     void setClipboardText(const QString&) override {}
     void openWithDesktop(const QString& fileOrUrl) override;
     QString askSavePath(const QString&, const QString&, const QString&) override { return {}; }

@@ -5,7 +5,6 @@
 
 #include <QBrush>
 #include <QFont>
-#include <QTextDocument>
 
 namespace zov::qt {
 namespace {
@@ -17,13 +16,6 @@ constexpr qsizetype ToolTipCharacters = 1000;
 QString oneLine(QString text) {
     text.replace(u'\r', u' ').replace(u'\n', u' ').replace(u'\t', u' ');
     return text;
-}
-
-/// A tool tip shows what it takes for HTML as such: a cell's text is none.
-QString plainToolTip(const QString& text) {
-    if (!Qt::mightBeRichText(text)) return text;
-    return QStringLiteral("<p style='white-space:pre-wrap'>") + text.toHtmlEscaped() +
-           QStringLiteral("</p>");
 }
 
 }  // namespace
