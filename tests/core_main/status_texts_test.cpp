@@ -66,6 +66,8 @@ TEST_F(WindowFromTheStart, DebugModeShowsInStatusMessages) {
 }
 
 TEST_F(WindowFromTheStart, ToolTipsAreThereBeforeAnythingIsChosen) {
+    loadDatabases(QStringLiteral("CREATE TABLE dbo.A (Id int)"),
+                  QStringLiteral("CREATE TABLE dbo.B (Id int)"));
     storeServer();
     window.Form_Load();
     EXPECT_EQ(view.compareToolTip, QStringLiteral("Compare selected tables (F7)"));

@@ -297,8 +297,8 @@ void MainWindow::restoreLayout() {
     texts_->restoreState(stored("Panels"));
     for (QSplitter* splitter : {splitter_, tops_, texts_}) splitter->setChildrenCollapsible(false);
     // The sizes may have been kept from a larger display.
+    if (isSmall) resize(screen.size());
     fitToScreen(*this);
-    if (isSmall) setGeometry(screen);
     setTextZoom(settings.value(ZoomKey).toInt());
 }
 
