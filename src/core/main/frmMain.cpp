@@ -93,12 +93,9 @@ void frmMain::Form_Activate() {
     if (activated_) return;
     activated_ = true;
     guardedRun(Module, "Form_Activate", [&] {
-        if (!tellUnreadSettings()) {
-            const QString damage = damagedSettingsNote();
-            if (!damage.isEmpty())
-                shell().messageBox(damage, QStringLiteral("Settings Damaged"),
-                                   BoxIcon::Exclamation);
-        }
+        const QString damage = damagedSettingsNote();
+        if (!tellUnreadSettings() && !damage.isEmpty())
+            shell().messageBox(damage, QStringLiteral("Settings Damaged"), BoxIcon::Exclamation);
         if (readBooleanSetting(QStringLiteral("ShowTipOfDay"))) screens_.showTip();
         serverInfoSet();
     });
@@ -119,7 +116,6 @@ bool frmMain::tellUnreadSettings() {
 }
 
 void frmMain::tellSettingsFailure() {
-    if (tellUnreadSettings()) return;
     const QString failure = takeSettingsFailure();
     if (failure.isEmpty() || settingsFailureTold_) return;
     settingsFailureTold_ = true;
