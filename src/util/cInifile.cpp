@@ -32,12 +32,12 @@ QStringList splitAtNuls(const QString& list) {
 IniDocument cInifile::read() {
     QByteArray bytes;
     lastError_ = readWholeFile(Path, bytes);
-    return IniDocument(decodeText(bytes).text);
+    return IniDocument(decodeText(bytes).text, SectionCase);
 }
 
 void cInifile::change(const std::function<void(IniDocument&)>& edit) {
     lastError_ = updateTextFile(Path, FileAccess::Default, [&](QString& text) {
-        IniDocument document(text);
+        IniDocument document(text, SectionCase);
         const QString before = document.text();
         edit(document);
         const QString after = document.text();

@@ -34,6 +34,8 @@ class cInifile {
     QString Section;
     QString Key;
     QString Default;
+    /// Whether section names that differ in letter case only are one section or two.
+    Qt::CaseSensitivity SectionCase = Qt::CaseInsensitive;
 
     /// The key's value, `Default` when there is none; its first 255 characters.
     QString Value();
@@ -68,12 +70,13 @@ class cInifile {
     /// The text as a 32-bit number, `Default` when it is none or doesn't fit.
     static qint32 CLngDefault(const QString& Text, qint32 Default);
 
-    /// Several changes of the file as one: all of them are written, or none.
+    /// Several changes of the file as one: all of them are written, or none. `edit` runs under the
+    /// file's lock.
     void change(const std::function<void(IniDocument&)>& edit);
-
- private:
+    /// The file, read whole, without the limits of the calls above; lastError() tells a failure.
     IniDocument read();
 
+ private:
     qint32 lastReturnCode_ = 0;
     QString lastError_;
 };

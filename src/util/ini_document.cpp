@@ -28,13 +28,15 @@ QString oneLine(QString text) {
     return text.replace(u'\n', u' ');
 }
 
-bool sameName(const QString& a, const QString& b) {
-    return a.compare(b, Qt::CaseInsensitive) == 0;
+bool sameName(const QString& a, const QString& b,
+              Qt::CaseSensitivity letterCase = Qt::CaseInsensitive) {
+    return a.compare(b, letterCase) == 0;
 }
 
 }  // namespace
 
-IniDocument::IniDocument(const QString& text) {
+IniDocument::IniDocument(const QString& text, Qt::CaseSensitivity sectionCase)
+    : sectionCase_(sectionCase) {
     lineBreak_ = text.contains(u'\n') && !text.contains(CRLF) ? QStringLiteral("\n") : CRLF;
     QStringList raws = withLf(text).split(u'\n');
     if (raws.last().isEmpty()) raws.removeLast();
@@ -82,7 +84,7 @@ qsizetype IniDocument::findSection(const QString& section, qsizetype& end) const
     const auto count = qsizetype(lines_.size());
     qsizetype header = 0;
     while (header < count && !(lines_[size_t(header)].kind == Kind::Section &&
-                               sameName(lines_[size_t(header)].name, name))) {
+                               sameName(lines_[size_t(header)].name, name, sectionCase_))) {
         ++header;
     }
     if (header == count) return -1;
@@ -104,11 +106,34 @@ QStringList IniDocument::sections() const {
     QStringList names;
     QSet<QString> seen;
     for (const Line& line : lines_) {
-        if (line.kind != Kind::Section || seen.contains(line.name.toCaseFolded())) continue;
-        seen.insert(line.name.toCaseFolded());
+        if (line.kind != Kind::Section || seen.contains(sectionKey(line.name))) continue;
+        seen.insert(sectionKey(line.name));
         names += line.name;
     }
     return names;
+}
+
+bool IniDocument::hasSection(const QString& section) const {
+    qsizetype end = 0;
+    return findSection(section, end) >= 0;
+}
+
+std::vector<std::pair<QString, QString>> IniDocument::valuesOf(const QString& key) const {
+    std::vector<std::pair<QString, QString>> values;
+    QSet<QString> seen;
+    bool wanted = false;  // within a section's first appearance, its key not yet met
+    for (const Line& line : lines_) {
+        if (line.kind == Kind::Section) {
+            wanted = !seen.contains(sectionKey(line.name));
+            if (!wanted) continue;
+            seen.insert(sectionKey(line.name));
+            values.emplace_back(line.name, QString());
+        } else if (wanted && line.kind == Kind::Entry && sameName(line.name, key)) {
+            values.back().second = line.value;
+            wanted = false;
+        }
+    }
+    return values;
 }
 
 QStringList IniDocument::keys(const QString& section) const {

@@ -12,17 +12,22 @@
 
 namespace zov {
 
-/// Sections and keys are found ignoring case; of a repeated section or key the first counts. A
+/// Sections (unless asked otherwise) and keys are found ignoring case; of a repeated section or key the first counts. A
 /// value is what stands behind the first "=", without blanks and one pair of quotes around it.
 /// Lines that are neither a section, a comment (";") nor "key=value" are kept and read as nothing.
 class IniDocument {
  public:
-    explicit IniDocument(const QString& text);
+    /// `sectionCase`: whether sections whose names differ in letter case only are one or two.
+    explicit IniDocument(const QString& text,
+                         Qt::CaseSensitivity sectionCase = Qt::CaseInsensitive);
     QString text() const;
 
     QStringList sections() const;                    ///< in the file's order, no repetition
     QStringList keys(const QString& section) const;  ///< in the file's order, no repetition
     std::optional<QString> value(const QString& section, const QString& key) const;
+    bool hasSection(const QString& section) const;
+    /// Each section with its value of this key (empty where it has none), in one walk.
+    std::vector<std::pair<QString, QString>> valuesOf(const QString& key) const;
 
     /// Changes the key's line in place, or adds one behind the section's last entry, or adds the
     /// section at the end. Line breaks in names and values become blanks. A value that blanks or
@@ -49,8 +54,12 @@ class IniDocument {
     qsizetype findSection(const QString& section, qsizetype& end) const;
     qsizetype findKey(qsizetype begin, qsizetype end, const QString& key) const;
     qsizetype appendSection(const QString& section);
+    QString sectionKey(const QString& name) const {
+        return sectionCase_ == Qt::CaseSensitive ? name : name.toCaseFolded();
+    }
 
     std::vector<Line> lines_;
+    Qt::CaseSensitivity sectionCase_;
     QString lineBreak_;
 };
 
