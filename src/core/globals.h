@@ -64,6 +64,7 @@ struct Globals {
     bool gblnExtendedNames = false;
     bool gblnPermissionsEnabled = false;  ///< nothing sets it; permissions are built but not offered
     qint32 glngSavedProcessId = 0;
+    bool gblnAutoClose = false;           ///< a replay closes its result screens and the program
     bool gblnStop = false;                ///< the one stop flag that Stop and Cancel buttons set
 
     // Filters by owner or schema, one a panel.

@@ -6,6 +6,7 @@
 #include "core/globals.h"
 #include "scripting/modNew.h"
 #include "shell/shell.h"
+#include "structcompare/enc_obj_types.h"
 #include "structcompare/kind_report.h"
 #include "structcompare/object_pairing.h"
 #include "util/text.h"
@@ -261,40 +262,49 @@ bool databasesChosen(const QString& sourceDb, const QString& targetDb) {
 }
 
 /// Shows the form, runs, opens the report.
-void runWithForm(CompareAllWindow& window, const DataRunRequest& request, const SavedRun* saved) {
+RunVerdict runWithForm(CompareAllWindow& window, const DataRunRequest& request,
+                       const SavedRun* saved) {
+    RunVerdict verdict = RunVerdict::None;
     frmCompareAllTables::Request screen;
     screen.Type = ObjectType::Table;
     screen.offeredBoxes = 1;
     screen.startAtOnce = saved != nullptr;
     if (request.selective && !saved) screen.Caption = QStringLiteral("Compare Selected Objects");
     screen.run = [&](frmCompareAllTables& form) {
-        return CompareAll_Data(form, request, window.panels).finished;
+        const DataRun run = CompareAll_Data(form, request, window.panels);
+        if (run.finished)
+            verdict = !run.isWhole()         ? RunVerdict::Trouble
+                      : run.somethingDiffers ? RunVerdict::Different
+                                             : RunVerdict::Identical;
+        return run.finished;
     };
     frmCompareAllTables form;
     if (form.ShowUp(screen) && !globals().gstrReport.isEmpty()) {
-        ComparisonReport report;
-        report.Caption = QStringLiteral("Comparison Report");
-        report.ServerName1 = globals().gtCurrentServers[SourcePanel].Name;
-        report.ServerName2 = globals().gtCurrentServers[TargetPanel].Name;
-        report.DbName1 = request.sourceDb;
-        report.DbName2 = request.targetDb;
-        report.CompType = comparison_code::Data;
-        report.CompSubType =
-            request.selective ? comparison_code::SelectedTables : comparison_code::AllTables;
-        if (request.selective) report.EncObjTypes = QStringLiteral("1,0,0,0,0,0,0,0");
-        report.SourceNames = request.sourceTables;
-        report.TargetNames = request.targetTables;
-        report.Replay = saved != nullptr;
-        if (saved) {
-            report.ExportPath = saved->ExportPath;
-            report.Print = saved->Print;
-        }
+        ComparisonReport report = reportOf(request);
+        if (saved) handOn(*saved, report);
         window.report.ShowUp(report);
     }
     globals().gstrReport.clear();
+    return verdict;
 }
 
 }  // namespace
+
+ComparisonReport reportOf(const DataRunRequest& request) {
+    ComparisonReport report;
+    report.Caption = QStringLiteral("Comparison Report");
+    report.ServerName1 = globals().gtCurrentServers[SourcePanel].Name;
+    report.ServerName2 = globals().gtCurrentServers[TargetPanel].Name;
+    report.DbName1 = request.sourceDb;
+    report.DbName2 = request.targetDb;
+    report.CompType = comparison_code::Data;
+    report.CompSubType =
+        request.selective ? comparison_code::SelectedTables : comparison_code::AllTables;
+    if (request.selective) report.EncObjTypes = ObjectTypeToEncObjTypes(ObjectType::Table);
+    report.SourceNames = request.sourceTables;
+    report.TargetNames = request.targetTables;
+    return report;
+}
 
 DataRun CompareAll_Data(CompareAllForm& form, const DataRunRequest& request, ComparePanels& panels,
                         DataComparisonScreens* screens) {
@@ -309,32 +319,34 @@ DataRun CompareAll_Data(CompareAllForm& form, const DataRunRequest& request, Com
     return result;
 }
 
-void DataCompareAll(CompareAllWindow& window, const SavedRun* saved) {
+RunVerdict DataCompareAll(CompareAllWindow& window, const SavedRun* saved) {
     const DataRunRequest request{window.pvlDbSource.text(), window.pvlDbTarget.text(), false, {}, {}};
-    if (databasesChosen(request.sourceDb, request.targetDb)) runWithForm(window, request, saved);
+    return databasesChosen(request.sourceDb, request.targetDb)
+               ? runWithForm(window, request, saved)
+               : RunVerdict::None;
 }
 
-void MenuDataCompSelective(CompareAllWindow& window) {
-    DataCompareSelective(window, 0, window.pvlDbSource.text(), window.pvlDbTarget.text());
+RunVerdict MenuDataCompSelective(CompareAllWindow& window) {
+    return DataCompareSelective(window, 0, window.pvlDbSource.text(), window.pvlDbTarget.text());
 }
 
-void DataCompareSelective(CompareAllWindow& window, int Index, const QString& sourceDb,
-                          const QString& targetDb, const SavedRun* saved) {
+RunVerdict DataCompareSelective(CompareAllWindow& window, int Index, const QString& sourceDb,
+                                const QString& targetDb, const SavedRun* saved) {
     if (Index < 0 || Index > 5) {
         shell().messageBox(
             QStringLiteral("Wrong index value in Sub DataCompareSelective, Index = %1").arg(Index));
-        return;
+        return RunVerdict::None;
     }
-    if (!databasesChosen(sourceDb, targetDb)) return;
+    if (!databasesChosen(sourceDb, targetDb)) return RunVerdict::None;
     DataRunRequest request{sourceDb, targetDb, true, {}, {}};
     if (saved) {
         request.sourceTables = saved->sourceObjects;
         request.targetTables = saved->targetObjects;
     } else if (!window.listObjects.ShowUp(sourceDb, targetDb, ObjectTypeOfBox(Index),
                                           request.sourceTables, request.targetTables)) {
-        return;
+        return RunVerdict::None;
     }
-    runWithForm(window, request, saved);
+    return runWithForm(window, request, saved);
 }
 
 }  // namespace zov

@@ -41,13 +41,16 @@ struct DataRun {
 DataRun CompareAll_Data(CompareAllForm& form, const DataRunRequest& request, ComparePanels& panels,
                         DataComparisonScreens* screens = nullptr);
 
+/// A run over the panels' servers with its comparison codes.
+ComparisonReport reportOf(const DataRunRequest& request);
+
 /// All tables, from frmCompareAllTables to the report. `saved` is null when a user started the run.
-void DataCompareAll(CompareAllWindow& window, const SavedRun* saved = nullptr);
+RunVerdict DataCompareAll(CompareAllWindow& window, const SavedRun* saved = nullptr);
 /// Chosen tables of the selected databases.
-void MenuDataCompSelective(CompareAllWindow& window);
+RunVerdict MenuDataCompSelective(CompareAllWindow& window);
 /// `Index` 0 tables, 1 procedures, 2 functions, 3 views, 4 triggers, 5 relationships: what the user
 /// chooses from. With `saved` nobody is asked.
-void DataCompareSelective(CompareAllWindow& window, int Index, const QString& sourceDb,
-                          const QString& targetDb, const SavedRun* saved = nullptr);
+RunVerdict DataCompareSelective(CompareAllWindow& window, int Index, const QString& sourceDb,
+                                const QString& targetDb, const SavedRun* saved = nullptr);
 
 }  // namespace zov

@@ -7,6 +7,7 @@
 #include "data/base/field_text.h"
 #include "datacompare/compare_records.h"
 #include "datacompare/frmCompareStatus.h"
+#include "reports/process_recorder.h"
 #include "shell/shell.h"
 #include "util/text.h"
 
@@ -52,10 +53,6 @@ void frmCompareData::InitDifferencesGrid(const CompareDataPair& Tables, const Re
                                          const Recordset& TargetRows) {
     for (size_t side = 0; side < 2; ++side) {
         const CompareDataTable& table = Tables[side];
-        ServerName[side] = table.Server.Name;
-        DbName[side] = table.Db;
-        TableName[side] = table.Table;
-        ObjectId[side] = table.ObjectId;
         lblTableName[side] =
             (side == 0 ? QStringLiteral("Source Table: ") : QStringLiteral("Target Table: ")) +
             GetObjectDisplayName(table.Server.Name, table.Db, table.Table);
@@ -166,11 +163,10 @@ void frmCompareData::fillLabels() {
 
     lblGen0.clear();
     QStringList ignored;
-    for (int side = 0; side < 2; ++side) {
+    for (const CompareDataTable& table : Tables) {
         QStringList columns;
         GetIgnoredColumnsList(IgnoreMode::DataComparison,
-                              GetObjectKeyName(ServerName[side], DbName[side], TableName[side]),
-                              columns);
+                              GetObjectKeyName(table.Server.Name, table.Db, table.Table), columns);
         ignored += columns;
     }
     if (ignored.size() == 1)
@@ -181,6 +177,7 @@ void frmCompareData::fillLabels() {
 
 void frmCompareData::ShowUp(const DataComparisonRun& Run, qint32 Ignored, const QString& IgnoredNote,
                             DataComparisonScreens& Screens) {
+    Tables = Run.Tables;
     Method = Run.Method;
     for (int side = 0; side < 2; ++side) Keys[side] = Run.Keys[side];
     ExportFilePath = Run.ExportFilePath;
@@ -189,6 +186,7 @@ void frmCompareData::ShowUp(const DataComparisonRun& Run, qint32 Ignored, const 
     IsReplay = Run.IsReplay;
     IgnoredCount = Ignored;
     IgnoredText = IgnoredNote;
+    cmdSaveEnabled = processRecorder() != nullptr;
     fillLabels();
     Screens.showDifferences(*this);
 }

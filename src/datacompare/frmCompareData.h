@@ -9,6 +9,7 @@
 #include "datacompare/modCompareData.h"
 #include "datacompare/result_grid.h"
 #include "shell/screen.h"
+#include "structcompare/compare_all_screens.h"
 
 namespace zov {
 
@@ -74,7 +75,7 @@ class frmCompareData : public Screen {
     static const QString RowsLeftOutNote;
     bool BrokenOff = false;  ///< by an error: there may be more differences
     static const QString lblColorDesc[5];  ///< the legend
-    bool cmdSaveEnabled = false;
+    bool cmdSaveEnabled = false;  ///< there is a store of processes
 
     // What export and save use.
     qint32 Method = CompMethod::RecordByRecord;
@@ -85,13 +86,14 @@ class frmCompareData : public Screen {
     bool IsReplay = false;
     qint32 IgnoredCount = 0;
     QString IgnoredText;
-    QString ServerName[2], DbName[2], TableName[2];
-    qint32 ObjectId[2] = {0, 0};
+    CompareDataPair Tables;
+    /// The run was saved and nothing was added to the process yet; the first export is.
     bool Saved = false;
     QString ProcessName;
 
     // Commands.
-    /// The window is shown: a saved process's export at the first time.
+    /// The window is shown for the first time: a replay exports and, when the program is to close
+    /// behind it, goes.
     void Form_Activate();
     void cmdExport_Click();
     void cmdSave_Click();
@@ -107,6 +109,9 @@ class frmCompareData : public Screen {
 
 /// What an export of the window is made of; the window must stay as it is meanwhile.
 ExportSource ExportSourceOf(const frmCompareData& form);
+
+/// A comparison of two tables' rows as a saved process keeps it.
+ComparisonReport reportOf(const CompareDataPair& Tables, qint32 Method);
 
 /// "A, B, C": the second when it is a key, the third only behind a second.
 QString joinedKeys(const CompKeys& Keys);

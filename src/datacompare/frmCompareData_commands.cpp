@@ -1,7 +1,9 @@
 // What the user does in the window of differences.
+#include "core/globals.h"
 #include "datacompare/frmCompareData.h"
 #include "datacompare/grid_navigation.h"
 #include "reports/frmExport.h"
+#include "reports/process_recorder.h"
 
 namespace zov {
 
@@ -36,24 +38,51 @@ const QString frmCompareData::lblColorDesc[5] = {
 void frmCompareData::Form_Activate() {
     if (activated_) return;
     activated_ = true;
-    if (ExportType == ::zov::ExportType::Ask || ExportFilePath.isEmpty()) return;
-    frmExport::Request request;
-    request.Path = ExportFilePath;
-    request.ExportType = ExportType;
-    request.Replay = IsReplay;
-    request.Wrap = CSVWrapInQuot;
-    frmExport().ShowUp(ExportSourceOf(*this), request);
+    if (ExportType != ::zov::ExportType::Ask && !ExportFilePath.isEmpty()) {
+        frmExport::Request request;
+        request.Path = ExportFilePath;
+        request.ExportType = ExportType;
+        request.Replay = IsReplay;
+        request.Wrap = CSVWrapInQuot;
+        request.AutoClose = globals().gblnAutoClose;
+        Saved = false;
+        frmExport().ShowUp(ExportSourceOf(*this), request);
+    }
+    if (IsReplay && globals().gblnAutoClose) close();
 }
 
 void frmCompareData::cmdExport_Click() {
     frmExport::Request request;
-    request.Replay = IsReplay;
+    request.Replay = false;
     request.Wrap = CSVWrapInQuot;
-    CSVWrapInQuot = frmExport().ShowUp(ExportSourceOf(*this), request).Wrap;
+    const frmExport::Result result = frmExport().ShowUp(ExportSourceOf(*this), request);
+    CSVWrapInQuot = result.Wrap;
+    if (!result.Success || !Saved || ProcessName.isEmpty() || !processRecorder()) return;
+    processRecorder()->recordExport(ProcessName, result.Path, result.Type, result.Wrap,
+                                    comparison_code::Data);
+    Saved = false;
 }
 
-// The button is disabled until comparisons can be saved as processes.
-void frmCompareData::cmdSave_Click() {}
+ComparisonReport reportOf(const CompareDataPair& Tables, qint32 Method) {
+    ComparisonReport run;
+    run.ServerName1 = Tables[0].Server.Name;
+    run.ServerName2 = Tables[1].Server.Name;
+    run.DbName1 = Tables[0].Db;
+    run.DbName2 = Tables[1].Db;
+    run.TableName1 = Tables[0].Table;
+    run.TableName2 = Tables[1].Table;
+    run.CompType = comparison_code::Data;
+    run.CompSubType = comparison_code::SingleTable;
+    run.CompMethod = Method;
+    run.ObjId1 = QString::number(Tables[0].ObjectId);
+    run.ObjId2 = QString::number(Tables[1].ObjectId);
+    return run;
+}
+
+void frmCompareData::cmdSave_Click() {
+    if (processRecorder())
+        Saved = processRecorder()->saveRun(reportOf(Tables, Method), CSVWrapInQuot, ProcessName);
+}
 
 void frmCompareData::cmdExit_Click() {
     close();

@@ -18,14 +18,27 @@ class frmReport : public Screen {
     /// Modal, for texts that can't become a process.
     void ShowUp_Generic(const QString& Caption);
 
+    /// Leftovers of print drivers are deleted from the current folder when the screen closes; not by
+    /// a program whose current folder is its user's.
+    static inline bool tidiesCurrentFolder = true;
+
     ComparisonReport fields;
     QString txtReport;
     bool cmdSaveVisible = true;
-    /// Saving a run as a process comes with the store of processes.
+    /// There is a store of processes to save the run in.
     bool cmdSaveEnabled = false;
+    /// The run was saved and nothing was added to the process yet; the first export or print is.
+    bool Saved = false;
+    QString SavedName;
 
+    /// The screen is shown for the first time: a replay exports, prints and, when the program is to
+    /// close behind it, goes.
+    void Form_Activate();
     void cmdCopyClip();
+    /// A replay's path takes the place of the user's choice.
     void cmdCopyToFile();
+    /// Asks the saved runs' screen for a name.
+    void cmdSave();
     void cmdPrint();
     void cmdExit();
 
@@ -35,13 +48,16 @@ class frmReport : public Screen {
     void PrintReport();
 
     bool busy_ = false;
+    bool activated_ = false;
 };
 
 /// Prints a report on the default printer; set by the desktop.
 class ReportPrinter {
  public:
     virtual ~ReportPrinter() = default;
-    virtual void printReport(const QString& documentName, const QString& text) = 0;
+    /// `silent`: at once, nothing is asked. False when it was given up or can't be printed, which
+    /// is told.
+    virtual bool printReport(const QString& documentName, const QString& text, bool silent) = 0;
 };
 void installReportPrinter(ReportPrinter* printer);
 

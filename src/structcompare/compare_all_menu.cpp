@@ -20,9 +20,41 @@ bool databasesChosen(const QString& sourceDb, const QString& targetDb) {
     return false;
 }
 
-/// The comparison codes as saved processes keep them.
+/// Shows the form, runs, opens the report.
+RunVerdict runWithForm(CompareAllWindow& window, frmCompareAllTables::Request& screen,
+                 StructureRunRequest& request, bool wholeDatabases, const SavedRun* saved) {
+    QString objectTypes;
+    RunVerdict verdict = RunVerdict::None;
+    screen.run = [&](frmCompareAllTables& form) {
+        request.kinds = form.chkObjType;
+        const StructureRun run = CompareAll_Structure(form, request, window.panels);
+        objectTypes = run.objectTypesChosen;
+        if (run.finished)
+            verdict = !run.isWhole()         ? RunVerdict::Trouble
+                      : run.somethingDiffers ? RunVerdict::Different
+                                             : RunVerdict::Identical;
+        return run.finished;
+    };
+    frmCompareAllTables form;
+    if (form.ShowUp(screen) && !globals().gstrReport.isEmpty()) {
+        ComparisonReport report = reportOf(request, wholeDatabases, objectTypes);
+        if (saved) handOn(*saved, report);
+        window.report.ShowUp(report);
+    }
+    globals().gstrReport.clear();
+    return verdict;
+}
+
+}  // namespace
+
+void handOn(const SavedRun& saved, ComparisonReport& report) {
+    report.Replay = true;
+    report.ExportPath = saved.ExportPath;
+    report.Print = saved.Print;
+}
+
 ComparisonReport reportOf(const StructureRunRequest& request, bool wholeDatabases,
-                          const QString& objectTypes, const SavedRun* saved) {
+                          const QString& objectTypes) {
     ComparisonReport report;
     report.Caption = QStringLiteral("Comparison Report");
     report.ServerName1 = globals().gtCurrentServers[SourcePanel].Name;
@@ -36,37 +68,16 @@ ComparisonReport reportOf(const StructureRunRequest& request, bool wholeDatabase
     if (wholeDatabases)
         report.CompSubSubType = 0;
     else if (request.details)
-        report.CompSubSubType = request.selective ? 40 : 20;
+        report.CompSubSubType = request.selective ? comparison_code::SelectiveDetails
+                                                  : comparison_code::BulkDetails;
     else
-        report.CompSubSubType = request.selective ? 30 : 10;
+        report.CompSubSubType = request.selective ? comparison_code::SelectiveSimple
+                                                  : comparison_code::BulkSimple;
     report.EncObjTypes = objectTypes;
     report.SourceNames = request.sourceObjects;
     report.TargetNames = request.targetObjects;
-    report.Replay = saved != nullptr;
-    if (saved) {
-        report.ExportPath = saved->ExportPath;
-        report.Print = saved->Print;
-    }
     return report;
 }
-
-/// Shows the form, runs, opens the report.
-void runWithForm(CompareAllWindow& window, frmCompareAllTables::Request& screen,
-                 StructureRunRequest& request, bool wholeDatabases, const SavedRun* saved) {
-    QString objectTypes;
-    screen.run = [&](frmCompareAllTables& form) {
-        request.kinds = form.chkObjType;
-        const StructureRun run = CompareAll_Structure(form, request, window.panels);
-        objectTypes = run.objectTypesChosen;
-        return run.finished;
-    };
-    frmCompareAllTables form;
-    if (form.ShowUp(screen) && !globals().gstrReport.isEmpty())
-        window.report.ShowUp(reportOf(request, wholeDatabases, objectTypes, saved));
-    globals().gstrReport.clear();
-}
-
-}  // namespace
 
 void CompStruct_BulkSel_SimpleDet_All(CompareAllWindow& window, int index, bool selective,
                                       bool details) {
@@ -74,17 +85,17 @@ void CompStruct_BulkSel_SimpleDet_All(CompareAllWindow& window, int index, bool 
                          selective, details);
 }
 
-void MenuCompareAll_Click(CompareAllWindow& window, int index, const QString& sourceDb,
-                          const QString& targetDb, bool selective, bool details,
-                          const SavedRun* saved) {
-    if (!databasesChosen(sourceDb, targetDb)) return;
+RunVerdict MenuCompareAll_Click(CompareAllWindow& window, int index, const QString& sourceDb,
+                                const QString& targetDb, bool selective, bool details,
+                                const SavedRun* saved) {
+    if (!databasesChosen(sourceDb, targetDb)) return RunVerdict::None;
     globals().gstrReport.clear();
     const ObjectType type = typeOfMenuIndex(index);
     if (type == ObjectType{}) {
         shell().messageBox(
             QStringLiteral("Wrong index value in Sub mnuComparisonAllObjects_Click, Index = %1")
                 .arg(index));
-        return;
+        return RunVerdict::None;
     }
 
     StructureRunRequest request{sourceDb, targetDb, {}, selective, details, {}, {}};
@@ -97,22 +108,23 @@ void MenuCompareAll_Click(CompareAllWindow& window, int index, const QString& so
     } else if (selective) {
         if (!window.listObjects.ShowUp(sourceDb, targetDb, type, request.sourceObjects,
                                        request.targetObjects))
-            return;
+            return RunVerdict::None;
         screen.Caption = QStringLiteral("Compare Selected Objects");
     }
-    runWithForm(window, screen, request, false, saved);
+    return runWithForm(window, screen, request, false, saved);
 }
 
-void CompareAllObjects(CompareAllWindow& window) {
+RunVerdict CompareAllObjects(CompareAllWindow& window, const SavedRun* saved) {
     const QString sourceDb = window.pvlDbSource.text(), targetDb = window.pvlDbTarget.text();
-    if (!databasesChosen(sourceDb, targetDb)) return;
+    if (!databasesChosen(sourceDb, targetDb)) return RunVerdict::None;
     globals().gstrReport.clear();
     StructureRunRequest request{sourceDb, targetDb, {}, false, false, {}, {}};
     frmCompareAllTables::Request screen;
+    screen.startAtOnce = saved != nullptr;
     ObjectKindBoxes all{};
     std::fill_n(all.begin(), comparedKindCount(), true);
-    screen.EncObjTypes = EncodeObjTypes(all);
-    runWithForm(window, screen, request, true, nullptr);
+    screen.EncObjTypes = saved ? saved->EncObjTypes : EncodeObjTypes(all);
+    return runWithForm(window, screen, request, true, saved);
 }
 
 }  // namespace zov

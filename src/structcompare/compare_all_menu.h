@@ -23,18 +23,28 @@ struct SavedRun {
     QStringList targetObjects;
     QString ExportPath;
     bool Print = false;
+    QString EncObjTypes = {};  ///< of a run over all objects
 };
+
+/// What the report screen gets to know of a replay.
+void handOn(const SavedRun& saved, ComparisonReport& report);
+/// A run over the panels' servers with its comparison codes. `wholeDatabases`: it was one over all
+/// objects, of which `objectTypes` says the kinds.
+ComparisonReport reportOf(const StructureRunRequest& request, bool wholeDatabases,
+                          const QString& objectTypes);
 
 /// `index` is the box of the kind that is ticked at first.
 void CompStruct_BulkSel_SimpleDet_All(CompareAllWindow& window, int index, bool selective,
                                       bool details);
 
-/// "Compare All Objects": every kind is ticked at first, for a report on the whole databases.
-void CompareAllObjects(CompareAllWindow& window);
+// The verdict of these is None when nothing was compared. `saved` is null when a user started the
+// run.
 
-/// `saved` is null when a user started the run.
-void MenuCompareAll_Click(CompareAllWindow& window, int index, const QString& sourceDb,
-                          const QString& targetDb, bool selective, bool details,
-                          const SavedRun* saved = nullptr);
+/// "Compare All Objects": every kind is ticked at first, for a report on the whole databases.
+RunVerdict CompareAllObjects(CompareAllWindow& window, const SavedRun* saved = nullptr);
+
+RunVerdict MenuCompareAll_Click(CompareAllWindow& window, int index, const QString& sourceDb,
+                                const QString& targetDb, bool selective, bool details,
+                                const SavedRun* saved = nullptr);
 
 }  // namespace zov

@@ -49,6 +49,14 @@ class ObjectChooser {
                         QStringList& SourceNames, QStringList& TargetNames) = 0;
 };
 
+/// What a run came to.
+enum class RunVerdict {
+    None,       ///< it didn't take place, or didn't reach its end
+    Identical,
+    Different,
+    Trouble,    ///< it reached its end, but something could not be read or compared
+};
+
 /// What a run is called in saved processes.
 namespace comparison_code {
 inline constexpr qint32 Data = 0;      ///< CompType: rows
@@ -61,6 +69,11 @@ inline constexpr qint32 Individual = 35;
 inline constexpr qint32 SingleTable = 40;    ///< rows of one pair of tables
 inline constexpr qint32 SelectedTables = 50; ///< rows of chosen tables
 inline constexpr qint32 AllTables = 60;      ///< rows of all tables
+// CompSubSubType; 0 where a run knows no difference.
+inline constexpr qint32 BulkSimple = 10;
+inline constexpr qint32 BulkDetails = 20;
+inline constexpr qint32 SelectiveSimple = 30;
+inline constexpr qint32 SelectiveDetails = 40;
 }  // namespace comparison_code
 
 /// What the report screen is opened with, beside the text in gstrReport: everything that a saved

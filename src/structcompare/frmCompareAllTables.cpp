@@ -2,6 +2,7 @@
 
 #include "core/globals.h"
 #include "shell/shell.h"
+#include "structcompare/enc_obj_types.h"
 #include "structcompare/modCompareAll.h"
 
 #include <algorithm>
@@ -14,7 +15,7 @@ bool frmCompareAllTables::ShowUp(const Request& request) {
     visibleBoxes = request.offeredBoxes < 0 ? comparedKindCount() : request.offeredBoxes;
     for (int box = 0; box < visibleBoxes; ++box)
         chkObjType[size_t(box)] = ObjectTypeOfBox(box) == request.Type;
-    if (!request.EncObjTypes.isEmpty()) ApplyObjTypeChecks(request.EncObjTypes);
+    ApplyObjTypeChecks(chkObjType, request.EncObjTypes);
     shell().showModal(*this);
     return success_;
 }
@@ -57,12 +58,6 @@ void frmCompareAllTables::tmrStatus_Timer() {
     dots_ = dots_ % 3 + 1;
     text += QString(dots_, u'.');
     refresh();
-}
-
-void frmCompareAllTables::ApplyObjTypeChecks(const QString& EncObjTypes) {
-    const QStringList states = EncObjTypes.split(u',');
-    for (size_t box = 0; box < chkObjType.size(); ++box)
-        chkObjType[box] = qsizetype(box) < states.size() && states[qsizetype(box)] == u"1";
 }
 
 void frmCompareAllTables::showRunning() {

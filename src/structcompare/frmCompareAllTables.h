@@ -18,7 +18,7 @@ class frmCompareAllTables : public Screen, public CompareAllForm {
         QString Caption = QStringLiteral("Compare All");
         /// The box that is ticked at load; 0 for none.
         ObjectType Type{};
-        /// The boxes' states joined by commas; takes the place of `Type` when not empty.
+        /// The boxes' states joined by commas; takes the place of `Type` when valid.
         QString EncObjTypes;
         /// Boxes that are offered, from the first; -1 for all that there are. Rows are compared of
         /// tables alone.
@@ -40,8 +40,6 @@ class frmCompareAllTables : public Screen, public CompareAllForm {
     /// Also Esc: stops a run at its next object, closes the form otherwise.
     void cmdCancel_Click();
     void tmrStatus_Timer();
-    /// Ticks the boxes by their states, "1" or "0" joined by commas.
-    void ApplyObjTypeChecks(const QString& EncObjTypes);
 
     void showRunning() override;
     void setComparing(int index, const QString& text) override;

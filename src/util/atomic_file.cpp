@@ -1,12 +1,11 @@
 #include "util/atomic_file.h"
 
+#include "util/file_lock.h"
+
 #include <QDir>
-#include <QElapsedTimer>
 #include <QFile>
 #include <QFileInfo>
-#include <QLockFile>
 #include <QSaveFile>
-#include <QThread>
 
 #include <filesystem>
 
@@ -14,7 +13,6 @@ namespace zov {
 namespace {
 
 constexpr int LockPatienceMs = 10'000;
-constexpr int LockQuestionMs = 10;
 
 QString cannotWrite(const QString& path, const QString& reason) {
     return QStringLiteral("Cannot write %1: %2.").arg(QDir::toNativeSeparators(path), reason);
@@ -39,20 +37,6 @@ std::filesystem::path nativePath(const QString& path) {
 #else
     return QFile::encodeName(path).toStdString();
 #endif
-}
-
-/// Asks again soon, not at longer and longer intervals as QLockFile does: among many short holders
-/// nobody goes hungry.
-bool takeLock(QLockFile& lock, LockWait wait) {
-    QElapsedTimer waited;
-    waited.start();
-    for (;;) {
-        if (lock.tryLock(0)) return true;
-        if (lock.error() != QLockFile::LockFailedError || wait == LockWait::None ||
-            waited.hasExpired(LockPatienceMs))
-            return false;
-        QThread::msleep(LockQuestionMs);
-    }
 }
 
 }  // namespace
@@ -131,17 +115,18 @@ QString readWholeFile(const QString& path, QByteArray& bytes, bool* exists) {
 QString updateTextFile(const QString& path, FileAccess access,
                        const std::function<void(QString& text)>& change, LockWait wait) {
     if (const QString trouble = ensureFolder(path); !trouble.isEmpty()) return trouble;
-    QLockFile lock(path + QStringLiteral(".lock"));
-    if (!takeLock(lock, wait)) {
-        switch (lock.error()) {
-            case QLockFile::LockFailedError:
-                if (wait == LockWait::None) return {};
-                return cannotWrite(path, QStringLiteral("another program holds its lock file"));
-            case QLockFile::PermissionError:
-                return cannotWrite(path, QStringLiteral("its folder is not writable"));
-            default:
-                return cannotWrite(path, QStringLiteral("its lock file cannot be made"));
-        }
+    // The system's own lock: a program that is killed lets go of it, at whatever moment.
+    FileLock lock;
+    switch (lock.acquire(path + QStringLiteral(".lock"), FileLock::Mode::Exclusive,
+                         wait == LockWait::None ? 0 : LockPatienceMs)) {
+        case FileLock::Outcome::Locked:
+            break;
+        case FileLock::Outcome::Busy:
+            if (wait == LockWait::None) return {};
+            return cannotWrite(path, QStringLiteral("another program holds its lock file"));
+        case FileLock::Outcome::Failed:
+            return cannotWrite(path, QStringLiteral("its lock file cannot be made: ") +
+                                         lock.reason());
     }
     QByteArray bytes;
     bool exists = false;

@@ -2,6 +2,7 @@
 #include "reports/copy_to_file.h"
 #include "reports/frmCompareAndPrint.h"
 #include "reports/frmReport.h"
+#include "reports/process_recorder.h"
 #include "shell/memory_controls.h"
 #include "support/recording_shell.h"
 #include "support/temp_home.h"
@@ -9,6 +10,7 @@
 #include <gtest/gtest.h>
 
 #include <QDir>
+#include <QFileInfo>
 
 namespace zov {
 namespace {
@@ -74,11 +76,130 @@ TEST_F(Reports, ThatCannotBecomeAProcessHaveNoSaveButton) {
 struct Printer : ReportPrinter {
     QStringList printed;
     std::function<void()> meanwhile;
-    void printReport(const QString& documentName, const QString& text) override {
-        printed += documentName + u'|' + text;
+    bool works = true;
+    bool printReport(const QString& documentName, const QString& text, bool silent) override {
+        printed += documentName + u'|' + text + (silent ? QStringLiteral(" at once") : QString());
         if (meanwhile) meanwhile();
+        return works;
     }
 };
+
+// Writes down what the screen wants kept.
+struct Recorder : ProcessRecorder {
+    Recorder() { installProcessRecorder(this); }
+    ~Recorder() override { installProcessRecorder(nullptr); }
+    bool saveRun(const ComparisonReport& Run, bool, QString& Name) override {
+        told += QStringLiteral("save %1").arg(Run.CompSubType);
+        Name = QStringLiteral("P");
+        return saves;
+    }
+    void recordExport(const QString& Name, const QString& Path, qint32 Type, bool,
+                      qint32 CompType) override {
+        told += QStringLiteral("export %1 %2 %3 %4")
+                    .arg(Name, QFileInfo(Path).fileName())
+                    .arg(Type)
+                    .arg(CompType);
+    }
+    bool recordPrint(const QString& Name) override {
+        told += QStringLiteral("print ") + Name;
+        return true;
+    }
+    std::string takeTold() { return std::exchange(told, {}).join(u'\n').toStdString(); }
+    QStringList told;
+    bool saves = true;
+};
+
+const char* const PrintNoted =
+    "information: Printing info was added to the saved comparison process:\\n\\n\t- process name:\t"
+    "'P'\\n\\nNext time when this process is run, the program will automatically print final report "
+    "on the default printer.";
+
+TEST_F(Reports, OnlyTheFirstExportOrPrintBehindASaveIsKept) {
+    Printer printer;
+    installReportPrinter(&printer);
+    Recorder recorder;
+    const auto exportTo = [&](frmReport& report, const char* name) {
+        shell.savePaths = {*name ? home.path(QLatin1String(name)) : QString()};
+        report.cmdCopyToFile();
+    };
+    shell.onScreen = [&](Screen& screen) {
+        auto& report = dynamic_cast<frmReport&>(screen);
+        EXPECT_TRUE(report.cmdSaveEnabled);
+        exportTo(report, "before.txt");
+        report.cmdPrint();
+        EXPECT_EQ(recorder.takeTold(), "") << "not saved yet";
+        recorder.saves = false;
+        report.cmdSave();
+        exportTo(report, "given up.txt");
+        EXPECT_EQ(recorder.takeTold(), "save 20");
+        recorder.saves = true;
+        report.cmdSave();
+        exportTo(report, "");  // given up
+        exportTo(report, "one.txt");
+        report.cmdPrint();
+        exportTo(report, "two.txt");
+        EXPECT_EQ(recorder.takeTold(), "save 20\nexport P one.txt 0 1");
+        report.cmdSave();
+        printer.works = false;
+        report.cmdPrint();
+        printer.works = true;
+        EXPECT_EQ(recorder.takeTold(), "save 20");
+        shell.takeLines();
+        report.cmdPrint();
+        EXPECT_EQ(shell.takeLines().join(u'\n').toStdString(), PrintNoted);
+        exportTo(report, "three.txt");
+        EXPECT_EQ(recorder.takeTold(), "print P");
+    };
+    ComparisonReport fields;
+    fields.CompType = comparison_code::MetaData;
+    fields.CompSubType = comparison_code::Bulk;
+    frmReport().ShowUp(fields);
+    installReportPrinter(nullptr);
+}
+
+TEST_F(Reports, OfAReplayExportAndPrintByThemselves) {
+    Printer printer;
+    installReportPrinter(&printer);
+    Recorder recorder;
+    const struct {
+        const char* path;
+        bool print, autoClose;
+    } rows[] = {{"a.txt", true, true}, {"b.txt", false, false}, {"", true, false}, {"", false, true}};
+    for (const auto& row : rows) {
+        globals().gblnAutoClose = row.autoClose;
+        shell.onScreen = [&](Screen& screen) {
+            auto& report = dynamic_cast<frmReport&>(screen);
+            report.Form_Activate();
+            report.Form_Activate();
+            EXPECT_EQ(screen.isClosed(), row.autoClose);
+            // From here on it is a report as any other.
+            EXPECT_FALSE(report.fields.Replay);
+        };
+        ComparisonReport fields;
+        fields.Replay = true;
+        fields.Print = row.print;
+        if (*row.path) fields.ExportPath = home.path(QLatin1String(row.path));
+        frmReport().ShowUp(fields);
+        EXPECT_EQ(shell.takeLines().join(u'\n').toStdString(), "screen frmReport");
+        EXPECT_EQ(std::exchange(printer.printed, {}).join(u'\n').toStdString(),
+                  row.print ? "Zovrand Report|One\r\nTwo at once" : "");
+        if (*row.path) {
+            EXPECT_EQ(home.read(QLatin1String(row.path)).toStdString(), "One\r\nTwo");
+        }
+        EXPECT_EQ(recorder.takeTold(), "");
+    }
+    // A user's own report does nothing by itself.
+    globals().gblnAutoClose = true;
+    shell.onScreen = [](Screen& screen) {
+        dynamic_cast<frmReport&>(screen).Form_Activate();
+        EXPECT_FALSE(screen.isClosed());
+    };
+    ComparisonReport fields;
+    fields.ExportPath = home.path(QStringLiteral("c.txt"));
+    frmReport().ShowUp(fields);
+    EXPECT_FALSE(QFile::exists(fields.ExportPath));
+    installReportPrinter(nullptr);
+}
 
 TEST_F(Reports, ArePrintedUnderTheProgramsName) {
     Printer printer;

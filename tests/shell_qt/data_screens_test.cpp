@@ -187,7 +187,7 @@ TEST(DataScreens, DifferencesAreWalkedFoundCopiedAndSorted) {
         EXPECT_EQ(QApplication::focusWidget(), view);
         EXPECT_EQ(view->model()->headerData(1, Qt::Horizontal, Qt::DisplayRole).toString(),
                   u"Shelf");
-        EXPECT_FALSE(child<QPushButton>(screen, "cmdSave")->isEnabled());
+        EXPECT_TRUE(child<QPushButton>(screen, "cmdSave")->isEnabled());
         EXPECT_EQ(child<QLabel>(screen, "lblGen_11")->text(),
                   u"Comparison method: Primary Key \r\nSource PK: Shelf\r\nTarget PK: Shelf");
         EXPECT_EQ(child<QLabel>(screen, "lblStats_3")->text(), u"59");

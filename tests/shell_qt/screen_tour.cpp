@@ -3,6 +3,7 @@
 #include "core/error_report.h"
 #include "data/frmAddServer.h"
 #include "data/frmDeleteServer.h"
+#include "saved/frmSaveComparison.h"
 #include "shell/qt/help_window.h"
 #include "shell_qt/data_stops.h"
 #include "structcompare/frmCompareAllTables.h"
@@ -19,6 +20,19 @@
 namespace zov::test {
 
 namespace cmd = command;
+
+namespace {
+
+void saveProcesses() {
+    for (const char* name : {"Nightly: production against staging", "Orders by key, as a sheet",
+                             "Procedures before each release"}) {
+        SavedProcess process;
+        process.Name = QLatin1String(name);
+        SaveComparisonProcess(process);
+    }
+}
+
+}  // namespace
 
 std::vector<TourStop> screenTour(Desktop& desktop) {
     qt::MainWindow& window = desktop.window();
@@ -41,6 +55,13 @@ std::vector<TourStop> screenTour(Desktop& desktop) {
         {QStringLiteral("frmCompareDataOptions"), [&desktop] { showStockOptions(desktop); }},
         {QStringLiteral("frmCompareData"), [&desktop] { showStockDifferences(desktop); }},
         {QStringLiteral("frmExport"), [] { showStockExport(); }},
+        {QStringLiteral("frmSaveComparison"),
+         [] {
+             saveProcesses();
+             QString name;
+             frmSaveComparison().ShowUp({}, name);
+         }},
+        {QStringLiteral("frmSaveCompRun"), run(cmd::RunSaved)},
         {QStringLiteral("frmOptions"), run(cmd::Options)},
         {QStringLiteral("frmTip"), run(cmd::TipOfTheDay)},
         {QStringLiteral("frmSpare"), run(cmd::DebugStripComments)},

@@ -34,6 +34,7 @@ TEST(StartOptions, NamesServersAndDatabases) {
         {"--palette dark", "||||dark|"},
         {"/RunSavedComp 12", "|||||/RunSavedComp 12"},
         {"/RunSavedComp 12 --source a", "a|||||/RunSavedComp 12"},
+        {"--unattended /RunSavedComp 12", "|||||/RunSavedComp 12"},
         // A path in a server's name is no switch of the saved processes.
         {"--source local:/tmp/RunSavedComp /RunSavedComp 3",
          "local:/tmp/RunSavedComp|||||/RunSavedComp 3"},
@@ -41,6 +42,7 @@ TEST(StartOptions, NamesServersAndDatabases) {
     for (const auto& row : rows) {
         const StartOptions options = parseStartOptions(words(row.line));
         EXPECT_EQ(options.message, QString()) << row.line;
+        EXPECT_EQ(options.unattended, QByteArray(row.line).contains("--unattended"));
         EXPECT_EQ(QStringList({options.sides[0].server, options.sides[0].database,
                                options.sides[1].server, options.sides[1].database, options.palette,
                                options.rest})
@@ -63,6 +65,8 @@ TEST(StartOptions, MistakesAreToldWithTheUsage) {
         {"--source-db b", "--source-db needs --source beside it.", 2},
         {"--target-db b --source a", "--target-db needs --target beside it.", 2},
         {"--palette pink", "There is no palette \"pink\".", 2},
+        {"--unattended /RunSavedComp 1 --source a",
+         "--unattended goes with /RunSavedComp ID alone.", 2},
         {"--help", "Usage: zovrand [--source SERVER [--source-db DB]]", 0},
         {"--source a -h", "Usage: zovrand [--source SERVER [--source-db DB]]", 0},
         {"--version", "Zovrand 1.1 (build 187)", 0},

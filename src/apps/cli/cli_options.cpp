@@ -84,6 +84,17 @@ CursorConnectionUseServer (1: rows are streamed and not kept, by record).
 
 Exit status: 0 identical, 1 differences found, 2 trouble.)";
 
+const char* const RunExamples = R"(Examples:
+  zovrand-cli compare --source db1 --source-db Shop --target db2 --target-db Shop
+                      -o /reports/shop.txt --save Nightly
+  zovrand-cli run Nightly
+      compares as before, prints the report and writes /reports/shop.txt anew
+  zovrand-cli run --all
+
+A saved process finds its servers in the stored list; options are those in force when it runs.
+
+Exit status: 0 identical, 1 differences found, 2 trouble.)";
+
 const char* const TypeHelp =
     "tables, procedures, functions, views, triggers, relationships, constraints or permissions";
 
@@ -171,6 +182,27 @@ void addType(CLI::App* command, Options& options, Fields& fields) {
         ->required();
 }
 
+/// An option without its value (a variable that is empty) would mean something else.
+const CLI::Validator NotEmpty(
+    [](const std::string& value) {
+        return value.empty() ? std::string("the value is missing") : std::string();
+    },
+    "");
+
+/// The run becomes a saved process.
+void addSave(CLI::App* command, Options& options, Fields& fields) {
+    CLI::Option* save =
+        command
+            ->add_option("--save", fields.text(options.save),
+                         "Keep the run as a saved process of this name, with its file of results")
+            ->type_name("NAME")
+            ->check(NotEmpty);
+    command
+        ->add_flag("--overwrite", options.overwrite,
+                   "Replace a saved process of that name; the new one gets a number of its own")
+        ->needs(save);
+}
+
 using Choices = std::vector<std::pair<CLI::App*, Command>>;
 
 void describeServerCommands(CLI::App& app, Options& options, Fields& fields, Choices& choices) {
@@ -212,14 +244,8 @@ void describeData(CLI::App& app, Options& options, Fields& fields, Choices& choi
     CLI::App* data =
         app.add_subcommand("data", "Compare the rows of one table, of chosen ones or of all");
     addServers(data, options, fields);
-    // An option without its value (a variable that is empty) would mean something else.
-    const CLI::Validator notEmpty(
-        [](const std::string& value) {
-            return value.empty() ? std::string("the value is missing") : std::string();
-        },
-        "");
     const auto text = [&](const char* option, QString& to, const char* type, const char* help) {
-        return data->add_option(option, fields.text(to), help)->type_name(type)->check(notEmpty);
+        return data->add_option(option, fields.text(to), help)->type_name(type)->check(NotEmpty);
     };
     CLI::Option* table = text(
         "--table", options.table, "NAME",
@@ -278,9 +304,55 @@ void describeData(CLI::App& app, Options& options, Fields& fields, Choices& choi
         ->needs(exported);
     text("-o,--output", options.outputFile, "FILE",
          "Write the summary or report to this file instead of standard output");
+    addSave(data, options, fields);
     addSettings(data, options, fields);
     data->footer(DataExamples);
     choices.emplace_back(data, Command::Data);
+}
+
+void addProcesses(CLI::App* command, Options& options, Fields& fields) {
+    command
+        ->add_option("PROCESS", fields.list(options.processes),
+                     "Its number or its name; digits alone are a number")
+        ->type_name("NAME|ID");
+    command->add_flag("--name", options.byName, "What is given is a name, digits alone too");
+}
+
+void describeProcesses(CLI::App& app, Options& options, Fields& fields, Choices& choices) {
+    CLI::App* process = app.add_subcommand("process", "The saved processes");
+    process->require_subcommand(1);
+    choices.emplace_back(
+        process->add_subcommand("list", "One saved process a line: number and name"),
+        Command::ProcessList);
+    const auto add = [&](const char* name, const char* help, Command command) {
+        CLI::App* added = process->add_subcommand(name, help);
+        addProcesses(added, options, fields);
+        added->get_option("PROCESS")->required();
+        choices.emplace_back(added, command);
+    };
+    add("show", "What is kept of a saved process", Command::ProcessShow);
+    add("delete", "Delete saved processes", Command::ProcessDelete);
+
+    CLI::App* run =
+        app.add_subcommand("run", "Run a saved process again: it compares, exports, tells");
+    addProcesses(run, options, fields);
+    CLI::Option* given = run->get_option("PROCESS")->expected(0, 1);
+    CLI::Option* all =
+        run->add_flag("--all", options.allProcesses,
+                      "Run every saved process, one after the other, with a line for each");
+    all->excludes(given);
+    run->add_option("-o,--output", fields.text(options.outputFile),
+                    "Write the results to this file instead of the process's own")
+        ->type_name("FILE")
+        ->excludes(all);
+    addSettings(run, options, fields);
+    run->footer(RunExamples);
+    // One of the two must say what is run.
+    run->callback([given, all] {
+        if (given->count() == 0 && all->count() == 0)
+            throw CLI::RequiredError("NAME|ID, or --all,");
+    });
+    choices.emplace_back(run, Command::Run);
 }
 
 void describeCommands(CLI::App& app, Options& options, Fields& fields, Choices& choices) {
@@ -351,10 +423,12 @@ void describeCommands(CLI::App& app, Options& options, Fields& fields, Choices& 
         ->add_option("-o,--output", fields.text(options.outputFile),
                      "Write the report to this file instead of standard output")
         ->type_name("FILE");
+    addSave(compare, options, fields);
     addSettings(compare, options, fields);
     compare->footer(CompareExamples);
     choices.emplace_back(compare, Command::Compare);
     describeData(app, options, fields, choices);
+    describeProcesses(app, options, fields, choices);
 }
 
 }  // namespace

@@ -14,7 +14,21 @@ inline constexpr int Identical = 0;  ///< or done
 inline constexpr int Different = 1;
 inline constexpr int Trouble = 2;
 
-enum class Command { ServerAdd, ServerList, ServerRemove, Load, Query, List, Text, Compare, Data };
+enum class Command {
+    ServerAdd,
+    ServerList,
+    ServerRemove,
+    Load,
+    Query,
+    List,
+    Text,
+    Compare,
+    Data,
+    ProcessList,
+    ProcessShow,
+    ProcessDelete,
+    Run,
+};
 
 /// How one server is named on the command line.
 struct ServerArguments {
@@ -64,6 +78,15 @@ struct Options {
     int limit = -1;
     QString exportFile;
     bool csvSafe = false;
+
+    // compare, data
+    QString save;  ///< the saved process that the run becomes; empty: none
+    bool overwrite = false;
+
+    // process, run
+    QStringList processes;  ///< names or numbers, as given
+    bool byName = false;    ///< they are names, whatever they look like
+    bool allProcesses = false;
 };
 
 /// Reads the command line. No result: `status` is what the program ends with (help was printed, or

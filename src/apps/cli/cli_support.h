@@ -14,7 +14,9 @@
 
 namespace zov {
 class ConsoleShell;
-}
+class UnattendedShell;
+struct DataComparisonRun;
+}  // namespace zov
 
 namespace zov::cli {
 
@@ -93,5 +95,9 @@ int runList(const Options& options, ConsoleShell& console);
 int runText(const Options& options, ConsoleShell& console);
 int runCompare(const Options& options, ConsoleShell& console);
 int runData(const Options& options, ConsoleShell& console);
+int runProcessList();
+int runProcessShow(const Options& options);
+int runProcessDelete(const Options& options);
+int runReplay(const Options& options, UnattendedShell& console);
 
 }  // namespace zov::cli

@@ -1,10 +1,10 @@
 // zovrand-cli compare
-#include "apps/cli/cli_support.h"
+#include "apps/cli/save_run.h"
 #include "core/globals.h"
 #include "scripting/modNew.h"
 #include "shell/console/console_shell.h"
 #include "shell/memory_controls.h"
-#include "structcompare/modCompareAll.h"
+#include "structcompare/compare_all_menu.h"
 #include "util/text.h"
 
 namespace zov::cli {
@@ -86,6 +86,7 @@ bool tellWhatIsLeftOut(const StructureRun& run, bool allowed, ConsoleShell& cons
 
 int runCompare(const Options& options, ConsoleShell& console) {
     const ComparedServers servers = chooseServers(options);
+    const RunToSave toSave(options, servers);
     StructureRunRequest request;
     request.sourceDb = servers.sourceDb;
     request.targetDb = servers.targetDb;
@@ -122,6 +123,9 @@ int runCompare(const Options& options, ConsoleShell& console) {
                            "the compared kinds.")
                 .arg(servers.sourceDb, servers.targetDb));
     if (tellWhatIsLeftOut(run, options.allowUnreadable, console)) return Trouble;
+    const bool oneKind = std::count(request.kinds.begin(), request.kinds.end(), true) == 1;
+    toSave.save(reportOf(request, !oneKind, run.objectTypesChosen), options.outputFile, 0, false,
+              console);
     return run.somethingDiffers ? Different : Identical;
 }
 

@@ -1,13 +1,13 @@
 // zovrand-cli data
-#include "apps/cli/cli_support.h"
 #include "apps/cli/data_notes.h"
 #include "apps/cli/data_run.h"
+#include "apps/cli/save_run.h"
 #include "core/globals.h"
 #include "core/run_account.h"
 #include "datacompare/compare_all_data.h"
 #include "datacompare/frmCompareData.h"
 #include "datacompare/frmCompareStatus.h"
-#include "reports/export_files.h"
+#include "reports/frmExport.h"
 #include "shell/console/console_shell.h"
 #include "shell/memory_controls.h"
 #include "util/text.h"
@@ -98,7 +98,23 @@ class ConsoleScreens : public DataComparisonScreens, public CompareAllForm {
     QString name_;
 };
 
-int compareOneTable(const Options& options, ConsoleShell& console, const ComparedServers& servers) {
+void keepTableRun(const Options& options, ConsoleShell& console, const RunToSave& toSave,
+                  const DataComparisonRun& run) {
+    if (options.save.isNull()) return;
+    QStringList ignored[2];
+    ignoredColumnsOf(options, run.Tables, ignored);
+    toSave.saveTableSettings(run, !options.ignore.isEmpty(), ignored);
+    const bool csv = options.exportFile.endsWith(QStringLiteral(".csv"), Qt::CaseInsensitive);
+    toSave.save(reportOf(run.Tables, run.Method), options.exportFile,
+              csv ? ExportType::Csv : ExportType::Html, csv, console);
+    if (!options.outputFile.isEmpty())
+        console.showNote(QStringLiteral("The process doesn't keep the summary's file, %1: its replay "
+                                        "prints the summary.")
+                             .arg(options.outputFile));
+}
+
+int compareOneTable(const Options& options, ConsoleShell& console, const ComparedServers& servers,
+                    const RunToSave& toSave) {
     checkExportFile(options);
     if (options.limit > 0) globals().glngMaxRowsInDiffTable = options.limit;
     if (globals().glngMaxRowsInDiffTable < 1)
@@ -110,7 +126,7 @@ int compareOneTable(const Options& options, ConsoleShell& console, const Compare
     const CompareDataPair tables{findTable(SourcePanel, servers.sourceDb, options.table),
                                  findTable(TargetPanel, servers.targetDb, targetName)};
     checkAgainstIgnored(options, tables);
-    const IgnoredForThisRun ignored(options, tables);
+    std::optional<IgnoredForThisRun> ignored(std::in_place, options, tables);
     ConsoleScreens screens(console, options.exportFile, options.csvSafe);
     const DataComparisonRun run = runOf(options, tables);
     checkGivenKey(options, run);
@@ -139,10 +155,14 @@ int compareOneTable(const Options& options, ConsoleShell& console, const Compare
     if (!options.exportFile.isEmpty() && !screens.exported)
         console.showNote(QStringLiteral("There is nothing to export: %1 was not written.")
                              .arg(options.exportFile));
+    // What is stored goes to the user's own list of ignored columns again.
+    ignored.reset();
+    keepTableRun(options, console, toSave, run);
     return result.Identical() ? Identical : Different;
 }
 
-int compareTables(const Options& options, ConsoleShell& console, const ComparedServers& servers) {
+int compareTables(const Options& options, ConsoleShell& console, const ComparedServers& servers,
+                  const RunToSave& toSave) {
     DataRunRequest request;
     request.sourceDb = servers.sourceDb;
     request.targetDb = servers.targetDb;
@@ -172,6 +192,7 @@ int compareTables(const Options& options, ConsoleShell& console, const ComparedS
     for (const QString& sentence : run.blindness) console.showError(sentence);
     if (tellTrouble(console, run.account)) return Trouble;
     if (!options.allowUnreadable && !run.isWhole()) return Trouble;
+    toSave.save(reportOf(request), options.outputFile, 0, false, console);
     return run.somethingDiffers ? Different : Identical;
 }
 
@@ -179,9 +200,10 @@ int compareTables(const Options& options, ConsoleShell& console, const ComparedS
 
 int runData(const Options& options, ConsoleShell& console) {
     const ComparedServers servers = chooseServers(options);
+    const RunToSave toSave(options, servers);
     reachServers(servers);
-    return options.table.isEmpty() ? compareTables(options, console, servers)
-                                   : compareOneTable(options, console, servers);
+    return options.table.isEmpty() ? compareTables(options, console, servers, toSave)
+                                   : compareOneTable(options, console, servers, toSave);
 }
 
 }  // namespace zov::cli

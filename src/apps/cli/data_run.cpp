@@ -128,6 +128,13 @@ void checkOffsets(const Options& options, const DataComparisonRun& run) {
 
 }  // namespace
 
+void ignoredColumnsOf(const Options& options, const CompareDataPair& tables,
+                      QStringList (&columns)[2]) {
+    if (options.ignore.isEmpty()) return;
+    const BothSides ignored = ignoredColumns(options, tables);
+    for (int side = 0; side < 2; ++side) columns[side] = ignored.columns[side];
+}
+
 CompareDataTable findTable(int panel, const QString& database, const QString& name) {
     const QString side = panel == SourcePanel ? QStringLiteral("source") : QStringLiteral("target");
     std::vector<ObjectListRow> meant;

@@ -25,6 +25,10 @@ class IgnoredForThisRun {
     ScopedValue<QString> restore_;
 };
 
+/// The columns that --ignore names, of each side.
+void ignoredColumnsOf(const Options& options, const CompareDataPair& tables,
+                      QStringList (&columns)[2]);
+
 /// The stored settings, with those of the command line in their place.
 DataComparisonRun runOf(const Options& options, const CompareDataPair& tables);
 /// A column that the comparison goes by and leaves out: refused where it is asked for.

@@ -2,6 +2,7 @@
 // line, starts up as the desktop does, runs one command.
 #include "apps/cli/cli_options.h"
 #include "apps/cli/cli_support.h"
+#include "apps/unattended/unattended_shell.h"
 #include "core/error_report.h"
 #include "core/globals.h"
 #include "core/mdlMain.h"
@@ -9,7 +10,6 @@
 #include "core/settings.h"
 #include "data/odbc/driver_crash.h"
 #include "data/server_list.h"
-#include "shell/console/console_shell.h"
 #include "shell/console/interrupt.h"
 #include "shell/console/terminal.h"
 
@@ -24,7 +24,15 @@
 namespace zov::cli {
 namespace {
 
-int run(const Options& options, ConsoleShell& console) {
+/// The status, and a line when the run was to be kept and wasn't.
+int toldUnlessKept(int status, const Options& options, ConsoleShell& console) {
+    if (status == Trouble && !options.save.isNull())
+        console.showNote(QStringLiteral("Nothing was saved: a run is kept when it reached its end "
+                                        "without trouble."));
+    return status;
+}
+
+int run(const Options& options, UnattendedShell& console) {
     switch (options.command) {
         case Command::ServerAdd:
             return runServerAdd(options, console);
@@ -41,9 +49,17 @@ int run(const Options& options, ConsoleShell& console) {
         case Command::Text:
             return runText(options, console);
         case Command::Compare:
-            return runCompare(options, console);
+            return toldUnlessKept(runCompare(options, console), options, console);
         case Command::Data:
-            return runData(options, console);
+            return toldUnlessKept(runData(options, console), options, console);
+        case Command::ProcessList:
+            return runProcessList();
+        case Command::ProcessShow:
+            return runProcessShow(options);
+        case Command::ProcessDelete:
+            return runProcessDelete(options);
+        case Command::Run:
+            return runReplay(options, console);
     }
     return Trouble;
 }
@@ -83,7 +99,7 @@ bool onlyReads(Command command) {
     }
 }
 
-int startAndRun(const Options& options, ConsoleShell& console) {
+int startAndRun(const Options& options, UnattendedShell& console) {
     overrideSettings(options.settings);
     RunStartUp(QString(), LoadServersFromRegistry);
     if (const QString damage = damagedSettingsNote(); !damage.isEmpty()) console.showNote(damage);
@@ -134,7 +150,7 @@ int main(int argc, char** argv) {
     int status = cli::Trouble;
     const std::optional<cli::Options> options = cli::parseCommandLine(argc, argv, status);
     if (!options) return status;
-    ConsoleShell console(QStringLiteral("zovrand-cli"));
+    UnattendedShell console(QStringLiteral("zovrand-cli"));
     console.onInterrupt = [] { globals().gblnStop = true; };
     installShell(&console);
     catchInterrupts();

@@ -1,12 +1,17 @@
-// The desktop program.
+// The desktop program, and its run without a window.
+#include "apps/unattended/unattended_replay.h"
+#include "core/error_report.h"
 #include "core/globals.h"
 #include "core/mdlMain.h"
 #include "core/product.h"
 #include "data/odbc/driver_crash.h"
 #include "data/server_list.h"
+#include "core/registry.h"
+#include "shell/console/interrupt.h"
 #include "shell/qt/appearance.h"
 #include "shell/qt/desktop_screens.h"
 #include "shell/qt/main_window.h"
+#include "shell/qt/pane_printer.h"
 #include "shell/qt/qt_shell.h"
 #include "shell/qt/start_options.h"
 
@@ -16,15 +21,52 @@
 #include <cstdio>
 #include <cstdlib>
 
+namespace {
+
+/// Prints on the default printer, at once.
+class SilentPrinter : public zov::ReportPrinter {
+ public:
+    SilentPrinter() { zov::installReportPrinter(this); }
+    ~SilentPrinter() override { zov::installReportPrinter(nullptr); }
+    bool printReport(const QString& documentName, const QString& text, bool) override {
+        return zov::qt::printText(text, documentName, true, nullptr);
+    }
+};
+
+/// The saved process of the command line, with nobody there; its exit status.
+int runUnattended(const QString& commandLine) {
+    zov::UnattendedShell shell(QStringLiteral("zovrand"));
+    shell.onInterrupt = [] { zov::globals().gblnStop = true; };
+    zov::installShell(&shell);
+    zov::catchInterrupts();
+    int status = zov::unattended::Trouble;
+    try {
+        zov::RunStartUp(commandLine, [] { zov::LoadServersFromRegistry(); });
+        zov::takeSettingsFailure();
+        const SilentPrinter printer;
+        status = zov::unattended::replayOfCommandLine(shell).status;
+    } catch (...) {
+        shell.showError(zov::caughtError().description);
+        status = zov::unattended::Trouble;
+    }
+    zov::installShell(nullptr);
+    return status;
+}
+
+}  // namespace
+
 int main(int argc, char** argv) {
     // Help and mistakes are told before a display is needed.
     QStringList given;
     for (int i = 1; i < argc; ++i) given += QString::fromLocal8Bit(argv[i]);
-    if (const zov::qt::StartOptions early = zov::qt::parseStartOptions(given);
-        !early.message.isEmpty() && !given.join(u' ').contains(u"-platform")) {
+    const bool platformGiven = given.join(u' ').contains(u"-platform");
+    const zov::qt::StartOptions early = zov::qt::parseStartOptions(given);
+    if (!early.message.isEmpty() && !platformGiven) {
         std::fputs(early.message.toLocal8Bit().constData(), early.exitStatus ? stderr : stdout);
         return early.exitStatus;
     }
+    // Nothing is shown; printing and its fonts work all the same.
+    if (early.unattended && !platformGiven) qputenv("QT_QPA_PLATFORM", "offscreen");
 
     QApplication application(argc, argv);
     QApplication::setApplicationName(zov::product::Name);
@@ -40,6 +82,8 @@ int main(int argc, char** argv) {
     }
 
     zov::odbc::tellDriverCrashes("zovrand", 2);
+    if (options.unattended) return runUnattended(options.rest);
+
     zov::qt::QtShell shell;
     zov::installShell(&shell);
     zov::RunStartUp(options.rest, [] { zov::LoadServersFromRegistry(); });

@@ -17,7 +17,7 @@ const std::vector<CommandEntry>& commandTable() {
         {101, 0, File, "&Connect to the Server", ""},
         {102, 0, File, "Refresh - &Source", "F5", false, Built, Line},
         {103, 0, File, "Refresh - &Target", "Shift+F5"},
-        {104, 0, File, "&Run Saved Comparison Process", "", false, Later, Line},
+        {104, 0, File, "&Run Saved Comparison Process", "", false, Built, Line},
         {105, 0, File, "E&xit", "Alt+F4", false, Built, Line},
 
         {201, 0, Comparisons, "Compare &Selected Objects", "F7"},

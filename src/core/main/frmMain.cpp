@@ -97,7 +97,8 @@ void frmMain::Form_Activate() {
         if (!tellUnreadSettings() && !damage.isEmpty())
             shell().messageBox(damage, QStringLiteral("Settings Damaged"), BoxIcon::Exclamation);
         if (readBooleanSetting(QStringLiteral("ShowTipOfDay"))) screens_.showTip();
-        serverInfoSet();
+        const qint32 process = globals().glngSavedProcessId;
+        if (serverInfoSet() && process > 0 && dataAccessUsable()) RunSavedProcess(process);
     });
 }
 
@@ -117,7 +118,8 @@ bool frmMain::tellUnreadSettings() {
 
 void frmMain::tellSettingsFailure() {
     const QString failure = takeSettingsFailure();
-    if (failure.isEmpty() || settingsFailureTold_) return;
+    // A run without a trace has nothing that it would miss.
+    if (failure.isEmpty() || settingsFailureTold_ || leavesNoTrace) return;
     settingsFailureTold_ = true;
     shell().messageBox(failure + QStringLiteral("\r\n\r\nWhat was changed holds until the program "
                                                 "ends. Make the place writable to keep it."),
@@ -377,8 +379,11 @@ void frmMain::RefreshSourceTarget(int Index) {
 }
 
 void frmMain::showComparisonReport(const SelectedPair& pair) {
+    ComparisonReport report = reportOf(pair);
+    report.Replay = replay_.replaying;
+    report.ExportPath = replay_.exportPath;
     reportShown_ = true;
-    screens_.ShowUp(reportOf(pair));
+    screens_.ShowUp(report);
 }
 
 void frmMain::printBothPanes() {
@@ -403,11 +408,12 @@ void frmMain::cmdCompare_Click() {
     });
 }
 
-// The run has lists and panes of its own for its scratch: what the user looks at stays as it is.
 void frmMain::compareDatabases(const char* handler,
                                const std::function<void(CompareAllWindow&)>& run) {
-    if (!dataAccessUsable()) return;
-    if (Busy_) return;
+    if (dataAccessUsable() && !Busy_) runOnScratch(handler, run);
+}
+
+void frmMain::runOnScratch(const char* handler, const std::function<void(CompareAllWindow&)>& run) {
     const ScopedValue<bool> busy(Busy_, true);
     shell().beginOperation();
     guardedRun(Module, handler, [&] {
@@ -429,7 +435,8 @@ void frmMain::compareBulk(int kindIndex, bool selective, bool details) {
 }
 
 void frmMain::cmdCompareAll_Click() {
-    compareDatabases("cmdCompareAll_Click", CompareAllObjects);
+    compareDatabases("cmdCompareAll_Click",
+                     [](CompareAllWindow& window) { CompareAllObjects(window); });
 }
 
 CompareDataPair TablesOf(const SelectedPair& pair) {

@@ -38,6 +38,7 @@ class MainWindowView {
 
 class MainScreens;
 struct CompareAllWindow;
+struct SavedProcess;
 
 /// What "Compare Selected Objects" said of the two texts that were shown.
 struct PairVerdict {
@@ -153,6 +154,22 @@ class frmMain : public PanelWindow,
     void showObject(int Index, int row) override;
     bool compareAndPrintPair() override;
 
+    /// Runs the saved process with this number; below 1 the user chooses one from a list.
+    void RunSavedProcess(qint32 Id);
+    /// The same for the process of this name.
+    void RunSavedProcessNamed(const QString& Name);
+
+    /// How the last replay ended.
+    struct ReplayResult {
+        RunVerdict verdict = RunVerdict::None;
+        QString report;  ///< what a comparison of two tables' rows says
+    };
+    const ReplayResult& lastReplay() const { return replayResult_; }
+    /// Replays change nothing that is stored, as which database was looked at last.
+    bool leavesNoTrace = false;
+    /// Changes what was read of a process before it is run; may be empty.
+    std::function<void(SavedProcess&)> adjustProcess;
+
     bool Loaded = false;
 
  private:
@@ -205,6 +222,23 @@ class frmMain : public PanelWindow,
     bool hasText(int Index) const;
     bool showsNothing(int Index) const;
 
+    // Replay of a saved process (frmMain_replay.cpp).
+    void replayChosen(const std::function<QString()>& choose);
+    void replayProcess(const QString& name);
+    bool CheckSavedProcessDetails(const SavedProcess& process);
+    bool selectReplayServers(const SavedProcess& process);
+    bool selectReplayDatabases(const SavedProcess& process);
+    void selectType(ObjectType type);
+    int rowOfReplayObject(int Index, const QString& name, qint32 id, const QString& kind);
+    bool selectionFits(const SavedProcess& process, ObjectType type);
+    void RunSavedProcess_DataComp(const SavedProcess& process);
+    void RunSavedProcess_MetaDataComp(const SavedProcess& process);
+    void RunSavedProcess_Data_Single(const SavedProcess& process);
+    void RunSavedProcess_Data_All(const SavedProcess& process);
+    void RunSavedProcess_Individual(int Index, const SavedProcess& process);
+    /// Runs with lists and panes of its own for scratch: what the user looks at stays as it is.
+    void runOnScratch(const char* handler, const std::function<void(CompareAllWindow&)>& run);
+
     MainWindowView& view_;
     MainScreens& screens_;
     bool Busy_ = false;
@@ -216,6 +250,14 @@ class frmMain : public PanelWindow,
     PairVerdict verdict_;
     bool reportShown_ = false;  ///< by the comparison under way
     bool printed_ = false;  ///< what printBothPanes could do
+
+    /// What a replay hands to the report of a pair; for its length alone.
+    struct ReplayContext {
+        bool replaying = false;
+        QString exportPath;
+    };
+    ReplayContext replay_;
+    ReplayResult replayResult_;
 };
 
 }  // namespace zov

@@ -69,6 +69,9 @@ void frmMain::ExecuteAction(int Id, int Panel) {
             return RefreshSourceTarget(SourcePanel);
         case cmd::RefreshTarget:
             return RefreshSourceTarget(TargetPanel);
+        case cmd::RunSaved:
+            if (dataAccessUsable()) RunSavedProcess(0);
+            return;
         case cmd::Exit:
             return view_.closeWindow();
         case cmd::CompareSelected:
@@ -82,7 +85,9 @@ void frmMain::ExecuteAction(int Id, int Panel) {
         case cmd::DataPair:
             return CompareData();
         case cmd::DataSelected:
-            return compareDatabases("MenuDataCompSelective", MenuDataCompSelective);
+            return compareDatabases("MenuDataCompSelective", [](CompareAllWindow& window) {
+                MenuDataCompSelective(window);
+            });
         case cmd::DataAll:
             return compareDatabases("DataCompareAll", [&](CompareAllWindow& window) {
                 if (CanCompare()) DataCompareAll(window);

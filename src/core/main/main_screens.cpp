@@ -6,6 +6,7 @@
 #include "datacompare/frmIgnoreColumns.h"
 #include "options/frmOptions.h"
 #include "options/frmOptionsDebug.h"
+#include "saved/frmSaveCompRun.h"
 #include "structcompare/frmCompareText.h"
 #include "structcompare/frmSpare.h"
 #include "tools/frmSearchForObject_Gen.h"
@@ -56,6 +57,10 @@ void MainScreens::visualizeDifferences(const QString& sourceName, const QString&
 
 void MainScreens::showTip() {
     frmTip().ShowUp();
+}
+
+QString MainScreens::chooseSavedProcess() {
+    return frmSaveCompRun().ShowUp();
 }
 
 void MainScreens::showGenericReport(const QString& Caption) {

@@ -4,13 +4,16 @@
 
 #include "reports/frmCompareAndPrint.h"
 #include "reports/frmReport.h"
+#include "saved/frmSaveComparison.h"
 #include "tools/frmListObjects.h"
 
 namespace zov {
 
 class MainScreens : public ReportScreen {
  public:
-    ~MainScreens() override = default;
+    /// Result screens save their runs from now on.
+    MainScreens() { installProcessRecorder(&recorder_); }
+    ~MainScreens() override { installProcessRecorder(nullptr); }
 
     /// True when the options were saved.
     bool showOptions();
@@ -30,6 +33,8 @@ class MainScreens : public ReportScreen {
     void visualizeDifferences(const QString& sourceName, const QString& sourceText,
                               const QString& targetName, const QString& targetText);
     void showTip();
+    /// The name of the saved process to be run, empty when none was chosen.
+    QString chooseSavedProcess();
     /// The report screen on globals().gstrReport, without a Save button.
     void showGenericReport(const QString& Caption);
     void compareAndPrint(CompareAndPrintWindow& window);
@@ -40,6 +45,7 @@ class MainScreens : public ReportScreen {
 
  private:
     frmListObjects chooser_;
+    SavedProcessRecorder recorder_;
 };
 
 }  // namespace zov

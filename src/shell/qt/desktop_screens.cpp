@@ -6,10 +6,10 @@
 
 namespace zov::qt {
 
-void DesktopScreens::printReport(const QString& documentName, const QString& text) {
+bool DesktopScreens::printReport(const QString& documentName, const QString& text, bool silent) {
     // Over the report that is being printed, not over the window behind it.
     QWidget* report = QApplication::activeModalWidget();
-    printText(text, documentName, report ? report : window_);
+    return printText(text, documentName, silent, report ? report : window_);
 }
 
 }  // namespace zov::qt

@@ -14,7 +14,7 @@ class DesktopScreens : public MainScreens, public ReportPrinter {
     /// The window that print dialogs belong to.
     void setWindow(QWidget* window) { window_ = window; }
 
-    void printReport(const QString& documentName, const QString& text) override;
+    bool printReport(const QString& documentName, const QString& text, bool silent) override;
 
  private:
     QWidget* window_ = nullptr;

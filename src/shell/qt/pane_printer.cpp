@@ -96,7 +96,7 @@ bool printAtOnce(const std::vector<PrintedLine>& lines, const QString& documentN
     const std::unique_ptr<QPrinter> printer = defaultPrinter(documentName);
     if (!printer) return false;
     paintPages(*printer, lines, header);
-    return printer->printerState() != QPrinter::Error;
+    return tookPages(*printer);
 }
 
 }  // namespace
@@ -111,10 +111,11 @@ bool printPaneText(const TextPaneWidget& pane, const QString& title, const QStri
                   : printWithPreview(lines, documentName, title + header, parent);
 }
 
-bool printText(const QString& text, const QString& documentName, QWidget* parent) {
+bool printText(const QString& text, const QString& documentName, bool silent, QWidget* parent) {
     std::vector<PrintedLine> lines;
     for (const QString& line : withLf(text).split(u'\n')) lines.push_back({line, White});
-    return printWithPreview(lines, documentName, documentName, parent);
+    return silent ? printAtOnce(lines, documentName, documentName)
+                  : printWithPreview(lines, documentName, documentName, parent);
 }
 
 }  // namespace zov::qt

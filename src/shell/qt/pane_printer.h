@@ -15,7 +15,7 @@ class TextPaneWidget;
 bool printPaneText(const TextPaneWidget& pane, const QString& title, const QString& header,
                    bool silent, QWidget* parent);
 
-/// A plain text under a document name, with the same pages and preview.
-bool printText(const QString& text, const QString& documentName, QWidget* parent);
+/// A plain text under a document name, with the same pages and preview; `silent` as above.
+bool printText(const QString& text, const QString& documentName, bool silent, QWidget* parent);
 
 }  // namespace zov::qt

@@ -48,6 +48,14 @@ std::unique_ptr<QPrinter> defaultPrinter(const QString& documentName) {
     return printer;
 }
 
+bool tookPages(const QPrinter& printer) {
+    if (printer.printerState() != QPrinter::Error) return true;
+    tell(QStringLiteral("The printer '%1' doesn't take the pages.\r\n\r\nPlease look after it "
+                        "in the settings of your desktop, or save the pages as a PDF file.")
+             .arg(printer.printerName()));
+    return false;
+}
+
 PrintPreview::PrintPreview(const QString& documentName, const QString& title,
                            std::function<void(QPrinter&)> paint, QWidget* parent)
     : QDialog(parent), documentName_(documentName), paint_(std::move(paint)) {
@@ -115,12 +123,7 @@ void PrintPreview::print() {
     dialog.setOption(QAbstractPrintDialog::PrintPageRange, false);
     if (dialog.exec() != QDialog::Accepted) return;
     paint_(*printer);
-    if (printer->printerState() == QPrinter::Error) {
-        tell(QStringLiteral("The printer '%1' doesn't take the pages.\r\n\r\nPlease look after it "
-                            "in the settings of your desktop, or save the pages as a PDF file.")
-                 .arg(printer->printerName()));
-        return;
-    }
+    if (!tookPages(*printer)) return;
     printed_ = true;
     accept();
 }

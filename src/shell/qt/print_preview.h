@@ -41,5 +41,7 @@ class PrintPreview : public QDialog {
 /// The default printer, ready to be painted on. Null, after a message that says what to do, when
 /// there is none.
 std::unique_ptr<QPrinter> defaultPrinter(const QString& documentName);
+/// Whether the printer took what was painted; tells that it didn't.
+bool tookPages(const QPrinter& printer);
 
 }  // namespace zov::qt

@@ -17,11 +17,16 @@ namespace {
 const char* const Usage =
     "Usage: zovrand [--source SERVER [--source-db DB]] [--target SERVER [--target-db DB]]\n"
     "               [--palette system|light|dark]\n"
+    "       zovrand [--unattended] /RunSavedComp ID\n"
     "\n"
     "  --source, --target         open the panel with this server: a stored one's name, or\n"
     "                             local:NAME for an embedded server\n"
     "  --source-db, --target-db   and with this database of it\n"
     "  --palette                  colours of the window; kept for the next start\n"
+    "  /RunSavedComp              run the saved process with this number at once\n"
+    "  --unattended               without a window: boxes are lines on standard error, questions\n"
+    "                             are answered No, and the program ends with 0 (identical),\n"
+    "                             1 (differences) or 2 (trouble)\n"
     "  --help, --version\n";
 
 int indexOfItem(const ChoiceList& list, const QString& text, Qt::CaseSensitivity cs) {
@@ -87,6 +92,10 @@ StartOptions parseStartOptions(const QStringList& arguments) {
                                   .arg(ProgramBuildNumber);
             return options;
         }
+        if (argument == u"--unattended") {
+            options.unattended = true;
+            continue;
+        }
         const QString name = argument.section(u'=', 0, 0);
         const auto* option = std::find_if(std::begin(known), std::end(known),
                                           [&](const auto& each) { return each.name == name; });
@@ -114,6 +123,8 @@ StartOptions parseStartOptions(const QStringList& arguments) {
     appearanceFromText(options.palette, &paletteKnown);
     if (!options.palette.isEmpty() && !paletteKnown)
         return fail(QStringLiteral("There is no palette \"%1\".").arg(options.palette));
+    if (options.unattended && (options.opensPanels() || !options.palette.isEmpty()))
+        return fail(QStringLiteral("--unattended goes with /RunSavedComp ID alone."));
     options.rest = rest.join(u' ');
     return options;
 }

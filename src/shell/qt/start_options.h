@@ -19,6 +19,8 @@ struct StartOptions {
     };
     Side sides[2];    ///< Source, Target
     QString palette;  ///< "system", "light", "dark"; empty: as stored
+    /// The saved process is run without a window, and the program ends behind it.
+    bool unattended = false;
     /// Everything that isn't an option above, joined by blanks.
     QString rest;
     /// What is wrong with the command line, or what was asked to be printed; the program then ends

@@ -11,6 +11,7 @@
 #include "shell/qt/screens/object_dialogs.h"
 #include "shell/qt/screens/options_dialog.h"
 #include "shell/qt/screens/report_dialog.h"
+#include "shell/qt/screens/saved_dialogs.h"
 #include "shell/qt/screens/server_dialogs.h"
 #include "shell/qt/screens/view_dialogs.h"
 
@@ -35,6 +36,8 @@ std::unique_ptr<ScreenDialog> makeScreenDialog(Screen& screen, QWidget* parent) 
            tryDialog<CompareAllDialog, frmCompareAllTables>(screen, parent, dialog) ||
            tryDialog<CompareAndPrintDialog, frmCompareAndPrint>(screen, parent, dialog) ||
            tryDialog<ReportDialog, frmReport>(screen, parent, dialog) ||
+           tryDialog<SaveComparisonDialog, frmSaveComparison>(screen, parent, dialog) ||
+           tryDialog<SaveCompRunDialog, frmSaveCompRun>(screen, parent, dialog) ||
            tryDialog<SearchDialog, frmSearchForObject_Gen>(screen, parent, dialog) ||
            tryDialog<ListObjectsDialog, frmListObjects>(screen, parent, dialog) ||
            tryDialog<IgnoreColumnsDialog, frmIgnoreColumnsAdd>(screen, parent, dialog) ||

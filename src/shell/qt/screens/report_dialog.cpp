@@ -5,6 +5,7 @@
 #include <QPlainTextEdit>
 #include <QPushButton>
 #include <QShortcut>
+#include <QTimer>
 #include <QVBoxLayout>
 
 namespace zov::qt {
@@ -25,6 +26,8 @@ ReportDialog::ReportDialog(frmReport& screen, QWidget* parent)
     auto* copy = new QPushButton(QStringLiteral("Copy To &Clipboard"));
     auto* file = new QPushButton(QStringLiteral("Copy To &File"));
     save_ = new QPushButton(QStringLiteral("&Save"));
+    save_->setToolTip(QStringLiteral(
+        "Save comparison's process parameters so it can be re-run later (Alt + S)"));
     auto* print = new QPushButton(QStringLiteral("&Print"));
     auto* exit = new QPushButton(QStringLiteral("E&xit"));
     exit->setDefault(true);
@@ -52,6 +55,7 @@ ReportDialog::ReportDialog(frmReport& screen, QWidget* parent)
     name(QStringLiteral("cmdExit"), exit);
     connect(copy, &QPushButton::clicked, this, [this] { screen_.cmdCopyClip(); });
     connect(file, &QPushButton::clicked, this, [this] { screen_.cmdCopyToFile(); });
+    connect(save_, &QPushButton::clicked, this, [this] { screen_.cmdSave(); });
     connect(print, &QPushButton::clicked, this, [this] { screen_.cmdPrint(); });
     connect(exit, &QPushButton::clicked, this, [this] { screen_.cmdExit(); });
     exit->setAutoDefault(false);
@@ -71,13 +75,16 @@ ReportDialog::ReportDialog(frmReport& screen, QWidget* parent)
             [this] { find(false); });
 }
 
+void ReportDialog::showEvent(QShowEvent* event) {
+    ScreenDialog::showEvent(event);
+    QTimer::singleShot(0, this, [this] { screen_.Form_Activate(); });
+}
+
 void ReportDialog::refreshFields() {
     setWindowTitle(screen_.caption());
     text_->setPlainText(screen_.txtReport);
     save_->setVisible(screen_.cmdSaveVisible);
     save_->setEnabled(screen_.cmdSaveEnabled);
-    if (!screen_.cmdSaveEnabled)
-        save_->setToolTip(QStringLiteral("Saving a run as a process is not in this version yet."));
     text_->setFocus();
 }
 

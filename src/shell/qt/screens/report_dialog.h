@@ -17,6 +17,9 @@ class ReportDialog : public ScreenDialog {
     ReportDialog(frmReport& screen, QWidget* parent);
     void refreshFields() override;
 
+ protected:
+    void showEvent(QShowEvent* event) override;
+
  private:
     void find(bool forward);
 

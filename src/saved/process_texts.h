@@ -1,0 +1,24 @@
+// What the codes of a saved process are called, and its properties as a text.
+#pragma once
+
+#include "saved/modSavedProcess.h"
+
+namespace zov {
+
+QString CompTypeToText(qint32 CompType);
+QString CompSubTypeToText(qint32 CompSubType);
+QString CompSubSubTypeToText(qint32 CompSubSubType);
+/// "Hyper Text Markup Language (HTML) file" ...; "N/A" for a type that is no file's.
+QString ExportTypeToText(qint32 ExportType);
+/// "Yes", "No"
+QString YesNoText(bool Yes);
+
+/// One line for each thing that is known of the process, parted by CRLF.
+QString ProcessPropertiesText(const SavedProcess& Process);
+/// Reads the process and shows its properties in a box; nothing for an empty name.
+void ShowProcessProperties(const QString& Name);
+
+/// What a process doesn't keep, for those who save one or look at one.
+QString WhatIsNotKept();
+
+}  // namespace zov
