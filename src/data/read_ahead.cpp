@@ -136,10 +136,10 @@ void ReadAhead::Reader::run() {
         try {
             rows = fetchWindow(*stream, window, WindowRows, 1,
                                [&] { return mayGiveWhatThereIs(start); });
-        } catch (const DbError&) {
+        } catch (const DbError& error) {
             // Rows that came before an error of the server are not lost.
             failed = std::current_exception();
-            rows = window.rowCount();
+            rows = error.leavesRowsWhole() ? window.rowCount() : 0;
         } catch (...) {
             // What else fails, memory above all, leaves rows of which a part is missing.
             failed = std::current_exception();

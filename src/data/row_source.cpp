@@ -123,7 +123,8 @@ template <typename Fetch>
 auto RowSource::wholeRows(Fetch fetch) {
     try {
         return fetch();
-    } catch (const DbError&) {
+    } catch (const DbError& error) {
+        if (!error.leavesRowsWhole()) forgetRows();
         throw;
     } catch (...) {
         forgetRows();

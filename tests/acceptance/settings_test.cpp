@@ -1,9 +1,9 @@
 // The stored settings and the list of servers in the hands of several processes at once, and when
 // they can't be read.
 #include "cli_runner.h"
+#include "util/file_lock.h"
 
 #include <QElapsedTimer>
-#include <QLockFile>
 
 namespace zov::acceptance {
 namespace {
@@ -58,8 +58,9 @@ TEST_F(StoredSettings, AddingBesideRemovingLeavesNoGaps) {
 
 TEST_F(StoredSettings, ReadingDoesNotWaitForWhoWrites) {
     home_.loadText("local:try", "A", "CREATE TABLE T (a int)\n");
-    QLockFile lock(home_.home() + "/registry.reg.lock");
-    ASSERT_TRUE(lock.tryLock(0));
+    FileLock lock;
+    ASSERT_EQ(lock.acquire(home_.home() + "/registry.reg.lock", FileLock::Mode::Exclusive, 0),
+              FileLock::Outcome::Locked);
     const QStringList compare{"compare",     "--source",    "local:try",
                               "--source-db", "A",           "--target",
                               "local:try",   "--target-db", "A"};

@@ -205,6 +205,7 @@ class Stopping : public ::testing::Test {
         endpoint_ = new TdsEndpoint;
         endpoint_->start(options);
         qputenv("ZOVRAND_PASSWORD", "secret");
+        home_->setEnvironment("ZOVRAND_PASSWORD", "secret");
     }
     static void TearDownTestSuite() {
         qunsetenv("ZOVRAND_PASSWORD");

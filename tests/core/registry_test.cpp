@@ -5,13 +5,13 @@
 #include "core/registry_document.h"
 #include "core/settings.h"
 #include "support/temp_home.h"
+#include "util/file_lock.h"
 #include "util/text_decode.h"
 
 #include <gtest/gtest.h>
 
 #include <QElapsedTimer>
 #include <QFileInfo>
-#include <QLockFile>
 
 #include <stdexcept>
 
@@ -230,8 +230,10 @@ TEST_F(Registry, AChangeSeesWhatIsStoredNowAndReachesTheStoreAsOne) {
     RegSetDWordValue(User, Key, QStringLiteral("Count"), 1);
     EXPECT_TRUE(changeSettings([&] {
         // Nobody else may write meanwhile.
-        QLockFile other(home.registryPath() + QStringLiteral(".lock"));
-        EXPECT_FALSE(other.tryLock(0));
+        FileLock other;
+        EXPECT_EQ(other.acquire(home.registryPath() + QStringLiteral(".lock"),
+                                FileLock::Mode::Exclusive, 0),
+                  FileLock::Outcome::Busy);
         RegSetDWordValue(User, Key, QStringLiteral("Count"), num("Count") + 1);
         RegSetDWordValue(User, Key, QStringLiteral("Count"), num("Count") + 1);
         EXPECT_TRUE(stored().contains("\"Count\"=dword:00000001"));
@@ -248,8 +250,10 @@ TEST_F(Registry, AChangeSeesWhatIsStoredNowAndReachesTheStoreAsOne) {
 
 TEST_F(Registry, ALockedStoreIsReadAndWhatIsStoredAlreadyIsNotWaitedFor) {
     RegSetDWordValue(User, Key, QStringLiteral("Timeout"), 7);
-    QLockFile other(home.registryPath() + QStringLiteral(".lock"));
-    ASSERT_TRUE(other.tryLock(0));
+    FileLock other;
+    ASSERT_EQ(
+        other.acquire(home.registryPath() + QStringLiteral(".lock"), FileLock::Mode::Exclusive, 0),
+        FileLock::Outcome::Locked);
     QElapsedTimer time;
     time.start();
     EXPECT_EQ(num("Timeout"), 7);

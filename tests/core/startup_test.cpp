@@ -6,12 +6,12 @@
 #include "core/settings.h"
 #include "support/recording_shell.h"
 #include "support/temp_home.h"
+#include "util/file_lock.h"
 #include "util/paths.h"
 
 #include <gtest/gtest.h>
 
 #include <QElapsedTimer>
-#include <QLockFile>
 
 namespace zov {
 namespace {
@@ -152,15 +152,17 @@ TEST_F(StartUp, AStoreThatCantBeReadIsNotTakenForAnOldOne) {
 TEST_F(StartUp, AStartDoesNotWaitForAnotherProcessesWriting) {
     store(TwoServers);
     const QByteArray before = home.read(QStringLiteral("registry.reg"));
-    QLockFile other(home.registryPath() + QStringLiteral(".lock"));
-    ASSERT_TRUE(other.tryLock(0));
+    FileLock other;
+    ASSERT_EQ(
+        other.acquire(home.registryPath() + QStringLiteral(".lock"), FileLock::Mode::Exclusive, 0),
+        FileLock::Outcome::Locked);
     QElapsedTimer time;
     time.start();
     RunStartUp(QString(), nullptr);
     EXPECT_LT(time.elapsed(), 2000);
     EXPECT_EQ(home.read(QStringLiteral("registry.reg")), before);
     EXPECT_EQ(takeSettingsFailure(), QString());
-    other.unlock();
+    other.release();
     RunStartUp(QString(), nullptr);
     EXPECT_EQ(serverCount(), 0);
 }

@@ -2,13 +2,13 @@
 #include "util/atomic_file.h"
 
 #include "support/full_disk.h"
+#include "util/file_lock.h"
 
 #include <gtest/gtest.h>
 
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
-#include <QLockFile>
 #include <QTemporaryDir>
 
 #ifdef Q_OS_UNIX
@@ -139,17 +139,21 @@ TEST_F(AtomicFile, AnUpdateKeepsTheEncoding) {
 
 TEST_F(AtomicFile, AnUpdateWithoutAChangeTouchesNothing) {
     EXPECT_EQ(updateTextFile(path("file"), FileAccess::Default, [](QString&) {}), QString());
-    EXPECT_EQ(filesLeft(), QStringList());
+    EXPECT_EQ(filesLeft(), QStringList{QStringLiteral("file.lock")});
 }
 
-TEST_F(AtomicFile, AnUpdateReadsWhatAnotherWroteAndLeavesNoLock) {
+TEST_F(AtomicFile, AnUpdateReadsWhatAnotherWroteAndHoldsNoLock) {
     const QString name = path("file");
     for (int i = 0; i < 3; ++i) {
         EXPECT_EQ(updateTextFile(name, FileAccess::Default, [](QString& text) { text += u'x'; }),
                   QString());
     }
     EXPECT_EQ(bytesOf(name), "xxx");
-    EXPECT_EQ(filesLeft(), QStringList{QStringLiteral("file")});
+    // The lock's file stays, so that nobody locks one that another is about to remove.
+    EXPECT_EQ(filesLeft(), (QStringList{QStringLiteral("file"), QStringLiteral("file.lock")}));
+    FileLock lock;
+    EXPECT_EQ(lock.acquire(name + QStringLiteral(".lock"), FileLock::Mode::Exclusive, 0),
+              FileLock::Outcome::Locked);
 }
 
 }  // namespace

@@ -5,6 +5,7 @@
 #include "data/mdlData.h"
 #include "saved/modSavedProcess.h"
 #include "shell/console/console_shell.h"
+#include "structcompare/modCompareAll.h"
 #include "util/text.h"
 
 #include <QFileInfo>
@@ -28,9 +29,10 @@ void checkOptions(const Options& options) {
     for (const auto& [given, name] : {std::pair{options.allowUnreadable, "--allow-unreadable"},
                                       std::pair{options.csvSafe, "--csv-safe"}})
         if (given)
-            refuse(QStringLiteral("a saved process keeps no options, so that %1 would be lost.\nLeave "
-                                  "it out.")
-                       .arg(QLatin1String(name)));
+            refuse(
+                QStringLiteral("a saved process keeps no options, so that %1 would be lost.\nLeave "
+                               "it out.")
+                    .arg(QLatin1String(name)));
     if (options.command != Command::Compare) return;
     const bool oneKind = options.types.split(u',', Qt::SkipEmptyParts).size() == 1;
     for (const auto& [given, name] : {std::pair{options.details, "--details"},
@@ -73,6 +75,21 @@ QString listedDatabase(const ServerInfo& server, const QString& name) {
     return sameButForCase;
 }
 
+/// The chosen objects as the window's lists show them, which is how processes hold them.
+QStringList asListed(const QStringList& objects, const QString& encodedKinds, int panel,
+                     const QString& database) {
+    QStringList listed;
+    if (objects.isEmpty()) return listed;
+    const QStringList flags = encodedKinds.split(u',');
+    for (int box = 0; box < comparedKindCount(); ++box) {
+        if (flags.value(box) != u"1") continue;
+        const ObjectType kind = ObjectTypeOfBox(box);
+        for (const ObjectListRow& row : listedObjects(kind, panel, database))
+            if (objects.contains(objectOf(row, kind).fullName())) listed += row.name;
+    }
+    return listed;
+}
+
 }  // namespace
 
 RunToSave::RunToSave(const Options& options, const ComparedServers& servers)
@@ -93,6 +110,8 @@ void RunToSave::save(ComparisonReport run, const QString& path, qint32 exportTyp
     if (options_.save.isNull()) return;
     run.DbName1 = listedDatabase(servers_.source, run.DbName1);
     run.DbName2 = listedDatabase(servers_.target, run.DbName2);
+    run.SourceNames = asListed(run.SourceNames, run.EncObjTypes, SourcePanel, run.DbName1);
+    run.TargetNames = asListed(run.TargetNames, run.EncObjTypes, TargetPanel, run.DbName2);
     SavedProcess process = SavedProcessOf(run, wrap);
     process.Name = TrimmedProcessName(options_.save);
     if (!path.isEmpty()) {

@@ -28,6 +28,9 @@ struct DbError : NumberedError {
     DbError(qint32 number, const QString& description, QString sqlState = {}, qint32 native = 0)
         : NumberedError(number, description), sqlState(std::move(sqlState)), native(native) {}
 
+    /// Rows that were fetched before it can be used. Want of memory may have met one half-way.
+    bool leavesRowsWhole() const { return native != 701; }
+
     bool onlyThisRequestFailed() const override {
         // A page or a file that can't be read may hide anything else.
         const bool damage = native == 823 || native == 824 || native == 825 || native == 605;

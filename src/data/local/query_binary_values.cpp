@@ -33,6 +33,12 @@ quint64 highestFirst(QByteArrayView bytes, qsizetype width) {
 
 /// time, datetime2 and datetimeoffset: digits of the fraction, the time in such units, then the
 /// date and the offset; zeros may follow.
+/// Days since 0001-01-01 as ticks; what is no date is refused before it overflows.
+qint64 ticksOfDays(qint64 days, const ColumnInfo& to) {
+    if (days < 0 || days > daysFromCivil(9999, 12, 31)) cannotRead(to);
+    return days * TicksPerDay;
+}
+
 qint64 scaledTicks(QByteArrayView bytes, const ColumnInfo& to, qint16& offset) {
     const bool hasDate = to.type != SqlType::Time;
     const bool hasOffset = to.type == SqlType::DateTimeOffset;
@@ -45,7 +51,7 @@ qint64 scaledTicks(QByteArrayView bytes, const ColumnInfo& to, qint16& offset) {
     if (inDay >= quint64(TicksPerDay)) cannotRead(to);
     const QByteArrayView behind = bytes.sliced(1 + width);
     const qint64 days = hasDate ? qint64(lowestFirst(behind.first(3))) : DaysTo1900;
-    qint64 ticks = days * TicksPerDay + qint64(inDay);
+    qint64 ticks = ticksOfDays(days, to) + qint64(inDay);
     if (hasOffset) {
         // The moment is kept in UTC, and shown where its clock stood.
         offset = qint16(lowestFirst(behind.sliced(3, 2)));
@@ -66,7 +72,7 @@ qint64 ticksOfBytes(const QByteArray& bytes, const ColumnInfo& to, qint16& offse
             const quint64 all = highestFirst(bytes, 8);
             const quint64 parts = all & 0xffffffff;
             if (parts >= quint64(86400) * 300) cannotRead(to);
-            ticks = (DaysTo1900 + qint32(quint32(all >> 32))) * TicksPerDay +
+            ticks = ticksOfDays(DaysTo1900 + qint32(quint32(all >> 32)), to) +
                     qint64(parts * TicksPerSecond + 150) / 300;
             break;
         }
@@ -80,7 +86,7 @@ qint64 ticksOfBytes(const QByteArray& bytes, const ColumnInfo& to, qint16& offse
         }
         case SqlType::Date:
             if (bytes.size() < 3) cannotRead(to);
-            ticks = qint64(lowestFirst(QByteArrayView(bytes).first(3))) * TicksPerDay;
+            ticks = ticksOfDays(qint64(lowestFirst(QByteArrayView(bytes).first(3))), to);
             break;
         default:
             ticks = scaledTicks(bytes, to, offset);
