@@ -174,7 +174,10 @@ Collation::~Collation() = default;
 const Collation* Collation::named(const QString& name) {
     if (name.isEmpty()) return standard();
     static std::mutex mutex;
-    static QHash<QString, const Collation*> asGiven, byName;
+    // Never taken apart: threads may ask until the very end.
+    using Collations = QHash<QString, const Collation*>;
+    static Collations& asGiven = *new Collations;
+    static Collations& byName = *new Collations;
     const std::lock_guard lock(mutex);
     if (const Collation* known = asGiven.value(name)) return known;
     CollationRules rules = readCollationName(name);
