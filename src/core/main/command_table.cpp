@@ -66,9 +66,9 @@ const std::vector<CommandEntry>& commandTable() {
 
         {501, 0, Tools, "&Add Server", ""},
         {502, 0, Tools, "&Remove Server", ""},
-        {503, 0, Tools, "Data Analyzer", "", Submenu, Later, Line},
-        {504, 503, Tools, "Analyze Data in Source Table", "", false, Later},
-        {505, 503, Tools, "Analyze Data in Target Table", "", false, Later},
+        {503, 0, Tools, "Data Analyzer", "", Submenu, Built, Line},
+        {504, 503, Tools, "Analyze Data in Source Table", ""},
+        {505, 503, Tools, "Analyze Data in Target Table", ""},
         {506, 0, Tools, "&Find Object", "", Submenu},
         {507, 506, Tools, "In &Source Database", "Ctrl+Shift+F"},
         {508, 506, Tools, "In &Target Database", ""},
@@ -88,7 +88,7 @@ const std::vector<CommandEntry>& commandTable() {
         {730, 0, PanePopUp, "Ignore Columns", ""},
         {740, 0, PanePopUp, "Compare Highlighted Sections", "", false, Built, Line},
         {750, 0, PanePopUp, "Build SQL CREATE Statement", ""},
-        {760, 0, PanePopUp, "Find references to non-existent objects", "", false, Later},
+        {760, 0, PanePopUp, "Find references to non-existent objects", ""},
         {770, 0, PanePopUp, "Print", "", false, Built, Line},
         {780, 0, PanePopUp, "Print Source And Target", ""},
 

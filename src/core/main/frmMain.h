@@ -97,6 +97,12 @@ class frmMain : public PanelWindow,
     void askForDataOptionsOnce() { askForDataOptions_ = true; }
     /// "View Data": the rows of the panel's selected table.
     void cmdViewData_Click(int Index);
+    /// "Analyze Data": the values in the columns of the panel's selected table.
+    void cmdAnalyzeData_Click(int Index);
+    /// The inventory of the panel's database.
+    void cmdDbInfo_Click(int Index);
+    /// Words of the panel's text that nothing accounts for.
+    void cmdNonExistent_Click(int Index);
 
     /// Mode 10: the type of `cmbType`; mode 20: list position `Value`. `PanelBits`: 1 Source, 2
     /// Target.
@@ -202,6 +208,7 @@ class frmMain : public PanelWindow,
     void MenuRemoveServer();
     void MenuToolsOptions();
     void MenuToolsFindInDb(int Index);
+    void SearchRefToNonExistentObjects(int Index);
     void MenuSqlCreate(int Index);
     void BuildSQLCreateStatement(int Index);
     void MenuPopUpPrint(int Index);

@@ -102,6 +102,12 @@ void frmMain::ExecuteAction(int Id, int Panel) {
             });
         case cmd::RemoveServer:
             return run("MenuRemoveServer", [&] { MenuRemoveServer(); });
+        case cmd::AnalyzeSource:
+            return cmdAnalyzeData_Click(SourcePanel);
+        case cmd::AnalyzeTarget:
+            return cmdAnalyzeData_Click(TargetPanel);
+        case cmd::References:
+            return cmdNonExistent_Click(Panel);
         case cmd::FindInSource:
             return run("MenuToolsFindInDb", [&] { MenuToolsFindInDb(SourcePanel); });
         case cmd::FindInTarget:

@@ -1,11 +1,13 @@
 #include "core/main/main_screens.h"
 
+#include "analysis/frmDataAnalyze.h"
 #include "core/frmTip.h"
 #include "core/globals.h"
 #include "datacompare/frmDataView.h"
 #include "datacompare/frmIgnoreColumns.h"
 #include "options/frmOptions.h"
 #include "options/frmOptionsDebug.h"
+#include "reports/frmGetDbInfo.h"
 #include "saved/frmSaveCompRun.h"
 #include "structcompare/frmCompareText.h"
 #include "structcompare/frmSpare.h"
@@ -36,6 +38,18 @@ void MainScreens::viewIgnoredColumns(qint32 Mode) {
 void MainScreens::viewData(int Panel, const QString& Db, const QString& Table,
                            const QString& QualifiedTable, qint32 ObjectId) {
     frmDataView().ShowUp(QualifiedTable, Table, Db, Panel, ObjectId);
+}
+
+void MainScreens::analyzeData(int Panel, const QString& Db, const QString& Table,
+                              const QString& QualifiedTable, qint32 ObjectId) {
+    frmDataAnalyze().ShowUp(QualifiedTable, Table, Db, Panel, ObjectId);
+}
+
+bool MainScreens::databaseInfo(int Panel, const QString& Db) {
+    frmGetDbInfo screen;
+    if (!screen.ShowUp(Db, Panel)) return false;
+    globals().gstrReport = screen.txtTXProc;
+    return true;
 }
 
 void MainScreens::showColorSchema() {

@@ -26,6 +26,11 @@ class MainScreens : public ReportScreen {
     /// The rows of a table; `QualifiedTable` is its name in statements.
     void viewData(int Panel, const QString& Db, const QString& Table, const QString& QualifiedTable,
                   qint32 ObjectId);
+    /// The analyzer on that table.
+    void analyzeData(int Panel, const QString& Db, const QString& Table,
+                     const QString& QualifiedTable, qint32 ObjectId);
+    /// The inventory of the panel's database, into globals().gstrReport. False when it was cancelled.
+    bool databaseInfo(int Panel, const QString& Db);
     void showColorSchema();
     /// The test screens of the Debug menu.
     void stripComments(const QString& text);

@@ -142,6 +142,17 @@ QWidget* MainWindow::makeTopPanel(int Index) {
     auto* refresh = smallButton("refresh", QStringLiteral("Refresh %1").arg(sideName(Index)));
     auto* viewData = smallButton(
         "view-data", QStringLiteral("View data in the table selected in %1").arg(sideName(Index)));
+    auto* analyze =
+        smallButton("analyze", QStringLiteral("Analyze data in the table selected in %1")
+                                   .arg(sideName(Index)));
+    auto* info = smallButton("db-info", QStringLiteral("Show what the database in %1 holds (%2)")
+                                            .arg(sideName(Index), isSource ? QStringLiteral("F10")
+                                                                           : QStringLiteral("F11")));
+    named("cmdAnalyzeData", analyze, QStringLiteral("analyze data"));
+    named("cmdDbInfo", info, QStringLiteral("database information"));
+    connect(analyze, &QToolButton::clicked, this,
+            [=, this] { controller_.cmdAnalyzeData_Click(Index); });
+    connect(info, &QToolButton::clicked, this, [=, this] { controller_.cmdDbInfo_Click(Index); });
     named("cmdFilterBySchema", schema, QStringLiteral("filter by schema"));
     named("cmdFilterByOwner", owner, QStringLiteral("filter by owner"));
     named("cmdFind", find, QStringLiteral("find object"));
@@ -163,7 +174,7 @@ QWidget* MainWindow::makeTopPanel(int Index) {
     top->addWidget(labelFor(isSource ? QStringLiteral("So&urce") : QStringLiteral("Tar&get"),
                             side.objects, true));
     top->addWidget(side.filterText, 1);
-    for (QToolButton* button : {side.filterMark, schema, owner, viewData, find, refresh})
+    for (QToolButton* button : {side.filterMark, schema, owner, viewData, analyze, info, find, refresh})
         top->addWidget(button);
     layout->addLayout(top);
 
@@ -338,6 +349,8 @@ void MainWindow::makeShortcuts() {
         connect(new QShortcut(keys, this), &QShortcut::activated, this, slot);
     };
     shortcut(Qt::Key_F6, [this] { focusTypeBox(); });
+    shortcut(Qt::Key_F10, [this] { controller_.cmdDbInfo_Click(SourcePanel); });
+    shortcut(Qt::Key_F11, [this] { controller_.cmdDbInfo_Click(TargetPanel); });
     shortcut(Qt::Key_F8, [this] { goToDifference(true); });
     shortcut(Qt::SHIFT | Qt::Key_F8, [this] { goToDifference(false); });
     for (const auto keys : {Qt::CTRL | Qt::Key_Plus, Qt::CTRL | Qt::Key_Equal})

@@ -5,8 +5,11 @@
 #include "shell/qt/window_fit.h"
 #include "shell/shell.h"
 
+#include <optional>
+
 #include <QFileInfo>
 #include <QLabel>
+#include <QPageSetupDialog>
 #include <QPrintDialog>
 #include <QPrintPreviewWidget>
 #include <QPrinter>
@@ -33,7 +36,20 @@ QString fileNameOf(const QString& documentName) {
     return name;
 }
 
+/// What the last page setup chose; nothing before the first.
+std::optional<QPageLayout>& chosenLayout() {
+    static std::optional<QPageLayout> layout;
+    return layout;
+}
+
 }  // namespace
+
+void askPageSetup(QWidget* parent) {
+    QPrinter printer(QPrinter::HighResolution);
+    if (chosenLayout()) printer.setPageLayout(*chosenLayout());
+    QPageSetupDialog dialog(&printer, parent);
+    if (dialog.exec() == QDialog::Accepted) chosenLayout() = printer.pageLayout();
+}
 
 std::unique_ptr<QPrinter> defaultPrinter(const QString& documentName) {
     const QPrinterInfo standard = QPrinterInfo::defaultPrinter();
@@ -64,6 +80,7 @@ PrintPreview::PrintPreview(const QString& documentName, const QString& title,
     setWindowFlag(Qt::WindowMaximizeButtonHint);
     printer_ = std::make_unique<QPrinter>(QPrinter::HighResolution);
     printer_->setDocName(documentName_);
+    if (chosenLayout()) printer_->setPageLayout(*chosenLayout());
     view_ = new QPrintPreviewWidget(printer_.get());
     view_->fitToWidth();
     connect(view_, &QPrintPreviewWidget::paintRequested, this,

@@ -38,6 +38,9 @@ class PrintPreview : public QDialog {
     bool printed_ = false;
 };
 
+/// Asks for paper, orientation and margins of the pages that are printed from now on.
+void askPageSetup(QWidget* parent);
+
 /// The default printer, ready to be painted on. Null, after a message that says what to do, when
 /// there is none.
 std::unique_ptr<QPrinter> defaultPrinter(const QString& documentName);

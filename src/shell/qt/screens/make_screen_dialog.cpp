@@ -1,10 +1,12 @@
 // Which dialog shows which screen.
+#include "shell/qt/data/analyzer_dialog.h"
 #include "shell/qt/data/compare_data_dialog.h"
 #include "shell/qt/data/compare_options_dialog.h"
 #include "shell/qt/data/data_view_dialog.h"
 #include "shell/qt/data/run_dialogs.h"
 #include "shell/qt/screens/compare_all_dialog.h"
 #include "shell/qt/screens/compare_and_print_dialog.h"
+#include "shell/qt/screens/db_info_dialog.h"
 #include "shell/qt/screens/debug_dialogs.h"
 #include "shell/qt/screens/error_report_dialog.h"
 #include "shell/qt/screens/filter_dialog.h"
@@ -47,6 +49,8 @@ std::unique_ptr<ScreenDialog> makeScreenDialog(Screen& screen, QWidget* parent) 
            tryDialog<CompareOptionsDialog, frmCompareDataOptions>(screen, parent, dialog) ||
            tryDialog<ValidationDialog, frmCompareDataValidation>(screen, parent, dialog) ||
            tryDialog<DataViewDialog, frmDataView>(screen, parent, dialog) ||
+           tryDialog<AnalyzerDialog, frmDataAnalyze>(screen, parent, dialog) ||
+           tryDialog<DbInfoDialog, frmGetDbInfo>(screen, parent, dialog) ||
            tryDialog<CompareStatusDialog, frmCompareStatus>(screen, parent, dialog) ||
            tryDialog<CompareDataDialog, frmCompareData>(screen, parent, dialog) ||
            tryDialog<ExportDialog, frmExport>(screen, parent, dialog) ||

@@ -1,0 +1,68 @@
+// The tools of the main window: data analyzer, database information, words that
+// nothing accounts for.
+#include "core/globals.h"
+#include "core/main/frmMain.h"
+#include "core/main/main_screens.h"
+#include "shell/shell.h"
+#include "tools/modNonExistObjects.h"
+#include "util/text.h"
+
+namespace zov {
+
+void frmMain::cmdAnalyzeData_Click(int Index) {
+    whileBusy("cmdAnalyzeData_Click", [&] {
+        TableChoice choice;
+        if (CanViewAnalyzeData(1, Index, choice))
+            screens_.analyzeData(Index, choice.database, choice.table, choice.extendedName,
+                                 choice.id);
+    });
+}
+
+void frmMain::cmdDbInfo_Click(int Index) {
+    whileBusy("cmdDbInfo_Click", [&] {
+        if (!CanDisplayDbInfo(Index) || !screens_.databaseInfo(Index, database(Index))) return;
+        screens_.showGenericReport(QStringLiteral("Database Information"));
+        globals().gstrReport.clear();
+    });
+}
+
+void frmMain::cmdNonExistent_Click(int Index) {
+    whileBusy("cmdNonExistent_Click", [&] { SearchRefToNonExistentObjects(Index); });
+}
+
+void frmMain::SearchRefToNonExistentObjects(int Index) {
+    if (!dataAccessUsable() || !ProgrammableObjectsAreActive()) return;
+    const ObjectType type = selectedType();
+    const QString typeName = GetObjectTypeName(type, false);
+    const QString text = view_.panels()[Index].txtTXProc.text();
+    if (text.isEmpty())
+        return shell().messageBox(
+            QStringLiteral("Cannot continue - there is no structure displayed for selected ") +
+                typeName + u'.',
+            QStringLiteral("Cannot Continue"));
+    const WaitPointer wait;
+    std::vector<ObjectListEntry> objects;
+    if (!GetListOfAllObjects(server(Index), database(Index), objects, Index))
+        return shell().messageBox(QStringLiteral("Couldn't retrieve list of all objects."), {},
+                                  BoxIcon::Exclamation);
+    // The columns take the place of the objects, and aren't kept: no word passes as a name, so that
+    // all that a text names is told.
+    GetListOfAllColumns(server(Index), database(Index), {});
+    objects.clear();
+    const QStringList references = FindRefToNonExistentObjects(type, text, objects);
+    const int row = view_.panels()[Index].pvlSqlObj.selectedIndex();
+    const QString subject = typeName + QStringLiteral(" '") +
+                            (row < 0 ? QString() : view_.panels()[Index].pvlSqlObj.row(row).name) +
+                            QStringLiteral("' ");
+    if (references.isEmpty())
+        return shell().messageBox(
+            CRLF + CRLF + subject +
+            QStringLiteral("doesn't contain any references to non-existent objects.") + CRLF +
+            CRLF);
+    QString told =
+        subject + QStringLiteral("contains following references to non-existent objects:");
+    for (const QString& reference : references) told += CRLF + reference;
+    shell().messageBox(told, {}, BoxIcon::None);
+}
+
+}  // namespace zov
