@@ -219,7 +219,7 @@ TEST_F(Commands, APanesMenuFollowsTypeAndTexts) {
     view.sides[1].txtTXProc.setText({});
     EXPECT_EQ(menu(), "700 710 720 730 740- 750 770 780");
     chooseType(ObjectType::Procedure);
-    EXPECT_EQ(menu(), "700 710 720 740 750 760- 770 780");
+    EXPECT_EQ(menu(), "700 710 720 740 750 760 770 780");
     chooseType(ObjectType::Trigger);
     EXPECT_EQ(menu(), "700 710 720 740 750 770 780");
 }

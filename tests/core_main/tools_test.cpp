@@ -19,7 +19,7 @@ class Tools : public test::MainWindow {
             QStringLiteral("CREATE TABLE dbo.Zoo (Id int)\nGO\nCREATE TABLE dbo.[A b] (Id int)\nGO\n"
                            "INSERT INTO Zoo VALUES (1), (2), (2)\nGO\n"
                            "CREATE VIEW dbo.V AS SELECT Id FROM Zoo x \nGO\n"
-                           "CREATE VIEW dbo.W AS SELECT 1 \nGO\n"
+                           "CREATE VIEW dbo.W AS SELECT 1 AS [1] \nGO\n"
                            "CREATE TRIGGER dbo.Tr ON dbo.Zoo FOR INSERT AS PRINT 1 \nGO\n"),
             QStringLiteral("CREATE TABLE dbo.T (Id int)\nGO\n"));
         connect();
@@ -69,12 +69,12 @@ TEST_F(Tools, AnalyzeTheSelectedTable) {
 
 TEST_F(Tools, ListWhatADatabaseHolds) {
     EXPECT_EQ(infoOf(SourcePanel),
-              "TODAY//Database: Src//List of tables/[A b] (0 records)/[Zoo] (3 records)//There are "
-              "no procedures in this database.//There are no functions in this database.//List of "
+              "TODAY//Database: Src//List of tables/[dbo].[A b] (0 records)/[dbo].[Zoo] (3 "
+              "records)//There are no procedures in this database.//There are no functions in this database.//List of "
               "views/V/W//List of triggers/Tr//There are no relationships in this database.//");
     served.load(QStringLiteral("Tgt"), QStringLiteral("INSERT INTO T VALUES (1)"));
-    EXPECT_EQ(infoOf(TargetPanel).substr(0, 54),
-              "TODAY//Database: Tgt//List of tables/[T] (1 record)//T");
+    EXPECT_EQ(infoOf(TargetPanel).substr(0, 60),
+              "TODAY//Database: Tgt//List of tables/[dbo].[T] (1 record)//T");
     globals().gblnFilterActive[SourcePanel] = globals().gblnFilterActive[TargetPanel] = true;
     globals().gstrFilterList[SourcePanel] = globals().gstrFilterList[TargetPanel] =
         QStringLiteral("dbo");
@@ -105,7 +105,7 @@ TEST_F(Tools, NameTheWordsThatNothingAccountsFor) {
     told();
     window.ExecuteAction(command::References, SourcePanel);
     EXPECT_EQ(told(),
-              "none: View 'V' contains following references to non-existent objects:\\nid\\nzoo");
+              "box: View 'V' contains following references to non-existent objects:\\nid\\nzoo");
     select(0, QStringLiteral("W"));
     told();
     window.ExecuteAction(command::References, SourcePanel);

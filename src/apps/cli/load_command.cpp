@@ -4,6 +4,9 @@
 #include "shell/console/console_shell.h"
 #include "shell/console/interrupt.h"
 
+#include <cstdio>
+#include <new>
+
 namespace zov::cli {
 namespace {
 
@@ -37,6 +40,17 @@ void noteWhatWasLoaded(const LoadOutcome& outcome, ConsoleShell& console) {
                   .arg(names, outcome.database));
 }
 
+/// The databases hold what was loaded: want of memory for the words doesn't change that.
+void tellWhatIsKept(const LoadOutcome& outcome, ConsoleShell& console) {
+    try {
+        console.clearProgress();
+        for (const LoadProblem& problem : outcome.problems) console.showError(problem.toString());
+        noteWhatWasLoaded(outcome, console);
+    } catch (const std::bad_alloc&) {
+        std::fputs("zovrand-cli: Loaded; there is no memory left to tell more.\n", stderr);
+    }
+}
+
 }  // namespace
 
 int runLoad(const Options& options, ConsoleShell& console) {
@@ -59,6 +73,10 @@ int runLoad(const Options& options, ConsoleShell& console) {
     } catch (const DbError& error) {
         throw Failure(explainDbError(error, server, options.server.database, batchesBegun));
     }
+    if (outcome.kept) {
+        tellWhatIsKept(outcome, console);
+        return Identical;
+    }
     const QString& database = outcome.database;
     console.clearProgress();
     for (const LoadProblem& problem : outcome.problems) console.showError(problem.toString());
@@ -66,10 +84,6 @@ int runLoad(const Options& options, ConsoleShell& console) {
         throw Failure(
             QStringLiteral("No database is given, and the scripts don't make and use exactly "
                            "one.\nName one with -d DB."));
-    if (outcome.kept) {
-        noteWhatWasLoaded(outcome, console);
-        return Identical;
-    }
     if (outcome.stopped) console.showError(QStringLiteral("Stopped."));
     // A file that can't be read is no matter of its statements.
     const bool mendable =

@@ -17,6 +17,7 @@
 
 #include <QApplication>
 #include <QDir>
+#include <QLoggingCategory>
 
 #include <cstdio>
 #include <cstdlib>
@@ -67,6 +68,8 @@ int main(int argc, char** argv) {
     }
     // Nothing is shown; printing and its fonts work all the same.
     if (early.unattended && !platformGiven) qputenv("QT_QPA_PLATFORM", "offscreen");
+    // What stands on standard error is the replay's: no word of a toolkit on a missing desktop.
+    if (early.unattended) QLoggingCategory::setFilterRules(QStringLiteral("default.warning=false"));
 
     QApplication application(argc, argv);
     QApplication::setApplicationName(zov::product::Name);

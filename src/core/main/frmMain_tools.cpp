@@ -35,7 +35,8 @@ void frmMain::SearchRefToNonExistentObjects(int Index) {
     const ObjectType type = selectedType();
     const QString typeName = GetObjectTypeName(type, false);
     const QString text = view_.panels()[Index].txtTXProc.text();
-    if (text.isEmpty())
+    const int row = view_.panels()[Index].pvlSqlObj.selectedIndex();
+    if (text.isEmpty() || row < 0)
         return shell().messageBox(
             QStringLiteral("Cannot continue - there is no structure displayed for selected ") +
                 typeName + u'.',
@@ -50,10 +51,8 @@ void frmMain::SearchRefToNonExistentObjects(int Index) {
     GetListOfAllColumns(server(Index), database(Index), {});
     objects.clear();
     const QStringList references = FindRefToNonExistentObjects(type, text, objects);
-    const int row = view_.panels()[Index].pvlSqlObj.selectedIndex();
     const QString subject = typeName + QStringLiteral(" '") +
-                            (row < 0 ? QString() : view_.panels()[Index].pvlSqlObj.row(row).name) +
-                            QStringLiteral("' ");
+                            view_.panels()[Index].pvlSqlObj.row(row).name + QStringLiteral("' ");
     if (references.isEmpty())
         return shell().messageBox(
             CRLF + CRLF + subject +

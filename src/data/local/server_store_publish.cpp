@@ -77,7 +77,7 @@ void ServerStore::reopenPublished(const QString& key, const QString& file) {
     entry.staged = false;
     try {
         openHandle(entry);
-    } catch (const DbError&) {
+    } catch (...) {
         forget(key);  // opened anew when it is wanted
     }
 }
@@ -115,6 +115,20 @@ void perform(const Step& step, bool journalled) {
             else if (!QFile::remove(step.file))
                 must(QStringLiteral("it can't be removed"), step.file);
             return;
+    }
+}
+
+}  // namespace
+
+namespace {
+
+/// Does what comes behind the moment from which on the steps hold. Whatever fails there, want of
+/// memory too, must not make the load one that failed.
+template <typename Work>
+void regardless(const Work& work) noexcept {
+    try {
+        work();
+    } catch (...) {
     }
 }
 
@@ -191,13 +205,14 @@ void ServerStore::publish(Publication& publication) {
             for (const QString& file : withoutLog) keepLog(file);
             throw;
         }
-        syncFolder(folder_);  // done, whatever comes of it
+        regardless([&] { syncFolder(folder_); });
         for (const Step& step : steps) {
             if (step.kind == Step::Kind::Commit) step.entry->settled();
-            if (step.kind == Step::Kind::Place) reopenPublished(step.key, step.file);
+            if (step.kind == Step::Kind::Place)
+                regardless([&] { reopenPublished(step.key, step.file); });
         }
     }
-    clearAsides();
+    regardless(clearAsides);
 }
 
 // Everything that can fail comes before the first step: files in use, names that were taken

@@ -177,7 +177,10 @@ void SaveCompRunDialog::refreshFields() {
         list_->clear();
         QList<QTreeWidgetItem*> items;
         for (const auto& [name, id] : screen_.lstComps) items += new ProcessItem(name, id);
+        // A list that sorts as it is filled puts each item before those that it has.
+        list_->setSortingEnabled(false);
         list_->addTopLevelItems(items);
+        list_->setSortingEnabled(true);
     }
     filter(search_->text());
 }
