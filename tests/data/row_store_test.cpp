@@ -66,6 +66,7 @@ TEST(RowStoreTest, RowsComeBackFromWhereverTheyWereCopied) {
     RowStore joined(everyStorage()), copied(everyStorage()), unpacked(everyStorage());
     PackedRows packed(everyStorage());
     std::vector<std::vector<QString>> expected;
+    packed.append(RowStore(everyStorage()));  // nothing, and no memory yet
     for (const RowStore& window : windows()) {
         joined.append(window);
         packed.append(window);

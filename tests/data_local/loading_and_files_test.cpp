@@ -67,6 +67,20 @@ TEST(Loading, AFailedFirstLoadLeavesNoServerFolder) {
     EXPECT_FALSE(QDir(folder.path() + QStringLiteral("/new")).exists());
 }
 
+TEST(Loading, ANewServerOnWhichNothingWasMadeGoesAgain) {
+    QTemporaryDir folder;
+    ConnectionSpec spec;
+    spec.dataSource = QStringLiteral("local:") + folder.path() + QStringLiteral("/new");
+    spec.database = QStringLiteral("master");
+    {
+        const auto connection = local::localProvider().open(spec, true);
+        CommandSpec command;
+        command.text = QStringLiteral("select count(*) from sysobjects");
+        connection->execute(command);
+    }
+    EXPECT_FALSE(QDir(folder.path() + QStringLiteral("/new")).exists());
+}
+
 TEST(Loading, OtherSessionsSeeALoadOnlyWhenItIsDone) {
     ScriptedServer server;
     ASSERT_EQ(server.run(QStringLiteral("create table t (a int)\ninsert t values (1)")), QString());
@@ -281,6 +295,41 @@ TEST(Files, ADamagedVersionFileIsNoOtherVersion) {
             }
         }
     }
+}
+
+TEST(Files, ADamagedJournalIsNoLoadThatWasUndone) {
+    ScriptedServer server;
+    server.disconnect();
+    const QString path = server.folder() + QStringLiteral("/server/server.journal");
+    const char* const journals[] = {
+        "",
+        "{}",
+        "[",
+        "[1]",
+        "[{}]",
+        R"([{"undo":"remove"}])",
+        R"([{"undo":"remove","file":".."}])",
+        R"([{"undo":"restore","file":"shop.db"}])",
+        R"([{"undo":"return","file":"shop.db","from":"x/"}])",
+        R"([{"undo":"remove","file":"gone.db"},{"undo":"restroe","file":"a.db","from":"b"}])"};
+    for (const char* text : journals) {
+        SCOPED_TRACE(text);
+        QFile file(path);
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+        file.write(text);
+        file.close();
+        try {
+            server.connect(QStringLiteral("shop"));
+            ADD_FAILURE() << "taken for undone";
+        } catch (const DbError& error) {
+            EXPECT_EQ(error.native, 824);
+            EXPECT_TRUE(error.description.startsWith(QStringLiteral("The file %1 tells").arg(path)))
+                << error.what();
+        }
+        EXPECT_TRUE(QFile::exists(path));
+    }
+    EXPECT_TRUE(QFile::remove(path));
+    server.connect(QStringLiteral("shop"));
 }
 
 TEST(Files, WhatADeadProcessLeftIsSweptAndWhatALivingOneHasIsNot) {

@@ -173,6 +173,8 @@ TEST(OdbcDecimals, AreExactOrRefused) {
         {"922337203685477.5808", 4, std::nullopt, "922337203685477.5808"},
         {"99999999999999999999999999999999999999", 0, std::nullopt,
          "99999999999999999999999999999999999999"},
+        {"20000000000000000000", 0, std::nullopt, "20000000000000000000"},
+        {"2000000000000000000.0", 1, std::nullopt, "2000000000000000000"},
         {"1e5", 0, std::nullopt, nullptr},
         {"1.2.3", 2, std::nullopt, nullptr},
         {"", 0, std::nullopt, nullptr},
@@ -193,6 +195,48 @@ TEST(OdbcDecimals, AreExactOrRefused) {
             EXPECT_EQ(canonical, QLatin1String(test.canonical));
         }
     }
+}
+
+TEST(OdbcValues, CellsThatCannotBeAreRefused) {
+    odbc::ResultColumn stamp;
+    stamp.info = {QStringLiteral("When"), SqlType::DateTime, 0, 0, 3, true};
+    stamp.form = odbc::CellForm::Stamp;
+    stamp.cellBytes = sizeof(SQL_TIMESTAMP_STRUCT);
+    struct Case {
+        SQL_TIMESTAMP_STRUCT value;
+        qsizetype bytes;
+        const char* text;  // null: refused
+    };
+    const Case cases[] = {
+        {{2024, 2, 29, 23, 59, 59, 0}, 16, "2024-02-29 23:59:59"},
+        {{2023, 2, 29, 0, 0, 0, 0}, 16, nullptr},
+        {{2024, 4, 31, 0, 0, 0, 0}, 16, nullptr},
+        {{0, 1, 1, 0, 0, 0, 0}, 16, nullptr},
+        {{2024, 1, 1, 24, 0, 0, 0}, 16, nullptr},
+        {{2024, 1, 1, 0, 0, 0, 0}, 15, nullptr},
+        {{2024, 1, 1, 0, 0, 0, 0}, 0, nullptr},
+    };
+    for (const Case& test : cases) {
+        SCOPED_TRACE(&test - cases);
+        ColumnCells cells(stamp.info);
+        try {
+            odbc::appendCell(stamp, reinterpret_cast<const char*>(&test.value), test.bytes, false,
+                             cells);
+            ASSERT_TRUE(test.text) << "taken for a time";
+            EXPECT_EQ(cellText(cells.cell(0)), QLatin1String(test.text));
+        } catch (const DbError& error) {
+            EXPECT_FALSE(test.text) << error.what();
+            EXPECT_TRUE(error.description.contains(u"\"When\" (datetime)")) << error.what();
+        }
+    }
+}
+
+TEST(OdbcErrors, AnErrorWithoutWordsSaysSo) {
+    odbc::Diagnostic silent;
+    silent.sqlState = QStringLiteral("HY000");
+    for (const auto phase : {odbc::Phase::Connecting, odbc::Phase::Executing})
+        EXPECT_EQ(odbc::errorFrom({silent}, phase).description,
+                  QStringLiteral("The ODBC driver failed without saying why."));
 }
 
 TEST(OdbcSession, OnlyReadingLeavesASessionAsItWas) {

@@ -39,6 +39,7 @@ PackedRows::PackedRows(const std::vector<ColumnInfo>& columns) {
 // Column by column, so that each loop is about one type.
 void PackedRows::append(const RowStore& rows) {
     const qsizetype count = rows.rowCount();
+    if (count == 0) return;  // there may be no memory yet to point into
     const qsizetype before = this->count();
     const qint64 first = starts_[before];
     next_.assign(size_t(count), headSize_);

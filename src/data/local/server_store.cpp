@@ -179,8 +179,9 @@ ServerStore::~ServerStore() {
         if (inLoad_) rollbackLoad();
         if (transactionCount_ > 0) rollbackTransaction();
     });
-    for (auto& [key, entry] : open_)
+    for (auto& item : open_)
         quietly([&] {
+            std::unique_ptr<Entry>& entry = item.second;
             if (entry->staged) {  // never published
                 entry->close();
                 removeDatabaseFiles(entry->file);
@@ -503,8 +504,11 @@ void ServerStore::discard(const QString& key) {
 void ServerStore::forget(const QString& key) {
     const auto at = open_.find(key);
     if (at == open_.end()) return;
-    at->second->close();
-    gone_.push_back(std::move(at->second));
+    // One that went to the pool has left its place empty.
+    if (at->second) {
+        at->second->close();
+        gone_.push_back(std::move(at->second));
+    }
     open_.erase(at);
 }
 

@@ -12,6 +12,8 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 
+#include <algorithm>
+
 namespace zov::local {
 namespace {
 
@@ -28,6 +30,21 @@ QJsonObject undoOf(const Step& step) {
     return {{QStringLiteral("undo"), QLatin1String(undo)},
             {QStringLiteral("file"), bare(step.file)},
             {QStringLiteral("from"), bare(step.aside)}};
+}
+
+bool isFileName(const QJsonValue& value) {
+    const QString name = bare(value.toString());
+    return !name.isEmpty() && name != u"." && name != u"..";
+}
+
+/// Whether a line of the journal is one that undoOf has made.
+bool tellsUndo(const QJsonValue& line) {
+    const QJsonObject step = line.toObject();
+    const QString undo = step.value(QStringLiteral("undo")).toString();
+    const bool needsFrom = undo == QLatin1String("restore") || undo == QLatin1String("return");
+    return (needsFrom || undo == QLatin1String("remove")) &&
+           isFileName(step.value(QStringLiteral("file"))) &&
+           (!needsFrom || isFileName(step.value(QStringLiteral("from"))));
 }
 
 void must(const QString& trouble, const QString& file) {
@@ -248,7 +265,9 @@ void ServerStore::undoPublication() {
     const QString trouble = readWholeFile(journalFile(), bytes);
     if (!trouble.isEmpty()) throw nativeError(5120, trouble, ado_error::Unspecified);
     const QJsonDocument journal = QJsonDocument::fromJson(bytes);
-    if (!journal.isArray())
+    const QJsonArray steps = journal.array();
+    // All of it is looked at before anything is undone by it.
+    if (!journal.isArray() || !std::all_of(steps.begin(), steps.end(), tellsUndo))
         throw nativeError(
             824,
             QStringLiteral("The file %1 tells how to undo a load that was cut off, and is damaged. "
@@ -257,7 +276,7 @@ void ServerStore::undoPublication() {
                 .arg(QDir::toNativeSeparators(journalFile())),
             ado_error::Unspecified);
     QStringList asides;
-    for (const QJsonValue& value : journal.array()) {
+    for (const QJsonValue& value : steps) {
         const QJsonObject step = value.toObject();
         const QString undo = step.value(QStringLiteral("undo")).toString();
         const QString file = folder_ + u'/' + bare(step.value(QStringLiteral("file")).toString());

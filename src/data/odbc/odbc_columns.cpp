@@ -3,6 +3,7 @@
 #include "data/base/field_text.h"
 #include "data/odbc/odbc_errors.h"
 
+#include <QDate>
 #include <QtEndian>
 
 #include <algorithm>
@@ -172,8 +173,7 @@ qint64 ticksOf(const ResultColumn& column, const char* data) {
     qint64 ticks = (qint64(value.hour) * 3600 + value.minute * 60 + value.second) * TicksPerSecond +
                    value.fraction / 100;
     if (column.form == CellForm::TimeOfDay) return ticks;
-    if (value.year < 1 || value.year > 9999 || value.month < 1 || value.month > 12 ||
-        value.day < 1 || value.day > 31)
+    if (value.year < 1 || value.year > 9999 || !QDate::isValid(value.year, value.month, value.day))
         refuseCell(column, "is no date");
     if (column.info.type == SqlType::Date) ticks = 0;
     return ticks + daysFromCivil(value.year, value.month, value.day) * TicksPerDay;
@@ -243,9 +243,9 @@ bool parseScaled(const char* text, qsizetype length, int scale, qint64& value) {
             if (c != '0') return false;
             continue;
         }
-        if (digits > (most - 9) / 10 && digits * 10 + quint64(c - '0') > most + (negative ? 1 : 0))
-            return false;
-        digits = digits * 10 + quint64(c - '0');
+        const auto digit = quint64(c - '0');
+        if (digits > (most + (negative ? 1 : 0) - digit) / 10) return false;
+        digits = digits * 10 + digit;
         if (fraction >= 0) ++fraction;
     }
     if (!any) return false;
@@ -310,6 +310,9 @@ void appendCell(const ResultColumn& column, const char* data, qsizetype length, 
         to.appendNull();
         return;
     }
+    const bool isFixed = column.form == CellForm::Fixed || column.form == CellForm::Stamp ||
+                         column.form == CellForm::TimeOfDay || column.form == CellForm::Guid;
+    if (isFixed && length < column.cellBytes) refuseCell(column, "is cut off");
     switch (column.form) {
         case CellForm::Text:
             to.appendText(QStringView(reinterpret_cast<const QChar*>(data), length / 2));

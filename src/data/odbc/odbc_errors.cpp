@@ -26,6 +26,8 @@ constexpr qint32 DriverDead = 20047;
 constexpr int LongestMessage = 16 * 1024;
 constexpr int MostRecords = 1000;
 
+const QString Unexplained = QStringLiteral("The ODBC driver failed without saying why.");
+
 bool isLoginNumber(qint32 native) {
     switch (native) {
         case 18450:
@@ -194,8 +196,7 @@ DbError errorFrom(const std::vector<Diagnostic>& records, Phase phase) {
     std::vector<Diagnostic> told;
     for (const Diagnostic& record : records)
         if (weight(record, phase) > 0) told.push_back(record);
-    if (told.empty())
-        told.push_back(driverSaid(QStringLiteral("The ODBC driver failed without saying why.")));
+    if (told.empty()) told.push_back(driverSaid(Unexplained));
     std::stable_sort(told.begin(), told.end(), [phase](const Diagnostic& a, const Diagnostic& b) {
         return weight(a, phase) > weight(b, phase);
     });
@@ -209,6 +210,7 @@ DbError errorFrom(const std::vector<Diagnostic>& records, Phase phase) {
         if (isDatabaseNumber(first.native) && isLoginNumber(record.native)) continue;
         if (!record.text.isEmpty() && !texts.contains(record.text)) texts.append(record.text);
     }
+    if (texts.isEmpty()) texts.append(Unexplained);
     DbError error(numberFor(first, phase), texts.join(QStringLiteral("\r\n")), first.sqlState,
                   first.native);
     error.line = first.line;

@@ -209,12 +209,21 @@ void OdbcStream::readLongCell(ResultColumn& column, SQLUSMALLINT number, ColumnC
     const qsizetype endMark = column.cType == SQL_C_WCHAR ? 2 : column.cType == SQL_C_CHAR ? 1 : 0;
     const qsizetype room = PieceBytes - endMark;
     cell_.clear();
+    bool isBegun = false;
     for (;;) {
         SQLLEN left = 0;
         const Patience patience = session_->whileWaiting(command_.timeout);
         const SQLRETURN result =
             SQLGetData(handle(), number, column.cType, piece_.data(), PieceBytes, &left);
-        if (result == SQL_NO_DATA) break;
+        if (result == SQL_NO_DATA) {
+            // The end of a cell comes behind its last piece, and an empty cell has one too.
+            if (!isBegun)
+                throw DbError(ado_error::Unspecified,
+                              QStringLiteral("The server sent no value for column \"%1\".")
+                                  .arg(column.info.name));
+            break;
+        }
+        isBegun = true;
         if (!SQL_SUCCEEDED(result)) check(result);
         if (left == SQL_NULL_DATA) return to.appendNull();
         // FreeTDS reports more data for ever on a sql_variant: what fits is all there is. None is

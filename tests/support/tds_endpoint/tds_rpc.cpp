@@ -61,6 +61,14 @@ qint64 readUnsigned(ByteReader& at, int bytes) {
     return qint64(value);
 }
 
+/// Ticks of a day and a time, refused outside of the years 1 to 9999.
+qint64 ticksOf(qint64 days, qint64 timeOfDay) {
+    constexpr qint64 daysOfAllYears = 3'652'059;
+    if (days < 0 || days >= daysOfAllYears || timeOfDay < 0 || timeOfDay >= TicksPerDay)
+        throw Malformed("date or time out of range");
+    return days * TicksPerDay + timeOfDay;
+}
+
 qint64 readSigned(ByteReader& at, int bytes) {
     switch (bytes) {
         case 1:
@@ -135,8 +143,10 @@ void readDateTimeValue(RpcParameter& parameter, ByteReader& at, int length, int 
     const bool hasOffset = parameter.wireType == WireDateTimeOffset;
     const int timeBytes = length - (hasDate ? 3 : 0) - (hasOffset ? 2 : 0);
     if (scale > 7) throw Malformed("time with too many digits");
-    qint64 ticks = timeBytes > 0 ? readUnsigned(at, timeBytes) * unitOf[scale] : 0;
-    if (hasDate) ticks += readUnsigned(at, 3) * TicksPerDay;
+    if (timeBytes > 5) throw Malformed("time of an impossible width");
+    const qint64 units = timeBytes > 0 ? readUnsigned(at, timeBytes) : 0;
+    if (units > TicksPerDay / unitOf[scale]) throw Malformed("time out of range");
+    const qint64 ticks = ticksOf(hasDate ? readUnsigned(at, 3) : 0, units * unitOf[scale]);
     const qint16 offset = hasOffset ? at.get<qint16>() : qint16(0);
     QString text = dateText(ticks + offset * 60 * TicksPerSecond, scale);
     if (parameter.wireType == WireTime) text = text.mid(11);
@@ -169,12 +179,12 @@ void readShortValue(RpcParameter& parameter, ByteReader& at, int length, int sca
             const qint64 epoch = daysFromCivil(1900, 1, 1);
             if (length == 4) {
                 const qint64 days = at.get<quint16>();
-                parameter.value = dateText(
-                    (days + epoch) * TicksPerDay + at.get<quint16>() * 60 * TicksPerSecond, 0);
+                parameter.value =
+                    dateText(ticksOf(days + epoch, at.get<quint16>() * 60 * TicksPerSecond), 0);
             } else {
                 const qint64 days = at.get<qint32>();
                 const qint64 milliseconds = (qint64(at.get<quint32>()) * 10 + 1) / 3;
-                parameter.value = dateText((days + epoch) * TicksPerDay + milliseconds * 10'000, 3);
+                parameter.value = dateText(ticksOf(days + epoch, milliseconds * 10'000), 3);
             }
             return;
         }
