@@ -57,6 +57,8 @@ TEST(FieldText, EveryTypeHasItsPlainForm) {
     EXPECT_EQ(textOf(integerCell(column(SqlType::BigInt), std::numeric_limits<qint64>::min())),
               "-9223372036854775808");
     EXPECT_EQ(textOf(integerCell(column(SqlType::Decimal, 10, 2), 1250)), "12.5");
+    EXPECT_EQ(textOf(integerCell(column(SqlType::Decimal, 18), std::numeric_limits<qint64>::min())),
+              "-9223372036854775808");
     EXPECT_EQ(textOf(integerCell(column(SqlType::Decimal, 10, 2), -5)), "-0.05");
     EXPECT_EQ(textOf(integerCell(column(SqlType::Decimal, 18, 0), 1200)), "1200");
     EXPECT_EQ(textOf(integerCell(column(SqlType::Money, 19, 4), std::numeric_limits<qint64>::min())),

@@ -26,7 +26,8 @@ constexpr qint64 powersOfTen[] = {1LL,
                                   100'000'000'000'000'000LL,
                                   1'000'000'000'000'000'000LL};
 
-void appendPadded(QString& to, qint64 value, int width) {
+template <typename Number>
+void appendPadded(QString& to, Number value, int width) {
     char digits[24];
     char* end = std::to_chars(digits, digits + sizeof digits, value).ptr;
     for (int i = int(end - digits); i < width; ++i) to += u'0';
@@ -37,7 +38,7 @@ void appendScaled(QString& to, qint64 value, int scale) {
     if (value < 0) to += u'-';
     const quint64 magnitude = value < 0 ? 0 - quint64(value) : quint64(value);
     const quint64 unit = quint64(powersOfTen[scale]);
-    appendPadded(to, qint64(magnitude / unit), 1);
+    appendPadded(to, magnitude / unit, 1);  // of the least number more than a qint64 holds
     quint64 fraction = magnitude % unit;
     if (!fraction) return;
     while (fraction % 10 == 0) {
