@@ -12,6 +12,12 @@ if(ZOV_SANITIZE)
     -fsanitize=address,undefined -fno-sanitize-recover=undefined -fno-omit-frame-pointer)
   target_link_options(zov_options INTERFACE -fsanitize=address,undefined)
 endif()
+if(ZOV_FUZZ)
+  # Counted branches for libFuzzer in all code; its main comes with the targets (zov_fuzzer).
+  target_compile_options(zov_options INTERFACE
+    -fsanitize=fuzzer-no-link,address,undefined -fno-sanitize-recover=undefined -fno-omit-frame-pointer)
+  target_link_options(zov_options INTERFACE -fsanitize=address,undefined)
+endif()
 
 # The headers that nearly every file includes, compiled once.
 file(GENERATE OUTPUT ${CMAKE_BINARY_DIR}/pch/empty.cpp CONTENT "")

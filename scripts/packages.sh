@@ -11,6 +11,7 @@ test_packages=(
   libgtest-dev libgmock-dev
   freetds-bin
 )
+fuzz_packages=(clang libclang-rt-dev llvm)
 bench_packages=(libbenchmark-dev sqlite3-tools)
 
 need_packages() {
