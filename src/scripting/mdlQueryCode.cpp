@@ -104,10 +104,52 @@ QString defaultClause(const ServerInfo& server, const QString& dbName, const Rec
     const QString value = GetDefaultValue(server, dbName, tableId, columnId);
     const QString name = GetDefaultConstraintName(server, dbName, tableId, defaultId);
     if (value.isEmpty() || name.isEmpty())
-        accountForUnreadable(server, dbName, QStringLiteral("reading a default"),
-                             QStringLiteral("The default of column %1 can't be read.")
-                                 .arg(rs.field(Column).text()));
+        accountForUnreadable(
+            server, dbName, QStringLiteral("reading a default"),
+            QStringLiteral("The default of column %1 can't be read.").arg(rs.field(Column).text()));
     return QStringLiteral(" CONSTRAINT [") + name + QStringLiteral("] DEFAULT ") + value;
+}
+
+bool isSystemType(const QString& name) {
+    static const QSet<QString> types = {
+        QStringLiteral("bigint"),        QStringLiteral("binary"),
+        QStringLiteral("bit"),           QStringLiteral("char"),
+        QStringLiteral("date"),          QStringLiteral("datetime"),
+        QStringLiteral("datetime2"),     QStringLiteral("datetimeoffset"),
+        QStringLiteral("decimal"),       QStringLiteral("float"),
+        QStringLiteral("geography"),     QStringLiteral("geometry"),
+        QStringLiteral("hierarchyid"),   QStringLiteral("image"),
+        QStringLiteral("int"),           QStringLiteral("json"),
+        QStringLiteral("money"),         QStringLiteral("nchar"),
+        QStringLiteral("ntext"),         QStringLiteral("numeric"),
+        QStringLiteral("nvarchar"),      QStringLiteral("real"),
+        QStringLiteral("smalldatetime"), QStringLiteral("smallint"),
+        QStringLiteral("smallmoney"),    QStringLiteral("sql_variant"),
+        QStringLiteral("sysname"),       QStringLiteral("text"),
+        QStringLiteral("time"),          QStringLiteral("timestamp"),
+        QStringLiteral("tinyint"),       QStringLiteral("uniqueidentifier"),
+        QStringLiteral("varbinary"),     QStringLiteral("varchar"),
+        QStringLiteral("vector"),        QStringLiteral("xml")};
+    return types.contains(name);
+}
+
+// "hr].[" in front of a type's name when it isn't dbo's: types of one name may be different things.
+QString typeSchema(const ServerInfo& server, const QString& dbName, const Recordset& rs) {
+    if (isSystemType(rs.field(DataType).text())) return {};
+    const QString owner = GetMajorVersion(server.Version) >= 9 ? QStringLiteral("SCHEMA_NAME")
+                                                               : QStringLiteral("USER_NAME");
+    std::unique_ptr<Recordset> found =
+        select(server,
+               QStringLiteral("SELECT %1(sty.uid) FROM syscolumns sco INNER JOIN systypes sty ON "
+                              "sco.xusertype = sty.xusertype WHERE sco.id = %2 AND sco.colid = %3")
+                   .arg(owner, rs.field(TableId).text(), rs.field(ColumnId).text()),
+               dbName);
+    const QString schema = found && !found->isEof() ? found->field(0).text() : QString();
+    if (found && schema.isEmpty())
+        accountForUnreadable(server, dbName, QStringLiteral("reading a type"),
+                             QStringLiteral("The schema of column %1's type can't be read.")
+                                 .arg(rs.field(Column).text()));
+    return schema.isEmpty() || schema == u"dbo" ? QString() : schema + QStringLiteral("].[");
 }
 
 ColumnRecord columnOfRow(const ServerInfo& server, const QString& dbName, const Recordset& rs) {
@@ -116,8 +158,8 @@ ColumnRecord columnOfRow(const ServerInfo& server, const QString& dbName, const 
     column.strDataType = rs.field(DataType).text();
     column.strTypeSpec = column.strDataType;
     QString& line = column.strLine;
-    line =
-        u'[' + column.strName + QStringLiteral("] [") + column.strDataType + QStringLiteral("] ");
+    line = u'[' + column.strName + QStringLiteral("] [") + typeSchema(server, dbName, rs) +
+           column.strDataType + QStringLiteral("] ");
 
     // The two forms part ways in their blanks: "[varchar] (50) " but "[decimal](18,2) ".
     switch (sizeFormOf(column.strDataType)) {
@@ -244,8 +286,9 @@ bool GetTableStructure(const ServerInfo& server, const QString& dbName, const QS
                        const QString& tableLiteral, TableStructure& structure,
                        bool useIgnoredColumns, qint32 ignoredColumnKind, qint32 objectId,
                        const QString& lineSuffix) {
-    const StructureRequest request{tableName, {tableLiteral, tableLiteral}, objectId,
-                                   useIgnoredColumns, ignoredColumnKind, lineSuffix};
+    const StructureRequest request{tableName,         {tableLiteral, tableLiteral},
+                                   objectId,          useIgnoredColumns,
+                                   ignoredColumnKind, lineSuffix};
     return readStructureReported(server, dbName, request, structure);
 }
 
@@ -255,7 +298,10 @@ bool GetTableStructure(const ServerInfo& server, const QString& dbName, const Ob
     const TableLiterals literals{DoubleSingleQuotes(table.name),
                                  DoubleSingleQuotes(identityName(table))};
     const StructureRequest request{table.shownName.isEmpty() ? table.name : table.shownName,
-                                   literals, table.id, useIgnoredColumns, ignoredColumnKind,
+                                   literals,
+                                   table.id,
+                                   useIgnoredColumns,
+                                   ignoredColumnKind,
                                    lineSuffix};
     return readStructureReported(server, dbName, request, structure);
 }
@@ -413,17 +459,16 @@ QString GetExtras(const ServerInfo& server, const QString& objectName, const QSt
 QString GetExtras(const ServerInfo& server, const ObjectRef& object, const QString& dbName) {
     if (object.kind != ObjectType::View) return {};
     return guarded(Module, "GetExtras", QString(), [&]() -> QString {
-        const auto rs =
-            select(server,
-                   QStringLiteral(
-                       "SELECT si.name AS [index], sk.indid, sc.[name] AS [column] FROM "
-                       "sysindexkeys sk INNER JOIN sysindexes si ON sk.id = si.id AND sk.indid = "
-                       "si.indid INNER JOIN syscolumns sc ON sk.id = sc.id AND sk.colid = sc.colid "
-                       "INNER JOIN sysobjects so ON so.id = sk.id WHERE so.[name] = '") +
-                       DoubleSingleQuotes(object.name) + QStringLiteral("' ") +
-                       idCondition(QStringLiteral("so.id"), object) +
-                       QStringLiteral("ORDER BY sk.indid"),
-                   dbName);
+        const auto rs = select(
+            server,
+            QStringLiteral(
+                "SELECT si.name AS [index], sk.indid, sc.[name] AS [column] FROM "
+                "sysindexkeys sk INNER JOIN sysindexes si ON sk.id = si.id AND sk.indid = "
+                "si.indid INNER JOIN syscolumns sc ON sk.id = sc.id AND sk.colid = sc.colid "
+                "INNER JOIN sysobjects so ON so.id = sk.id WHERE so.[name] = '") +
+                DoubleSingleQuotes(object.name) + QStringLiteral("' ") +
+                idCondition(QStringLiteral("so.id"), object) + QStringLiteral("ORDER BY sk.indid"),
+            dbName);
         if (!rs || rs->isEof()) return {};
         const auto opening = [&](bool first, qint64 indid) {
             const QString kind = first && indid == 1

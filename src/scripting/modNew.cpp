@@ -226,24 +226,42 @@ QString GetTableStructureWithIndexes(const ServerInfo& server, const QString& ta
                                      qint32* ignoredColumnCount, qint32 objectId,
                                      const QString& lineSuffix, bool clusteredOnly,
                                      const QString& indexNameSuffix) {
-    return GetTableStructureWithIndexes(
-        server, objectNamed(tableName, ObjectType::Table, objectId), dbName, useIgnoredColumns,
-        ignoredColumnCount, lineSuffix, clusteredOnly, indexNameSuffix);
+    return GetTableStructureWithIndexes(server, objectNamed(tableName, ObjectType::Table, objectId),
+                                        dbName, useIgnoredColumns, ignoredColumnCount, lineSuffix,
+                                        clusteredOnly, indexNameSuffix);
 }
+
+namespace {
+
+/// "hr].[" in front of a table of another schema than the one that refers to it.
+QString referencedSchema(const Recordset& rs) {
+    const QString schema = rs.field(5).text();
+    return schema.isEmpty() ? QString() : schema + QStringLiteral("].[");
+}
+
+}  // namespace
 
 QString GetRelationshipText(const ServerInfo& server, const ObjectRef& relationship,
                             const QString& dbName) {
     return guarded(Module, "GetRelationshipText", QString(), [&]() -> QString {
         std::unique_ptr<Recordset> rs;
+        // The relationship's schema is known to who compares it; that of the table which it refers
+        // to may be another, and have a namesake of that table.
+        const QString schema = GetMajorVersion(server.Version) >= 9 ? QStringLiteral("SCHEMA_NAME")
+                                                                    : QStringLiteral("USER_NAME");
         GetAdoRS(
             server, adCmdText,
             QStringLiteral("SELECT so.name AS foreignkey, scf.name AS foreigncolumn, sor.name AS "
-                           "referencedtable, scr.name AS referencedcolumn, sof.name AS tablename "
-                           "FROM sysreferences sr INNER JOIN sysobjects so ON sr.constid = so.id "
-                           "INNER JOIN sysobjects sof ON sof.id = sr.fkeyid INNER JOIN "
-                           "sysobjects sor ON sor.id = sr.rkeyid INNER JOIN syscolumns scf ON "
-                           "scf.id = sof.id AND scf.colid = sr.fkey1 INNER JOIN syscolumns scr "
-                           "ON scr.id = sor.id AND scr.colid = sr.rkey1 WHERE so.name = '") +
+                           "referencedtable, scr.name AS referencedcolumn, sof.name AS tablename, "
+                           "CASE WHEN sor.uid = sof.uid THEN '' ELSE ") +
+                schema +
+                QStringLiteral(
+                    "(sor.uid) END AS referencedschema "
+                    "FROM sysreferences sr INNER JOIN sysobjects so ON sr.constid = so.id "
+                    "INNER JOIN sysobjects sof ON sof.id = sr.fkeyid INNER JOIN "
+                    "sysobjects sor ON sor.id = sr.rkeyid INNER JOIN syscolumns scf ON "
+                    "scf.id = sof.id AND scf.colid = sr.fkey1 INNER JOIN syscolumns scr "
+                    "ON scr.id = sor.id AND scr.colid = sr.rkey1 WHERE so.name = '") +
                 DoubleSingleQuotes(relationship.name) + QStringLiteral("' ") +
                 idCondition(QStringLiteral("so.id"), relationship) +
                 QStringLiteral("ORDER BY scf.name"),
@@ -252,11 +270,11 @@ QString GetRelationshipText(const ServerInfo& server, const ObjectRef& relations
             if (rs) accountForUnreadable(placeOf(server, dbName), relationship);
             return {};
         }
-        return TrimBlanksAndLineBreaks(QStringLiteral("TABLE ") + rs->field(4).text() +
-                                       QStringLiteral("\r\nCONSTRAINT [") + rs->field(0).text() +
-                                       QStringLiteral("]\r\nFOREIGN KEY [") + rs->field(1).text() +
-                                       QStringLiteral("]\r\nREFERENCES [") + rs->field(2).text() +
-                                       QStringLiteral("] [") + rs->field(3).text() + u']');
+        return TrimBlanksAndLineBreaks(
+            QStringLiteral("TABLE ") + rs->field(4).text() + QStringLiteral("\r\nCONSTRAINT [") +
+            rs->field(0).text() + QStringLiteral("]\r\nFOREIGN KEY [") + rs->field(1).text() +
+            QStringLiteral("]\r\nREFERENCES [") + referencedSchema(*rs) + rs->field(2).text() +
+            QStringLiteral("] [") + rs->field(3).text() + u']');
     });
 }
 

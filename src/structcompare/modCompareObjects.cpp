@@ -5,10 +5,9 @@
 #include "shell/shell.h"
 #include "structcompare/comp_line.h"
 #include "structcompare/simple_case.h"
+#include "structcompare/sql_marks.h"
 #include "structcompare/text_cleaner_errors.h"
 #include "util/text.h"
-
-#include <optional>
 
 namespace zov {
 
@@ -76,38 +75,56 @@ qsizetype headerEnd(const QString& upperCased) {
     return end;
 }
 
-/// The last part of a name as it is written, without its marks: "[dbo].[a.b]" gives "a.b". What
-/// stands behind the name belongs to it here.
-QString lastPartOf(const QString& written) {
-    QString part;
-    qsizetype markedEnd = 0;  // of what stood in marks: blanks there belong to the name
-    for (qsizetype at = 0; at < written.size(); ++at) {
-        const QChar c = written[at];
-        if (c == u'[' || c == u'"') {
-            const QChar close = c == u'[' ? u']' : u'"';
-            for (++at; at < written.size(); ++at) {
-                if (written[at] == close && written.mid(at + 1, 1) != close) break;
-                if (written[at] == close) ++at;
-                part += written[at];
-            }
-            markedEnd = part.size();
-        } else if (c == u'.') {
-            part.clear();
-            markedEnd = 0;
-        } else if (c != u'\n' && (c != u' ' || !part.isEmpty())) {
-            part += c;
-        }
-    }
-    while (part.size() > markedEnd && part.endsWith(u' ')) part.chop(1);
-    return part;
+/// What the beginning of a CREATE VIEW statement says: its view's bare name in capitals, and all
+/// else as it is written. Blanks don't count in front of the name, line feeds nowhere, and letter
+/// case as it does in the comparison.
+struct ViewHead {
+    bool isView = false;
+    QString name;
+    QString rest;
+};
+
+QString unquoted(const SqlPiece& piece, const QString& text) {
+    QString name = piece.of(text).toString();
+    if (piece.mark != SqlMark::Name) return name;
+    const QString close = name.startsWith(u'[') ? QStringLiteral("]") : QStringLiteral("\"");
+    if (name.size() > 1 && name.endsWith(close)) name.chop(1);
+    return name.mid(1).replace(close + close, close);
 }
 
-/// The view's bare name out of an upper-cased header; none when the header isn't a view's.
-std::optional<QString> viewNameIn(const QString& header) {
-    const QString keyword = QStringLiteral(" VIEW ");
-    const qsizetype at = header.indexOf(keyword);
-    if (at < 0) return std::nullopt;
-    return lastPartOf(header.mid(at + keyword.size()));
+ViewHead readViewHead(const QString& text) {
+    ViewHead head;
+    enum { BeforeCreate, BehindCreate, BehindView, InName, BehindName } at = BeforeCreate;
+    bool partFollows = true;
+    for (qsizetype position = 0; position < text.size();) {
+        const SqlPiece piece = sqlPieceAt(text, position);
+        position = piece.end;
+        const QStringView word = piece.of(text);
+        if (piece.mark == SqlMark::Blank) {
+            if (at >= InName) head.rest += word.toString().remove(u'\n');
+            continue;
+        }
+        const auto is = [&](QLatin1StringView keyword) {
+            return piece.mark == SqlMark::None && word.compare(keyword, Qt::CaseInsensitive) == 0;
+        };
+        if (at == BeforeCreate && is(QLatin1StringView("CREATE"))) {
+            at = BehindCreate;
+        } else if (at == BehindCreate && is(QLatin1StringView("VIEW"))) {
+            at = BehindView;
+        } else if (piece.mark != SqlMark::Comment && (at == BehindView || at == InName) &&
+                   (partFollows || word == u".")) {
+            if (word != u".") head.name = simpleUpper(unquoted(piece, text));
+            partFollows = word == u".";
+            at = InName;
+        } else {
+            if (at == InName && piece.mark != SqlMark::Comment) at = BehindName;
+            head.rest += word;
+        }
+    }
+    head.isView = at >= InName;
+    head.rest = Trim(head.rest);
+    if (!globals().gblnCaseSensitive) head.rest = simpleUpper(head.rest);
+    return head;
 }
 
 }  // namespace
@@ -126,10 +143,14 @@ void AdjustCreateViewStatements(const QString& source, QString& target) {
         if (sourceEnd < 0 || targetEnd < 0) return;
         if (qAbs(sourceEnd - targetEnd) > farthestApart) return;
 
-        // Heads and replacement take the first character of the header's end with them.
-        const auto sourceName = viewNameIn(sourceHead.left(sourceEnd + 1));
-        const auto targetName = viewNameIn(targetHead.left(targetEnd + 1));
-        if (!sourceName || !targetName || *sourceName != *targetName) return;
+        // Heads and replacement take the first character of the header's end with them. What is
+        // seen as the end may stand far behind it, in a body of several lines: the heads may differ
+        // in how they write the name, and in nothing else.
+        const ViewHead sourceView = readViewHead(LTrim(source).left(sourceEnd + 1));
+        const ViewHead targetView = readViewHead(LTrim(target).left(targetEnd + 1));
+        if (!sourceView.isView || !targetView.isView || sourceView.name != targetView.name ||
+            sourceView.rest != targetView.rest)
+            return;
         target = LTrim(source).left(sourceEnd + 1) + LTrim(target).mid(targetEnd + 1);
     });
 }

@@ -6,6 +6,7 @@
 // rest behind it. An opener can only begin in the rest, or be put together at
 // the seam by the cut; so all rounds together read the text once.
 #include "structcompare/modCompareObjects.h"
+#include "structcompare/sql_marks.h"
 #include "structcompare/text_cleaner_errors.h"
 #include "util/numbered_error.h"
 
@@ -24,6 +25,28 @@ qsizetype countOf(const QString& text, QStringView token) {
     for (qsizetype at = text.indexOf(token); at >= 0; at = text.indexOf(token, at + token.size()))
         ++count;
     return count;
+}
+
+// Signs that no text holds stand for those of comments within quoted names: a name is itself,
+// whatever it looks like. Two objects would be the same by what stands in front of their comments.
+constexpr std::pair<QChar, QChar> Veils[] = {
+    {u'-', QChar(0xFDD0)}, {u'/', QChar(0xFDD1)}, {u'*', QChar(0xFDD2)}};
+
+QString withVeiledNames(const QString& text) {
+    QString veiled = text;
+    for (qsizetype at = 0; at < text.size();) {
+        const SqlPiece piece = sqlPieceAt(text, at);
+        at = piece.end;
+        if (piece.mark != SqlMark::Name) continue;
+        for (qsizetype sign = piece.begin; sign < piece.end; ++sign)
+            for (const auto& [shown, veil] : Veils)
+                if (text[sign] == shown) veiled[sign] = veil;
+    }
+    return veiled;
+}
+
+void unveil(QString& text) {
+    for (const auto& [shown, veil] : Veils) text.replace(veil, shown);
 }
 
 QString withDoubledLineEnds(const QString& text) {
@@ -113,15 +136,18 @@ void cutLineComments(QString& whole, qsizetype rounds) {
 }  // namespace
 
 QString StripCommentsFromProc(const QString& text) {
-    const qsizetype blocks = countOf(text, u"/*");
-    const qsizetype lines = countOf(text, u"--");
-    if (blocks == 0 && lines == 0) return text;
+    if (!text.contains(u"/*") && !text.contains(u"--")) return text;
 
     QString result = text;
     boxOnError("StripCommentsFromProc", [&] {
-        result = withDoubledLineEnds(text);
+        const QString veiled = withVeiledNames(text);
+        const qsizetype blocks = countOf(veiled, u"/*");
+        const qsizetype lines = countOf(veiled, u"--");
+        if (blocks == 0 && lines == 0) return;
+        result = withDoubledLineEnds(veiled);
         cutBlockComments(result, blocks);
         if (lines > 0) cutLineComments(result, lines);
+        unveil(result);
     });
     return result;
 }

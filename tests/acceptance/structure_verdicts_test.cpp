@@ -29,6 +29,68 @@ class StructureVerdicts : public ::testing::Test {
 const QStringList Exactly{"--set", "IgnoreWhitespace=0", "--set", "IgnoreComments=0",
                           "--set", "IgnoreColSeq=0"};
 
+// Two objects that differ in one place, which looks like something that doesn't count. Each pair
+// differs under the default settings too, and each side is identical to itself.
+TEST_F(StructureVerdicts, WhatLooksLikeAHeaderACommentOrTheSameNameCounts) {
+    const QByteArray tables =
+        "CREATE SCHEMA hr\nGO\nCREATE TABLE dbo.T (a int PRIMARY KEY)\nGO\n"
+        "CREATE TABLE hr.T (a int PRIMARY KEY)\nGO\nCREATE TYPE dbo.ty FROM int\nGO\n"
+        "CREATE TYPE hr.ty FROM int\nGO\n";
+    const struct {
+        const char* name;
+        QByteArray one, two;
+    } rows[] = {
+        {"a view's body behind an AS on its own line",
+         "CREATE VIEW dbo.V\r\nAS\r\nSELECT T.a AS x FROM T",
+         "CREATE VIEW dbo.V\r\nAS\r\nSELECT DISTINCT T.a AS x FROM T"},
+        {"another limit", "CREATE VIEW V\nAS SELECT TOP 5 T.a AS x FROM T ORDER BY T.a ASC",
+         "CREATE VIEW V\nAS SELECT TOP 9 T.a AS x FROM T ORDER BY T.a ASC"},
+        {"columns with commas", "CREATE VIEW V([a],[b,c]) AS SELECT 1, 2",
+         "CREATE VIEW V([a,b],[c]) AS SELECT 1, 2"},
+        {"a procedure named with dashes", "CREATE PROCEDURE [p--] AS SELECT 1",
+         "CREATE PROCEDURE [p--] AS SELECT 2"},
+        {"a view named with dashes", "CREATE VIEW \"v--\" AS SELECT 1 AS a",
+         "CREATE VIEW \"v--\" AS SELECT 2 AS a"},
+        {"a function named like a comment",
+         "CREATE FUNCTION [f/*]() RETURNS int AS BEGIN RETURN 1 END",
+         "CREATE FUNCTION [f/*]() RETURNS int AS BEGIN RETURN 2 END"},
+        {"a column named with dashes", "CREATE TABLE U ([a--b] int)",
+         "CREATE TABLE U ([a--b] bigint)"},
+        {"columns named by dashes", "CREATE TABLE U ([--x] int)", "CREATE TABLE U ([--y] int)"},
+        {"columns between what looks like a comment",
+         "CREATE TABLE U ([a/*b] int, x int, [c*/d] int)",
+         "CREATE TABLE U ([a/*b] int, y int, [c*/d] int)"},
+        {"a key named with dashes",
+         "CREATE TABLE U (a int NOT NULL, b int NOT NULL, CONSTRAINT [p--] PRIMARY KEY (a))",
+         "CREATE TABLE U (a int NOT NULL, b int NOT NULL, CONSTRAINT [p--] PRIMARY KEY (b))"},
+        {"a reference to a column named with dashes",
+         "CREATE TABLE K ([q--1] int PRIMARY KEY, [q--2] int UNIQUE)\nGO\n"
+         "CREATE TABLE U (a int CONSTRAINT f REFERENCES K([q--1]))",
+         "CREATE TABLE K ([q--1] int PRIMARY KEY, [q--2] int UNIQUE)\nGO\n"
+         "CREATE TABLE U (a int CONSTRAINT f REFERENCES K([q--2]))"},
+        {"a reference to a namesake", "CREATE TABLE U (a int CONSTRAINT f REFERENCES dbo.T(a))",
+         "CREATE TABLE U (a int CONSTRAINT f REFERENCES hr.T(a))"},
+        {"a type's namesake", "CREATE TABLE U (a dbo.ty)", "CREATE TABLE U (a hr.ty)"},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.name);
+        for (const auto& [database, own] : {std::pair("One", row.one), std::pair("Two", row.two)}) {
+            const QString script = home_.write("own.sql", tables + own + "\nGO\n");
+            ASSERT_EQ(home_.run({"load", "-S", Server, "-d", database, "--replace", script}).status,
+                      0);
+        }
+        for (const QStringList& settings :
+             {QStringList(), Exactly + QStringList{"--set", "CaseSensitive=1"}}) {
+            EXPECT_EQ(compare(settings).status, 1);
+            const CliResult self =
+                home_.run(QStringList{"compare", "--source", Server, "--source-db", "One",
+                                      "--target", Server, "--target-db", "One"} +
+                          settings);
+            EXPECT_EQ(self.status, 0) << ::testing::PrintToString(self);
+        }
+    }
+}
+
 TEST_F(StructureVerdicts, NamesakesAndDottedNamesAreComparedAsThemselves) {
     const QByteArray same =
         "CREATE SCHEMA hr\nGO\nCREATE VIEW dbo.V AS SELECT 1 AS a\nGO\n"

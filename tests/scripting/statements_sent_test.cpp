@@ -103,7 +103,8 @@ TEST_F(StatementsSent, ForOtherObjects) {
     EXPECT_EQ(
         sent([&] { GetRelationshipText(server, QStringLiteral("r"), db); }),
         "SELECT so.name AS foreignkey, scf.name AS foreigncolumn, sor.name AS referencedtable, "
-        "scr.name AS referencedcolumn, sof.name AS tablename FROM sysreferences sr INNER JOIN "
+        "scr.name AS referencedcolumn, sof.name AS tablename, CASE WHEN sor.uid = sof.uid THEN '' "
+        "ELSE SCHEMA_NAME(sor.uid) END AS referencedschema FROM sysreferences sr INNER JOIN "
         "sysobjects so ON sr.constid = so.id INNER JOIN sysobjects sof ON sof.id = sr.fkeyid "
         "INNER JOIN sysobjects sor ON sor.id = sr.rkeyid INNER JOIN syscolumns scf ON scf.id = "
         "sof.id AND scf.colid = sr.fkey1 INNER JOIN syscolumns scr ON scr.id = sor.id AND "
@@ -125,10 +126,11 @@ TEST_F(StatementsSent, ForOtherObjects) {
         "so.[name] = 'v' ORDER BY sk.indid");
 }
 
-// A name that stands for several objects of the database comes with the id of the one that is meant.
+// A name that stands for several objects of the database comes with the id of the one that is
+// meant.
 TEST_F(StatementsSent, ForNamesakesHoldTheId) {
     const auto namesake = [](ObjectType kind) {
-        return ObjectRef{QStringLiteral("h'r"), QStringLiteral("o'p"), kind, 55, true,
+        return ObjectRef{QStringLiteral("h'r"),    QStringLiteral("o'p"), kind, 55, true,
                          QStringLiteral("h'r.o'p")};
     };
     const auto ends = [](const std::string& statement, const std::string& tail) {
@@ -175,8 +177,12 @@ TEST_F(StatementsSent, AnIdentityIsAskedOfTheTableThatIsMeant) {
     };
     for (const auto& row : rows) {
         TableStructure structure;
-        const ObjectRef table{QLatin1String(row.schema), QLatin1String(row.name), ObjectType::Table,
-                              7, row.namesakes, {}};
+        const ObjectRef table{QLatin1String(row.schema),
+                              QLatin1String(row.name),
+                              ObjectType::Table,
+                              7,
+                              row.namesakes,
+                              {}};
         const std::string statement = sent([&] {
             GetTableStructure(server, db, table, structure, false, IgnoreMode::StructureComparison,
                               {});

@@ -10,6 +10,7 @@ namespace {
 
 TEST(ViewHeaders, AViewNamedInAnotherWayTakesTheSourcesHeader) {
     resetGlobals();
+    globals().gblnCaseSensitive = true;
     const QString blanks20(20, u' ');
     struct Row {
         const char* name;
@@ -48,6 +49,25 @@ TEST(ViewHeaders, AViewNamedInAnotherWayTakesTheSourcesHeader) {
          "CREATE VIEW \"a].b\" AS SELECT 1", "CREATE VIEW dbo.[a]].b] AS SELECT 1"},
         {"a blank within the brackets", "CREATE VIEW dbo.[ V] AS SELECT 1",
          "CREATE VIEW dbo.V AS SELECT 1", "CREATE VIEW dbo.V AS SELECT 1"},
+        {"a body with a dot", "CREATE VIEW dbo.V\r\nAS\r\nSELECT T.a AS x FROM T",
+         "CREATE VIEW V\r\nAS\r\nSELECT DISTINCT T.a AS x FROM T",
+         "CREATE VIEW V\r\nAS\r\nSELECT DISTINCT T.a AS x FROM T"},
+        {"the same body with a dot", "CREATE VIEW dbo.V\r\nAS\r\nSELECT T.a AS x FROM T",
+         "CREATE VIEW V\r\nAS\r\nSELECT T.a AS x FROM U",
+         "CREATE VIEW dbo.V\r\nAS\r\nSELECT T.a AS x FROM U"},
+        {"a body that is read from another table",
+         "CREATE VIEW V\nAS SELECT 1, (SELECT a FROM T) AS x",
+         "CREATE VIEW V\nAS SELECT 1, (SELECT b FROM T) AS x",
+         "CREATE VIEW V\nAS SELECT 1, (SELECT b FROM T) AS x"},
+        {"commas within columns", "CREATE VIEW V([a],[b,c]) AS SELECT 1",
+         "CREATE VIEW V([a,b],[c]) AS SELECT 1", "CREATE VIEW V([a,b],[c]) AS SELECT 1"},
+        {"columns in other letters", "CREATE VIEW V(A) AS SELECT 1",
+         "CREATE VIEW [V](a) AS SELECT 1", "CREATE VIEW [V](a) AS SELECT 1"},
+        {"a comment with a dot", "CREATE VIEW V(x) /* v1.0 */ AS SELECT 1",
+         "CREATE VIEW V(y) /* v1.0 */ AS SELECT 1", "CREATE VIEW V(y) /* v1.0 */ AS SELECT 1"},
+        {"the same columns and comment", "CREATE VIEW V(x) /* v1.0 */ AS SELECT 1",
+         "CREATE VIEW [dbo].[V](x) /* v1.0 */ AS SELECT 2",
+         "CREATE VIEW V(x) /* v1.0 */ AS SELECT 2"},
         {"another view", plain, "CREATE VIEW W AS SELECT 1", "CREATE VIEW W AS SELECT 1"},
         {"no view", "CREATE PROC V AS SELECT 1", "CREATE PROC [V] AS SELECT 1",
          "CREATE PROC [V] AS SELECT 1"},
@@ -61,6 +81,7 @@ TEST(ViewHeaders, AViewNamedInAnotherWayTakesTheSourcesHeader) {
         AdjustCreateViewStatements(row.source, target);
         EXPECT_EQ(target.toStdString(), row.adjusted.toStdString()) << row.name;
     }
+    resetGlobals();
 }
 
 TEST(ViewHeaders, OnlyTheFirstFiveHundredCharactersAreLookedAt) {

@@ -94,6 +94,9 @@ TEST_F(TextCleaners, CommentsAreStripped) {
     };
     const Row rows[] = {
         {"empty", "", ""},
+        {"dashes within a name", "[a--b] int -- c\nd", "[a--b] int \nd"},
+        {"a comment's signs within names", "\"/*\" x [*/] /* y */", "\"/*\" x [*/] "},
+        {"a bracket within a literal opens no name", "LIKE '[' -- x]", "LIKE '[' "},
         {"no comment: line ends stay", "a\r\nb\nc", "a\r\nb\nc"},
         {"line comment at the end", "SELECT 1 -- x", "SELECT 1 "},
         {"the line end's line feed stays", "SELECT 1 -- x\nGO", "SELECT 1 \nGO"},
