@@ -13,6 +13,7 @@ namespace zov {
 namespace {
 
 constexpr const char* Module = "frmDataAnalyze";
+constexpr size_t FirstValueColumn = 3;
 constexpr quint32 EvenPairColor = 0xC0FFFF;
 constexpr quint32 OddPairColor = 0xFFFFC0;
 
@@ -39,6 +40,9 @@ AnalysisEnd AnalyzeTable(const AnalyzedTable& Table, const AnalysisRequest& Requ
                            QStringLiteral("Data Analyzer"), BoxIcon::Exclamation);
         return AnalysisEnd::Failed;
     }
+    std::erase_if(structure.columns, [&](const ColumnRecord& column) {
+        return Request.Ignored.contains(column.strName);
+    });
     Report.records.clear();
     bool allSorted = true;
     const int last = int(structure.columns.size()) - 1;
@@ -107,14 +111,31 @@ void LoadColumnDataToGrid(GridReport& Report, const ColumnRecord& Column,
     record[2].value = formatCount(LastIndex + 1);
     record[2].longValue = LastIndex + 1;
     for (qint32 k = 0; k < std::min(ShownValues, LastIndex + 1); ++k) {
-        GridReportItem& value = record[size_t(3 + 2 * k)];
-        GridReportItem& count = record[size_t(4 + 2 * k)];
+        GridReportItem& value = record[FirstValueColumn + 2 * size_t(k)];
+        GridReportItem& count = record[FirstValueColumn + 2 * size_t(k) + 1];
         value.value = Values[size_t(k)].Str1;
         count.longValue = Values[size_t(k)].Count;
         count.value = QString::number(count.longValue);
         value.backColor = count.backColor = k % 2 == 0 ? EvenPairColor : OddPairColor;
     }
     Report.records.push_back(std::move(record));
+}
+
+QString AnalysisText(const QString& Title, const GridReport& Report) {
+    const auto oneLine = [](QString text) {
+        for (const QChar c : {u'\r', u'\n', u'\t'}) text.replace(c, u' ');
+        return text;
+    };
+    QString text = Title + u'\n';
+    for (const std::vector<GridReportItem>& record : Report.records) {
+        text += QStringLiteral("\n%1 (%2): %3 unique values\n")
+                    .arg(oneLine(record[0].text()), record[1].text(), record[2].text());
+        for (size_t value = FirstValueColumn; value + 1 < record.size(); value += 2)
+            if (!record[value + 1].text().isEmpty())
+                text += record[value + 1].text().rightJustified(12) + QStringLiteral("  ") +
+                        oneLine(record[value].text()) + u'\n';
+    }
+    return text;
 }
 
 qint32 RecordsToAnalyzeFrom(const QString& Text, qint32 RecordsCount) {

@@ -26,6 +26,8 @@ struct AnalysisRequest {
     /// Columns of more than 32,767 distinct values are ranked too, and every order is exact: by
     /// count, then by first appearance. Off: the order is that of ShellSortArray_TwoStr_ByLongEl.
     bool AnySize = false;
+    /// Columns left out beside those of the stored list.
+    QStringList Ignored = {};
 };
 
 /// Who watches an analysis, and may stop it.
@@ -48,6 +50,8 @@ enum class AnalysisEnd {
 
 /// How many distinct values a column of the report shows at most, each with its count.
 inline constexpr qint32 ShownValues = 10;
+/// The most distinct values that are ranked unless a request says any size.
+inline constexpr qint32 MostRankedValues = 32767;
 
 /// Fills `Report` (its columns must stand) with a record for each column of the table that the list
 /// of ignored columns doesn't hold. Every failure is told.
@@ -63,6 +67,10 @@ void AnalyzeColumn(const AnalyzedTable& Table, const ColumnRecord& Column, qint3
 /// Adds the column's record: name, type, number of distinct values, and the first ten with counts.
 void LoadColumnDataToGrid(GridReport& Report, const ColumnRecord& Column,
                           const std::vector<TwoStr>& Values, qint32 LastIndex);
+
+/// The report as plain text, a paragraph for each column below the title; line breaks are LF, those
+/// within values become blanks.
+QString AnalysisText(const QString& Title, const GridReport& Report);
 
 /// The number that the text asks for, from 1 to below `RecordsCount`; `RecordsCount` for all else.
 qint32 RecordsToAnalyzeFrom(const QString& Text, qint32 RecordsCount);

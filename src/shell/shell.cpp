@@ -12,6 +12,7 @@ class SilentShell : public Shell {
     void setClipboardText(const QString&) override {}
     void openWithDesktop(const QString&) override {}
     QString askSavePath(const QString&, const QString&, const QString&) override { return {}; }
+    QString askOpenPath(const QString&, const QString&, const QString&) override { return {}; }
     void setWaitPointer(bool) override {}
 };
 
@@ -24,6 +25,8 @@ Shell& shell() {
     return installed ? *installed : silent;
 }
 
-void installShell(Shell* shell) { installed = shell; }
+void installShell(Shell* shell) {
+    installed = shell;
+}
 
 }  // namespace zov

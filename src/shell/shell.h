@@ -59,6 +59,9 @@ class Shell {
     /// A save dialog that asks before it overwrites; empty when cancelled.
     virtual QString askSavePath(const QString& title, const QString& filter,
                                 const QString& initialPath) = 0;
+    /// A dialog for a file that is there; empty when cancelled. The filter as above.
+    virtual QString askOpenPath(const QString& title, const QString& filter,
+                                const QString& initialPath) = 0;
 
     /// The wait pointer nests: each true is undone by one false.
     virtual void setWaitPointer(bool on) = 0;

@@ -4,6 +4,9 @@
 #include "core_main/main_window_fixture.h"
 #include "reports/frmGetDbInfo.h"
 #include "reports/frmReport.h"
+#include "tools/attach_database.h"
+#include "tools/frmAttachDb.h"
+#include "tools/frmExecSp.h"
 
 #include <QDate>
 #include <QLocale>
@@ -15,13 +18,13 @@ class Tools : public test::MainWindow {
  protected:
     void SetUp() override {
         test::MainWindow::SetUp();
-        loadDatabases(
-            QStringLiteral("CREATE TABLE dbo.Zoo (Id int)\nGO\nCREATE TABLE dbo.[A b] (Id int)\nGO\n"
-                           "INSERT INTO Zoo VALUES (1), (2), (2)\nGO\n"
-                           "CREATE VIEW dbo.V AS SELECT Id FROM Zoo x \nGO\n"
-                           "CREATE VIEW dbo.W AS SELECT 1 AS [1] \nGO\n"
-                           "CREATE TRIGGER dbo.Tr ON dbo.Zoo FOR INSERT AS PRINT 1 \nGO\n"),
-            QStringLiteral("CREATE TABLE dbo.T (Id int)\nGO\n"));
+        loadDatabases(QStringLiteral(
+                          "CREATE TABLE dbo.Zoo (Id int)\nGO\nCREATE TABLE dbo.[A b] (Id int)\nGO\n"
+                          "INSERT INTO Zoo VALUES (1), (2), (2)\nGO\n"
+                          "CREATE VIEW dbo.V AS SELECT Id FROM Zoo x \nGO\n"
+                          "CREATE VIEW dbo.W AS SELECT 1 AS [1] \nGO\n"
+                          "CREATE TRIGGER dbo.Tr ON dbo.Zoo FOR INSERT AS PRINT 1 \nGO\n"),
+                      QStringLiteral("CREATE TABLE dbo.T (Id int)\nGO\n"));
         connect();
     }
     /// The report that the command ends in, its date left out.
@@ -70,7 +73,8 @@ TEST_F(Tools, AnalyzeTheSelectedTable) {
 TEST_F(Tools, ListWhatADatabaseHolds) {
     EXPECT_EQ(infoOf(SourcePanel),
               "TODAY//Database: Src//List of tables/[dbo].[A b] (0 records)/[dbo].[Zoo] (3 "
-              "records)//There are no procedures in this database.//There are no functions in this database.//List of "
+              "records)//There are no procedures in this database.//There are no functions in this "
+              "database.//List of "
               "views/V/W//List of triggers/Tr//There are no relationships in this database.//");
     served.load(QStringLiteral("Tgt"), QStringLiteral("INSERT INTO T VALUES (1)"));
     EXPECT_EQ(infoOf(TargetPanel).substr(0, 60),
@@ -86,16 +90,15 @@ TEST_F(Tools, ListWhatADatabaseHolds) {
 
 TEST_F(Tools, AnInventoryThatIsStoppedOrFailsIsNoReport) {
     EXPECT_EQ(infoOf(SourcePanel,
-                     [&](frmGetDbInfo& form) {
-                         shell.onPump = [&] { form.cmdCancel_Click(); };
-                     }),
+                     [&](frmGetDbInfo& form) { shell.onPump = [&] { form.cmdCancel_Click(); }; }),
               "no report");
     shell.onPump = nullptr;
     told();
     // A database that is gone: every list says that it couldn't be read, and none that it is empty.
     served.load(QStringLiteral("master"), QStringLiteral("DROP DATABASE Src"));
     const std::string text = infoOf(SourcePanel);
-    EXPECT_NE(text.find("The tables of this database couldn't be read."), std::string::npos) << text;
+    EXPECT_NE(text.find("The tables of this database couldn't be read."), std::string::npos)
+        << text;
     EXPECT_EQ(text.find("There are no"), std::string::npos) << text;
 }
 
@@ -113,15 +116,107 @@ TEST_F(Tools, NameTheWordsThatNothingAccountsFor) {
               "information: \\n\\nView 'W' doesn't contain any references to non-existent "
               "objects.\\n\\n");
     window.ExecuteAction(command::References, TargetPanel);
-    EXPECT_EQ(told(), "information [Cannot Continue]: Cannot continue - there is no structure "
-                      "displayed for selected View.");
+    EXPECT_EQ(told(),
+              "information [Cannot Continue]: Cannot continue - there is no structure "
+              "displayed for selected View.");
+}
+
+TEST_F(Tools, AttachTheFileOfAnotherServer) {
+    // Another server's database, and files that are none.
+    test::ServedDatabases other;
+    other.load(QStringLiteral("Old"), QStringLiteral("CREATE TABLE Gone (Id int)\nGO\n"
+                                                     "INSERT INTO Gone VALUES (7)\nGO\n"));
+    const auto fileOf = [](test::ServedDatabases& server) {
+        return server.server().Name.section(u':', 1) + QStringLiteral("/Old.db");
+    };
+    const QString file = fileOf(other);
+    const QString text = home.write(QStringLiteral("text.db"), "no database");
+    std::string reported;
+    const auto attach = [&](const QString& name, const QString& path, const QString& log) {
+        shell.onScreen = [&](Screen& screen) {
+            auto* form = dynamic_cast<frmAttachDb*>(&screen);
+            if (!form) {
+                reported = screen.plainText().toStdString();
+                return;
+            }
+            form->txtPath[0] = name;
+            form->txtPath[1] = path;
+            form->txtPath[2] = log;
+            form->chkAttachSingleFile_Click(log.isNull());
+            form->cmdOK();
+        };
+        told();
+        reported.clear();
+        window.ExecuteAction(command::AttachDatabase);
+        QStringList lines = shell.takeLines();
+        return reported + lines.filter(QStringLiteral("information")).join(u'|').toStdString();
+    };
+    const QString old = QStringLiteral("Old"), none = QStringLiteral("/nowhere/x.mdf");
+    EXPECT_EQ(attach(QStringLiteral(" "), {}, {}), "information: Please specify database name.");
+    EXPECT_EQ(attach(old, {}, {}), "information: Please specify database file.");
+    EXPECT_EQ(attach(old, file, QStringLiteral("")), "information: Please specify log file.");
+    EXPECT_EQ(attach(old, none, {}), "information: File /nowhere/x.mdf doesn't exist.");
+    EXPECT_EQ(attach(old, file, none), "information: File /nowhere/x.mdf doesn't exist.");
+    EXPECT_NE(attach(old, text, {}).find("is not a primary database file"), std::string::npos);
+    EXPECT_EQ(attach(old, file, {}), "information: Attached Successfully");
+    EXPECT_NE(attach(old, file, {}).find("Database 'Old' already exists."), std::string::npos);
+    EXPECT_NE(attach(QStringLiteral("Own"), fileOf(served), {})
+                  .find("is a database of this server already"),
+              std::string::npos);
+    std::unique_ptr<Recordset> rs;
+    ASSERT_EQ(GetAdoRS(served.server(), adCmdText, QStringLiteral("SELECT Id FROM Gone"), rs, old),
+              0);
+    EXPECT_EQ(rs->field(0).text(), u"7");
+    EXPECT_TRUE(QFile::exists(file)) << "it was copied";
+}
+
+TEST_F(Tools, AFileOfAnotherMachineIsAskedAbout) {
+    ServerInfo remote;
+    remote.Name = QStringLiteral("db1.example,1433");
+    frmAttachDb form;
+    shell.onScreen = [&](Screen&) {
+        form.txtPath[0] = QStringLiteral("D");
+        form.txtPath[1] = QStringLiteral("/nowhere/x.mdf");
+        form.chkAttachSingleFile_Click(true);
+        shell.yesNoAnswers = {false};
+        form.cmdOK();
+    };
+    form.ShowUp(remote);
+    const std::string asked = told();
+    EXPECT_NE(asked.find("on whose machine it must exist"), std::string::npos) << asked;
+    for (const char* here : {"local:x", ".", "(local)\\SQL", "tcp:localhost,1433"})
+        EXPECT_TRUE(opensFilesOfThisMachine(QString::fromLatin1(here))) << here;
+    EXPECT_FALSE(opensFilesOfThisMachine(remote.Name));
+}
+
+TEST_F(Tools, SampleProceduresAreCalled) {
+    served.load(QStringLiteral("Northwind"),
+                QStringLiteral("CREATE TABLE emp (id varchar(6), firstname varchar(30), title "
+                               "varchar(30), address varchar(100))\nGO\n"
+                               "INSERT INTO emp VALUES ('1', 'Ann', 'Dr', 'Oslo')\nGO\n"));
+    frmExecSp form;
+    std::string reported;
+    shell.onScreen = [&](Screen& screen) {
+        if (&screen != &form) {
+            reported += screen.plainText().toStdString();
+            return;
+        }
+        form.txt_empid = QStringLiteral("1");
+        form.cmd_get_Click();
+        form.cmd_update_Click();
+    };
+    form.ShowUp(served.server());
+    // The embedded server keeps procedures and doesn't run them: the error is reported.
+    EXPECT_NE(reported.find("frmExecSp:cmd_get_Click"), std::string::npos) << reported;
+    EXPECT_NE(reported.find("frmExecSp:cmd_update_Click"), std::string::npos) << reported;
 }
 
 TEST(DatabaseInfo, CountsInSentences) {
     const QString triggers = QStringLiteral("triggers"), side = QStringLiteral("Source");
     EXPECT_EQ(ObjectCountSentence(triggers, 0, side), u"There are no triggers in Source database.");
     EXPECT_EQ(ObjectCountSentence(triggers, 1, side), u"There is 1 trigger in Source database.");
-    EXPECT_EQ(ObjectCountSentence(triggers, 12, side), u"There are 12 triggers in Source database.");
+    EXPECT_EQ(ObjectCountSentence(triggers, 12, side),
+              u"There are 12 triggers in Source database.");
     DatabaseInfo source, target;
     source.counts = {1, 2, 3, 4, 5, 6};
     source.text = QStringLiteral("S\r\n");

@@ -2,6 +2,7 @@
 // databases get.
 #pragma once
 
+#include "analysis/frmDataAnalyze.h"
 #include "data/script_loading.h"
 #include "datacompare/frmCompareData.h"
 #include "datacompare/frmCompareDataOptions.h"
@@ -63,6 +64,12 @@ inline void showStock(Desktop& desktop) {
     const CompareDataPair pair = stockTables(desktop);
     frmDataView().ShowUp(QStringLiteral("[dbo].[Stock]"), pair[0].Table, pair[0].Db, SourcePanel,
                          0);
+}
+
+inline void showStockAnalysis(Desktop& desktop) {
+    const CompareDataPair pair = stockTables(desktop);
+    frmDataAnalyze().ShowUp(QStringLiteral("[dbo].[Stock]"), pair[0].Table, pair[0].Db, SourcePanel,
+                            0);
 }
 
 inline void showStockOptions(Desktop& desktop) {

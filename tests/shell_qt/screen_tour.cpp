@@ -7,6 +7,7 @@
 #include "shell/qt/help_window.h"
 #include "shell_qt/data_stops.h"
 #include "structcompare/frmCompareAllTables.h"
+#include "tools/frmExecSp.h"
 #include "tools/frmListObjects.h"
 
 #include <QApplication>
@@ -62,6 +63,13 @@ std::vector<TourStop> screenTour(Desktop& desktop) {
              frmSaveComparison().ShowUp({}, name);
          }},
         {QStringLiteral("frmSaveCompRun"), run(cmd::RunSaved)},
+        {QStringLiteral("frmDataAnalyze"), [&desktop] { showStockAnalysis(desktop); }},
+        {QStringLiteral("frmAttachDb"), run(cmd::AttachDatabase)},
+        {QStringLiteral("frmExecSp"),
+         [] {
+             frmExecSp screen;
+             shell().showModal(screen);
+         }},
         {QStringLiteral("frmOptions"), run(cmd::Options)},
         {QStringLiteral("frmTip"), run(cmd::TipOfTheDay)},
         {QStringLiteral("frmSpare"), run(cmd::DebugStripComments)},

@@ -85,6 +85,8 @@ TEST(Screens, EveryButtonHasALetterOfItsOwn) {
             if (at >= 0) letters += text.mid(at + 1, 1).toLower();
         };
         for (const QPushButton* button : screen.findChildren<QPushButton*>()) {
+            // What stands beside a field has the field's letter.
+            if (button->text() == u"...") continue;
             EXPECT_TRUE(button->text().contains(u'&'))
                 << name.toStdString() << ": " << button->text().toStdString();
             take(button, button->text());

@@ -106,6 +106,14 @@ QString RecordingShell::askSavePath(const QString& title, const QString& filter,
     return path;
 }
 
+QString RecordingShell::askOpenPath(const QString& title, const QString& filter,
+                                    const QString& initialPath) {
+    const QString path = next(openPaths, QString());
+    lines += QStringLiteral("open [") + title + QStringLiteral("] ") + filter +
+             QStringLiteral(" | ") + initialPath + QStringLiteral(" -> ") + path;
+    return path;
+}
+
 void RecordingShell::setWaitPointer(bool on) {
     waitDepth += on ? 1 : -1;
 }

@@ -27,6 +27,7 @@ class RecordingShell : public Shell, public ScreenView {
     std::deque<bool> yesNoAnswers;
     std::deque<BoxAnswer> yesNoCancelAnswers;
     std::deque<QString> savePaths;
+    std::deque<QString> openPaths;
     /// Plays the user of a modal screen.
     std::function<void(Screen&)> onScreen;
     /// Called at each pump.
@@ -47,6 +48,8 @@ class RecordingShell : public Shell, public ScreenView {
     void setClipboardText(const QString& text) override;
     void openWithDesktop(const QString& fileOrUrl) override;
     QString askSavePath(const QString& title, const QString& filter,
+                        const QString& initialPath) override;
+    QString askOpenPath(const QString& title, const QString& filter,
                         const QString& initialPath) override;
     void setWaitPointer(bool on) override;
 

@@ -84,6 +84,24 @@ CursorConnectionUseServer (1: rows are streamed and not kept, by record).
 
 Exit status: 0 identical, 1 differences found, 2 trouble.)";
 
+const char* const AnalyzeExamples = R"(Examples:
+  zovrand-cli analyze -S local:shop -d Shop --table Orders
+      how many distinct values each column holds, and the ten most frequent ones
+  zovrand-cli analyze -S local:shop -d Shop --table Orders --least --ignore Notes
+                      --export orders.htm)";
+
+const char* const InfoExamples = R"(Examples:
+  zovrand-cli info -S local:shop -d Shop
+  zovrand-cli info --source A --source-db Shop --target B --target-db Shop -o shop.txt
+
+Exit status: 0 done, 2 when something could not be read or counted.)";
+
+const char* const AttachExamples = R"(Examples:
+  zovrand-cli attach -S db1 -d Shop /var/opt/mssql/data/Shop.mdf /var/opt/mssql/data/Shop_log.ldf
+  zovrand-cli attach -S db1 -d Shop --file-on-server 'D:\data\Shop.mdf'
+  zovrand-cli attach -S local:shop -d Old old-shop.db
+      a database file of another embedded server; the file stays where it is, a copy is taken)";
+
 const char* const RunExamples = R"(Examples:
   zovrand-cli compare --source db1 --source-db Shop --target db2 --target-db Shop
                       -o /reports/shop.txt --save Nightly
@@ -264,7 +282,8 @@ void describeData(CLI::App& app, Options& options, Fields& fields, Choices& choi
         ->check(CLI::IsMember({"record", "key"}));
     CLI::Option* key =
         text("--key", options.key, "COLUMN,...", "Key columns, one to three")->needs(table);
-    text("--target-key", options.targetKey, "COLUMN,...", "The target's, when they have other names")
+    text("--target-key", options.targetKey, "COLUMN,...",
+         "The target's, when they have other names")
         ->needs(key);
     CLI::Option* sort =
         text("--sort", options.sort, "COLUMN,...", "Sort by these, one to three")->needs(table);
@@ -316,6 +335,78 @@ void addProcesses(CLI::App* command, Options& options, Fields& fields) {
                      "Its number or its name; digits alone are a number")
         ->type_name("NAME|ID");
     command->add_flag("--name", options.byName, "What is given is a name, digits alone too");
+}
+
+void addOutput(CLI::App* command, Options& options, Fields& fields) {
+    command
+        ->add_option("-o,--output", fields.text(options.outputFile),
+                     "Write the text to this file instead of standard output")
+        ->type_name("FILE")
+        ->check(NotEmpty);
+}
+
+void describeTools(CLI::App& app, Options& options, Fields& fields, Choices& choices) {
+    CLI::App* analyze = app.add_subcommand(
+        "analyze", "Count what values a table's columns hold: distinct ones, most frequent ones");
+    addServer(analyze, options, fields);
+    analyze
+        ->add_option("--table", fields.text(options.table),
+                     "The table, with its schema where several have the name")
+        ->type_name("NAME")
+        ->required();
+    analyze->add_flag("--least", options.least, "The least frequent values instead");
+    analyze->add_option("--rows", options.rows, "Count the first N rows only")
+        ->type_name("N")
+        ->check(CLI::Range(1, 2147483647));
+    analyze->add_flag("--any-size", options.anySize,
+                      "Rank columns of more than 32,767 distinct values too, every order exact");
+    analyze->add_option("--ignore", fields.text(options.ignore), "Leave these columns out")
+        ->type_name("COLUMN,...")
+        ->check(NotEmpty);
+    analyze
+        ->add_option("--export", fields.text(options.exportFile),
+                     "Write the counts to FILE.htm or FILE.csv as well")
+        ->type_name("FILE")
+        ->check(NotEmpty);
+    addOutput(analyze, options, fields);
+    analyze->footer(AnalyzeExamples);
+    choices.emplace_back(analyze, Command::Analyze);
+
+    CLI::App* info = app.add_subcommand(
+        "info", "List what a database holds, tables with their numbers of records");
+    info->add_option("-S,--server,--source", fields.text(options.server.server), "Server")
+        ->type_name("SERVER")
+        ->required();
+    info->add_option("-d,--database,--source-db", fields.text(options.server.database),
+                     "Database; a stored server's own when left out")
+        ->type_name("DB");
+    CLI::Option* target = info->add_option("--target", fields.text(options.target.server),
+                                           "A second server, for both databases in one text")
+                              ->type_name("SERVER");
+    info->add_option("--target-db", fields.text(options.target.database), "Its database")
+        ->type_name("DB")
+        ->needs(target);
+    addLogin(info, options, fields);
+    addOutput(info, options, fields);
+    addSettings(info, options, fields);
+    info->footer(InfoExamples);
+    choices.emplace_back(info, Command::Info);
+
+    CLI::App* attach = app.add_subcommand("attach", "Make a database from a file that holds one");
+    addServer(attach, options, fields);
+    attach->get_option("--database")->required()->description("Name of the new database");
+    attach->add_option("FILE", fields.text(options.databaseFile), "The database's file")
+        ->type_name("")
+        ->required();
+    attach
+        ->add_option("LOG", fields.text(options.logFile),
+                     "Its log file; without it the server makes a new one")
+        ->type_name("");
+    attach->add_flag("--file-on-server", options.fileOnServer,
+                     "The server runs on another machine, and the files are there: they are not "
+                     "looked for on this one");
+    attach->footer(AttachExamples);
+    choices.emplace_back(attach, Command::Attach);
 }
 
 void describeProcesses(CLI::App& app, Options& options, Fields& fields, Choices& choices) {
@@ -377,8 +468,9 @@ void describeCommands(CLI::App& app, Options& options, Fields& fields, Choices& 
     choices.emplace_back(load, Command::Load);
 
     CLI::App* query =
-        app.add_subcommand("query", "Run a batch; rows come tab-separated below a header line, with an "
-                                    "empty line between results");
+        app.add_subcommand("query",
+                           "Run a batch; rows come tab-separated below a header line, with an "
+                           "empty line between results");
     addServer(query, options, fields);
     query->add_option("SQL", fields.text(options.sql), "The statement")->type_name("")->required();
     query->footer(QueryExamples);
@@ -416,9 +508,10 @@ void describeCommands(CLI::App& app, Options& options, Fields& fields, Choices& 
         ->type_name("NAME,...")
         ->allow_extra_args(false);
     compare->add_flag("--details", options.details, "List the lines that differ");
-    compare->add_flag("--allow-unreadable", options.allowUnreadable,
-                      "Objects that can't be read (encrypted, hidden from the login) are named, but "
-                      "don't count for the exit status");
+    compare->add_flag(
+        "--allow-unreadable", options.allowUnreadable,
+        "Objects that can't be read (encrypted, hidden from the login) are named, but "
+        "don't count for the exit status");
     compare
         ->add_option("-o,--output", fields.text(options.outputFile),
                      "Write the report to this file instead of standard output")
@@ -428,6 +521,7 @@ void describeCommands(CLI::App& app, Options& options, Fields& fields, Choices& 
     compare->footer(CompareExamples);
     choices.emplace_back(compare, Command::Compare);
     describeData(app, options, fields, choices);
+    describeTools(app, options, fields, choices);
     describeProcesses(app, options, fields, choices);
 }
 

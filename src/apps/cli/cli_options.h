@@ -24,6 +24,9 @@ enum class Command {
     Text,
     Compare,
     Data,
+    Analyze,
+    Info,
+    Attach,
     ProcessList,
     ProcessShow,
     ProcessDelete,
@@ -55,10 +58,10 @@ struct Options {
     bool keepGoing = false;
     bool replace = false;
 
-    QString sql;         // query
-    QString type;        // list, text
+    QString sql;              // query
+    QString type;             // list, text
     bool nulBetween = false;  // list
-    QString objectName;  // text
+    QString objectName;       // text
 
     // compare
     QString types;       ///< joined by commas; empty: all of a full run
@@ -78,6 +81,15 @@ struct Options {
     int limit = -1;
     QString exportFile;
     bool csvSafe = false;
+
+    // analyze
+    bool least = false;    ///< the least frequent values instead of the most frequent ones
+    bool anySize = false;  ///< columns of more distinct values than are ranked by default
+    int rows = 0;          ///< 0: all
+
+    // attach
+    QString databaseFile, logFile;
+    bool fileOnServer = false;  ///< the file is the server's machine's: nothing is looked for here
 
     // compare, data
     QString save;  ///< the saved process that the run becomes; empty: none

@@ -135,8 +135,16 @@ void ignoredColumnsOf(const Options& options, const CompareDataPair& tables,
     for (int side = 0; side < 2; ++side) columns[side] = ignored.columns[side];
 }
 
-CompareDataTable findTable(int panel, const QString& database, const QString& name) {
-    const QString side = panel == SourcePanel ? QStringLiteral("source") : QStringLiteral("target");
+QStringList columnsNamed(const CompareDataTable& table, const QString& names,
+                         const QString& option) {
+    return columnsOf(table, names, option, 0, false);
+}
+
+CompareDataTable findTable(int panel, const QString& database, const QString& name,
+                           TableOfSide side) {
+    const QString whose = side == TableOfSide::Only ? QString()
+                          : panel == SourcePanel    ? QStringLiteral("source ")
+                                                    : QStringLiteral("target ");
     std::vector<ObjectListRow> meant;
     RunAccount account;
     {
@@ -146,18 +154,17 @@ CompareDataTable findTable(int panel, const QString& database, const QString& na
     }
     // The list is short of something, and no table may be missed or taken for another.
     if (!account.isWhole())
-        throw Failure(QStringLiteral("The tables of the %1 database %2 can't be listed.\n%3")
-                          .arg(side, database, account.entries().front().sentence()));
+        throw Failure(QStringLiteral("The tables of the %1database %2 can't be listed.\n%3")
+                          .arg(whose, database, account.entries().front().sentence()));
     if (meant.empty())
-        throw Failure(
-            QStringLiteral("The %1 database %2 has no table \"%3\" (letter case counts).\n"
-                           "Names are shown by: zovrand-cli list -t tables.")
-                .arg(side, database, name));
+        throw Failure(QStringLiteral("The %1database %2 has no table \"%3\" (letter case counts).\n"
+                                     "Names are shown by: zovrand-cli list -t tables.")
+                          .arg(whose, database, name));
     if (meant.size() > 1) {
         throw Failure(
-            QStringLiteral("Several tables have this name: \"%1\" is %2 in the %3 database "
+            QStringLiteral("Several tables have this name: \"%1\" is %2 in the %3database "
                            "%4.\nName one of them so, with its schema.")
-                .arg(name, fullNames(meant), side, database));
+                .arg(name, fullNames(meant), whose, database));
     }
     return TableOf(globals().gtCurrentServers[panel], database,
                    objectOf(meant.front(), ObjectType::Table));

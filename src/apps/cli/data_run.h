@@ -10,9 +10,16 @@
 
 namespace zov::cli {
 
+/// Whether a sentence about a table says which side's it is.
+enum class TableOfSide { Named, Only };
 /// The table that a command line names; throws Failure for one that isn't there, and for a name
 /// that several have.
-CompareDataTable findTable(int panel, const QString& database, const QString& name);
+CompareDataTable findTable(int panel, const QString& database, const QString& name,
+                           TableOfSide side = TableOfSide::Named);
+/// Those of the table's columns that an option names, joined by commas, as the table writes them;
+/// throws Failure for one that it hasn't got.
+QStringList columnsNamed(const CompareDataTable& table, const QString& names,
+                         const QString& option);
 
 /// The stored ignored columns, or a copy of them with this run's in place of the two tables'. What
 /// can't be read or written is a Failure: the run would compare other columns.

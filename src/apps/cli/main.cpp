@@ -27,8 +27,9 @@ namespace {
 /// The status, and a line when the run was to be kept and wasn't.
 int toldUnlessKept(int status, const Options& options, ConsoleShell& console) {
     if (status == Trouble && !options.save.isNull())
-        console.showNote(QStringLiteral("Nothing was saved: a run is kept when it reached its end "
-                                        "without trouble."));
+        console.showNote(
+            QStringLiteral("Nothing was saved: a run is kept when it reached its end "
+                           "without trouble."));
     return status;
 }
 
@@ -52,6 +53,12 @@ int run(const Options& options, UnattendedShell& console) {
             return toldUnlessKept(runCompare(options, console), options, console);
         case Command::Data:
             return toldUnlessKept(runData(options, console), options, console);
+        case Command::Analyze:
+            return runAnalyze(options, console);
+        case Command::Info:
+            return runInfo(options, console);
+        case Command::Attach:
+            return runAttach(options, console);
         case Command::ProcessList:
             return runProcessList();
         case Command::ProcessShow:
@@ -93,6 +100,7 @@ bool onlyReads(Command command) {
         case Command::ServerAdd:
         case Command::ServerRemove:
         case Command::Load:
+        case Command::Attach:
             return false;
         default:
             return true;

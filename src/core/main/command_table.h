@@ -46,10 +46,10 @@ inline constexpr int HelpIndex = 610, TipOfTheDay = 620, TechnicalSupport = 630,
 inline constexpr int PaneRefresh = 700, ColorSchema = 710, Visualize = 720, IgnoreColumns = 730,
                      HighlightedSections = 740, PaneCreate = 750, References = 760, Print = 770,
                      PrintBoth = 780;
-inline constexpr int DebugSchemaById = 802, DebugListObjects = 808, DebugStripComments = 809,
-                     DebugConstraints = 810, DebugIndexes = 811, DebugOptions = 813,
-                     DebugDataOptions = 814, DebugServerVersion = 815, DebugOptionsNew = 816,
-                     DebugErrorReport = 817;
+inline constexpr int DebugSchemaById = 802, DebugExecSp = 805, DebugAttach = 806,
+                     DebugListObjects = 808, DebugStripComments = 809, DebugConstraints = 810,
+                     DebugIndexes = 811, DebugOptions = 813, DebugDataOptions = 814,
+                     DebugServerVersion = 815, DebugOptionsNew = 816, DebugErrorReport = 817;
 }  // namespace command
 
 }  // namespace zov

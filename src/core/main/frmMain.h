@@ -209,14 +209,14 @@ class frmMain : public PanelWindow,
     void MenuToolsOptions();
     void MenuToolsFindInDb(int Index);
     void SearchRefToNonExistentObjects(int Index);
+    void MenuToolsAttachDb();
     void MenuSqlCreate(int Index);
     void BuildSQLCreateStatement(int Index);
     void MenuPopUpPrint(int Index);
     bool PrintStructure(int Index, bool silent, const QString& title);
     void CompareAndPrintAllTables();
     void compareBulk(int kindIndex, bool selective, bool details);
-    void compareDatabases(const char* handler,
-                          const std::function<void(CompareAllWindow&)>& run);
+    void compareDatabases(const char* handler, const std::function<void(CompareAllWindow&)>& run);
     bool ConstraintsMenuItems_MaintainVisibility();
     void cmdCompare_Click();
     void cmdCompareAll_Click();
@@ -256,7 +256,7 @@ class frmMain : public PanelWindow,
     bool askForDataOptions_ = false;
     PairVerdict verdict_;
     bool reportShown_ = false;  ///< by the comparison under way
-    bool printed_ = false;  ///< what printBothPanes could do
+    bool printed_ = false;      ///< what printBothPanes could do
 
     /// What a replay hands to the report of a pair; for its length alone.
     struct ReplayContext {

@@ -112,6 +112,8 @@ void frmMain::ExecuteAction(int Id, int Panel) {
             return run("MenuToolsFindInDb", [&] { MenuToolsFindInDb(SourcePanel); });
         case cmd::FindInTarget:
             return run("MenuToolsFindInDb", [&] { MenuToolsFindInDb(TargetPanel); });
+        case cmd::AttachDatabase:
+            return run("MenuToolsAttachDb", [&] { MenuToolsAttachDb(); });
         case cmd::IgnoredData:
             return run("MenuToolsIgnoredColumns",
                        [&] { screens_.viewIgnoredColumns(IgnoreMode::DataComparison); });
@@ -155,7 +157,8 @@ void frmMain::ExecuteAction(int Id, int Panel) {
 
 void frmMain::executeDebugAction(int Id, int Index) {
     static const QSet<int> withoutServer = {cmd::DebugErrorReport, cmd::DebugOptionsNew,
-                                            cmd::DebugOptions, cmd::DebugStripComments};
+                                            cmd::DebugOptions, cmd::DebugStripComments,
+                                            cmd::DebugExecSp};
     if (database(Index).isEmpty() && !withoutServer.contains(Id)) {
         shell().messageBox(QStringLiteral("Please connect to the server first."));
         return;
@@ -168,6 +171,10 @@ void frmMain::executeDebugAction(int Id, int Index) {
                                 schema);
             return shell().messageBox(schema);
         }
+        case cmd::DebugExecSp:
+            return screens_.executeProcedure();
+        case cmd::DebugAttach:
+            return MenuToolsAttachDb();
         case cmd::DebugListObjects: {
             QStringList source, target;
             screens_.listObjects().ShowUp(pair.sourceDb, pair.targetDb, pair.objectType, source,

@@ -30,6 +30,13 @@ void frmMain::cmdNonExistent_Click(int Index) {
     whileBusy("cmdNonExistent_Click", [&] { SearchRefToNonExistentObjects(Index); });
 }
 
+void frmMain::MenuToolsAttachDb() {
+    if (!dataAccessUsable()) return;
+    if (database(SourcePanel).isEmpty())
+        return shell().messageBox(QStringLiteral("Please connect to the server first."));
+    screens_.attachDatabase(server(SourcePanel));
+}
+
 void frmMain::SearchRefToNonExistentObjects(int Index) {
     if (!dataAccessUsable() || !ProgrammableObjectsAreActive()) return;
     const ObjectType type = selectedType();

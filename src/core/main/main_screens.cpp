@@ -11,6 +11,8 @@
 #include "saved/frmSaveCompRun.h"
 #include "structcompare/frmCompareText.h"
 #include "structcompare/frmSpare.h"
+#include "tools/frmAttachDb.h"
+#include "tools/frmExecSp.h"
 #include "tools/frmSearchForObject_Gen.h"
 
 namespace zov {
@@ -43,6 +45,14 @@ void MainScreens::viewData(int Panel, const QString& Db, const QString& Table,
 void MainScreens::analyzeData(int Panel, const QString& Db, const QString& Table,
                               const QString& QualifiedTable, qint32 ObjectId) {
     frmDataAnalyze().ShowUp(QualifiedTable, Table, Db, Panel, ObjectId);
+}
+
+bool MainScreens::attachDatabase(const ServerInfo& Server) {
+    return frmAttachDb().ShowUp(Server);
+}
+
+void MainScreens::executeProcedure() {
+    frmExecSp().ShowUp();
 }
 
 bool MainScreens::databaseInfo(int Panel, const QString& Db) {

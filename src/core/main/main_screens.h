@@ -29,7 +29,12 @@ class MainScreens : public ReportScreen {
     /// The analyzer on that table.
     void analyzeData(int Panel, const QString& Db, const QString& Table,
                      const QString& QualifiedTable, qint32 ObjectId);
-    /// The inventory of the panel's database, into globals().gstrReport. False when it was cancelled.
+    /// Files that become a database of the server; true when one was attached.
+    bool attachDatabase(const ServerInfo& Server);
+    /// The developer's screen that calls sample procedures.
+    void executeProcedure();
+    /// The inventory of the panel's database, into globals().gstrReport. False when it was
+    /// cancelled.
     bool databaseInfo(int Panel, const QString& Db);
     void showColorSchema();
     /// The test screens of the Debug menu.

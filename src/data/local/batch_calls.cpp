@@ -132,6 +132,8 @@ void BatchStream::startProcedure(const QString& written) {
         frame().outputs.clear();
         return;
     }
+    // The places of a command's parameters count; their names are the caller's own.
+    for (Given& one : given) one.name.clear();
     statement([&] { callProcedure(name, given); }, 1, {});
 }
 

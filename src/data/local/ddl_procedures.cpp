@@ -609,6 +609,16 @@ bool runSystemProcedure(SessionState& session, const QString& name,
              bind(session,
                   {true, QString(), arguments.required(0, "@objname"), futureOnly(arguments, 1)});
          }},
+        {QStringLiteral("sp_attach_db"),
+         [&] {
+             session.store->attachDatabase(arguments.required(0, "@dbname"),
+                                           arguments.required(1, "@filename1"));
+         }},
+        {QStringLiteral("sp_attach_single_file_db"),
+         [&] {
+             session.store->attachDatabase(arguments.required(0, "@dbname"),
+                                           arguments.required(1, "@physname"));
+         }},
         {QStringLiteral("sp_rename"), [&] { rename(session, arguments); }},
         {QStringLiteral("sp_addrole"),
          [&] {

@@ -18,7 +18,6 @@
 namespace zov::local {
 namespace {
 
-constexpr int ApplicationId = 0x5A4F5644;
 const QString DefaultVersion = QStringLiteral("16.0.4085.2");
 const QString Scheme = QStringLiteral("local:");
 
@@ -37,29 +36,6 @@ void addLaterTables(sqlite3* handle, bool readOnly) {
     if (readOnly) sql.replace("CREATE TABLE", "CREATE TEMP TABLE");
     execSql(handle, ("BEGIN; " + sql + "; COMMIT").constData());
 }
-
-class Statement {
- public:
-    Statement(sqlite3* handle, const char* sql) {
-        checkSqlite(handle, sqlite3_prepare_v2(handle, sql, -1, &statement_, nullptr));
-    }
-    ~Statement() { sqlite3_finalize(statement_); }
-    Statement(const Statement&) = delete;
-    Statement& operator=(const Statement&) = delete;
-    bool step() {
-        const int code = sqlite3_step(statement_);
-        checkSqlite(sqlite3_db_handle(statement_), code);
-        return code == SQLITE_ROW;
-    }
-    sqlite3_stmt* get() const { return statement_; }
-    QString text(int column) const {
-        return QString::fromUtf8(
-            reinterpret_cast<const char*>(sqlite3_column_text(statement_, column)));
-    }
-
- private:
-    sqlite3_stmt* statement_ = nullptr;
-};
 
 QString factsFile(const QString& folder) {
     return folder + QStringLiteral("/server.json");
@@ -346,53 +322,45 @@ void ServerStore::openHandle(Entry& entry) {
     addLaterTables(handle, entry.readOnly);
     installFunctions(handle, entry.database, *this);
     if (!sortingIsCurrent(handle)) handle = renewIndexes(entry);
-    Statement id(handle, "SELECT value FROM \"zov$facts\" WHERE name='dbid'");
+    StoreStatement id(handle, "SELECT value FROM \"zov$facts\" WHERE name='dbid'");
     if (id.step()) entry.database.dbid = sqlite3_column_int(id.get(), 0);
     entry.prepare();
     entry.seenVersion = entry.currentVersion();
 }
 
-ServerStore::Entry& ServerStore::stageNew(const QString& name, int dbid) {
+ServerStore::Entry& ServerStore::stageNew(const QString& name, int dbid, const QString& from) {
     static std::atomic<int> counter = 0;
     const QString file = folder_ + u'/' + fileNameOf(name) +
                          QStringLiteral(".new-%1-%2").arg(owner()).arg(++counter);
-    sqlite3* handle = nullptr;
     try {
-        handle = openFile(file, SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE);
-        execSql(handle, "PRAGMA synchronous=OFF; PRAGMA journal_mode=MEMORY; BEGIN");
-        execSql(handle, catalogTablesSql());
-        const QString now =
-            QDateTime::currentDateTime().toString(QStringLiteral("yyyy-MM-dd HH:mm:ss.zzz"));
-        Statement insert(handle, "INSERT INTO \"zov$facts\"(name, value) VALUES(?1, ?2)");
-        const auto fact = [&](const char* key, const QString& value) {
-            const QByteArray utf8 = value.toUtf8();
-            sqlite3_bind_text(insert.get(), 1, key, -1, SQLITE_STATIC);
-            sqlite3_bind_text(insert.get(), 2, utf8.constData(), int(utf8.size()),
-                              SQLITE_TRANSIENT);
-            insert.step();
-            checkSqlite(handle, sqlite3_reset(insert.get()));
-        };
-        fact("name", name);
-        fact("version", productVersion_);
-        fact("compatibility", QString::number(compatibilityOf(productVersion_)));
-        fact("collation", QLatin1String(DefaultCollation));
-        fact("sorting", Collation::sortingVersion());
-        fact("created", now);
-        fact("next_object_id", QString::number(FirstObjectId));
-        fact("dbid", QString::number(dbid));
-        execSql(handle, QStringLiteral("PRAGMA application_id=%1; COMMIT").arg(ApplicationId));
-    } catch (...) {
-        sqlite3_close_v2(handle);
-        removeDatabaseFiles(file);
-        throw;
-    }
-    sqlite3_close_v2(handle);
-    try {
+        if (from.isEmpty())
+            fillStaged(file, name, dbid);
+        else
+            fillStagedFrom(from, file, name, dbid);
         return openEntry(name, file, true);
     } catch (...) {
         removeDatabaseFiles(file);
         throw;
     }
+}
+
+void ServerStore::fillStaged(const QString& file, const QString& name, int dbid) {
+    const SqliteHandle owner(openFile(file, SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE));
+    sqlite3* handle = owner.get();
+    execSql(handle, "PRAGMA synchronous=OFF; PRAGMA journal_mode=MEMORY; BEGIN");
+    execSql(handle, catalogTablesSql());
+    const std::pair<const char*, QString> facts[] = {
+        {"name", name},
+        {"version", productVersion_},
+        {"compatibility", QString::number(compatibilityOf(productVersion_))},
+        {"collation", QLatin1String(DefaultCollation)},
+        {"sorting", Collation::sortingVersion()},
+        {"created",
+         QDateTime::currentDateTime().toString(QStringLiteral("yyyy-MM-dd HH:mm:ss.zzz"))},
+        {"next_object_id", QString::number(FirstObjectId)},
+        {"dbid", QString::number(dbid)}};
+    for (const auto& [fact, value] : facts) storeFact(handle, fact, value);
+    execSql(handle, QStringLiteral("PRAGMA application_id=%1; COMMIT").arg(ApplicationId));
 }
 
 Database& ServerStore::database(const QString& name) {
@@ -438,10 +406,10 @@ Database& ServerStore::systemDatabase(const QString& name, int id) {
     return openEntry(name, file, false).database;
 }
 
-Database& ServerStore::newDatabase(const QString& name) {
+Database& ServerStore::newDatabase(const QString& name, const QString& from) {
     if (name.isEmpty() || name.size() > 128)
         throw nativeError(103, QStringLiteral("A database's name has 1 to 128 characters."));
-    return stageNew(name, nextDatabaseId()).database;
+    return stageNew(name, nextDatabaseId(), from).database;
 }
 
 Database& ServerStore::openOrCreate(const QString& name) {

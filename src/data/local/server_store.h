@@ -73,6 +73,10 @@ class ServerStore {
     /// DbError 1801 (name taken), 3701 (no such database), 3702 (in use), 3708 (system database).
     void createDatabase(const QString& name);
     void dropDatabase(const QString& name);
+    /// Makes a new database from a copy of a database's file, which stays as it is. Throws DbError
+    /// 1801 (name taken), 5120 (no such file), 5171 (no database file of ours), 948 (of a newer
+    /// server), 1813 (a database of this server), 824 (damaged).
+    void attachDatabase(const QString& name, const QString& file);
 
     /// While one lives, the databases' files stay where they are: nobody else puts one in the place
     /// of another. `alone`: nobody else opens one or begins to write to it either. Throws DbError
@@ -133,8 +137,11 @@ class ServerStore {
     Entry& openEntry(const QString& name, const QString& file, bool staged);
     void openHandle(Entry& entry);
     Database& systemDatabase(const QString& name, int id);
-    Database& newDatabase(const QString& name);
-    Entry& stageNew(const QString& name, int dbid);
+    /// `from`: the file of a database that the new one is a copy of; empty for an empty database.
+    Database& newDatabase(const QString& name, const QString& from = {});
+    Entry& stageNew(const QString& name, int dbid, const QString& from = {});
+    void fillStaged(const QString& file, const QString& name, int dbid);
+    void fillStagedFrom(const QString& from, const QString& file, const QString& name, int dbid);
     /// For a file whose indexes rest on another order of texts; the handle to go on with.
     sqlite3* renewIndexes(Entry& entry);
     void forget(const QString& key);   ///< closes it

@@ -9,6 +9,43 @@
 
 namespace zov::local {
 
+/// "ZOVD" in the head of our files.
+inline constexpr int ApplicationId = 0x5A4F5644;
+
+/// A query of the store's own on a database's file.
+class StoreStatement {
+ public:
+    StoreStatement(sqlite3* handle, const char* sql) {
+        checkSqlite(handle, sqlite3_prepare_v2(handle, sql, -1, &statement_, nullptr));
+    }
+    ~StoreStatement() { sqlite3_finalize(statement_); }
+    StoreStatement(const StoreStatement&) = delete;
+    StoreStatement& operator=(const StoreStatement&) = delete;
+    bool step() {
+        const int code = sqlite3_step(statement_);
+        checkSqlite(sqlite3_db_handle(statement_), code);
+        return code == SQLITE_ROW;
+    }
+    sqlite3_stmt* get() const { return statement_; }
+    QString text(int column) const {
+        return QString::fromUtf8(
+            reinterpret_cast<const char*>(sqlite3_column_text(statement_, column)));
+    }
+
+ private:
+    sqlite3_stmt* statement_ = nullptr;
+};
+
+/// Keeps what a file tells of itself, in the place of what it told before.
+inline void storeFact(sqlite3* handle, const char* name, const QString& value) {
+    StoreStatement store(handle,
+                         "INSERT OR REPLACE INTO \"zov$facts\"(name, value) VALUES(?1, ?2)");
+    const QByteArray utf8 = value.toUtf8();
+    sqlite3_bind_text(store.get(), 1, name, -1, SQLITE_STATIC);
+    sqlite3_bind_text(store.get(), 2, utf8.constData(), int(utf8.size()), SQLITE_TRANSIENT);
+    store.step();
+}
+
 struct ServerStore::Entry {
     Database database;
     QString file;

@@ -6,6 +6,8 @@
 
 #include <QFileInfo>
 
+#include <memory>
+
 namespace zov::local {
 
 /// Names of databases are compared in this form.
@@ -26,6 +28,11 @@ int compatibilityOf(const QString& version);
 /// `flags` as sqlite3_open_v2 takes them; `uriTail` ("?immutable=1") goes behind the file's
 /// address.
 sqlite3* openFile(const QString& file, int flags, const QString& uriTail = {});
+/// Closes the handle with its scope.
+struct SqliteCloser {
+    void operator()(sqlite3* handle) const { sqlite3_close_v2(handle); }
+};
+using SqliteHandle = std::unique_ptr<sqlite3, SqliteCloser>;
 /// How long a session waits for others before it gives up.
 inline constexpr int LockPatienceMs = 10'000;
 /// Makes one database's file a copy of another's, in one transaction.

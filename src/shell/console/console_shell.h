@@ -45,6 +45,7 @@ class ConsoleShell : public Shell {
     void setClipboardText(const QString&) override {}
     void openWithDesktop(const QString& fileOrUrl) override;
     QString askSavePath(const QString&, const QString&, const QString&) override { return {}; }
+    QString askOpenPath(const QString&, const QString&, const QString&) override { return {}; }
     void setWaitPointer(bool) override {}
 
  private:

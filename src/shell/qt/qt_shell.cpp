@@ -182,16 +182,28 @@ QString inDocuments(const QString& path) {
     return (exists ? documents : QDir::homePath() + u'/') + wanted.fileName();
 }
 
+QString dialogFilter(const QString& filter) {
+    // Names without a dot are names too.
+    QString shown = filter == u"*.*" ? QStringLiteral("All files (*)") : filter;
+    // "Export Files (*.htm)|*.htm": the name says its patterns as this dialog wants them.
+    if (const qsizetype bar = shown.indexOf(u'|'); bar > 0) shown.truncate(bar);
+    return shown;
+}
+
 }  // namespace
 
 QString QtShell::askSavePath(const QString& title, const QString& filter,
                              const QString& initialPath) {
     const ArrowPointer arrow;
-    // Names without a dot are names too.
-    QString shown = filter == u"*.*" ? QStringLiteral("All files (*)") : filter;
-    // "Export Files (*.htm)|*.htm": the name says its patterns as this dialog wants them.
-    if (const qsizetype bar = shown.indexOf(u'|'); bar > 0) shown.truncate(bar);
-    return QFileDialog::getSaveFileName(parentForDialogs(), title, inDocuments(initialPath), shown);
+    return QFileDialog::getSaveFileName(parentForDialogs(), title, inDocuments(initialPath),
+                                        dialogFilter(filter));
+}
+
+QString QtShell::askOpenPath(const QString& title, const QString& filter,
+                             const QString& initialPath) {
+    const ArrowPointer arrow;
+    return QFileDialog::getOpenFileName(parentForDialogs(), title, inDocuments(initialPath),
+                                        dialogFilter(filter));
 }
 
 void QtShell::setWaitPointer(bool on) {

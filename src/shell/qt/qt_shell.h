@@ -36,6 +36,8 @@ class QtShell : public Shell {
     void openWithDesktop(const QString& fileOrUrl) override;
     QString askSavePath(const QString& title, const QString& filter,
                         const QString& initialPath) override;
+    QString askOpenPath(const QString& title, const QString& filter,
+                        const QString& initialPath) override;
     void setWaitPointer(bool on) override;
 
  private:

@@ -218,26 +218,15 @@ QWidget* AnalyzerDialog::makeButtons() {
     add("cmdExport", "&Export", [this] { screen_.cmdExport_Click(); });
     add("cmdPrint", "&Print", [this] { print(); });
     add("cmdPrintPreview", "Print Pre&view", [this] { print(); });
-    add("cmdPageSetup", "Pa&ge Setup", [this] { askPageSetup(this); });
+    add("cmdPageSetup", "Page Set&up", [this] { askPageSetup(this); });
     add("cmdExit", "E&xit", [this] { screen_.cmdExit_Click(); });
     return row;
 }
 
 void AnalyzerDialog::print() {
-    if (screen_.cmdPrint_Click()) printText(printedText(), screen_.caption(), false, this);
-}
-
-QString AnalyzerDialog::printedText() const {
-    QString text = screen_.lblTableName + u'\n';
-    for (const std::vector<GridReportItem>& record : screen_.rpcReport.records) {
-        text += QStringLiteral("\n%1 (%2): %3 unique values\n")
-                    .arg(oneLine(record[0].text()), record[1].text(), record[2].text());
-        for (size_t value = FirstValueColumn; value + 1 < record.size(); value += 2)
-            if (!record[value + 1].text().isEmpty())
-                text += record[value + 1].text().rightJustified(12) + QStringLiteral("  ") +
-                        oneLine(record[value].text()) + u'\n';
-    }
-    return text;
+    if (screen_.cmdPrint_Click())
+        printText(AnalysisText(screen_.lblTableName, screen_.rpcReport), screen_.caption(), false,
+                  this);
 }
 
 QString AnalyzerDialog::selectionAsText() const {

@@ -27,8 +27,6 @@ class AnalyzerDialog : public ScreenDialog {
     void refreshFields() override;
     /// The selected cells as lines of texts parted by tabs.
     QString selectionAsText() const;
-    /// The whole report as it is printed: one paragraph a column of the table.
-    QString printedText() const;
 
  protected:
     bool leave() override;

@@ -15,6 +15,7 @@
 #include "shell/qt/screens/report_dialog.h"
 #include "shell/qt/screens/saved_dialogs.h"
 #include "shell/qt/screens/server_dialogs.h"
+#include "shell/qt/screens/tool_dialogs.h"
 #include "shell/qt/screens/view_dialogs.h"
 
 namespace zov::qt {
@@ -57,6 +58,8 @@ std::unique_ptr<ScreenDialog> makeScreenDialog(Screen& screen, QWidget* parent) 
            tryDialog<TipDialog, frmTip>(screen, parent, dialog) ||
            tryDialog<OptionsDialog, frmOptions>(screen, parent, dialog) ||
            tryDialog<OptionsDebugDialog, frmOptionsDebug>(screen, parent, dialog) ||
+           tryDialog<AttachDialog, frmAttachDb>(screen, parent, dialog) ||
+           tryDialog<ExecSpDialog, frmExecSp>(screen, parent, dialog) ||
            tryDialog<SpareDialog, frmSpare>(screen, parent, dialog));
     return dialog;
 }
