@@ -1,10 +1,7 @@
 // Rows told apart, held against plain SQL on the same databases: the samples, and Northwind against
 // a copy that a script changed. Then the same over ODBC: the same counts, and the same file to the
 // byte.
-#include "cli_runner.h"
-
-#include "data/providers.h"
-#include "support/tds_endpoint/tds_endpoint.h"
+#include "wired_server.h"
 
 namespace zov::acceptance {
 namespace {
@@ -74,13 +71,8 @@ class DataCounts : public ::testing::Test {
             home_->load(folder_, "Changed", {publishedScriptsFolder() + "northwind.sql"});
             home_->loadText(folder_, "Changed", Changes);
         }
-        TdsEndpointOptions options;
-        options.provider = &providerFor(folder_);
-        options.dataSource = folder_;
-        options.password = "secret";
         endpoint_ = new TdsEndpoint;
-        endpoint_->start(options);
-        home_->setEnvironment("ZOVRAND_PASSWORD", "secret");
+        serve(*endpoint_, folder_, *home_);
     }
     static void TearDownTestSuite() {
         delete endpoint_;

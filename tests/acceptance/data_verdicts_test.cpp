@@ -1,9 +1,6 @@
 // zovrand-cli data never calls identical what it could not look at: names that stand for several
 // tables, offsets, servers that refuse, files that can't be read; and its statuses.
-#include "cli_runner.h"
-
-#include "data/providers.h"
-#include "support/tds_endpoint/tds_endpoint.h"
+#include "wired_server.h"
 
 namespace zov::acceptance {
 namespace {
@@ -36,13 +33,8 @@ class DataVerdicts : public ::testing::Test {
                             table("hr.Alone", "1, 'a'") + table("dbo.Same", "1, 'a'") +
                             table("dbo.victim", "1, 'a'") +
                             table("dbo.[victim]]; DELETE FROM [victim]", "1, 'a'"));
-        TdsEndpointOptions options;
-        options.provider = &providerFor(folder_);
-        options.dataSource = folder_;
-        options.password = "secret";
         endpoint_ = new TdsEndpoint;
-        endpoint_->start(options);
-        home_->setEnvironment("ZOVRAND_PASSWORD", "secret");
+        serve(*endpoint_, folder_, *home_);
     }
     static void TearDownTestSuite() {
         delete endpoint_;

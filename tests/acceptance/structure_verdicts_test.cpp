@@ -1,10 +1,8 @@
 // What compare, text and list say about names that stand for several objects, names that look like
 // more than one, and objects that can't be read: never "identical" of what nobody looked at.
-#include "cli_runner.h"
+#include "wired_server.h"
 
-#include "data/providers.h"
 #include "support/limited_login.h"
-#include "support/tds_endpoint/tds_endpoint.h"
 
 namespace zov::acceptance {
 namespace {
@@ -303,13 +301,8 @@ TEST_F(StructureVerdicts, AFailedStatementIsNeverAnAnswer) {
         "CREATE TABLE U (a int CONSTRAINT fk_U REFERENCES dbo.T (a))\nGO\n";
     home_.loadText(folder, "One", script);
     home_.loadText(folder, "Two", script);
-    TdsEndpointOptions options;
-    options.provider = &providerFor(folder);
-    options.dataSource = folder;
-    options.password = "secret";
     TdsEndpoint endpoint;
-    endpoint.start(options);
-    home_.setEnvironment("ZOVRAND_PASSWORD", "secret");
+    serve(endpoint, folder, home_);
     const auto run = [&](const QStringList& more = {}) {
         return home_.run(QStringList{"compare", "--source", endpoint.dataSource(), "--source-db",
                                      "One", "--target", endpoint.dataSource(), "--target-db", "Two",

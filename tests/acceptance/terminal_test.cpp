@@ -1,9 +1,6 @@
 // The command line at a terminal: what is typed in secret, what a terminal must not be sent, and
 // the keys and signals that end a run.
-#include "cli_runner.h"
-
-#include "data/providers.h"
-#include "support/tds_endpoint/tds_endpoint.h"
+#include "wired_server.h"
 
 #include <QElapsedTimer>
 #include <QThread>
@@ -198,14 +195,9 @@ class Stopping : public ::testing::Test {
         home_->loadText(folder, "A",
                         "CREATE TABLE T (a int PRIMARY KEY)\nGO\nINSERT INTO T VALUES (1)\nGO\n"
                         "CREATE VIEW V AS SELECT 1 AS a\nGO\n");
-        TdsEndpointOptions options;
-        options.provider = &providerFor(folder);
-        options.dataSource = folder;
-        options.password = "secret";
         endpoint_ = new TdsEndpoint;
-        endpoint_->start(options);
+        serve(*endpoint_, folder, *home_);
         qputenv("ZOVRAND_PASSWORD", "secret");
-        home_->setEnvironment("ZOVRAND_PASSWORD", "secret");
     }
     static void TearDownTestSuite() {
         qunsetenv("ZOVRAND_PASSWORD");

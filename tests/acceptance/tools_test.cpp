@@ -1,8 +1,5 @@
 // zovrand-cli analyze, info and attach, here and through a real driver.
-#include "cli_runner.h"
-
-#include "data/providers.h"
-#include "support/tds_endpoint/tds_endpoint.h"
+#include "wired_server.h"
 
 #include <QDate>
 #include <QLocale>
@@ -26,13 +23,8 @@ class ToolCommands : public ::testing::Test {
         home_ = new CliHome;
         server_ = "local:" + home_->path("tools");
         home_->loadText(server_, "D", Script);
-        TdsEndpointOptions options;
-        options.provider = &providerFor(server_);
-        options.dataSource = server_;
-        options.password = "secret";
         endpoint_ = new TdsEndpoint;
-        endpoint_->start(options);
-        home_->setEnvironment("ZOVRAND_PASSWORD", "secret");
+        serve(*endpoint_, server_, *home_);
     }
     static void TearDownTestSuite() {
         delete endpoint_;

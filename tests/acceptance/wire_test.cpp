@@ -1,9 +1,6 @@
 // The same databases through a real driver: what is listed, read and reported may differ from the
 // embedded server's in the server's name alone.
-#include "cli_runner.h"
-
-#include "data/providers.h"
-#include "support/tds_endpoint/tds_endpoint.h"
+#include "wired_server.h"
 
 namespace zov::acceptance {
 namespace {
@@ -15,13 +12,8 @@ class OverTheWire : public ::testing::Test {
         folder_ = "local:" + home_->path("wire");
         home_->load(folder_, "ShopBefore", {samplesFolder() + "shop_before.sql"});
         home_->load(folder_, "ShopAfter", {samplesFolder() + "shop_after.sql"});
-        TdsEndpointOptions options;
-        options.provider = &providerFor(folder_);
-        options.dataSource = folder_;
-        options.password = "secret";
         endpoint_ = new TdsEndpoint;
-        endpoint_->start(options);
-        home_->setEnvironment("ZOVRAND_PASSWORD", "secret");
+        serve(*endpoint_, folder_, *home_);
     }
     static void TearDownTestSuite() {
         delete endpoint_;
@@ -90,7 +82,8 @@ TEST_F(OverTheWire, RowsAreTheSame) {
         expectSame({"query"}, {"-S"},
                    {"-d", "ShopAfter", QStringLiteral("SELECT * FROM ") + table});
     // Each result of a batch.
-    const QString batch = QStringLiteral("SELECT 1 AS a DECLARE @b int SELECT 'x\ty' AS b, @b AS c");
+    const QString batch =
+        QStringLiteral("SELECT 1 AS a DECLARE @b int SELECT 'x\ty' AS b, @b AS c");
     expectSame({"query"}, {"-S"}, {"-d", "ShopAfter", batch});
     EXPECT_EQ(home_->run({"query", "-S", folder_, "-d", "ShopAfter", batch}).out,
               "a\n1\n\nb\tc\nx\\ty\tNull\n");
