@@ -13,8 +13,8 @@ using fuzz::require;
 namespace {
 
 void parseAt(std::span<const local::Token> tokens, qsizetype begin) {
-    const auto readType = [](std::span<const local::Token>, qsizetype at, qsizetype& end) {
-        end = at + 1;
+    const auto readType = [](std::span<const local::Token> all, qsizetype at, qsizetype& end) {
+        end = std::min(at + 1, qsizetype(all.size()));
         return ColumnInfo();
     };
     const auto attempt = [&](auto parse) {
