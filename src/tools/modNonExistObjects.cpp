@@ -3,20 +3,13 @@
 #include "core/error_report.h"
 #include "structcompare/modCompareObjects.h"
 #include "tools/CTokenizer.h"
+#include "tools/sql_words.h"
 #include "util/text.h"
-
-#include <QSet>
 
 namespace zov {
 namespace {
 
 constexpr const char* Module = "modNonExistObjects";
-
-/// The words of a blank-separated list.
-QSet<QString> wordSet(const char* words) {
-    const QStringList list = QString::fromLatin1(words).split(u' ', Qt::SkipEmptyParts);
-    return QSet<QString>(list.begin(), list.end());
-}
 
 // Users know which words are passed over; "UNIQUOE" stands for itself, and UNIQUE is named.
 constexpr const char* Keywords =

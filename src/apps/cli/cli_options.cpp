@@ -53,6 +53,20 @@ const char* const TextExamples = R"(Examples:
   zovrand-cli text -S local:shop -d Shop -t table "Order Details"
   zovrand-cli text -S local:shop -d Shop -t procedure sales.GetOrders)";
 
+const char* const ReferencesExamples = R"(One line each, with the line in the object's text:
+  procedure dbo.GetOrders:12: table or view dbo.OldOrders can't be found
+What can't be known counts as there: other databases, statements in texts, columns of temporary
+tables and of what the object makes itself.
+
+Examples:
+  zovrand-cli references -S local:shop -d Shop
+  zovrand-cli references -S local:shop -d Shop -t procedures
+  zovrand-cli references -S local:shop -d Shop -t view sales.Totals dbo.Stock
+  zovrand-cli references -S local:shop -d Shop -t procedure GetOrders --words
+
+Exit status: 0 every name was found, 1 some can't be found, 2 trouble or a text that can't be
+read; with --words 0.)";
+
 const char* const CompareExamples = R"(Examples:
   zovrand-cli compare --source local:shop --source-db Shop --target local:shop --target-db ShopNew
   zovrand-cli compare --source local:shop --source-db Shop --target db1 --target-db Shop
@@ -494,6 +508,28 @@ void describeCommands(CLI::App& app, Options& options, Fields& fields, Choices& 
         ->required();
     text->footer(TextExamples);
     choices.emplace_back(text, Command::Text);
+
+    CLI::App* references = app.add_subcommand(
+        "references", "Names in procedures, functions, views and triggers that can't be found");
+    addServer(references, options, fields);
+    references
+        ->add_option("-t,--type", fields.text(options.type),
+                     "procedures, functions, views or triggers; all four when left out")
+        ->type_name("TYPE")
+        ->check(NotEmpty);
+    references
+        ->add_option("NAME", fields.list(options.objectNames),
+                     "These objects alone, with their schema in front where two have the name")
+        ->type_name("");
+    references->add_flag("--words", options.words,
+                         "Show instead, per object, every word that is no keyword, number, data "
+                         "type or variable, as the window's box does");
+    references
+        ->add_option("-o,--output", fields.text(options.outputFile),
+                     "Write the lines to this file instead of standard output")
+        ->type_name("FILE");
+    references->footer(ReferencesExamples);
+    choices.emplace_back(references, Command::References);
 
     CLI::App* compare = app.add_subcommand(
         "compare", "Compare the structure of two databases and print the report");

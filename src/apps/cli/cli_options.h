@@ -22,6 +22,7 @@ enum class Command {
     Query,
     List,
     Text,
+    References,
     Compare,
     Data,
     Analyze,
@@ -62,6 +63,10 @@ struct Options {
     QString type;             // list, text
     bool nulBetween = false;  // list
     QString objectName;       // text
+
+    // references
+    QStringList objectNames;  ///< empty: all of the kind
+    bool words = false;       ///< the word filter's list instead
 
     // compare
     QString types;       ///< joined by commas; empty: all of a full run

@@ -258,6 +258,16 @@ bool meansObject(const QString& name, const ObjectListRow& row, Qt::CaseSensitiv
     return parts.size() == 2 && equal(parts[0], row.schema) && equal(parts[1], row.bareName());
 }
 
+std::vector<int> rowsMeant(const std::vector<ObjectListRow>& rows, const QString& name) {
+    for (const Qt::CaseSensitivity cs : {Qt::CaseSensitive, Qt::CaseInsensitive}) {
+        std::vector<int> meant;
+        for (int row = 0; row < int(rows.size()); ++row)
+            if (meansObject(name, rows[size_t(row)], cs)) meant.push_back(row);
+        if (!meant.empty()) return meant;
+    }
+    return {};
+}
+
 QString fullNames(const std::vector<ObjectListRow>& rows) {
     QStringList names;
     for (const ObjectListRow& row : rows) {

@@ -75,6 +75,9 @@ QStringList splitNames(const QString& list);
 /// by a point, or either in brackets, "[schema].[na]]me]".
 bool meansObject(const QString& name, const ObjectListRow& row,
                  Qt::CaseSensitivity cs = Qt::CaseSensitive);
+/// Those of the rows, by their indexes, that the name means: to the letter first, then whatever the
+/// case.
+std::vector<int> rowsMeant(const std::vector<ObjectListRow>& rows, const QString& name);
 /// The objects that a name means, for a sentence that asks for one of them: "hr.V, dbo.V".
 QString fullNames(const std::vector<ObjectListRow>& rows);
 
@@ -93,6 +96,7 @@ int runLoad(const Options& options, ConsoleShell& console);
 int runQuery(const Options& options, ConsoleShell& console);
 int runList(const Options& options, ConsoleShell& console);
 int runText(const Options& options, ConsoleShell& console);
+int runReferences(const Options& options, ConsoleShell& console);
 int runCompare(const Options& options, ConsoleShell& console);
 int runData(const Options& options, ConsoleShell& console);
 int runAnalyze(const Options& options, ConsoleShell& console);

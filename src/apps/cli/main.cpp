@@ -49,6 +49,8 @@ int run(const Options& options, UnattendedShell& console) {
             return runList(options, console);
         case Command::Text:
             return runText(options, console);
+        case Command::References:
+            return runReferences(options, console);
         case Command::Compare:
             return toldUnlessKept(runCompare(options, console), options, console);
         case Command::Data:

@@ -31,20 +31,11 @@ bool load(const Options& options, ConsoleShell& console, LoadedList& loaded) {
     return !tellTrouble(console, account) && !globals().gblnStop;
 }
 
-/// Rows that the name means: to the letter first, then whatever the case.
-std::vector<int> rowsMeant(const MemoryObjectList& list, const QString& name) {
-    for (const Qt::CaseSensitivity cs : {Qt::CaseSensitive, Qt::CaseInsensitive}) {
-        std::vector<int> rows;
-        for (int row = 0; row < list.rowCount(); ++row)
-            if (meansObject(name, list.row(row), cs)) rows.push_back(row);
-        if (!rows.empty()) return rows;
-    }
-    return {};
-}
-
 /// The one row that the name means; throws Failure.
 int rowMeant(const LoadedList& loaded, const QString& name) {
-    const std::vector<int> rows = rowsMeant(loaded.list, name);
+    std::vector<ObjectListRow> listed;
+    for (int row = 0; row < loaded.list.rowCount(); ++row) listed.push_back(loaded.list.row(row));
+    const std::vector<int> rows = rowsMeant(listed, name);
     if (rows.empty()) {
         const QString singular = GetObjectTypeName(loaded.type, false).toLower();
         throw Failure(QStringLiteral("The database %4 of %3 has no %5 \"%1\".\n"
@@ -54,7 +45,7 @@ int rowMeant(const LoadedList& loaded, const QString& name) {
     }
     if (rows.size() > 1 && loaded.type != ObjectType::Permission) {
         std::vector<ObjectListRow> namesakes;
-        for (const int row : rows) namesakes.push_back(loaded.list.row(row));
+        for (const int row : rows) namesakes.push_back(listed[size_t(row)]);
         throw Failure(QStringLiteral("Several %1 have this name: %2.\nName one of them in full.")
                           .arg(GetObjectTypeName(loaded.type, true), fullNames(namesakes)));
     }
