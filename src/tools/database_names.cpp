@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <functional>
+#include <tuple>
 
 namespace zov {
 namespace {
@@ -50,7 +51,7 @@ QString moduleStatement(bool sysViews) {
         "'ExecIsQuotedIdentOn') AS quoted FROM sysobjects o INNER JOIN sysusers u ON o.uid = u.uid "
         "LEFT OUTER JOIN syscomments c ON o.id = c.id WHERE o.xtype IN ('P', 'RF', 'V', 'TR', "
         "'FN', "
-        "'IF', 'TF') AND OBJECTPROPERTY(o.id, 'IsMSShipped') = 0 ORDER BY o.id, c.number, c.colid");
+        "'IF', 'TF') ORDER BY o.id, c.number, c.colid");
 }
 
 }  // namespace
@@ -69,6 +70,11 @@ QString NameFolding::fold(const QString& name) const {
     const bool isAscii = std::all_of(folded.cbegin(), folded.cend(), [](QChar c) {
         return c.unicode() >= u' ' && c.unicode() < 127;
     });
+    if (isAscii && !tellsCase_) {
+        for (QChar& c : folded)
+            if (c >= u'A' && c <= u'Z') c = QChar(c.unicode() + 32);
+        return folded;
+    }
     if (!isAscii) {
         if (!tellsCase_ && !tellsAccents_) return looseName(folded);
         // i with and without a dot are the two cases of one letter there, and no other's.

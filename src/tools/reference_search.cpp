@@ -28,8 +28,12 @@ SearchedDatabase readSearchedDatabase(const ServerInfo& server, const QString& d
     return searched;
 }
 
-QString moduleTitle(const ModuleText& module) {
-    return GetObjectTypeName(module.object.kind, false).toLower() + u' ' + module.object.fullName();
+QString moduleTitle(const ObjectRef& module) {
+    return GetObjectTypeName(module.kind, false).toLower() + u' ' + module.fullName();
+}
+
+QString unreadModule(const ObjectRef& module) {
+    return moduleTitle(module) + QStringLiteral(": its text can't be read");
 }
 
 ReferenceFindings findMissingReferences(const SearchedDatabase& searched,
@@ -44,7 +48,7 @@ ReferenceFindings findMissingReferences(const SearchedDatabase& searched,
         }
         ++findings.searched;
         const ModuleReferences references = FindMissingReferences(module, searched.names);
-        const QString title = moduleTitle(module);
+        const QString title = moduleTitle(module.object);
         for (const MissingReference& reference : references.missing)
             findings.missing +=
                 title + QStringLiteral(":%1: ").arg(reference.line) + reference.sentence();

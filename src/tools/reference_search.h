@@ -35,7 +35,9 @@ ReferenceFindings findMissingReferences(const SearchedDatabase& searched,
                                         const std::function<bool(const ModuleText&)>& chosen);
 
 /// "procedure dbo.P"
-QString moduleTitle(const ModuleText& module);
+QString moduleTitle(const ObjectRef& module);
+/// "procedure dbo.Q: its text can't be read"
+QString unreadModule(const ObjectRef& module);
 
 /// The findings as the report screen shows them. `subject` says what was searched: "View 'dbo.V'".
 QString referenceReport(const QString& subject, const QString& database,

@@ -261,6 +261,7 @@ bool ReferenceWalk::nameInExpression(Scope* scope, const Mode& mode, ExpressionS
 
 // A parenthesis: a query, a statement whose OUTPUT is read, or a part of the expression.
 void ReferenceWalk::parenthesis(Scope* scope, Mode mode) {
+    if (!word().isSign(u'(')) return;
     const size_t close = size_t(word().close);
     ++at_;
     if (++depth_ > DeepestNesting) {

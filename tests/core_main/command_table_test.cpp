@@ -42,6 +42,11 @@ TEST(CommandTable, HoldsEveryCommandUnderItsIdAndCaption) {
         {510, QStringLiteral("List All Ignored Columns - &Data Comparisons")},
         {511, QStringLiteral("List All Ignored Columns - &Structure Comparisons")},
         {513, QStringLiteral("&Options...")},
+        {520, QStringLiteral("Find &Missing References")},
+        {521, QStringLiteral("In &Source Database")},
+        {522, QStringLiteral("In &Target Database")},
+        {523, QStringLiteral("In Listed Objects of S&ource")},
+        {524, QStringLiteral("In Listed Objects of T&arget")},
         {610, QStringLiteral("&Index...")},
         {620, QStringLiteral("&Tip of the Day...")},
         {630, QStringLiteral("Technical &Support")},
@@ -53,6 +58,7 @@ TEST(CommandTable, HoldsEveryCommandUnderItsIdAndCaption) {
         {740, QStringLiteral("Compare Highlighted Sections")},
         {750, QStringLiteral("Build SQL CREATE Statement")},
         {760, QStringLiteral("Find references to non-existent objects")},
+        {765, QStringLiteral("Only names that can't be found")},
         {770, QStringLiteral("Print")},
         {780, QStringLiteral("Print Source And Target")},
         {801, QStringLiteral("Create Objects")},
@@ -139,6 +145,12 @@ TEST_F(Commands, LeadToTheirScreens) {
         {510, "screen frmIgnoreColumnsView", ""},
         {511, "screen frmIgnoreColumnsView", ""},
         {513, "screen frmOptions", ""},
+        {521, "screen frmReport", ""},
+        {522, "screen frmReport", ""},
+        {523,
+         "information [Cannot Search]: Cannot search - choose procedures, functions, views or "
+         "triggers as Objects Type first: other objects have no statements.",
+         ""},
         {610, "", "help 0"},
         {620, "screen frmTip", ""},
         {630, "", "help 230"},
@@ -219,9 +231,9 @@ TEST_F(Commands, APanesMenuFollowsTypeAndTexts) {
     view.sides[1].txtTXProc.setText({});
     EXPECT_EQ(menu(), "700 710 720 730 740- 750 770 780");
     chooseType(ObjectType::Procedure);
-    EXPECT_EQ(menu(), "700 710 720 740 750 760 770 780");
+    EXPECT_EQ(menu(), "700 710 720 740 750 760 765 770 780");
     chooseType(ObjectType::Trigger);
-    EXPECT_EQ(menu(), "700 710 720 740 750 770 780");
+    EXPECT_EQ(menu(), "700 710 720 740 750 765 770 780");
 }
 
 TEST_F(Commands, DebugToolsWantAConnectionFirst) {

@@ -211,6 +211,64 @@ TEST_F(Tools, SampleProceduresAreCalled) {
     EXPECT_NE(reported.find("frmExecSp:cmd_update_Click"), std::string::npos) << reported;
 }
 
+TEST_F(Tools, ReportNamesThatCannotBeFound) {
+    served.load(QStringLiteral("Src"),
+                QStringLiteral("CREATE PROCEDURE dbo.P AS\nSELECT Id, Lost FROM Zoo\nEXEC Gone\nGO\n"
+                               "CREATE PROCEDURE dbo.Q WITH ENCRYPTION AS SELECT 1\nGO\n"
+                               "CREATE TABLE dbo.Old (a int)\nGO\n"
+                               "CREATE VIEW dbo.X AS SELECT a FROM dbo.Old\nGO\n"
+                               "DROP TABLE dbo.Old\n"));
+    QString text;
+    shell.onScreen = [&](Screen& screen) {
+        EXPECT_EQ(screen.caption(), u"Missing References");
+        text = screen.plainText();
+    };
+    const auto found = [&](int id, int Index) {
+        text = QStringLiteral("no report");
+        window.ExecuteAction(id, Index);
+        return text.replace(QStringLiteral("\r\n"), QStringLiteral("/")).toStdString();
+    };
+    const std::string head = "References that can't be found//Database: Src/Searched: ";
+    const std::string gone =
+        "procedure dbo.P:2: column Lost of dbo.Zoo can't be found/procedure dbo.P:3: procedure Gone "
+        "can't be found/";
+    const std::string unread = "/Not searched whole:/procedure dbo.Q: its text can't be read/";
+    EXPECT_EQ(found(command::MissingInSource, SourcePanel),
+              head + "all procedures, functions, views and triggers//" + gone +
+                  "view dbo.X:1: table or view dbo.Old can't be found/" + unread);
+    chooseType(ObjectType::Procedure);
+    EXPECT_EQ(found(command::MissingInListedSource, SourcePanel),
+              head + "the procedures listed//" + gone + unread);
+    select(0, QStringLiteral("P"));
+    EXPECT_EQ(found(command::MissingReferences, SourcePanel), head + "procedure dbo.P//" + gone);
+    select(0, QStringLiteral("Q"));
+    EXPECT_EQ(found(command::MissingReferences, SourcePanel),
+              head + "procedure dbo.Q//In what could be read, every name was found./" + unread);
+    chooseType(ObjectType::View);
+    select(0, QStringLiteral("V"));
+    EXPECT_EQ(found(command::MissingReferences, SourcePanel),
+              head + "view dbo.V//Every name that it refers to was found./");
+    EXPECT_EQ(found(command::MissingInTarget, TargetPanel),
+              "References that can't be found//Database: Tgt/Searched: all procedures, functions, "
+              "views and triggers//There is nothing to search./");
+    // One that was dropped meanwhile, a search that is stopped, and a database that is gone.
+    served.load(QStringLiteral("Src"), QStringLiteral("DROP VIEW dbo.V"));
+    EXPECT_EQ(found(command::MissingReferences, SourcePanel),
+              head + "view dbo.V//There is nothing to search.//Not searched whole:/view dbo.V: its "
+                     "text can't be read/");
+    shell.onPump = [] { globals().gblnStop = true; };
+    const std::string stopped = found(command::MissingInSource, SourcePanel);
+    EXPECT_NE(stopped.find("The search was stopped before its end."), std::string::npos) << stopped;
+    EXPECT_EQ(stopped.find("Every name"), std::string::npos) << stopped;
+    shell.onPump = nullptr;
+    globals().gblnStop = false;
+    served.load(QStringLiteral("master"), QStringLiteral("DROP DATABASE Src"));
+    told();
+    EXPECT_EQ(found(command::MissingInSource, SourcePanel), "no report");
+    EXPECT_EQ(told().find("exclamation [Cannot Search]: Cannot search - the database can't be read."),
+              0u);
+}
+
 TEST(DatabaseInfo, CountsInSentences) {
     const QString triggers = QStringLiteral("triggers"), side = QStringLiteral("Source");
     EXPECT_EQ(ObjectCountSentence(triggers, 0, side), u"There are no triggers in Source database.");

@@ -130,6 +130,21 @@ Exit status: 0 identical, 1 differences found, 2 trouble.)";
 const char* const TypeHelp =
     "tables, procedures, functions, views, triggers, relationships, constraints or permissions";
 
+// The parser takes "[a].[b]" for a list in brackets, and strips them, unless something stands in front.
+constexpr char BracketGuard = '\x01';
+
+/// The arguments with a guard before those in brackets, last one first as the parser wants them.
+std::vector<std::string> guardedArguments(int argc, char** argv) {
+    std::vector<std::string> arguments;
+    for (int i = argc - 1; i > 0; --i) {
+        arguments.emplace_back(argv[i]);
+        std::string& argument = arguments.back();
+        if (!argument.empty() && argument.front() == '[' && argument.back() == ']')
+            argument.insert(argument.begin(), BracketGuard);
+    }
+    return arguments;
+}
+
 /// Texts as the parser gives them, and where they go when it is done.
 class Fields {
  public:
@@ -144,14 +159,19 @@ class Fields {
     /// An option that stands at several commands fills the same field: only the one given counts.
     void store() {
         for (const auto& [from, to] : texts_) {
-            if (!from.empty()) *to = QString::fromLocal8Bit(from);
+            if (!from.empty()) *to = withoutGuard(from);
         }
         for (const auto& [from, to] : lists_) {
-            for (const std::string& item : from) *to += QString::fromLocal8Bit(item);
+            for (const std::string& item : from) *to += withoutGuard(item);
         }
     }
 
  private:
+    static QString withoutGuard(const std::string& text) {
+        const bool isGuarded = !text.empty() && text.front() == BracketGuard;
+        return QString::fromLocal8Bit(isGuarded ? text.substr(1) : text);
+    }
+
     std::deque<std::pair<std::string, QString*>> texts_;
     std::deque<std::pair<std::vector<std::string>, QStringList*>> lists_;
 };
@@ -586,7 +606,8 @@ std::optional<Options> parseCommandLine(int argc, char** argv, int& status) {
         return std::nullopt;
     }
     try {
-        app.parse(argc, argv);
+        std::vector<std::string> arguments = guardedArguments(argc, argv);
+        app.parse(arguments);
     } catch (const CLI::Success& success) {
         status = app.exit(success);
         return std::nullopt;

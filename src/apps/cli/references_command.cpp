@@ -20,10 +20,9 @@ std::vector<ObjectType> chosenKinds(const Options& options) {
     if (options.type.isEmpty()) return kinds;
     const ObjectType type = objectTypeFromName(options.type);
     if (std::find(kinds.begin(), kinds.end(), type) == kinds.end())
-        throw Failure(
-            QStringLiteral("There are no texts to search in %1.\nThe kinds are: "
-                           "procedures, functions, views, triggers.")
-                .arg(GetObjectTypeName(type, true)));
+        throw Failure(QStringLiteral("There are no texts to search in %1.\nThe kinds are: "
+                                     "procedures, functions, views, triggers.")
+                          .arg(GetObjectTypeName(type, true)));
     return {type};
 }
 
@@ -71,11 +70,11 @@ QStringList wordLines(const SearchedDatabase& searched, QStringList& trouble) {
     QStringList lines;
     for (const ModuleText& module : searched.modules) {
         if (!module.isReadable) {
-            trouble += moduleTitle(module) + QStringLiteral(": its text can't be read");
+            trouble += unreadModule(module.object);
             continue;
         }
         const QStringList words = FindRefToNonExistentObjects(module.object.kind, module.text, {});
-        lines += moduleTitle(module) + QStringLiteral(": ") + words.join(u' ');
+        lines += moduleTitle(module.object) + QStringLiteral(": ") + words.join(u' ');
     }
     return lines;
 }

@@ -42,9 +42,13 @@ inline constexpr int CreateSource = 410, CreateTarget = 420;
 inline constexpr int AddServer = 501, RemoveServer = 502, DataAnalyzer = 503, AnalyzeSource = 504,
                      AnalyzeTarget = 505, FindObject = 506, FindInSource = 507, FindInTarget = 508,
                      AttachDatabase = 509, IgnoredData = 510, IgnoredStructure = 511, Options = 513;
+/// Missing references: in the whole database, or in the objects that the panel lists.
+inline constexpr int FindMissing = 520, MissingInSource = 521, MissingInTarget = 522,
+                     MissingInListedSource = 523, MissingInListedTarget = 524;
 inline constexpr int HelpIndex = 610, TipOfTheDay = 620, TechnicalSupport = 630, About = 660;
 inline constexpr int PaneRefresh = 700, ColorSchema = 710, Visualize = 720, IgnoreColumns = 730,
-                     HighlightedSections = 740, PaneCreate = 750, References = 760, Print = 770,
+                     HighlightedSections = 740, PaneCreate = 750, References = 760, MissingReferences = 765,
+                     Print = 770,
                      PrintBoth = 780;
 inline constexpr int DebugSchemaById = 802, DebugExecSp = 805, DebugAttach = 806,
                      DebugListObjects = 808, DebugStripComments = 809, DebugConstraints = 810,

@@ -103,6 +103,9 @@ class frmMain : public PanelWindow,
     void cmdDbInfo_Click(int Index);
     /// Words of the panel's text that nothing accounts for.
     void cmdNonExistent_Click(int Index);
+    /// What the panel's database doesn't have of what its modules refer to, in the report screen.
+    enum class SearchedObjects { Selected, Listed, All };
+    void FindMissingReferencesIn(int Index, SearchedObjects objects);
 
     /// Mode 10: the type of `cmbType`; mode 20: list position `Value`. `PanelBits`: 1 Source, 2
     /// Target.
@@ -209,6 +212,9 @@ class frmMain : public PanelWindow,
     void MenuToolsOptions();
     void MenuToolsFindInDb(int Index);
     void SearchRefToNonExistentObjects(int Index);
+    /// Procedures, functions, views and triggers.
+    static bool hasStatements(ObjectType type);
+    void searchMissingReferences(int Index, SearchedObjects objects);
     void MenuToolsAttachDb();
     void MenuSqlCreate(int Index);
     void BuildSQLCreateStatement(int Index);

@@ -35,6 +35,7 @@ bool frmMain::isInPaneMenu(int Id) {
     if (Id == cmd::References)
         return type == ObjectType::Procedure || type == ObjectType::Function ||
                type == ObjectType::View;
+    if (Id == cmd::MissingReferences) return hasStatements(type);
     return true;
 }
 
@@ -108,6 +109,16 @@ void frmMain::ExecuteAction(int Id, int Panel) {
             return cmdAnalyzeData_Click(TargetPanel);
         case cmd::References:
             return cmdNonExistent_Click(Panel);
+        case cmd::MissingReferences:
+            return FindMissingReferencesIn(Panel, SearchedObjects::Selected);
+        case cmd::MissingInSource:
+            return FindMissingReferencesIn(SourcePanel, SearchedObjects::All);
+        case cmd::MissingInTarget:
+            return FindMissingReferencesIn(TargetPanel, SearchedObjects::All);
+        case cmd::MissingInListedSource:
+            return FindMissingReferencesIn(SourcePanel, SearchedObjects::Listed);
+        case cmd::MissingInListedTarget:
+            return FindMissingReferencesIn(TargetPanel, SearchedObjects::Listed);
         case cmd::FindInSource:
             return run("MenuToolsFindInDb", [&] { MenuToolsFindInDb(SourcePanel); });
         case cmd::FindInTarget:

@@ -5,7 +5,10 @@
 #include "core/main/main_screens.h"
 #include "shell/shell.h"
 #include "tools/modNonExistObjects.h"
+#include "tools/reference_search.h"
 #include "util/text.h"
+
+#include <QSet>
 
 namespace zov {
 
@@ -69,6 +72,69 @@ void frmMain::SearchRefToNonExistentObjects(int Index) {
         subject + QStringLiteral("contains following references to non-existent objects:");
     for (const QString& reference : references) told += CRLF + reference;
     shell().messageBox(told, {}, BoxIcon::None);
+}
+
+bool frmMain::hasStatements(ObjectType type) {
+    return type == ObjectType::Procedure || type == ObjectType::Function ||
+           type == ObjectType::View || type == ObjectType::Trigger;
+}
+
+void frmMain::FindMissingReferencesIn(int Index, SearchedObjects objects) {
+    whileBusy("FindMissingReferencesIn", [&] { searchMissingReferences(Index, objects); });
+}
+
+void frmMain::searchMissingReferences(int Index, SearchedObjects objects) {
+    const QString title = QStringLiteral("Cannot Search");
+    if (!dataAccessUsable()) return;
+    if (database(Index).isEmpty())
+        return shell().messageBox(
+            QStringLiteral("Cannot search - connect to a server and choose a database first."),
+            title);
+    const ObjectType type = selectedType();
+    if (objects != SearchedObjects::All && !hasStatements(type))
+        return shell().messageBox(
+            QStringLiteral("Cannot search - choose procedures, functions, views or triggers as "
+                           "Objects Type first: other objects have no statements."),
+            title);
+    const ObjectList& list = view_.panels()[Index].pvlSqlObj;
+    std::vector<ObjectRef> asked;
+    for (int row = 0; row < list.rowCount() && objects != SearchedObjects::All; ++row)
+        if (objects == SearchedObjects::Listed || row == list.selectedIndex())
+            asked.push_back(objectOf(list.row(row), type));
+    if (objects != SearchedObjects::All && asked.empty())
+        return shell().messageBox(QStringLiteral("Cannot search - select a %1 in the list first.")
+                                      .arg(GetObjectTypeName(type, false).toLower()),
+                                  title);
+    SearchedDatabase searched;
+    ReferenceFindings findings;
+    {
+        const WaitPointer wait;
+        globals().gblnStop = false;
+        searched = readSearchedDatabase(server(Index), database(Index));
+        if (searched.isRead()) {
+            QSet<qint32> ids;
+            for (const ObjectRef& object : asked) ids.insert(object.id);
+            findings = findMissingReferences(searched, [&](const ModuleText& module) {
+                return objects == SearchedObjects::All || ids.remove(module.object.id);
+            });
+            for (const ObjectRef& object : asked)
+                if (ids.contains(object.id) && !findings.stopped)
+                    findings.trouble += unreadModule(object);
+        }
+    }
+    if (!searched.isRead())
+        return shell().messageBox(QStringLiteral("Cannot search - the database can't be read.") +
+                                      CRLF + CRLF + searched.account.entries().front().sentence(),
+                                  title, BoxIcon::Exclamation);
+    const QString subject =
+        objects == SearchedObjects::All
+            ? QStringLiteral("all procedures, functions, views and triggers")
+        : objects == SearchedObjects::Listed
+            ? QStringLiteral("the %1 listed").arg(GetObjectTypeName(type, true).toLower())
+            : moduleTitle(asked.front());
+    globals().gstrReport = referenceReport(subject, database(Index), searched, findings);
+    screens_.showGenericReport(QStringLiteral("Missing References"));
+    globals().gstrReport.clear();
 }
 
 }  // namespace zov
