@@ -75,6 +75,12 @@ bool ReferenceWalk::sign(Scope* scope, const Mode& mode, ExpressionState& state)
         return true;
     }
     ++at_;
+    if (sign == u'.' && word().kind == WordKind::Name) {  // (SELECT ...).value('.', 'int'), @x.Lat
+        ++at_;
+        parenthesis(scope);
+        state.behindOperand = true;
+        return true;
+    }
     if (sign == u'{' && word().kind == WordKind::Name) ++at_;  // {fn ...}, {d '...'}
     if (sign == u'%' && word().isSign(u'%')) {                 // %%physloc%%
         while (word().isSign(u'%') || word().isWord("physloc") || word().isWord("lockres")) ++at_;
@@ -248,6 +254,10 @@ bool ReferenceWalk::nameInExpression(Scope* scope, const Mode& mode, ExpressionS
         use.name.parts[0].startsWith(u'$'))
         return true;
     const bool isBare = use.name.parts.size() == 1;
+    // T.IDENTITYCOL stands for whichever column that is.
+    for (const char* pseudo : {"IDENTITYCOL", "ROWGUIDCOL"})
+        if (!isBare && use.name.last().compare(QLatin1StringView(pseudo), Qt::CaseInsensitive) == 0)
+            return true;
     const bool assigned = word().isSign(u'=') || word().isSign(AssignSign);
     if (mode.outputs && begins && isBare && word().isSign(u'=')) {  // alias = value
         scope->outputs.insert(names_.fold(use.name.last()));

@@ -27,10 +27,10 @@ constexpr std::initializer_list<const char*> RowsetFunctions = {"OPENJSON",
                                                                 "VECTOR_SEARCH"};
 /// What a parenthesis behind a table may hold besides a function's arguments.
 constexpr std::initializer_list<const char*> Hints = {
-    "NOLOCK",         "HOLDLOCK",     "UPDLOCK",   "ROWLOCK",       "TABLOCK",
-    "TABLOCKX",       "PAGLOCK",      "READPAST",  "READCOMMITTED", "READUNCOMMITTED",
-    "REPEATABLEREAD", "SERIALIZABLE", "XLOCK",     "NOWAIT",        "NOEXPAND",
-    "FASTFIRSTROW",   "SNAPSHOT",     "FORCESEEK", "FORCESCAN"};
+    "INDEX",           "NOLOCK",         "HOLDLOCK",     "UPDLOCK",   "ROWLOCK",
+    "TABLOCK",         "TABLOCKX",       "PAGLOCK",      "READPAST",  "READCOMMITTED",
+    "READUNCOMMITTED", "REPEATABLEREAD", "SERIALIZABLE", "XLOCK",     "NOWAIT",
+    "NOEXPAND",        "FASTFIRSTROW",   "SNAPSHOT",     "FORCESEEK", "FORCESCAN"};
 
 }  // namespace
 

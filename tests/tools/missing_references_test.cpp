@@ -191,6 +191,11 @@ const char* const Sound[] = {
     "Latin1_General_BIN",
     "SELECT Id FROM T AS OF1 FOR XML PATH('x'), ROOT('y'), TYPE",
     "SELECT Id FROM T FOR SYSTEM_TIME AS OF @a x WHERE x.Id = 1",
+    "SELECT Id FROM T (INDEX = ix), U u (INDEX(1)), V WITH (INDEX(ix)); SELECT T.IDENTITYCOL FROM "
+    "T",
+    "SELECT STUFF((SELECT ',' + Name FROM T FOR XML PATH(''), TYPE).value('.', 'varchar(9)'), 1, "
+    "1, "
+    "''), (SELECT Doc FROM T).Lat, @a.Long, @a.STAsText() FROM U",
     "SELECT Id AT TIME ZONE 'UTC' FROM T WHERE Id IS NOT DISTINCT FROM Name",
     "SELECT p.[1], q FROM (SELECT Id, Name FROM T) s PIVOT (SUM(Id) FOR Name IN ([1], [2])) p",
     "SELECT Attribute FROM T UNPIVOT (x FOR Attribute IN (Id, Name)) u",
