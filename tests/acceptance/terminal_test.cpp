@@ -198,6 +198,16 @@ class Stopping : public ::testing::Test {
         endpoint_ = new TdsEndpoint;
         serve(*endpoint_, folder, *home_);
         qputenv("ZOVRAND_PASSWORD", "secret");
+        const QString server = endpoint_->dataSource();
+        const QStringList sides{"--source", server,        "--source-db", "A",
+                                "--target", server, "--target-db", "A"};
+        for (const QStringList& command :
+             {QStringList{"server", "add", server, "--sql-login", "sa", "--database", "A"},
+              QStringList{"compare", "--save", "Structure"} + sides,
+              QStringList{"data", "--save", "Rows"} + sides}) {
+            const CliResult result = home_->run(command);
+            EXPECT_EQ(result.status, 0) << ::testing::PrintToString(result);
+        }
     }
     static void TearDownTestSuite() {
         qunsetenv("ZOVRAND_PASSWORD");
@@ -224,7 +234,11 @@ class Stopping : public ::testing::Test {
                 QStringList{"compare"} + two,
                 QStringList{"data", "--table", "T"} + two,
                 QStringList{"data"} + two,
-                QStringList{"query", "SELECT a FROM T"} + one};
+                QStringList{"query", "SELECT a FROM T"} + one,
+                QStringList{"analyze", "--table", "T"} + one,
+                QStringList{"info"} + one,
+                {"run", "Structure"},
+                {"run", "Rows"}};
     }
 
     struct Ended {
