@@ -9,6 +9,7 @@
 #include <QDir>
 #include <QFile>
 #include <QHash>
+#include <QPushButton>
 #include <QTemporaryFile>
 #include <QTest>
 
@@ -100,8 +101,10 @@ void makePictures(Album& album, qt::Appearance appearance) {
     window.goToDifference(true);
     QTest::qWait(50);
     album.add(window, QStringLiteral("main"));
-    test::makeTour(
-        desktop, [&](const QString& name, QWidget& screen) { album.add(screen, name.toLower()); });
+    test::makeTour(desktop, [&](const QString& name, QWidget& screen) {
+        if (auto* start = screen.findChild<QPushButton*>(QStringLiteral("cmdStart"))) start->click();
+        album.add(screen, name.toLower());
+    });
 }
 
 }  // namespace
