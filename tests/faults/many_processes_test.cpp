@@ -120,5 +120,26 @@ TEST_F(ManyProcesses, LoadsAtOnceAllKeepWhatTheySayTheyDid) {
     std::cout << processes << " loads at once\n";
 }
 
+TEST_F(ManyProcesses, ServersAddedAtOnceAreAllThereOnce) {
+    const int rounds = wholeRun() ? 20 : 2;
+    ASSERT_EQ(server.run(load(QStringLiteral("a"), QStringLiteral("t"))).status, 0);
+    QSet<QString> names;
+    for (int round = 0; round < rounds; ++round) {
+        std::vector<std::unique_ptr<QProcess>> running;
+        for (int i = 0; i < 2 + round % 7; ++i) {
+            const QString name = reachable(QStringLiteral("host%1x%2").arg(round).arg(i));
+            names.insert(name);
+            running.push_back(server.start({"server", "add", name}));
+        }
+        for (const auto& process : running) {
+            const Outcome outcome = server.finish(*process);
+            EXPECT_EQ(outcome.status, 0) << outcome.err.toStdString();
+        }
+    }
+    const QString listed = server.run({"server", "list"}).out;
+    for (const QString& name : names)
+        EXPECT_EQ(listed.split(u'\n').filter(name).size(), 1) << name.toStdString();
+}
+
 }  // namespace
 }  // namespace zov::faults
