@@ -278,8 +278,11 @@ constexpr CatalogueCase Questions[] = {
      "sys.xml_schema_collections "
      "where name <> 'sys' union all select count(*) from sys.xml_indexes union all select count(*) "
      "from "
-     "sys.assemblies where is_user_defined = 1 union all select count(*) from sys.assembly_modules",
-     "0\n0\n0\n0\n0\n0\n0\n0\n0\n0\n0\n0"},
+     "sys.assemblies where is_user_defined = 1 union all select count(*) from sys.assembly_modules "
+     "union all select count(activation_procedure) from sys.service_queues union all select "
+     "count(service_name) from sys.event_notifications union all select count(hints) from "
+     "sys.plan_guides union all select count(location) from sys.external_tables",
+     "0\n0\n0\n0\n0\n0\n0\n0\n0\n0\n0\n0\n0\n0\n0\n0"},
     {"FilesAndFileGroups", "create table t (a int)",
      "select name, type_desc from sys.filegroups union all select name, type_desc from "
      "sys.data_spaces union "

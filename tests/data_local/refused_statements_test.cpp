@@ -50,6 +50,10 @@ const Case Cases[] = {
     {"drop table t",
      "1: Cannot drop the table 't', because it does not exist or you do not have permission. "
      "[3701] near drop table t"},
+    {"drop table if exists v",
+     "1: Cannot use DROP TABLE with 'v' because 'v' is a view. Use DROP VIEW. [3705] near drop "
+     "table "
+     "if exists v"},
     {"drop procedure v",
      "1: Cannot use DROP PROCEDURE with 'v' because 'v' is not a procedure. [3705] near drop "
      "procedure v"},

@@ -792,6 +792,18 @@ void createTable(SessionState& session, TokenCursor& cursor) {
     makeStorage(catalog, table);
 }
 
+/// What a module of this type is called; empty for other objects.
+static QString moduleKind(const QString& xtype) {
+    static const QHash<QString, QString> kinds = {
+        {QStringLiteral("V"), QStringLiteral("view")},
+        {QStringLiteral("P"), QStringLiteral("procedure")},
+        {QStringLiteral("FN"), QStringLiteral("function")},
+        {QStringLiteral("IF"), QStringLiteral("function")},
+        {QStringLiteral("TF"), QStringLiteral("function")},
+        {QStringLiteral("TR"), QStringLiteral("trigger")}};
+    return kinds.value(xtype);
+}
+
 void dropTables(SessionState& session, TokenCursor& cursor) {
     const bool ifExists = cursor.accept({"IF", "EXISTS"});
     do {
@@ -799,6 +811,12 @@ void dropTables(SessionState& session, TokenCursor& cursor) {
         Catalog catalog = Catalog::forWriting(session, name);
         const std::optional<ObjectFacts> table = catalog.find(name);
         if (!table || !table->isTable()) {
+            if (const QString kind = table ? moduleKind(table->xtype) : QString(); !kind.isEmpty())
+                fail(3705,
+                     QStringLiteral("Cannot use DROP TABLE with '%1' because '%1' is a %2. Use "
+                                    "DROP %3.")
+                         .arg(name.display(), kind, kind.toUpper()),
+                     name.line);
             if (ifExists) continue;
             fail(3701,
                  QStringLiteral(
