@@ -45,11 +45,17 @@ QString frmDataAnalyze::helpLine(int Index) {
 }
 
 void frmDataAnalyze::ShowUp(const QString& QualifiedTable, const QString& Table, const QString& Db,
-                            int ServerIndex, qint32 ObjectId) {
+                            int ServerIndex, qint32 ObjectId, const QString& StoredName) {
     if (ServerIndex != SourcePanel && ServerIndex != TargetPanel)
         throw std::out_of_range("frmDataAnalyze: no such panel");
     guardedRun(Module, "ShowUp", [&] {
-        table_ = {globals().gtCurrentServers[ServerIndex], Db, Table, QualifiedTable, ObjectId, 0};
+        table_ = {globals().gtCurrentServers[ServerIndex],
+                  Db,
+                  Table,
+                  QualifiedTable,
+                  ObjectId,
+                  0,
+                  StoredName.isEmpty() ? KeyPart(Table) : StoredName};
         lblTableName =
             QStringLiteral("Table: ") + GetObjectDisplayName(table_.Server.Name, Db, Table);
         {
@@ -91,7 +97,7 @@ void frmDataAnalyze::Form_Activate() {
 void frmDataAnalyze::SetUpColumnsLabels() {
     guardedRun(Module, "SetUpColumnsLabels", [&] {
         QStringList ignored;
-        const QString key = GetObjectKeyName(table_.Server.Name, table_.Db, table_.Table);
+        const QString key = GetObjectKeyName(table_.Server.Name, table_.Db, table_.StoredName);
         lblColumns = formatCount(GetColumnsCount(table_.Server, table_.Db, table_.Table,
                                                  IgnoreMode::DataAnalysis, table_.ObjectId));
         lblIgnoredColumns =
@@ -104,7 +110,7 @@ void frmDataAnalyze::btnIgnoreColumns_Click() {
     if (loading_) return;
     qint32 count = 0;
     if (frmIgnoreColumnsAdd().ShowUp(IgnoreMode::DataAnalysis, table_.Server, table_.Db,
-                                     table_.Table, table_.ObjectId, count))
+                                     table_.Table, table_.ObjectId, count, table_.StoredName))
         SetUpColumnsLabels();
 }
 

@@ -20,7 +20,7 @@ class frmDataAnalyze : public Screen, private AnalysisWatcher {
     /// Modal. `ServerIndex` 0 is Source, 1 Target; any other throws std::out_of_range. A table that
     /// can't be counted or holds nothing is told in a box, and the window stays closed.
     void ShowUp(const QString& QualifiedTable, const QString& Table, const QString& Db,
-                int ServerIndex, qint32 ObjectId);
+                int ServerIndex, qint32 ObjectId, const QString& StoredName = {});
 
     QString lblTableName;
     QString lblGen_3;          ///< the table's records

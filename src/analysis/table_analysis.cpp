@@ -30,8 +30,9 @@ void sortValues(std::vector<TwoStr>& values, const AnalysisRequest& request, boo
 AnalysisEnd AnalyzeTable(const AnalyzedTable& Table, const AnalysisRequest& Request,
                          AnalysisWatcher& Watcher, GridReport& Report) {
     TableStructure structure;
-    if (!GetTableStructure(Table.Server, Table.Db, Table.Table, DoubleSingleQuotes(Table.Table),
-                           structure, true, IgnoreMode::DataAnalysis, Table.ObjectId, {}))
+    if (!GetTableStructure(Table.Server, Table.Db, Table.StoredName,
+                           DoubleSingleQuotes(Table.Table), structure, true,
+                           IgnoreMode::DataAnalysis, Table.ObjectId, {}))
         return AnalysisEnd::Failed;
     // A table that was counted has columns; they weren't given.
     if (!structure.found) {

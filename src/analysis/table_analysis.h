@@ -18,6 +18,7 @@ struct AnalyzedTable {
     QString QualifiedTable;  ///< for a statement
     qint32 ObjectId = 0;
     qint32 RecordsCount = 0;
+    QString StoredName = {};  ///< in the key of the ignored columns (ObjectRef::storedName)
 };
 
 struct AnalysisRequest {

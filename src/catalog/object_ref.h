@@ -2,6 +2,7 @@
 // showing only: nothing cuts it again.
 #pragma once
 
+#include "core/modIgnoreColumns.h"
 #include "shell/controls.h"
 
 #include <QString>
@@ -28,12 +29,17 @@ struct ObjectRef {
     /// Other objects of the database, of any kind, may have this name: a statement that finds it by
     /// name needs the id as well.
     bool hasNamesakes = false;
-    /// As lists show it and settings of single objects are stored: with the schema in front where
-    /// the list holds the bare name twice.
+    /// As lists show it: with the schema in front where the list holds the bare name twice.
     QString shownName;
 
     /// "schema.name" whatever the lists show; the name alone while the schema isn't known.
     QString fullName() const { return schema.isEmpty() ? name : schema + u'.' + name; }
+    /// The name in the keys of stored settings (GetObjectKeyName): the shown one, so that the dot
+    /// behind the schema can't be taken for one of the name.
+    QString storedName() const {
+        const bool joined = !shownName.isEmpty() && shownName != name;
+        return joined ? KeyPart(schema) + u'.' + KeyPart(name) : KeyPart(name);
+    }
 };
 
 /// The object of a list's row.

@@ -7,6 +7,10 @@
 #include "util/ini_document.h"
 #include "util/numbered_error.h"
 
+#include <QRegularExpression>
+
+#include <algorithm>
+
 namespace zov {
 namespace {
 
@@ -25,29 +29,93 @@ QString iniPath(qint32 mode) {
     }
 }
 
-QStringList columnsOfSection(cInifile& ini, const QString& section) {
+cInifile marksOf(qint32 mode) {
+    cInifile ini(iniPath(mode));
+    ini.SectionCase = Qt::CaseSensitive;
+    return ini;
+}
+
+QStringList columnsOfSection(const IniDocument& document, const QString& section) {
     QStringList columns;
-    ini.Section = section;
-    // One failure is enough: what could be read before it is no list.
-    for (const QString& key : ini.EnumerateCurrentSection()) {
-        if (!ini.lastError().isEmpty()) return {};
-        ini.Key = key;
-        columns += ini.Value();
+    for (const QString& key : document.keys(section))
+        columns += document.value(section, key).value_or(QString());
+    return columns;
+}
+
+/// The first part of `key` from `at` on, without its brackets; `at` moves behind the dot after it.
+QString takePart(const QString& key, qsizetype& at) {
+    if (at >= key.size()) return {};
+    qsizetype end = at;
+    QString part;
+    if (key[at] == u'[') {
+        for (end = at + 1; end < key.size(); ++end) {
+            if (key[end] != u']') {
+                part += key[end];
+                continue;
+            }
+            const QChar next = end + 1 < key.size() ? key[end + 1] : QChar(u'.');
+            if (next == u'.') break;
+            part += next == u'r' ? QChar(u'\r') : next == u'n' ? QChar(u'\n') : next;
+            ++end;
+        }
+        ++end;
+    } else {
+        end = key.indexOf(u'.', at);
+        if (end < 0) end = key.size();
+        part = key.mid(at, end - at);
     }
-    return ini.lastError().isEmpty() ? columns : QStringList();
+    at = std::min(end + 1, key.size());
+    return part;
 }
 
 }  // namespace
 
-QString GetObjectKeyName(const QString& Server, const QString& Db, const QString& Table) {
-    const QString name = Server + u'.' + Db;
-    return Table.isEmpty() ? name : name + u'.' + Table;
+QString KeyPart(const QString& Name) {
+    static const QRegularExpression unsafe(QStringLiteral("[.\\[\\]\r\n]"));
+    if (!Name.contains(unsafe)) return Name;
+    QString part = Name;
+    part.replace(u']', QStringLiteral("]]"));
+    // A line of the file can't hold these.
+    part.replace(u'\r', QStringLiteral("]r")).replace(u'\n', QStringLiteral("]n"));
+    return u'[' + part + u']';
 }
 
-void GetObjectKeyParts(const QString& Key, QString& Server, QString& Db, QString& Table) {
-    Server = Key.section(u'.', 0, 0);
-    Db = Key.section(u'.', 1, 1);
-    Table = Key.section(u'.', 2);
+QString GetObjectKeyName(const QString& Server, const QString& Db, const QString& TableKey) {
+    const QString name = KeyPart(Server) + u'.' + KeyPart(Db);
+    return TableKey.isEmpty() ? name : name + u'.' + TableKey;
+}
+
+void GetObjectKeyParts(const QString& Key, QString& Server, QString& Db, QString& TableKey) {
+    qsizetype at = 0;
+    Server = takePart(Key, at);
+    Db = takePart(Key, at);
+    TableKey = Key.mid(at);
+}
+
+QString SectionOfKey(const IniDocument& Document, const QString& Key) {
+    if (Document.hasSection(Key)) return Key;
+    struct Parts {
+        explicit Parts(const QString& key) { GetObjectKeyParts(key, server, db, table); }
+        QString server, db, table;
+    };
+    const Parts wanted(Key);
+    const QString bare = wanted.server + u'.' + wanted.db + u'.';
+    const QStringList sections = Document.sections();
+    for (const QString& section : sections) {
+        const Parts parts(section);
+        if (parts.table == wanted.table &&
+            parts.server.compare(wanted.server, Qt::CaseInsensitive) == 0 &&
+            parts.db.compare(wanted.db, Qt::CaseInsensitive) == 0)
+            return section;
+    }
+    // Written by hand or before there were brackets: a server with dots as it stands. With four
+    // dots or more it is no other table's key.
+    if (bare.count(u'.') + wanted.table.count(u'.') < 4) return Key;
+    for (const QString& section : sections)
+        if (section.size() == bare.size() + wanted.table.size() &&
+            section.startsWith(bare, Qt::CaseInsensitive) && section.endsWith(wanted.table))
+            return section;
+    return Key;
 }
 
 QString GetObjectDisplayName(const QString& Server, const QString& Db, const QString& Table) {
@@ -57,8 +125,10 @@ QString GetObjectDisplayName(const QString& Server, const QString& Db, const QSt
 
 qint32 GetIgnoredColumnsList(qint32 Mode, const QString& Key, QStringList& Columns,
                              QString* Failure) {
-    cInifile ini(iniPath(Mode));
-    Columns = columnsOfSection(ini, Key);
+    cInifile ini = marksOf(Mode);
+    const IniDocument document = ini.read();
+    Columns = columnsOfSection(document, SectionOfKey(document, Key));
+    if (!ini.lastError().isEmpty()) Columns.clear();
     if (!ini.lastError().isEmpty())
         addToAccount({{},
                       QStringLiteral("reading the ignored columns"),
@@ -69,15 +139,16 @@ qint32 GetIgnoredColumnsList(qint32 Mode, const QString& Key, QStringList& Colum
 }
 
 bool SaveIgnoredColumnsList(qint32 Mode, const QString& Key, const QStringList& Columns) {
-    cInifile ini(iniPath(Mode));
+    cInifile ini = marksOf(Mode);
     const auto writeColumns = [&](IniDocument& document) {
+        const QString section = SectionOfKey(document, Key);
         for (qsizetype n = 0; n < Columns.size(); ++n) {
-            document.setValue(Key, QString::number(n), Columns[n]);
+            document.setValue(section, QString::number(n), Columns[n]);
         }
     };
     // One rewrite of the file, so that a failure can't leave the table without its list.
     ini.change([&](IniDocument& document) {
-        document.removeSection(Key);
+        document.removeSection(SectionOfKey(document, Key));
         writeColumns(document);
     });
     if (ini.Success()) return true;
@@ -93,11 +164,12 @@ bool SaveIgnoredColumnsList(qint32 Mode, const QString& Key, const QStringList& 
 
 qint32 GetAllIgnoredColumns(qint32 Mode, std::vector<IgnoredColumnRow>& Rows) {
     Rows.clear();
-    cInifile ini(iniPath(Mode));
-    for (const QString& section : ini.EnumerateAllSections()) {
+    cInifile ini = marksOf(Mode);
+    const IniDocument document = ini.read();
+    for (const QString& section : document.sections()) {
         IgnoredColumnRow row;
         GetObjectKeyParts(section, row.Server, row.Db, row.Table);
-        for (const QString& column : columnsOfSection(ini, section)) {
+        for (const QString& column : columnsOfSection(document, section)) {
             row.Column = column;
             Rows.push_back(row);
         }

@@ -1,6 +1,7 @@
 // Columns that the user has marked as ignored, for data comparison, structure
 // comparison and data analysis apart: three INI files with one section a table,
 // "Server.Db.Table", and in it the columns' names under counters from "0".
+// Other settings of single tables are kept under the same keys.
 #pragma once
 
 #include <QString>
@@ -9,6 +10,8 @@
 #include <vector>
 
 namespace zov {
+
+class IniDocument;
 
 /// The purposes; each has a file of its own.
 namespace IgnoreMode {
@@ -24,10 +27,19 @@ struct IgnoredColumnRow {
     QString Column;
 };
 
-/// "Server.Db.Table", or "Server.Db" when the table's name is empty; names as they stand.
-QString GetObjectKeyName(const QString& Server, const QString& Db, const QString& Table);
-/// Splits a key at its first two dots (a server's name with a dot is split wrongly, as is known).
-void GetObjectKeyParts(const QString& Key, QString& Server, QString& Db, QString& Table);
+/// A name as keys hold it: as it stands, or in brackets, those in it doubled, where a dot, a
+/// bracket or a line break in it could make one key of two tables' names.
+QString KeyPart(const QString& Name);
+/// "Server.Db.Table", or "Server.Db" when the table's name is empty. `TableKey` is the table's name
+/// as KeyPart gives it, with "Schema." in front where lists show it so (ObjectRef::storedName).
+QString GetObjectKeyName(const QString& Server, const QString& Db, const QString& TableKey);
+/// Splits a key behind its first two parts; the table's part stays as the key has it.
+void GetObjectKeyParts(const QString& Key, QString& Server, QString& Db, QString& TableKey);
+/// The section of a file that a key means: server and database in any letters, the table in those
+/// of the key, since a database may tell cases apart. The key itself when there is none. The
+/// document is one that tells sections apart by letter case. A server with many dots is known
+/// without its brackets, too.
+QString SectionOfKey(const IniDocument& Document, const QString& Key);
 /// "Table (Database: Db, Server: Server)"
 QString GetObjectDisplayName(const QString& Server, const QString& Db, const QString& Table);
 

@@ -17,6 +17,9 @@
 namespace zov {
 namespace {
 
+/// As many as a box holds on a small display.
+constexpr qsizetype MostNotes = 12;
+
 /// One side of a run.
 struct RunSide {
     RunSide(int panel, const QString& name, const QString& database, ComparePanel& scratch)
@@ -113,6 +116,10 @@ bool DataComparisonOfAll::run() {
             report_ += tables_.countLine(int(target_.tables.size()), target_.name);
         }
         const bool bothEmpty = source_.tables.empty() && target_.tables.empty();
+        if (bothEmpty && tables_.isComplete())
+            result_.notes +=
+                QStringLiteral("There is nothing to compare: neither %1 nor %2 holds a table.")
+                    .arg(source_.database, target_.database);
         if (!bothEmpty && !compareLists()) return false;
         addClosing(bothEmpty);
     }
@@ -207,6 +214,10 @@ bool DataComparisonOfAll::comparePair(const ObjectRef& source, const ObjectRef& 
     bool showOptions = false;
     const DataComparisonResult result =
         PerformDataComparison(pair, showOptions, true, false, screens_);
+    const bool compared =
+        result.Outcome == DataOutcome::Identical || result.Outcome == DataOutcome::Different;
+    if (compared && !result.LeftOut.isEmpty())
+        result_.notes += QStringLiteral("Table %1: %2.").arg(source.storedName(), result.LeftOut);
     switch (result.Outcome) {
         case DataOutcome::Identical:
             tables_.addIdentical(name, result.Note);
@@ -261,10 +272,19 @@ bool databasesChosen(const QString& sourceDb, const QString& targetDb) {
     return false;
 }
 
+void tellNotes(const QStringList& notes) {
+    if (notes.isEmpty()) return;
+    QStringList shown = notes.mid(0, MostNotes);
+    if (notes.size() > MostNotes)
+        shown += QStringLiteral("And %1 more.").arg(notes.size() - MostNotes);
+    shell().messageBox(shown.join(CRLF), QStringLiteral("Note"), BoxIcon::Information);
+}
+
 /// Shows the form, runs, opens the report.
 RunVerdict runWithForm(CompareAllWindow& window, const DataRunRequest& request,
                        const SavedRun* saved) {
     RunVerdict verdict = RunVerdict::None;
+    QStringList notes;
     frmCompareAllTables::Request screen;
     screen.Type = ObjectType::Table;
     screen.offeredBoxes = 1;
@@ -272,6 +292,7 @@ RunVerdict runWithForm(CompareAllWindow& window, const DataRunRequest& request,
     if (request.selective && !saved) screen.Caption = QStringLiteral("Compare Selected Objects");
     screen.run = [&](frmCompareAllTables& form) {
         const DataRun run = CompareAll_Data(form, request, window.panels);
+        notes = run.notes;
         if (run.finished)
             verdict = !run.isWhole()         ? RunVerdict::Trouble
                       : run.somethingDiffers ? RunVerdict::Different
@@ -280,6 +301,7 @@ RunVerdict runWithForm(CompareAllWindow& window, const DataRunRequest& request,
     };
     frmCompareAllTables form;
     if (form.ShowUp(screen) && !globals().gstrReport.isEmpty()) {
+        tellNotes(notes);
         ComparisonReport report = reportOf(request);
         if (saved) handOn(*saved, report);
         window.report.ShowUp(report);

@@ -29,6 +29,9 @@ struct DataRun {
     QStringList unreadable;  ///< tables, as listed, that a server refused to read
     /// A sentence for each side whose login may not see all tables.
     QStringList blindness;
+    /// What the report doesn't say of a run that it calls identical: a sentence for each table that
+    /// stored settings kept from being compared whole, and one for databases without tables.
+    QStringList notes;
 
     /// Everything that a verdict rests on came, but for tables that can't be read.
     bool isReliable() const { return finished && account.isWhole(); }

@@ -416,9 +416,9 @@ std::vector<ColumnRecord> ColumnsOfTable(const CompareDataTable& Table, bool Wit
     RunAccount asked;
     {
         const KeepAccount keep(asked);
-        GetTableStructure(Table.Server, Table.Db, Table.Table, DoubleSingleQuotes(Table.name()),
-                          structure, WithoutIgnored, IgnoreMode::DataComparison, Table.ObjectId,
-                          {});
+        GetTableStructure(Table.Server, Table.Db, Table.storedName(),
+                          DoubleSingleQuotes(Table.name()), structure, WithoutIgnored,
+                          IgnoreMode::DataComparison, Table.ObjectId, {});
     }
     // Rows may be read by who isn't shown the texts of defaults and seeds: what failed counts here,
     // not what was kept back.

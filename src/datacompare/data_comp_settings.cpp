@@ -11,9 +11,9 @@
 namespace zov {
 namespace {
 
-QString sectionOf(bool isSource, const QString& db, const QString& table) {
+QString sectionOf(bool isSource, const QString& db, const QString& tableKey) {
     const ServerInfo& server = globals().gtCurrentServers[isSource ? SourcePanel : TargetPanel];
-    return GetObjectKeyName(server.Name, db, table);
+    return GetObjectKeyName(server.Name, db, tableKey);
 }
 
 }  // namespace
@@ -33,15 +33,15 @@ bool isKeyField(const QString& key) {
     return !key.isEmpty() && key != NoField;
 }
 
-TableCompSettings ReadTableCompSettings(bool IsSource, const QString& Db, const QString& Table) {
+TableCompSettings ReadTableCompSettings(bool IsSource, const QString& Db, const QString& TableKey) {
     // The file is read once: a bulk run asks for each of its tables.
     QByteArray bytes;
     const QString failure = readWholeFile(globals().gstrTablesCompsIni, bytes);
     if (!failure.isEmpty())
         addToAccount(
             {{}, QStringLiteral("reading the tables' settings"), failure, run_error::FileAccess});
-    const IniDocument document(decodeText(bytes).text);
-    const QString section = sectionOf(IsSource, Db, Table);
+    const IniDocument document(decodeText(bytes).text, Qt::CaseSensitive);
+    const QString section = SectionOfKey(document, sectionOf(IsSource, Db, TableKey));
     const auto text = [&](const char* key) {
         return document.value(section, QLatin1String(key)).value_or(QString());
     };
@@ -57,10 +57,10 @@ TableCompSettings ReadTableCompSettings(bool IsSource, const QString& Db, const 
     return settings;
 }
 
-DataCompSettings ReadDataCompSettings(const QString& Db1, const QString& Db2, const QString& Table1,
-                                      const QString& Table2) {
-    const TableCompSettings source = ReadTableCompSettings(true, Db1, Table1);
-    const TableCompSettings target = ReadTableCompSettings(false, Db2, Table2);
+DataCompSettings ReadDataCompSettings(const QString& Db1, const QString& Db2,
+                                      const QString& TableKey1, const QString& TableKey2) {
+    const TableCompSettings source = ReadTableCompSettings(true, Db1, TableKey1);
+    const TableCompSettings target = ReadTableCompSettings(false, Db2, TableKey2);
     DataCompSettings both;
     both.Method = target.Method;
     both.PrimarySortKey1 = source.PrimarySortKey;
@@ -80,11 +80,12 @@ DataCompSettings ReadDataCompSettings(const QString& Db1, const QString& Db2, co
     return both;
 }
 
-QString SaveTableCompSettings(bool IsSource, const QString& Db, const QString& Table,
+QString SaveTableCompSettings(bool IsSource, const QString& Db, const QString& TableKey,
                               const TableCompSettings& settings) {
     cInifile ini(globals().gstrTablesCompsIni);
-    const QString section = sectionOf(IsSource, Db, Table);
+    ini.SectionCase = Qt::CaseSensitive;
     ini.change([&](IniDocument& document) {
+        const QString section = SectionOfKey(document, sectionOf(IsSource, Db, TableKey));
         const auto write = [&](const char* key, const QString& value) {
             document.setValue(section, QLatin1String(key), value);
         };

@@ -43,17 +43,18 @@ struct DataCompSettings {
     QString CompKey2, SecondaryCompKey2, TertiaryCompKey2;
 };
 
-/// What is stored for a table of the Source or the Target server: empty keys, offset 0 and method 0
+/// What is stored for a table of the Source or the Target server, named as its key has it
+/// (ObjectRef::storedName): empty keys, offset 0 and method 0
 /// when nothing is, or when the file can't be read (which goes into the account of the run).
-TableCompSettings ReadTableCompSettings(bool IsSource, const QString& Db, const QString& Table);
+TableCompSettings ReadTableCompSettings(bool IsSource, const QString& Db, const QString& TableKey);
 
 /// Both tables' settings; the method is the Target's. `DefaultOrder` stays false.
-DataCompSettings ReadDataCompSettings(const QString& Db1, const QString& Db2, const QString& Table1,
-                                      const QString& Table2);
+DataCompSettings ReadDataCompSettings(const QString& Db1, const QString& Db2,
+                                      const QString& TableKey1, const QString& TableKey2);
 
 /// Writes a table's section, in one rewrite of the file. The result is a sentence that names the
 /// file and the reason of a failure; empty on success.
-QString SaveTableCompSettings(bool IsSource, const QString& Db, const QString& Table,
+QString SaveTableCompSettings(bool IsSource, const QString& Db, const QString& TableKey,
                               const TableCompSettings& settings);
 
 }  // namespace zov

@@ -165,8 +165,7 @@ void frmCompareData::fillLabels() {
     QStringList ignored;
     for (const CompareDataTable& table : Tables) {
         QStringList columns;
-        GetIgnoredColumnsList(IgnoreMode::DataComparison,
-                              GetObjectKeyName(table.Server.Name, table.Db, table.Table), columns);
+        GetIgnoredColumnsList(IgnoreMode::DataComparison, table.key(), columns);
         ignored += columns;
     }
     if (ignored.size() == 1)

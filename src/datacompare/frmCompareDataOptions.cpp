@@ -104,7 +104,7 @@ void frmCompareDataOptions::load() {
         txtOffset[side].clear();
         loadColumns(side);
         const TableCompSettings stored = ReadTableCompSettings(
-            side == SourcePanel, pair_[size_t(side)].Db, pair_[size_t(side)].Table);
+            side == SourcePanel, pair_[size_t(side)].Db, pair_[size_t(side)].storedName());
         showStored(side, stored);
         // Read last, the Target's counts.
         optGen = stored.Method == CompMethod::PrimaryKey ? 1 : 0;
@@ -130,9 +130,7 @@ void frmCompareDataOptions::loadColumns(int side) {
         tell(QStringLiteral("Error occured while attempting to load structure of table.") + reason);
     QStringList ignored;
     QString failure;
-    GetIgnoredColumnsList(IgnoreMode::DataComparison,
-                          GetObjectKeyName(table.Server.Name, table.Db, table.Table), ignored,
-                          &failure);
+    GetIgnoredColumnsList(IgnoreMode::DataComparison, table.key(), ignored, &failure);
     if (!failure.isEmpty()) tell(QStringLiteral("The ignored columns can't be read. ") + failure);
     for (const ColumnRecord& record : structure.columns) {
         // "[Id] [int] NOT NULL CONSTRAINT [DF_Id] DEFAULT ((0))": the middle is the type.
@@ -353,9 +351,7 @@ bool frmCompareDataOptions::storeIgnoredColumns() {
     if (!ValidateIgnoredSelection(check)) return false;
     for (const int side : {SourcePanel, TargetPanel}) {
         const CompareDataTable& table = pair_[size_t(side)];
-        if (!SaveIgnoredColumnsList(IgnoreMode::DataComparison,
-                                    GetObjectKeyName(table.Server.Name, table.Db, table.Table),
-                                    check.ignored[side]))
+        if (!SaveIgnoredColumnsList(IgnoreMode::DataComparison, table.key(), check.ignored[side]))
             return false;
     }
     return true;
@@ -397,8 +393,9 @@ void frmCompareDataOptions::saveSettings(const DataCompSettings& s) {
         {s.PrimarySortKey2, s.SecondarySortKey2, s.TertiarySortKey2, s.Offset2, s.CompKey2,
          s.SecondaryCompKey2, s.TertiaryCompKey2, s.Method}};
     for (const int side : {SourcePanel, TargetPanel}) {
-        const QString failure = SaveTableCompSettings(side == SourcePanel, pair_[size_t(side)].Db,
-                                                      pair_[size_t(side)].Table, sides[side]);
+        const QString failure =
+            SaveTableCompSettings(side == SourcePanel, pair_[size_t(side)].Db,
+                                  pair_[size_t(side)].storedName(), sides[side]);
         if (failure.isEmpty()) continue;
         tell(QStringLiteral("The settings of this comparison can't be stored. ") + failure +
              QStringLiteral("\r\n\r\nThe comparison goes on with them all the same."));

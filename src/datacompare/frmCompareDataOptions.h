@@ -18,7 +18,7 @@ namespace zov {
 struct CompareDataTable {
     ServerInfo Server;
     QString Db;
-    QString Table;        ///< as the lists show it, and its settings are stored
+    QString Table;        ///< as the lists show it
     qint32 ObjectId = 0;  ///< 0 when unknown
     QString Schema = {};  ///< empty: not known
     QString BareName = {};      ///< as the catalogue has it; empty: `Table` is that
@@ -28,6 +28,9 @@ struct CompareDataTable {
     ObjectRef object() const {
         return {Schema, name(), ObjectType::Table, ObjectId, HasNamesakes, Table};
     }
+    /// Its name in the keys of stored settings, and the key.
+    QString storedName() const { return object().storedName(); }
+    QString key() const { return GetObjectKeyName(Server.Name, Db, storedName()); }
 };
 inline CompareDataTable TableOf(const ServerInfo& server, const QString& database,
                                 const ObjectRef& table) {

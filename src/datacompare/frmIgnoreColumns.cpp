@@ -31,7 +31,8 @@ QString purposeCaption(qint32 mode) {
 }  // namespace
 
 bool frmIgnoreColumnsAdd::ShowUp(qint32 Mode, const ServerInfo& Server, const QString& Db,
-                                 const QString& Table, qint32 ObjectId, qint32& IgnoredCount) {
+                                 const QString& Table, qint32 ObjectId, qint32& IgnoredCount,
+                                 const QString& StoredName) {
     return guarded("frmIgnoreColumnsAdd", "ShowUp", false, [&] {
         mode_ = Mode;
         changed_ = false;
@@ -45,6 +46,8 @@ bool frmIgnoreColumnsAdd::ShowUp(qint32 Mode, const ServerInfo& Server, const QS
         lblInfo = QStringLiteral("Deselect columns which you want to be ignored during %1.")
                       .arg(QLatin1String(purposes[Mode - 1]));
         lblTableName = QStringLiteral("Table: ") + GetObjectDisplayName(Server.Name, Db, Table);
+        key_ =
+            GetObjectKeyName(Server.Name, Db, StoredName.isEmpty() ? KeyPart(Table) : StoredName);
         if (!load(Server, Db, Table, ObjectId)) return false;
         reopen();
         shell().showModal(*this);
@@ -55,7 +58,6 @@ bool frmIgnoreColumnsAdd::ShowUp(qint32 Mode, const ServerInfo& Server, const QS
 
 bool frmIgnoreColumnsAdd::load(const ServerInfo& server, const QString& db, const QString& table,
                                qint32 objectId) {
-    key_ = GetObjectKeyName(server.Name, db, table);
     TableStructure structure;
     if (!GetTableStructure(server, db, table, DoubleSingleQuotes(table), structure, false, mode_,
                            objectId, {}))

@@ -15,9 +15,10 @@ class frmIgnoreColumnsAdd : public Screen {
     QString caption() const override { return Caption; }
 
     /// `Mode` as in IgnoreMode. True when the marks were changed; `IgnoredCount` is their number
-    /// then.
+    /// then. `StoredName` is the table in the key of the marks; empty: of a table shown by its bare
+    /// name.
     bool ShowUp(qint32 Mode, const ServerInfo& Server, const QString& Db, const QString& Table,
-                qint32 ObjectId, qint32& IgnoredCount);
+                qint32 ObjectId, qint32& IgnoredCount, const QString& StoredName = {});
 
     QString Caption;
     QString lblInfo;

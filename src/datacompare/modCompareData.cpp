@@ -28,9 +28,7 @@ IgnoredColumns ignoredIn(const CompareDataPair& tables) {
     for (size_t side = 0; side < 2; ++side) {
         const CompareDataTable& table = tables[side];
         ignored.count +=
-            GetIgnoredColumnsList(IgnoreMode::DataComparison,
-                                  GetObjectKeyName(table.Server.Name, table.Db, table.Table),
-                                  lists[side]);
+            GetIgnoredColumnsList(IgnoreMode::DataComparison, table.key(), lists[side]);
     }
     if (ignored.count < 1) return ignored;
     const QString names = IgnoredColumns_PutToString(lists[0], lists[1]);
@@ -107,8 +105,11 @@ DataComparisonRun DataComparisonRunOf(const CompareDataPair& Tables,
     DataComparisonRun run;
     run.Tables = Tables;
     run.Method = Settings.Method;
-    run.Offset[0] = Settings.Offset1;
-    run.Offset[1] = Settings.Offset2;
+    // By key every record counts, whatever start is stored: it would spoil the counts alone.
+    if (Settings.Method != CompMethod::PrimaryKey) {
+        run.Offset[0] = Settings.Offset1;
+        run.Offset[1] = Settings.Offset2;
+    }
     run.Keys[0] = {Settings.CompKey1, Settings.SecondaryCompKey1, Settings.TertiaryCompKey1};
     run.Keys[1] = {Settings.CompKey2, Settings.SecondaryCompKey2, Settings.TertiaryCompKey2};
     if (!Settings.DefaultOrder) {
@@ -133,8 +134,8 @@ DataComparisonResult PerformDataComparison(const CompareDataPair& Tables, bool& 
         RunAccount account;
         {
             const KeepAccount keep(account);
-            settings =
-                ReadDataCompSettings(Tables[0].Db, Tables[1].Db, Tables[0].Table, Tables[1].Table);
+            settings = ReadDataCompSettings(Tables[0].Db, Tables[1].Db, Tables[0].storedName(),
+                                            Tables[1].storedName());
         }
         // By other settings it would be another comparison.
         if (DataComparisonResult failed; !account.isWhole()) {
@@ -168,10 +169,14 @@ DataComparisonResult ExecuteDataComparison(const DataComparisonRun& Run,
     }
     settleAccount(account, result);
     QString notes = ignored.text.isEmpty() ? QString() : CRLF + ignored.text;
+    QStringList leftOut;
     if (const QString offsets = OffsetsNote(Run); !offsets.isEmpty()) {
         notes += CRLF + offsets;
-        result.Note = QStringLiteral(" (c") + offsets.mid(1).chopped(1) + u')';
+        leftOut += u'c' + offsets.mid(1).chopped(1);
+        result.Note = QStringLiteral(" (") + leftOut.back() + u')';
     }
+    if (!ignored.text.isEmpty()) leftOut += u'c' + ignored.text.mid(1);
+    result.LeftOut = leftOut.join(QStringLiteral("; "));
     switch (result.Outcome) {
         case DataOutcome::NotRun:
         case DataOutcome::Cancelled:

@@ -30,6 +30,9 @@ struct DataComparisonResult {
     /// Failed, since a server refused what was asked for these tables: others may be read.
     bool Refused = false;
     QString Note;    ///< beside an "identical" in a list: " (compared from record ...)", or empty
+    /// What stored settings kept from being compared: "compared from record ...; column ignored
+    /// ...", or empty.
+    QString LeftOut;
     QString Report;  ///< what a quiet run says, one to four lines parted by CRLF
     bool Identical() const { return Outcome == DataOutcome::Identical; }
 };

@@ -95,7 +95,20 @@ enum {
     ColumnId
 };
 
-// " CONSTRAINT [name] DEFAULT value", or nothing when the column has no default.
+/// Whether a default stands on its own, bound to a column or a type: it is no table's constraint
+/// and has no constraint's name.
+bool isBoundDefault(const ServerInfo& server, const QString& dbName, qint32 defaultId) {
+    const ScopedValue<bool> silent(globals().gblnSuppressConnErrors, true);
+    const auto rs = select(server,
+                           QStringLiteral("SELECT [name] FROM sys.objects WHERE object_id = %1 AND "
+                                          "parent_object_id = 0")
+                               .arg(defaultId),
+                           dbName);
+    return rs && !rs->isEof();
+}
+
+// " CONSTRAINT [name] DEFAULT value", or nothing when the column has no default. A bound one has no
+// name, and its value is the statement that made it.
 QString defaultClause(const ServerInfo& server, const QString& dbName, const Recordset& rs) {
     const qint32 defaultId = qint32(rs.field(CDefault).toInt64());
     const qint32 columnId = qint32(rs.field(ColumnId).toInt64());
@@ -103,7 +116,7 @@ QString defaultClause(const ServerInfo& server, const QString& dbName, const Rec
     const qint32 tableId = qint32(rs.field(TableId).toInt64());
     const QString value = GetDefaultValue(server, dbName, tableId, columnId);
     const QString name = GetDefaultConstraintName(server, dbName, tableId, defaultId);
-    if (value.isEmpty() || name.isEmpty())
+    if (value.isEmpty() || (name.isEmpty() && !isBoundDefault(server, dbName, defaultId)))
         accountForUnreadable(
             server, dbName, QStringLiteral("reading a default"),
             QStringLiteral("The default of column %1 can't be read.").arg(rs.field(Column).text()));
@@ -210,7 +223,8 @@ QSet<QString> ignoredColumns(qint32 kind, const QString& key, qint32& count) {
 }
 
 struct StructureRequest {
-    QString keyName;  ///< the table in the key of its ignored columns
+    QString shownName;   ///< for what is told of the table
+    QString storedName;  ///< the table in the key of its ignored columns
     TableLiterals literals;
     qint32 objectId = 0;
     bool useIgnoredColumns = false;
@@ -223,7 +237,7 @@ void readStructure(const ServerInfo& server, const QString& dbName, const Struct
     QSet<QString> ignored;
     if (request.useIgnoredColumns)
         ignored = ignoredColumns(request.ignoredColumnKind,
-                                 GetObjectKeyName(server.Name, dbName, request.keyName),
+                                 GetObjectKeyName(server.Name, dbName, request.storedName),
                                  structure.ignoredColumnCount);
     std::unique_ptr<Recordset> rs;
     {
@@ -244,7 +258,7 @@ void readStructure(const ServerInfo& server, const QString& dbName, const Struct
             accountForUnreadable(server, dbName, QStringLiteral("reading columns"),
                                  QStringLiteral("The columns of table %1 can't be read: they are "
                                                 "hidden from this login, or the table is gone.")
-                                     .arg(request.keyName));
+                                     .arg(request.shownName));
     }
     if (!structure.structureText.isEmpty()) {
         structure.structureText.chop(2);
@@ -263,7 +277,7 @@ bool readStructureReported(const ServerInfo& server, const QString& dbName,
         const QString message =
             QStringLiteral(
                 "Error occured while attempting to get the structure of table\r\n\r\n'") +
-            request.keyName + QStringLiteral("'\r\n\r\nin SQL Server database\r\n\r\n'") +
+            request.shownName + QStringLiteral("'\r\n\r\nin SQL Server database\r\n\r\n'") +
             server.Name + u'.' + dbName + QStringLiteral("'\r\n\r\nError %1 (").arg(error.number) +
             error.description + QStringLiteral(").");
         LogWrite(message);
@@ -278,17 +292,19 @@ bool readStructureReported(const ServerInfo& server, const QString& dbName,
 bool GetTableStructure(const ServerInfo& server, const QString& dbName, const QString& tableName,
                        TableStructure& structure, bool useIgnoredColumns, qint32 ignoredColumnKind,
                        qint32 objectId, const QString& lineSuffix) {
-    return GetTableStructure(server, dbName, tableName, tableName, structure, useIgnoredColumns,
-                             ignoredColumnKind, objectId, lineSuffix);
+    const StructureRequest request{tableName, KeyPart(tableName), {tableName, tableName},
+                                   objectId,  useIgnoredColumns,  ignoredColumnKind,
+                                   lineSuffix};
+    return readStructureReported(server, dbName, request, structure);
 }
 
-bool GetTableStructure(const ServerInfo& server, const QString& dbName, const QString& tableName,
+bool GetTableStructure(const ServerInfo& server, const QString& dbName, const QString& storedName,
                        const QString& tableLiteral, TableStructure& structure,
                        bool useIgnoredColumns, qint32 ignoredColumnKind, qint32 objectId,
                        const QString& lineSuffix) {
-    const StructureRequest request{tableName,         {tableLiteral, tableLiteral},
-                                   objectId,          useIgnoredColumns,
-                                   ignoredColumnKind, lineSuffix};
+    const StructureRequest request{storedName, storedName,        {tableLiteral, tableLiteral},
+                                   objectId,   useIgnoredColumns, ignoredColumnKind,
+                                   lineSuffix};
     return readStructureReported(server, dbName, request, structure);
 }
 
@@ -298,6 +314,7 @@ bool GetTableStructure(const ServerInfo& server, const QString& dbName, const Ob
     const TableLiterals literals{DoubleSingleQuotes(table.name),
                                  DoubleSingleQuotes(identityName(table))};
     const StructureRequest request{table.shownName.isEmpty() ? table.name : table.shownName,
+                                   table.storedName(),
                                    literals,
                                    table.id,
                                    useIgnoredColumns,

@@ -37,8 +37,8 @@ bool GetTableStructure(const ServerInfo& server, const QString& dbName, const QS
                        TableStructure& structure, bool useIgnoredColumns, qint32 ignoredColumnKind,
                        qint32 objectId, const QString& lineSuffix);
 /// The same with the table's name in two forms: `tableLiteral`, its quotes doubled, for the
-/// statement, and `tableName` for the key of the ignored columns.
-bool GetTableStructure(const ServerInfo& server, const QString& dbName, const QString& tableName,
+/// statement, and `storedName` for the key of the ignored columns (ObjectRef::storedName).
+bool GetTableStructure(const ServerInfo& server, const QString& dbName, const QString& storedName,
                        const QString& tableLiteral, TableStructure& structure,
                        bool useIgnoredColumns, qint32 ignoredColumnKind, qint32 objectId,
                        const QString& lineSuffix);
@@ -56,7 +56,8 @@ qint32 GetColumnsCount(const ServerInfo& server, const QString& dbName, const QS
 /// The definition as the server stores it, "((0))"; empty when the column has none.
 QString GetDefaultValue(const ServerInfo& server, const QString& dbName, qint32 tableId,
                         qint32 colId);
-/// From sys.objects, so for major version 9 and above only. Silent.
+/// From sys.objects, so for major version 9 and above only. Silent. Empty for a default that was
+/// bound to the column or its type: that one is no constraint.
 QString GetDefaultConstraintName(const ServerInfo& server, const QString& dbName, qint32 tableId,
                                  qint32 defaultId);
 

@@ -91,6 +91,10 @@ TEST_F(DataVerdicts, ANameMeansOneTableOrNone) {
     } rows[] = {
         {{"--table", "T"}, 2, "Several tables have this name"},
         {{"--table", "hr.T"}, 0, ""},
+        // In other letters too, as long as it means one.
+        {{"--table", "HR.t"}, 0, ""},
+        {{"--table", "[DBO].[t]"}, 1, ""},
+        {{"--table", "t"}, 2, "Several tables have this name"},
         {{"--table", "dbo.T"}, 1, ""},
         {{"--table", "[dbo].[T]"}, 1, ""},
         {{"--table", "hr.Plain"}, 2, "has no table \"hr.Plain\""},
@@ -145,16 +149,52 @@ TEST_F(DataVerdicts, OffsetsGiveOneVerdict) {
               "Data stored in both tables is identical.\nCompared from record 2 in Target on.\n");
     EXPECT_EQ(with.out, without.out);
 
-    // By key an offset has no meaning, wherever it comes from.
+    // By key an offset has no meaning: all records count, in every sort of run.
     store("zov_tables_comps.ini", "Plain", "CompMethod=1\nCompKey=Id\nOffsetStartRec=2\n");
-    const CliResult stored = data({"--table", "Plain"});
-    EXPECT_EQ(stored.status, 2) << ::testing::PrintToString(stored);
-    EXPECT_TRUE(stored.err.contains("An offset belongs to the comparison by record"))
-        << stored.err.toStdString();
-    EXPECT_EQ(data({"--table", "Plain", "--key", "Id"}).status, 2);
+    EXPECT_EQ(data({"--table", "Plain", "--method", "record"}).status, 1);
+    for (const QStringList& options :
+         {QStringList{"--table", "Plain"}, QStringList{"--table", "Plain", "--key", "Id"},
+          QStringList{"--select", "Plain"}}) {
+        const CliResult stored = data(options);
+        EXPECT_EQ(stored.status, 1) << ::testing::PrintToString(stored);
+        EXPECT_TRUE(stored.out.contains(options.front() == "--table"
+                                            ? "Number of different records: 1"
+                                            : "Plain - 1 different record(s)"))
+            << stored.out.toStdString();
+    }
     store("zov_tables_comps.ini", "Plain", "CompMethod=1\nCompKey=Id\n");
     EXPECT_EQ(data({"--table", "Plain", "--offset", "2"}).status, 2);
     EXPECT_EQ(data({"--table", "Plain", "--offset", "0"}).status, 1);
+}
+
+TEST_F(DataVerdicts, IdenticalReportsComeWithWhatTheyLeaveOut) {
+    home_->write("home/documents/zov_tables_comps.ini",
+                 "[" + folder_.toUtf8() +
+                     ".Two.Plain]\nCompMethod=0\nPrimarySortKey=Id\nOffsetStartRec=2\n");
+    const CliResult cut = data({"--select", "Plain"});
+    EXPECT_EQ(cut.status, 0) << ::testing::PrintToString(cut);
+    EXPECT_TRUE(cut.out.contains("Data in all selected tables in both databases is identical."));
+    EXPECT_TRUE(cut.err.contains("Table Plain: compared from record 2 in Target on."))
+        << cut.err.toStdString();
+
+    home_->loadText(folder_, "Bare", "SELECT 1\nGO\n");
+    const CliResult bare = home_->run({"data", "--source", folder_, "--source-db", "Bare",
+                                       "--target", folder_, "--target-db", "Bare"});
+    EXPECT_EQ(bare.status, 0);
+    EXPECT_TRUE(
+        bare.err.contains("There is nothing to compare: neither Bare nor Bare holds a table."))
+        << bare.err.toStdString();
+}
+
+// p.q and dbo.[p.q] are shown alike, and settings are stored for either.
+TEST_F(DataVerdicts, StoredSettingsAreOneTablesOwn) {
+    for (const char* table : {"p.q", "[p.q]"}) {
+        store("zov_ignored_cols_data.ini", table, "0=V\n");
+        EXPECT_EQ(data({"--table", "[p].[q]"}).status, table[0] == 'p' ? 0 : 1) << table;
+        const CliResult dotted = data({"--table", "[p.q]"});
+        EXPECT_EQ(dotted.out.contains("ignored"), table[0] == '[') << table << '\n'
+                                                                   << dotted.out.toStdString();
+    }
 }
 
 TEST_F(DataVerdicts, CountsThatFailAreNoEmptyTables) {

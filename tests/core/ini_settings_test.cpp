@@ -78,12 +78,89 @@ TEST(ObjectNames, AreFormedAndSplitAtDots) {
                         {"S", "S||"},
                         {"S.D.a.b", "S|D|a.b"},
                         {"10.0.0.1.D.T", "10|0|0.1.D.T"},
+                        {"[10.0.0.1].[a]]b].T", "10.0.0.1|a]b|T"},
+                        {"S.[a.b].[hr.T]", "S|a.b|[hr.T]"},
+                        {"S.[a]r]nb].x.[y]", "S|a\r\nb|x.[y]"},
+                        {"[S.D", "S.D||"},
                         {"", "||"}};
     for (const Row& row : rows) {
         QString server, db, table;
         GetObjectKeyParts(QString::fromLatin1(row.key), server, db, table);
         EXPECT_EQ(server + u'|' + db + u'|' + table, QString::fromLatin1(row.parts)) << row.key;
     }
+}
+
+// One section for two tables would hide differences in the one for a mark in the other.
+TEST(ObjectNames, NoTwoTablesHaveOneKey) {
+    struct Table {
+        const char* server;
+        const char* db;
+        const char* schema;  ///< where the lists show it
+        const char* table;
+        const char* key;
+    };
+    const Table tables[] = {
+        {"S", "D", nullptr, "T", "S.D.T"},
+        {"S", "D", nullptr, "T x'y", "S.D.T x'y"},
+        {"S", "D", "hr", "T", "S.D.hr.T"},
+        {"S", "D", nullptr, "hr.T", "S.D.[hr.T]"},
+        {"S", "D", nullptr, "[hr.T]", "S.D.[[hr.T]]]"},
+        {"S", "D", nullptr, "[hr].T", "S.D.[[hr]].T]"},
+        {"S", "D", "a.b", "T", "S.D.[a.b].T"},
+        {"S", "D", "a", "b.T", "S.D.a.[b.T]"},
+        {"S", "D", nullptr, "a.b.T", "S.D.[a.b.T]"},
+        {"S", "D.hr", nullptr, "T", "S.[D.hr].T"},
+        {"S.D", "hr", nullptr, "T", "[S.D].hr.T"},
+        {"S", "D", nullptr, "a\nb", "S.D.[a]nb]"},
+        {"S", "D", nullptr, "a b", "S.D.a b"},
+        {"S", "D", nullptr, "a]nb", "S.D.[a]]nb]"},
+    };
+    QSet<QString> keys;
+    for (const Table& row : tables) {
+        const auto text = [](const char* name) { return QString::fromLatin1(name); };
+        const QString table = KeyPart(text(row.table));
+        const QString key =
+            GetObjectKeyName(text(row.server), text(row.db),
+                             row.schema ? KeyPart(text(row.schema)) + u'.' + table : table);
+        EXPECT_EQ(key.toStdString(), row.key);
+        EXPECT_FALSE(keys.contains(key)) << row.key;
+        keys.insert(key);
+        QString server, db, rest;
+        GetObjectKeyParts(key, server, db, rest);
+        EXPECT_EQ((server + u'|' + db).toStdString(), std::string(row.server) + '|' + row.db);
+    }
+}
+
+TEST_F(IniSettings, ATablesMarksAreFoundInItsOwnLettersAlone) {
+    home.write(QStringLiteral("documents/zov_ignored_cols_data.ini"),
+               "[Srv.Sales.Orders]\n0=a\n[10.0.0.1,1433.Sales.T]\n0=b\n[a.b.c.T]\n0=c\n");
+    const struct {
+        const char *server, *db, *table;
+        const char* column;
+    } rows[] = {{"SRV", "sales", "Orders", "a"},
+                {"Srv", "Sales", "ORDERS", ""},
+                {"10.0.0.1,1433", "Sales", "T", "b"},
+                {"10.0.0.1,1433", "SALES", "T", "b"},
+                {"10.0.0.1,1433", "Sales", "t", ""},
+                {"a", "b", "c.T", "c"},
+                {"a.b", "c", "T", ""},
+                {"10.0.0.1,1433", "Sales", "[T]", ""}};
+    for (const auto& row : rows) {
+        QStringList columns;
+        GetIgnoredColumnsList(
+            IgnoreMode::DataComparison,
+            GetObjectKeyName(QString::fromLatin1(row.server), QString::fromLatin1(row.db),
+                             QString::fromLatin1(row.table)),
+            columns);
+        EXPECT_EQ(columns.join(u'|').toStdString(), row.column) << row.server << row.table;
+    }
+    // What is stored anew takes the place of what was found.
+    SaveIgnoredColumnsList(
+        IgnoreMode::DataComparison,
+        GetObjectKeyName(QStringLiteral("SRV"), QStringLiteral("Sales"), QStringLiteral("Orders")),
+        {});
+    EXPECT_FALSE(
+        home.read(QStringLiteral("documents/zov_ignored_cols_data.ini")).contains("Orders"));
 }
 
 TEST_F(IniSettings, IgnoredColumnsAreKeptPerPurposeServerAndDatabase) {

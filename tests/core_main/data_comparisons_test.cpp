@@ -179,6 +179,17 @@ TEST_F(DataComparisons, AllTablesEndInAReport) {
               "0 60 -1 ''");
     EXPECT_EQ(globals().gstrReport, QString());
     EXPECT_FALSE(window.Busy());
+
+    // What the report doesn't say comes in front of it.
+    shell.takeLines();
+    SaveIgnoredColumnsList(IgnoreMode::DataComparison,
+                           GetObjectKeyName(globals().gtCurrentServers[0].Name,
+                                            QStringLiteral("Src"), QStringLiteral("Orders")),
+                           {QStringLiteral("V")});
+    window.ExecuteAction(command::DataAll);
+    EXPECT_TRUE(shell.takeLines().contains(
+        QStringLiteral("information [Note]: Table Orders: column ignored during comparison: "
+                       "Source - V.")));
 }
 
 }  // namespace

@@ -106,6 +106,63 @@ TEST_P(CompareAllDataTest, EachTableIsComparedByItsStoredSettings) {
     ignore(1, {QStringLiteral("V")});
     EXPECT_NE(all().find("\nData in all tables in both databases is identical."), std::string::npos);
     EXPECT_FALSE(data.somethingDiffers);
+    EXPECT_EQ(data.notes.join(u'\n').toStdString(),
+              "Table Partly: columns ignored during comparison: Source - V Target - V.");
+
+    // By key a stored start leaves nothing out, also where the sides' starts differ.
+    settings.Offset = 2;
+    SaveTableCompSettings(true, QStringLiteral("Src"), QStringLiteral("Keyed"), settings);
+    EXPECT_NE(all().find("\nData in all tables in both databases is identical."),
+              std::string::npos);
+    EXPECT_EQ(data.notes.size(), 1);
+}
+
+TEST_P(CompareAllDataTest, AnIdenticalReportComesWithWhatItLeavesOut) {
+    load(table(QStringLiteral("Cut"), {A1, A2}) + table(QStringLiteral("Whole"), {A1}),
+         table(QStringLiteral("Cut"), {B1, A2}) + table(QStringLiteral("Whole"), {A1}));
+    TableCompSettings settings;
+    settings.PrimarySortKey = QStringLiteral("Id");
+    settings.Offset = 2;
+    for (const bool source : {true, false})
+        SaveTableCompSettings(source, source ? QStringLiteral("Src") : QStringLiteral("Tgt"),
+                              QStringLiteral("Cut"), settings);
+    EXPECT_NE(all().find("\nData in all tables in both databases is identical."),
+              std::string::npos);
+    EXPECT_EQ(data.notes.join(u'\n').toStdString(),
+              "Table Cut: compared from record 2 in Source and record 2 in Target on.");
+
+    served.load(QStringLiteral("None"), QStringLiteral("SELECT 1"));
+    report({QStringLiteral("None"), QStringLiteral("None"), false, {}, {}});
+    EXPECT_EQ(data.notes.join(u'\n').toStdString(),
+              "There is nothing to compare: neither None nor None holds a table.");
+}
+
+// dbo.[hr.T] and hr.T look alike in the keys of settings that join names with a dot.
+TEST_P(CompareAllDataTest, SettingsOfATableHoldForNoOtherThatIsShownAlike) {
+    const auto script = [](const char* inHr, const char* dotted) {
+        return QStringLiteral(
+                   "CREATE SCHEMA hr\nGO\nCREATE TABLE dbo.T (Id int)\n"
+                   "CREATE TABLE hr.T (Id int, V int)\n"
+                   "CREATE TABLE dbo.[hr.T] (Id int, V int)\nGO\n"
+                   "INSERT INTO hr.T VALUES (1, %1)\n"
+                   "INSERT INTO dbo.[hr.T] VALUES (1, %2)\nGO\n")
+            .arg(QLatin1String(inHr), QLatin1String(dotted));
+    };
+    const auto ignoreIn = [&](const QString& key, const QStringList& columns) {
+        for (const char* db : {"Src", "Tgt"})
+            SaveIgnoredColumnsList(IgnoreMode::DataComparison,
+                                   GetObjectKeyName(served.server().Name, QLatin1String(db), key),
+                                   columns);
+    };
+    const QString inHr = QStringLiteral("hr.T"), dotted = QStringLiteral("[hr.T]");
+    load(script("1", "1"), script("1", "2"));
+    ignoreIn(inHr, {QStringLiteral("V")});
+    EXPECT_NE(all().find("List of tables which differ:\n\thr.T - 1 different"), std::string::npos);
+    ignoreIn(inHr, {});
+    ignoreIn(dotted, {QStringLiteral("V")});
+    EXPECT_NE(all().find("\nData in all tables in both databases is identical."),
+              std::string::npos);
+    EXPECT_EQ(data.notes.size(), 1);
 }
 
 // Schema and name stay apart: what looks like another table's full name isn't taken for it.

@@ -47,7 +47,7 @@ class CompareOptions : public ::testing::TestWithParam<Road> {
     }
     QString key(int side) {
         const CompareDataTable& table = pair[size_t(side)];
-        return GetObjectKeyName(table.Server.Name, table.Db, table.Table);
+        return table.key();
     }
 
     test::TempHome home;

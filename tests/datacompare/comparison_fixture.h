@@ -60,8 +60,7 @@ class DataComparison : public ::testing::TestWithParam<Road>, public DataCompari
     }
     void ignore(int side, const QStringList& columns) {
         const CompareDataTable& table = run.Tables[size_t(side)];
-        SaveIgnoredColumnsList(IgnoreMode::DataComparison,
-                               GetObjectKeyName(table.Server.Name, table.Db, table.Table), columns);
+        SaveIgnoredColumnsList(IgnoreMode::DataComparison, table.key(), columns);
     }
 
     /// "different 3/4/2" (records of both, differences), and the grid below it.

@@ -119,6 +119,40 @@ TEST_P(NamesakesRun, IgnoredColumnsOfANamesakeHold) {
               "ignored during comparison.)");
 }
 
+// A bound default is no constraint, so it has no constraint's name: that is no trouble.
+TEST_P(NamesakesRun, BoundDefaultsAreCompared) {
+    const auto script = [](int ofType, int ofColumn) {
+        return QStringLiteral(
+                   "CREATE DEFAULT d AS %1\nGO\nCREATE DEFAULT e AS %2\nGO\n"
+                   "CREATE TYPE code FROM int\nGO\nEXEC sp_bindefault 'd', 'code'\nGO\n"
+                   "CREATE TABLE A (a code)\nCREATE TABLE B (b int)\nGO\n"
+                   "EXEC sp_bindefault 'e', 'B.b'\nGO\n")
+            .arg(ofType)
+            .arg(ofColumn);
+    };
+    int pair = 0;
+    const auto reportOf = [&](const QString& source, const QString& target) {
+        ++pair;
+        request_.sourceDb = QStringLiteral("Src%1").arg(pair);
+        request_.targetDb = QStringLiteral("Tgt%1").arg(pair);
+        return report(source, target, {QStringLiteral("tables")});
+    };
+    const std::string counts =
+        "Comparison of tables\n"
+        "There are 2 tables in Source database.\n"
+        "There are 2 tables in Target database.\n";
+    EXPECT_EQ(reportOf(script(42, 7), script(42, 7)),
+              counts + "The structure of all tables in both databases is identical.");
+    EXPECT_EQ(reportOf(script(42, 7), script(43, 7)),
+              counts +
+                  "List of tables which differ:\n\tA\n\t(1 table)\n"
+                  "One table [B] has identical structure in both databases.");
+    EXPECT_EQ(reportOf(script(42, 7), script(42, 8)),
+              counts +
+                  "List of tables which differ:\n\tB\n\t(1 table)\n"
+                  "One table [A] has identical structure in both databases.");
+}
+
 TEST_P(NamesakesRun, AnEncryptedTextIsNeitherEqualNorMissing) {
     const QString secret = QStringLiteral(
         "CREATE PROCEDURE dbo.P WITH ENCRYPTION AS SELECT %1\nGO\n"

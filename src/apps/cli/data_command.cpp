@@ -189,6 +189,7 @@ int compareTables(const Options& options, ConsoleShell& console, const ComparedS
     }
     // What could not be compared stands in the report, beside what could.
     writeReport(options, globals().gstrReport);
+    for (const QString& note : run.notes) console.showNote(note);
     for (const QString& sentence : run.blindness) console.showError(sentence);
     if (tellTrouble(console, run.account)) return Trouble;
     if (!options.allowUnreadable && !run.isWhole()) return Trouble;

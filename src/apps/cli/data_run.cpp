@@ -10,6 +10,9 @@
 
 #include <QFileInfo>
 
+#include <algorithm>
+#include <iterator>
+
 namespace zov::cli {
 namespace {
 
@@ -112,18 +115,14 @@ BothSides ignoredColumns(const Options& options, const CompareDataPair& tables) 
     return ignored;
 }
 
-/// By key every record counts: an offset would leave out nothing but the verdict.
-void checkOffsets(const Options& options, const DataComparisonRun& run) {
-    if (run.Method != CompMethod::PrimaryKey) return;
-    if (options.offset > 1 || options.targetOffset > 1)
-        throw Failure(QStringLiteral("--offset belongs to --method record."));
-    for (size_t side = 0; side < 2; ++side)
-        if (run.Offset[side] > 1)
-            throw Failure(
-                QStringLiteral("An offset belongs to the comparison by record, and %1 is to be "
-                               "compared by key.\nRecord %2 is stored as the first one: give "
-                               "--offset 0 --target-offset 0, or --method record.")
-                    .arg(run.Tables[side].Table, formatCount(run.Offset[side])));
+/// What the options say of the method; else the stored one.
+qint32 methodOf(const Options& options, qint32 stored) {
+    if (options.key.isEmpty() && options.method.isEmpty()) return stored;
+    if (options.method == u"record") {
+        if (!options.key.isEmpty()) throw Failure(QStringLiteral("--key belongs to --method key."));
+        return CompMethod::RecordByRecord;
+    }
+    return CompMethod::PrimaryKey;
 }
 
 }  // namespace
@@ -145,19 +144,23 @@ CompareDataTable findTable(int panel, const QString& database, const QString& na
     const QString whose = side == TableOfSide::Only ? QString()
                           : panel == SourcePanel    ? QStringLiteral("source ")
                                                     : QStringLiteral("target ");
-    std::vector<ObjectListRow> meant;
+    std::vector<ObjectListRow> listed, meant;
     RunAccount account;
     {
         const KeepAccount keep(account);
-        for (const ObjectListRow& row : listedObjects(ObjectType::Table, panel, database))
-            if (meansObject(name, row)) meant.push_back(row);
+        listed = listedObjects(ObjectType::Table, panel, database);
     }
+    // To the letter first, then whatever the case.
+    for (const Qt::CaseSensitivity cs : {Qt::CaseSensitive, Qt::CaseInsensitive})
+        if (meant.empty())
+            std::copy_if(listed.begin(), listed.end(), std::back_inserter(meant),
+                         [&](const ObjectListRow& row) { return meansObject(name, row, cs); });
     // The list is short of something, and no table may be missed or taken for another.
     if (!account.isWhole())
         throw Failure(QStringLiteral("The tables of the %1database %2 can't be listed.\n%3")
                           .arg(whose, database, account.entries().front().sentence()));
     if (meant.empty())
-        throw Failure(QStringLiteral("The %1database %2 has no table \"%3\" (letter case counts).\n"
+        throw Failure(QStringLiteral("The %1database %2 has no table \"%3\".\n"
                                      "Names are shown by: zovrand-cli list -t tables.")
                           .arg(whose, database, name));
     if (meant.size() > 1) {
@@ -185,10 +188,8 @@ IgnoredForThisRun::IgnoredForThisRun(const Options& options, const CompareDataPa
     globals().gstrIgnoredColsDataIni = copy;
     qsizetype left[2];
     for (size_t side = 0; side < 2; ++side) {
-        if (!SaveIgnoredColumnsList(
-                IgnoreMode::DataComparison,
-                GetObjectKeyName(tables[side].Server.Name, tables[side].Db, tables[side].Table),
-                ignored.columns[side]))
+        if (!SaveIgnoredColumnsList(IgnoreMode::DataComparison, tables[side].key(),
+                                    ignored.columns[side]))
             throw Failure(
                 QStringLiteral("--ignore: the list of ignored columns can't be written.\n"
                                "Make room where temporary files are kept."));
@@ -207,17 +208,13 @@ IgnoredForThisRun::IgnoredForThisRun(const Options& options, const CompareDataPa
 }
 
 DataComparisonRun runOf(const Options& options, const CompareDataPair& tables) {
-    DataCompSettings settings =
-        ReadDataCompSettings(tables[0].Db, tables[1].Db, tables[0].Table, tables[1].Table);
+    DataCompSettings settings = ReadDataCompSettings(
+        tables[0].Db, tables[1].Db, tables[0].storedName(), tables[1].storedName());
+    settings.Method = methodOf(options, settings.Method);
     DataComparisonRun run = DataComparisonRunOf(tables, settings);
-    if (!options.method.isEmpty())
-        run.Method = options.method == u"key" ? CompMethod::PrimaryKey : CompMethod::RecordByRecord;
     if (!options.key.isEmpty()) {
-        if (options.method == u"record")
-            throw Failure(QStringLiteral("--key belongs to --method key."));
         const BothSides keys(tables, options.key, options.targetKey, QStringLiteral("--key"),
                              MostKeys);
-        run.Method = CompMethod::PrimaryKey;
         for (int side = 0; side < 2; ++side) run.Keys[side] = keys.keys(side);
     }
     if (run.Method == CompMethod::PrimaryKey &&
@@ -233,9 +230,10 @@ DataComparisonRun runOf(const Options& options, const CompareDataPair& tables) {
             run.OrderBy[side] = BuildOrderByClause(by.value(0), by.value(1), by.value(2));
         }
     }
+    if (run.Method == CompMethod::PrimaryKey && (options.offset > 1 || options.targetOffset > 1))
+        throw Failure(QStringLiteral("--offset belongs to --method record."));
     if (options.offset >= 0) run.Offset[0] = options.offset;
     if (options.targetOffset >= 0) run.Offset[1] = options.targetOffset;
-    checkOffsets(options, run);
     run.Quiet = true;
     run.ShowDifferences = !options.exportFile.isEmpty();
     return run;

@@ -135,9 +135,7 @@ void RunToSave::saveTableSettings(const DataComparisonRun& run, bool ignoring,
     for (size_t side = 0; side < 2; ++side) {
         const CompareDataTable& table = run.Tables[side];
         if (ignoring)
-            SaveIgnoredColumnsList(IgnoreMode::DataComparison,
-                                   GetObjectKeyName(table.Server.Name, table.Db, table.Table),
-                                   ignored[side]);
+            SaveIgnoredColumnsList(IgnoreMode::DataComparison, table.key(), ignored[side]);
         TableCompSettings settings;
         const QStringList sort = splitNames(run.OrderBy[side].mid(int(qstrlen(" ORDER BY "))));
         settings.PrimarySortKey = sort.value(0);
@@ -148,7 +146,8 @@ void RunToSave::saveTableSettings(const DataComparisonRun& run, bool ignoring,
         settings.CompKey = keyOf(run.Keys[side].CompKey);
         settings.SecondaryCompKey = keyOf(run.Keys[side].SecondaryCompKey);
         settings.TertiaryCompKey = keyOf(run.Keys[side].TertiaryCompKey);
-        const QString trouble = SaveTableCompSettings(side == 0, table.Db, table.Table, settings);
+        const QString trouble =
+            SaveTableCompSettings(side == 0, table.Db, table.storedName(), settings);
         if (!trouble.isEmpty())
             refuse(QStringLiteral("the tables' settings can't be kept: ") + trouble);
     }

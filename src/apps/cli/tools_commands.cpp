@@ -78,9 +78,9 @@ int runAnalyze(const Options& options, ConsoleShell& console) {
     const KeepAccount keep(account);
     const CompareDataTable found =
         findTable(SourcePanel, database, options.table, TableOfSide::Only);
-    AnalyzedTable table{found.Server,   database,
-                        found.name(),   quotedName(found.Schema, found.name()),
-                        found.ObjectId, 0};
+    AnalyzedTable table{
+        found.Server,   database, found.name(),      quotedName(found.Schema, found.name()),
+        found.ObjectId, 0,        found.storedName()};
     table.RecordsCount = GetNumberOfRecordsInTable(table.Server, table.QualifiedTable, database);
     if (tellTrouble(console, account)) return Trouble;
     if (table.RecordsCount < 0)

@@ -610,8 +610,7 @@ void frmMain::ignoreColumns(int Index) {
             QStringLiteral("Cannot Continue"));
         return;
     }
-    screens_.ignoreColumns(Index, database(Index), table,
-                           isSource ? pair.sourceId : pair.targetId);
+    screens_.ignoreColumns(Index, database(Index), isSource ? pair.source() : pair.target());
 }
 
 void frmMain::visualizeDifferences() {

@@ -135,6 +135,7 @@ class frmMain : public PanelWindow,
         QString table;
         QString extendedName;
         qint32 id = 0;
+        ObjectRef object;
     };
     /// `Action` 0 views, 1 analyses.
     bool CanViewAnalyzeData(int Action, int Index, TableChoice& choice);

@@ -168,8 +168,8 @@ bool frmMain::CanViewAnalyzeData(int Action, int Index, TableChoice& choice) {
     choice.schema = object.schema;
     choice.table = object.bareName();
     choice.id = object.id;
-    choice.extendedName = GetExtendedObjectName(choice.server, choice.database,
-                                                objectOf(object, ObjectType::Table));
+    choice.object = objectOf(object, ObjectType::Table);
+    choice.extendedName = GetExtendedObjectName(choice.server, choice.database, choice.object);
     return true;
 }
 

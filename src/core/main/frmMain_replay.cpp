@@ -242,8 +242,8 @@ void frmMain::RunSavedProcess_Data_Single(const SavedProcess& process) {
         }
         // The rows' own ids: a table that was made anew since has another one than the process.
         const CompareDataPair tables = TablesOf(GetNamesOfSelected());
-        DataCompSettings settings = ReadDataCompSettings(process.DbName1, process.DbName2,
-                                                         tables[0].Table, tables[1].Table);
+        DataCompSettings settings = ReadDataCompSettings(
+            process.DbName1, process.DbName2, tables[0].storedName(), tables[1].storedName());
         settings.Method = process.CompMethod;
         DataComparisonRun run = DataComparisonRunOf(tables, settings);
         run.ExportFilePath = process.ExportFilePath;

@@ -16,8 +16,7 @@ void frmMain::cmdAnalyzeData_Click(int Index) {
     whileBusy("cmdAnalyzeData_Click", [&] {
         TableChoice choice;
         if (CanViewAnalyzeData(1, Index, choice))
-            screens_.analyzeData(Index, choice.database, choice.table, choice.extendedName,
-                                 choice.id);
+            screens_.analyzeData(Index, choice.database, choice.object, choice.extendedName);
     });
 }
 

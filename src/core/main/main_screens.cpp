@@ -25,12 +25,11 @@ QString MainScreens::searchForObject(int Panel, ObjectType Type, const QString& 
     return frmSearchForObject_Gen().ShowUp(Panel, Type, GetObjectTypeName(Type, false), Db);
 }
 
-bool MainScreens::ignoreColumns(int Panel, const QString& Db, const QString& Table,
-                                qint32 ObjectId) {
+bool MainScreens::ignoreColumns(int Panel, const QString& Db, const ObjectRef& Table) {
     qint32 count = 0;
     return frmIgnoreColumnsAdd().ShowUp(IgnoreMode::StructureComparison,
-                                        globals().gtCurrentServers[Panel], Db, Table, ObjectId,
-                                        count);
+                                        globals().gtCurrentServers[Panel], Db, Table.shownName,
+                                        Table.id, count, Table.storedName());
 }
 
 void MainScreens::viewIgnoredColumns(qint32 Mode) {
@@ -42,9 +41,9 @@ void MainScreens::viewData(int Panel, const QString& Db, const QString& Table,
     frmDataView().ShowUp(QualifiedTable, Table, Db, Panel, ObjectId);
 }
 
-void MainScreens::analyzeData(int Panel, const QString& Db, const QString& Table,
-                              const QString& QualifiedTable, qint32 ObjectId) {
-    frmDataAnalyze().ShowUp(QualifiedTable, Table, Db, Panel, ObjectId);
+void MainScreens::analyzeData(int Panel, const QString& Db, const ObjectRef& Table,
+                              const QString& QualifiedTable) {
+    frmDataAnalyze().ShowUp(QualifiedTable, Table.name, Db, Panel, Table.id, Table.storedName());
 }
 
 bool MainScreens::attachDatabase(const ServerInfo& Server) {

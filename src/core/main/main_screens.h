@@ -20,15 +20,15 @@ class MainScreens : public ReportScreen {
     /// The chosen name, empty when nothing was chosen.
     QString searchForObject(int Panel, ObjectType Type, const QString& Db);
     /// The table's columns that structure comparisons leave out. True when their list was changed.
-    bool ignoreColumns(int Panel, const QString& Db, const QString& Table, qint32 ObjectId);
+    bool ignoreColumns(int Panel, const QString& Db, const ObjectRef& Table);
     /// `Mode` as in IgnoreMode: data or structure comparisons.
     void viewIgnoredColumns(qint32 Mode);
     /// The rows of a table; `QualifiedTable` is its name in statements.
     void viewData(int Panel, const QString& Db, const QString& Table, const QString& QualifiedTable,
                   qint32 ObjectId);
     /// The analyzer on that table.
-    void analyzeData(int Panel, const QString& Db, const QString& Table,
-                     const QString& QualifiedTable, qint32 ObjectId);
+    void analyzeData(int Panel, const QString& Db, const ObjectRef& Table,
+                     const QString& QualifiedTable);
     /// Files that become a database of the server; true when one was attached.
     bool attachDatabase(const ServerInfo& Server);
     /// The developer's screen that calls sample procedures.
