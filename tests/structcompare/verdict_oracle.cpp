@@ -93,8 +93,10 @@ class Reader {
         for (
             const Row& row : rows(
                 "SELECT c.object_id, c.name, t.name, c.max_length, c.precision, c.scale, "
-                "c.is_nullable, i.seed_value, i.increment_value, d.name, d.definition FROM "
-                "sys.columns c INNER JOIN sys.types t ON t.user_type_id = c.user_type_id LEFT JOIN "
+                "c.is_nullable, i.seed_value, i.increment_value, d.name, d.definition, ts.name "
+                "FROM "
+                "sys.columns c INNER JOIN sys.types t ON t.user_type_id = c.user_type_id INNER "
+                "JOIN sys.schemas ts ON ts.schema_id = t.schema_id LEFT JOIN "
                 "sys.identity_columns i ON i.object_id = c.object_id AND i.column_id = c.column_id "
                 "LEFT JOIN sys.default_constraints d ON d.object_id = c.default_object_id ORDER BY "
                 "c.object_id, c.column_id")) {
@@ -154,6 +156,7 @@ class Reader {
             line.chop(1);
             line += u'(' + row[4] + u',' + row[5] + QStringLiteral(") ");
         }
+        if (row[11] != u"sys") line += QStringLiteral("of ") + row[11] + u' ';
         if (!row[7].isNull())
             line += QStringLiteral("IDENTITY(") + row[7] + u',' + row[8] + QStringLiteral(") ");
         line += row[6] == u"True" ? QStringLiteral("NULL") : QStringLiteral("NOT NULL");
@@ -165,11 +168,13 @@ class Reader {
 
     void readRelationships() {
         const auto keys = rows(
-            "SELECT s.name, f.name, t.name, tc.name, r.name, rc.name FROM sys.foreign_keys f INNER "
+            "SELECT s.name, f.name, t.name, tc.name, r.name, rc.name, rs.name FROM "
+            "sys.foreign_keys f INNER "
             "JOIN sys.schemas s ON s.schema_id = f.schema_id INNER JOIN sys.objects t ON "
             "t.object_id "
             "= f.parent_object_id INNER JOIN sys.objects r ON r.object_id = f.referenced_object_id "
-            "INNER JOIN sys.foreign_key_columns k ON k.constraint_object_id = f.object_id AND "
+            "INNER JOIN sys.schemas rs ON rs.schema_id = r.schema_id INNER JOIN "
+            "sys.foreign_key_columns k ON k.constraint_object_id = f.object_id AND "
             "k.constraint_column_id = 1 INNER JOIN sys.columns tc ON tc.object_id = "
             "k.parent_object_id AND tc.column_id = k.parent_column_id INNER JOIN sys.columns rc ON "
             "rc.object_id = k.referenced_object_id AND rc.column_id = k.referenced_column_id");
@@ -178,8 +183,8 @@ class Reader {
             add(ObjectType::Relationship, row[0], row[1],
                 QStringLiteral("TABLE ") + row[2] + QStringLiteral("\r\nCONSTRAINT [") + row[1] +
                     QStringLiteral("]\r\nFOREIGN KEY [") + row[3] +
-                    QStringLiteral("]\r\nREFERENCES [") + row[4] + QStringLiteral("] [") + row[5] +
-                    u']');
+                    QStringLiteral("]\r\nREFERENCES [") + row[6] + QStringLiteral("].[") + row[4] +
+                    QStringLiteral("] [") + row[5] + u']');
     }
 
     void readConstraints() {
@@ -210,6 +215,51 @@ class Reader {
 
 }  // namespace
 
+QString withoutOverlooked(const QString& text) {
+    QString kept;
+    for (qsizetype at = 0; at < text.size();) {
+        const QChar c = text[at];
+        const auto stands = [&](const char* sign) {
+            return QStringView(text).mid(at).startsWith(QLatin1StringView(sign));
+        };
+        if (c == u'[' || c == u'"') {
+            // A doubled closing sign only begins the name's next part.
+            qsizetype end = text.indexOf(c == u'[' ? QChar(u']') : c, at + 1);
+            if (end < 0) end = text.size() - 1;
+            kept += QStringView(text).mid(at, end + 1 - at);
+            at = end + 1;
+            while (c == u'[' && at < text.size() && text[at] == u']') {
+                end = text.indexOf(u']', at + 1);
+                if (end < 0) end = text.size() - 1;
+                kept += QStringView(text).mid(at, end + 1 - at);
+                at = end + 1;
+            }
+        } else if (stands("/*")) {
+            const qsizetype end = text.indexOf(QStringLiteral("*/"), at + 2);
+            at = end < 0 ? text.size() : end + 2;
+        } else if (stands("--")) {
+            const qsizetype end = text.indexOf(u'\n', at);
+            at = end < 0 ? text.size() : end;
+        } else {
+            kept += c;
+            ++at;
+        }
+    }
+    return kept.simplified();
+}
+
+bool mayPassForEqual(const QString& source, const QString& target) {
+    if (withoutOverlooked(source) == withoutOverlooked(target)) return true;
+    const auto sortedLines = [](const QString& text) {
+        QStringList lines;
+        for (const QString& line : text.split(u'\n'))
+            if (!line.simplified().isEmpty()) lines += line.simplified();
+        lines.sort();
+        return lines;
+    };
+    return sortedLines(source) == sortedLines(target);
+}
+
 CatalogueTexts readCatalogue(const ServerInfo& server, const QString& database) {
     return Reader(server, database).read();
 }
@@ -228,14 +278,17 @@ ExpectedVerdict expectedVerdict(const CatalogueTexts& source, const CatalogueTex
                 verdict.onlyInSource[kind] += it->shown;
             else if (!it->text || !other->text)
                 verdict.unreadable[kind] += it->shown;
-            else if (*it->text != *other->text)
+            else if (*it->text != *other->text) {
                 verdict.differing[kind] += it->shown;
+                if (!mayPassForEqual(*it->text, *other->text))
+                    verdict.differingAnyway[kind] += it->shown;
+            }
         }
         for (auto it = ofTarget.begin(); it != ofTarget.end(); ++it)
             if (!ofSource.contains(it.key())) verdict.onlyInTarget[kind] += it->shown;
     }
-    for (auto* lists :
-         {&verdict.differing, &verdict.onlyInSource, &verdict.onlyInTarget, &verdict.unreadable})
+    for (auto* lists : {&verdict.differing, &verdict.differingAnyway, &verdict.onlyInSource,
+                        &verdict.onlyInTarget, &verdict.unreadable})
         for (QStringList& names : *lists) names.sort();
     verdict.someOneSided = !verdict.onlyInSource.isEmpty() || !verdict.onlyInTarget.isEmpty();
     verdict.someUnreadable = !verdict.unreadable.isEmpty();

@@ -12,6 +12,10 @@
 
 namespace zov::test {
 
+/// The text without comments, runs of white space as one blank. "--" and "/*" begin a comment
+/// everywhere but in names in brackets or double quotes.
+QString withoutOverlooked(const QString& text);
+
 /// By kind, then by schema and name (and table, of a constraint) joined by NUL.
 struct CatalogueTexts {
     struct Entry {
@@ -26,6 +30,8 @@ CatalogueTexts readCatalogue(const ServerInfo& server, const QString& database);
 /// Names as the report's lists show them, sorted; kinds that one side lacks have no lists.
 struct ExpectedVerdict {
     QMap<ObjectType, QStringList> differing, onlyInSource, onlyInTarget, unreadable;
+    /// Those of `differing` that differ in more than white space, comments and the order of lines.
+    QMap<ObjectType, QStringList> differingAnyway;
     bool identical = true;  ///< everything was read and is the same
     bool someOneSided = false;
     bool someUnreadable = false;
