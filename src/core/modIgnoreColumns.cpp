@@ -68,6 +68,20 @@ QString takePart(const QString& key, qsizetype& at) {
     return part;
 }
 
+/// Where the part behind the last dot begins that stands in no brackets.
+qsizetype lastPartOf(const QString& key) {
+    qsizetype begin = 0;
+    for (qsizetype at = 0; at < key.size(); ++at) {
+        if (key[at] == u'[' && at == begin) {
+            const qsizetype close = key.indexOf(u"].", at);
+            if (close < 0) break;
+            at = close + 1;
+        }
+        if (key[at] == u'.') begin = at + 1;
+    }
+    return begin;
+}
+
 }  // namespace
 
 QString KeyPart(const QString& Name) {
@@ -81,7 +95,7 @@ QString KeyPart(const QString& Name) {
 }
 
 QString GetObjectKeyName(const QString& Server, const QString& Db, const QString& TableKey) {
-    const QString name = KeyPart(Server) + u'.' + KeyPart(Db);
+    const QString name = Server + u'.' + KeyPart(Db);
     return TableKey.isEmpty() ? name : name + u'.' + TableKey;
 }
 
@@ -94,26 +108,10 @@ void GetObjectKeyParts(const QString& Key, QString& Server, QString& Db, QString
 
 QString SectionOfKey(const IniDocument& Document, const QString& Key) {
     if (Document.hasSection(Key)) return Key;
-    struct Parts {
-        explicit Parts(const QString& key) { GetObjectKeyParts(key, server, db, table); }
-        QString server, db, table;
-    };
-    const Parts wanted(Key);
-    const QString bare = wanted.server + u'.' + wanted.db + u'.';
-    const QStringList sections = Document.sections();
-    for (const QString& section : sections) {
-        const Parts parts(section);
-        if (parts.table == wanted.table &&
-            parts.server.compare(wanted.server, Qt::CaseInsensitive) == 0 &&
-            parts.db.compare(wanted.db, Qt::CaseInsensitive) == 0)
-            return section;
-    }
-    // Written by hand or before there were brackets: a server with dots as it stands. With four
-    // dots or more it is no other table's key.
-    if (bare.count(u'.') + wanted.table.count(u'.') < 4) return Key;
-    for (const QString& section : sections)
-        if (section.size() == bare.size() + wanted.table.size() &&
-            section.startsWith(bare, Qt::CaseInsensitive) && section.endsWith(wanted.table))
+    const qsizetype table = lastPartOf(Key);
+    for (const QString& section : Document.sections())
+        if (section.compare(Key, Qt::CaseInsensitive) == 0 &&
+            QStringView(section).mid(table) == QStringView(Key).mid(table))
             return section;
     return Key;
 }

@@ -31,14 +31,15 @@ struct IgnoredColumnRow {
 /// bracket or a line break in it could make one key of two tables' names.
 QString KeyPart(const QString& Name);
 /// "Server.Db.Table", or "Server.Db" when the table's name is empty. `TableKey` is the table's name
-/// as KeyPart gives it, with "Schema." in front where lists show it so (ObjectRef::storedName).
+/// as KeyPart gives it, with "Schema." in front where lists show it so (ObjectRef::storedName). A
+/// server's name stands as it is: what follows it can be told from behind.
 QString GetObjectKeyName(const QString& Server, const QString& Db, const QString& TableKey);
-/// Splits a key behind its first two parts; the table's part stays as the key has it.
+/// Splits a key behind its first two parts (a server's name with a dot is split wrongly, as is
+/// known); the table's part stays as the key has it.
 void GetObjectKeyParts(const QString& Key, QString& Server, QString& Db, QString& TableKey);
 /// The section of a file that a key means: server and database in any letters, the table in those
 /// of the key, since a database may tell cases apart. The key itself when there is none. The
-/// document is one that tells sections apart by letter case. A server with many dots is known
-/// without its brackets, too.
+/// document is one that tells sections apart by letter case.
 QString SectionOfKey(const IniDocument& Document, const QString& Key);
 /// "Table (Database: Db, Server: Server)"
 QString GetObjectDisplayName(const QString& Server, const QString& Db, const QString& Table);

