@@ -1,5 +1,7 @@
 #include "data/script_batches.h"
 
+#include "data/script_tokens.h"
+
 #include <QRegularExpression>
 #include <QSet>
 
@@ -41,64 +43,6 @@ void scanLine(QStringView line, ScanState& state) {
             state.openQuote = u']';
         }
     }
-}
-
-/// Behind the block comment that was opened in front of `at`; comments nest.
-qsizetype endOfComment(const QString& script, qsizetype at) {
-    for (int open = 1; open > 0 && at < script.size(); ++at) {
-        const QStringView two = QStringView(script).mid(at, 2);
-        if (two == u"/*" || two == u"*/") {
-            open += two == u"/*" ? 1 : -1;
-            ++at;
-        }
-    }
-    return at;
-}
-
-/// A word, a quoted name or a mark of a script, outside of comments and strings.
-struct ScriptToken {
-    QString text;
-    bool quoted = false;
-    qsizetype position = 0;
-    int line = 1;
-    int depth = 0;  ///< of parentheses around it
-
-    bool is(QLatin1StringView word) const {
-        return !quoted && text.compare(word, Qt::CaseInsensitive) == 0;
-    }
-};
-
-std::vector<ScriptToken> tokensOf(const QString& script) {
-    static const QRegularExpression token(
-        QStringLiteral("--[^\\n]*|'(?:[^']|'')*'|\\[((?:[^\\]]|\\]\\])*)\\]|\"((?:[^\"]|\"\")*)\"|("
-                       "[\\w@#$]+)|/\\*|[^\\s]"));
-    std::vector<ScriptToken> tokens;
-    int depth = 0, line = 1;
-    qsizetype counted = 0;
-    for (qsizetype at = 0; at < script.size();) {
-        const QRegularExpressionMatch match = token.match(script, at);
-        if (!match.hasMatch()) break;
-        at = match.capturedEnd();
-        const QStringView text = match.capturedView();
-        if (text == u"/*") {
-            at = endOfComment(script, at);
-            continue;
-        }
-        if (text.startsWith(u"--") || text.startsWith(u'\'')) continue;
-        if (text == u")") --depth;
-        line += int(QStringView(script).mid(counted, match.capturedStart() - counted).count(u'\n'));
-        counted = match.capturedStart();
-        ScriptToken one{text.toString(), false, match.capturedStart(), line, depth};
-        for (const int group : {1, 2}) {
-            if (!match.hasCaptured(group)) continue;
-            const QChar close = group == 1 ? u']' : u'"';
-            one.quoted = true;
-            one.text = match.captured(group).replace(QString(2, close), QString(close));
-        }
-        if (text == u"(") ++depth;
-        tokens.push_back(std::move(one));
-    }
-    return tokens;
 }
 
 }  // namespace

@@ -2,6 +2,7 @@
 
 #include "catalog/modOwner.h"
 #include "core/error_report.h"
+#include "data/sql_names.h"
 #include "shell/shell.h"
 #include "util/text.h"
 
@@ -40,7 +41,7 @@ QString dropHeader(const CreateStatementRequest& request, const QString& name) {
     const QString now =
         QDateTime::currentDateTime().toString(QStringLiteral("yyyy-MM-dd hh:mm:ss"));
     const QStringList lines = {
-        QStringLiteral("USE [") + request.dbName + u']',
+        QStringLiteral("USE ") + quoteName(request.dbName),
         QStringLiteral("GO"),
         QStringLiteral("/****** Object: ") + type + u' ' + name +
             QStringLiteral("      ---- Script Date: ") + now + QStringLiteral(" ******/"),
@@ -49,7 +50,8 @@ QString dropHeader(const CreateStatementRequest& request, const QString& name) {
         QStringLiteral("SET QUOTED_IDENTIFIER ON"),
         QStringLiteral("GO"),
         QStringLiteral("IF EXISTS (SELECT * FROM dbo.sysobjects"),
-        QStringLiteral("WHERE id = object_id('") + name + QStringLiteral("') AND ") +
+        QStringLiteral("WHERE id = object_id('") + DoubleSingleQuotes(name) +
+            QStringLiteral("') AND ") +
             dropTest(request.objectType) + u')',
         QStringLiteral("DROP ") + type + u' ' + name,
         QStringLiteral("GO"),
@@ -113,6 +115,8 @@ QString BuildObjectCreateStatement(const ServerInfo& server, const CreateStateme
             closing = QStringLiteral(")");
         }
         QString body = bodyOf(server, request);
+        // With the header alone the script would drop the object and make nothing in its place.
+        if (body.isEmpty()) return QString();
         QString extras = GetExtras(server, request.meant(), request.dbName);
         if (!request.lineSuffix.isEmpty() && !cutSuffix(extras, request.lineSuffix))
             cutSuffix(body, request.lineSuffix);
@@ -129,9 +133,12 @@ QString WrapStatementForDatabase(const QString& sql, const QString& dbName) {
     if (create > 0) text.remove(0, create);
     // The statement stands inside two levels of quoted EXEC.
     text.replace(u'\'', QLatin1StringView("''''"));
-    if (!dbName.isEmpty())
-        return QStringLiteral("EXEC ('USE ") + dbName + QStringLiteral(" EXEC (''") + text +
+    if (!dbName.isEmpty()) {
+        const QString name =
+            isRegularName(dbName) ? dbName : DoubleSingleQuotes(quoteName(dbName));
+        return QStringLiteral("EXEC ('USE ") + name + QStringLiteral(" EXEC (''") + text +
                QStringLiteral("'')')");
+    }
     return QStringLiteral("EXEC ('USE ' + @Database + ' EXEC (''") + text +
            QStringLiteral("'')')") + checkErrorLine;
 }
@@ -147,13 +154,13 @@ bool SQL_Execute(const ServerInfo& connection, const QString& sql, const QString
 
 QString BuildIndexDropStatement(const ColumnRecord& index, const QString& tableName) {
     if (!isFinishedIndex(index, tableName)) return {};
-    return QStringLiteral("ALTER TABLE [") + tableName + QStringLiteral("] DROP ") +
-           index.strIndexText.section(u' ', 0, 0) + QStringLiteral(" [") + index.strName + u']';
+    return QStringLiteral("ALTER TABLE ") + quoteName(tableName) + QStringLiteral(" DROP ") +
+           index.strIndexText.section(u' ', 0, 0) + u' ' + quoteName(index.strName);
 }
 
 QString BuildIndexCreateStatement(const ColumnRecord& index, const QString& tableName) {
     if (!isFinishedIndex(index, tableName)) return {};
-    return QStringLiteral("ALTER TABLE [") + tableName + QStringLiteral("] ADD ") +
+    return QStringLiteral("ALTER TABLE ") + quoteName(tableName) + QStringLiteral(" ADD ") +
            index.strIndexText;
 }
 

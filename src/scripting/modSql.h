@@ -22,7 +22,8 @@ struct CreateStatementRequest {
         return object.name.isEmpty() ? objectNamed(objectName, objectType, objectId) : object;
     }
 };
-/// Empty, with `ok` false, when the request is incomplete (which a box tells) or fails.
+/// Empty, with `ok` false, when the request is incomplete (which a box tells), fails, or when the
+/// object has no text that can be read (which goes into the account of the run).
 QString BuildObjectCreateStatement(const ServerInfo& server, const CreateStatementRequest& request,
                                    bool& ok);
 

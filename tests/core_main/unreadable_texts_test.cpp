@@ -105,5 +105,19 @@ TEST_F(UnreadableOverTheWire, TablesWhoseColumnsCannotBeReadArentCompared) {
     EXPECT_NE(verdict.find("permission was denied"), std::string::npos) << verdict;
 }
 
+TEST_F(UnreadableTexts, AreNoStatementThatDropsTheirObject) {
+    chooseType(ObjectType::Procedure);
+    select(0, QStringLiteral("Secret"));
+    select(1, QStringLiteral("Open1"));
+    told();
+    reports.clear();
+    window.ExecuteAction(command::CreateSource);
+    EXPECT_EQ(told(), "information: Couldn't generate SQL CREATE statement.\\n\\nSERVER.Src: " +
+                          SecretTrouble);
+    window.ExecuteAction(command::CreateTarget);
+    ASSERT_EQ(reports.size(), 1);
+    EXPECT_TRUE(reports[0].contains(QStringLiteral("CREATE PROCEDURE dbo.Open1")));
+}
+
 }  // namespace
 }  // namespace zov

@@ -1,5 +1,6 @@
 // Statements that can be run, made from texts.
 #include "catalog/modSchema.h"
+#include "core/run_account.h"
 #include "scripting/modSql.h"
 #include "shell/memory_controls.h"
 #include "support/recording_shell.h"
@@ -15,7 +16,7 @@ QString lines(QString text) {
     return text.replace(QStringLiteral("\r\n"), QStringLiteral("$\n"));
 }
 
-class CreateStatements : public ::testing::Test {
+class CreateStatements : public ::testing::TestWithParam<test::Road> {
  protected:
     void SetUp() override {
         served.load(db, QStringLiteral(R"(
@@ -34,7 +35,10 @@ CREATE PROCEDURE sales.p AS SELECT * FROM sales.Bare
         MemoryTextPane pane;
         LoadObjects(server, list, pane, type, db, false, {}, SourcePanel, nullptr);
         for (int row = 0; row < list.rowCount(); ++row)
-            if (list.row(row).name == QLatin1String(name)) request.objectId = list.row(row).id;
+            if (list.row(row).name == QLatin1String(name)) {
+                request.objectId = list.row(row).id;
+                request.object = objectOf(list.row(row), type);
+            }
         request.dbName = db;
         request.objectName = QLatin1String(name);
         request.objectType = type;
@@ -47,12 +51,14 @@ CREATE PROCEDURE sales.p AS SELECT * FROM sales.Bare
     test::TempHome home;
     test::RecordingShell shell;
     const QString db = QStringLiteral("CreateDb");
-    test::ServedDatabases served;
+    test::ServedDatabases served{GetParam()};
     ServerInfo server;
     bool ok = false;
 };
+INSTANTIATE_TEST_SUITE_P(Roads, CreateStatements,
+                         ::testing::Values(test::Road::Embedded, test::Road::Odbc), test::roadName);
 
-TEST_F(CreateStatements, ATableComesWithItsHeaderAndItsClusteredKey) {
+TEST_P(CreateStatements, ATableComesWithItsHeaderAndItsClusteredKey) {
     CreateStatementRequest request;
     request.lineSuffix = QStringLiteral(",");
     EXPECT_EQ(statement(ObjectType::Table, "T", request).toStdString(),
@@ -68,7 +74,7 @@ TEST_F(CreateStatements, ATableComesWithItsHeaderAndItsClusteredKey) {
     EXPECT_TRUE(ok);
 }
 
-TEST_F(CreateStatements, TheLastCommaGoesWhereNoIndexFollows) {
+TEST_P(CreateStatements, TheLastCommaGoesWhereNoIndexFollows) {
     CreateStatementRequest request;
     request.lineSuffix = QStringLiteral(",");
     request.bodyOnly = true;
@@ -76,7 +82,7 @@ TEST_F(CreateStatements, TheLastCommaGoesWhereNoIndexFollows) {
               "CREATE TABLE [sales].[Bare] ($\n[ID] [int] NOT NULL,$\n[B] [int] NULL $\n)");
 }
 
-TEST_F(CreateStatements, AnotherOwnerReplacesTheOldOneInNamesAndSources) {
+TEST_P(CreateStatements, AnotherOwnerReplacesTheOldOneInNamesAndSources) {
     CreateStatementRequest request;
     request.bodyOnly = true;
     request.ownerFrom = QStringLiteral("sales");
@@ -88,7 +94,7 @@ TEST_F(CreateStatements, AnotherOwnerReplacesTheOldOneInNamesAndSources) {
                     .contains(QStringLiteral("DROP Procedure [hr].[p]$\nGO$\n$\n")));
 }
 
-TEST_F(CreateStatements, IncompleteRequestsAreRefused) {
+TEST_P(CreateStatements, IncompleteRequestsAreRefused) {
     EXPECT_EQ(statement(ObjectType::Table, "missing"), QString());
     EXPECT_FALSE(ok);
     EXPECT_EQ(shell.lines.join(u'\n'),
@@ -96,15 +102,38 @@ TEST_F(CreateStatements, IncompleteRequestsAreRefused) {
                              "parameters passed"));
 }
 
-TEST_F(CreateStatements, AStatementIsWrappedForAnotherDatabase) {
+TEST_P(CreateStatements, AnObjectWithoutATextHasNoStatementThatWouldDropIt) {
+    served.load(db, QStringLiteral("CREATE PROCEDURE dbo.Secret WITH ENCRYPTION AS SELECT 1\nGO\n"
+                                   "CREATE TABLE dbo.Gone (A int)"));
+    RunAccount account;
+    const KeepAccount keep(account);
+    EXPECT_EQ(statement(ObjectType::Procedure, "Secret"), QString());
+    EXPECT_FALSE(ok);
+    EXPECT_FALSE(account.isWhole());
+    CreateStatementRequest request;
+    request.objectId = 4711;
+    EXPECT_EQ(statement(ObjectType::Table, "Nowhere", request), QString());
+    EXPECT_FALSE(ok);
+}
+
+TEST_P(CreateStatements, NamesAreQuotedWhereTheyStand) {
+    served.load(db, QStringLiteral("CREATE TABLE dbo.[O'Brien.[x]]] (A int NOT NULL)"));
+    const QString text = statement(ObjectType::Table, "O'Brien.[x]");
+    EXPECT_TRUE(text.contains(QStringLiteral("object_id('[dbo].[O''Brien.[x]]]')"))) << text.toStdString();
+    EXPECT_TRUE(text.contains(QStringLiteral("CREATE TABLE [dbo].[O'Brien.[x]]] (")));
+}
+
+TEST_P(CreateStatements, AStatementIsWrappedForAnotherDatabase) {
     EXPECT_EQ(WrapStatementForDatabase(QStringLiteral("-- x\r\nCreate proc p as print 'a'"), db),
               QStringLiteral("EXEC ('USE CreateDb EXEC (''Create proc p as print ''''a'''''')')"));
+    EXPECT_EQ(WrapStatementForDatabase(QStringLiteral("create x"), QStringLiteral("Bob's [1]")),
+              QStringLiteral("EXEC ('USE [Bob''s [1]]] EXEC (''create x'')')"));
     EXPECT_EQ(lines(WrapStatementForDatabase(QStringLiteral("SELECT 1"), {})),
               QStringLiteral("EXEC ('USE ' + @Database + ' EXEC (''SELECT 1'')')$\n"
                              "IF @@ERROR <> 0 SET @ErrorVal = @@ERROR$\n$\n"));
 }
 
-TEST_F(CreateStatements, AScriptRunsInItsDatabase) {
+TEST_P(CreateStatements, AScriptRunsInItsDatabase) {
     EXPECT_TRUE(SQL_Execute(server,
                             QStringLiteral("CREATE TABLE dbo.Fresh (A varchar(5) NOT NULL "
                                            "CONSTRAINT DF_F DEFAULT ('x'))"),
@@ -115,7 +144,7 @@ TEST_F(CreateStatements, AScriptRunsInItsDatabase) {
     EXPECT_EQ(shell.lines.last(), QStringLiteral("exclamation: Error occured - aborting."));
 }
 
-TEST_F(CreateStatements, IndexesAreDroppedAndMadeByTheirTexts) {
+TEST_P(CreateStatements, IndexesAreDroppedAndMadeByTheirTexts) {
     ColumnRecord index;
     index.strName = QStringLiteral("PK_T");
     index.strIndexText = QStringLiteral("CONSTRAINT [PK_T] PRIMARY KEY CLUSTERED ([ID])");

@@ -568,9 +568,18 @@ void frmMain::BuildSQLCreateStatement(int Index) {
     request.objectType = pair.objectType;
     request.lineSuffix = QStringLiteral(",");
     bool ok = false;
-    const QString text = BuildObjectCreateStatement(server(Index), request, ok);
-    if (text.isEmpty()) {
-        shell().messageBox(QStringLiteral("Couldn't generate SQL CREATE statement."));
+    RunAccount account;
+    QString text;
+    {
+        const KeepAccount keep(account);
+        text = BuildObjectCreateStatement(server(Index), request, ok);
+    }
+    // What is missing from the text would be missing from the object that it makes.
+    if (text.isEmpty() || !account.isWhole()) {
+        QString told = QStringLiteral("Couldn't generate SQL CREATE statement.");
+        for (const AccountEntry& entry : account.entries())
+            told += CRLF + CRLF + entry.sentence();
+        shell().messageBox(told);
         return;
     }
     const ScopedValue<QString> report(globals().gstrReport, text);
