@@ -66,6 +66,30 @@ Examples:
 
 Exit status: 0 every name was found, 1 some can't be found, 2 trouble or a text that can't be
 read; with --words 0.)";
+const char* const CreateExamples = R"(Examples:
+  zovrand-cli create -S db1 -d Shop -o shop.sql
+      the whole database, without its rows; zovrand-cli load runs it in an empty one
+  zovrand-cli create -S local:shop -d Shop -t tables -o tables/
+      a file an object, in an order that runs
+  zovrand-cli create -S local:shop -d Shop Orders GetOrders --drop-header
+  zovrand-cli create -S local:shop -d Shop -t table Orders --as-shown
+
+The script holds schemas, types, sequences, synonyms, tables with their keys, indexes, foreign
+keys and checks, and modules from their stored texts. Rows, users, permissions, file groups and
+extended properties are not in it.
+
+Exit status: 0 done, 2 trouble, or an object that can't be scripted: it is named.)";
+
+const char* const UpdateScriptExamples = R"(Examples:
+  zovrand-cli update-script --source A --source-db Shop --target B --target-db Shop --table Orders
+  zovrand-cli update-script --source A --source-db Shop --target B --target-db Shop
+                            --table Orders --runnable -o update.sql
+
+The script gives the target's table the source's structure. Nothing is run. Without --runnable it
+lists the changes; with it, a server runs it as it stands. Read it first: where rows can be lost a
+comment says so.
+
+Exit status: 0 nothing is to be changed, 1 there is a script, 2 trouble.)";
 
 const char* const CompareExamples = R"(Examples:
   zovrand-cli compare --source local:shop --source-db Shop --target local:shop --target-db ShopNew
@@ -290,6 +314,51 @@ void describeServerCommands(CLI::App& app, Options& options, Fields& fields, Cho
         ->type_name("")
         ->required();
     choices.emplace_back(remove, Command::ServerRemove);
+}
+
+void describeScripts(CLI::App& app, Options& options, Fields& fields, Choices& choices) {
+    CLI::App* create = app.add_subcommand(
+        "create", "A script that makes objects: named ones, those of a kind or all of a database");
+    addServer(create, options, fields);
+    addType(create, options, fields);
+    create->get_option("--type")->required(false);
+    create->add_option("NAME", fields.list(options.objects),
+                       "Objects, with their schemas in front where several have a name")
+        ->type_name("");
+    create->add_flag("--as-shown", options.asShown,
+                     "The statement that the window shows, made from the text that is compared");
+    create->add_flag("--drop-header", options.dropHeader,
+                     "Drop what is made first where it exists");
+    create
+        ->add_option("-o,--output", fields.text(options.outputFile),
+                     "Write to this file; to a folder (or a name that ends in /) a file an object")
+        ->type_name("FILE|DIR")
+        ->check(NotEmpty);
+    create->footer(CreateExamples);
+    choices.emplace_back(create, Command::Create);
+
+    CLI::App* update = app.add_subcommand(
+        "update-script", "What to change so that the target's table gets the source's structure");
+    addServers(update, options, fields);
+    update->add_option("--table", fields.text(options.table), "The table, with its schema in front "
+                                                              "where several have the name")
+        ->type_name("NAME")
+        ->required()
+        ->check(NotEmpty);
+    update
+        ->add_option("--target-table", fields.text(options.targetTable),
+                     "The target's table when it has another name")
+        ->type_name("NAME")
+        ->check(NotEmpty);
+    update->add_flag("--runnable", options.runnable, "A script that a server runs as it stands");
+    update
+        ->add_option("-o,--output", fields.text(options.outputFile),
+                     "Write the script to this file instead of standard output")
+        ->type_name("FILE")
+        ->check(NotEmpty);
+    addSettings(update, options, fields);
+    update->footer(UpdateScriptExamples);
+    choices.emplace_back(update, Command::UpdateScript);
 }
 
 void describeData(CLI::App& app, Options& options, Fields& fields, Choices& choices) {
@@ -550,6 +619,7 @@ void describeCommands(CLI::App& app, Options& options, Fields& fields, Choices& 
         ->type_name("FILE");
     references->footer(ReferencesExamples);
     choices.emplace_back(references, Command::References);
+    describeScripts(app, options, fields, choices);
 
     CLI::App* compare = app.add_subcommand(
         "compare", "Compare the structure of two databases and print the report");

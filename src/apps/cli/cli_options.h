@@ -23,6 +23,8 @@ enum class Command {
     List,
     Text,
     References,
+    Create,
+    UpdateScript,
     Compare,
     Data,
     Analyze,
@@ -67,6 +69,12 @@ struct Options {
     // references
     QStringList objectNames;  ///< empty: all of the kind
     bool words = false;       ///< the word filter's list instead
+    // create
+    QStringList objects;      ///< names; none: all of the kind, or of the database
+    bool asShown = false;
+    bool dropHeader = false;
+
+    bool runnable = false;  // update-script
 
     // compare
     QString types;       ///< joined by commas; empty: all of a full run

@@ -97,6 +97,8 @@ int runQuery(const Options& options, ConsoleShell& console);
 int runList(const Options& options, ConsoleShell& console);
 int runText(const Options& options, ConsoleShell& console);
 int runReferences(const Options& options, ConsoleShell& console);
+int runCreate(const Options& options, ConsoleShell& console);
+int runUpdateScript(const Options& options, ConsoleShell& console);
 int runCompare(const Options& options, ConsoleShell& console);
 int runData(const Options& options, ConsoleShell& console);
 int runAnalyze(const Options& options, ConsoleShell& console);

@@ -51,6 +51,10 @@ int run(const Options& options, UnattendedShell& console) {
             return runText(options, console);
         case Command::References:
             return runReferences(options, console);
+        case Command::Create:
+            return runCreate(options, console);
+        case Command::UpdateScript:
+            return runUpdateScript(options, console);
         case Command::Compare:
             return toldUnlessKept(runCompare(options, console), options, console);
         case Command::Data:
