@@ -27,8 +27,9 @@ void frmReport::ShowUp(const ComparisonReport& report) {
     show();
 }
 
-void frmReport::ShowUp_Generic(const QString& Caption) {
+void frmReport::ShowUp_Generic(const QString& Caption, const ReportAlternative& Alternative) {
     fields = {};
+    alternative = Alternative;
     fields.Caption = Caption;
     cmdSaveVisible = false;
     show();
@@ -37,7 +38,7 @@ void frmReport::ShowUp_Generic(const QString& Caption) {
 void frmReport::show() {
     txtReport = globals().gstrReport;
     cmdSaveEnabled = cmdSaveVisible && processRecorder() != nullptr;
-    Saved = activated_ = false;
+    Saved = activated_ = chkAlternative = false;
     reopen();
     shell().showModal(*this);
     Form_Unload();
@@ -59,6 +60,13 @@ void frmReport::Form_Activate() {
     if (fields.Print) cmdPrint();
     fields.Replay = false;
     if (globals().gblnAutoClose) close();
+}
+
+void frmReport::chkAlternative_Click(bool on) {
+    if (busy_ || on == chkAlternative || alternative.caption.isEmpty()) return;
+    chkAlternative = on;
+    std::swap(txtReport, alternative.text);
+    refresh();
 }
 
 void frmReport::cmdCopyClip() {

@@ -7,6 +7,12 @@
 
 namespace zov {
 
+/// Another form of a report's text, which a check box shows in its place.
+struct ReportAlternative {
+    QString caption;  ///< of the box; empty: there is none
+    QString text;
+};
+
 class frmReport : public Screen {
  public:
     QString screenName() const override { return QStringLiteral("frmReport"); }
@@ -16,7 +22,7 @@ class frmReport : public Screen {
     /// Modal, with everything that a saved process would need.
     void ShowUp(const ComparisonReport& report);
     /// Modal, for texts that can't become a process.
-    void ShowUp_Generic(const QString& Caption);
+    void ShowUp_Generic(const QString& Caption, const ReportAlternative& Alternative = {});
 
     /// Leftovers of print drivers are deleted from the current folder when the screen closes; not by
     /// a program whose current folder is its user's.
@@ -24,6 +30,8 @@ class frmReport : public Screen {
 
     ComparisonReport fields;
     QString txtReport;
+    ReportAlternative alternative;
+    bool chkAlternative = false;
     bool cmdSaveVisible = true;
     /// There is a store of processes to save the run in.
     bool cmdSaveEnabled = false;
@@ -35,6 +43,8 @@ class frmReport : public Screen {
     /// close behind it, goes.
     void Form_Activate();
     void cmdCopyClip();
+    /// Shows the other form of the text, or the first again: what is copied, saved and printed.
+    void chkAlternative_Click(bool on);
     /// A replay's path takes the place of the user's choice.
     void cmdCopyToFile();
     /// Asks the saved runs' screen for a name.

@@ -45,7 +45,16 @@ class TestView : public MainWindowView {
     bool ownersVisible = false;
     bool canPrint = true;
 
+    std::vector<int> alsoSelected;  ///< rows behind the selected one
+
     Panels& panels() override { return both; }
+    std::vector<int> selectedRows(int Index) const override {
+        const int first = sides[Index].pvlSqlObj.selectedIndex();
+        if (first < 0) return {};
+        std::vector<int> rows{first};
+        rows.insert(rows.end(), alsoSelected.begin(), alsoSelected.end());
+        return rows;
+    }
     void setConnectPicture(int picture) override {
         lines += QStringLiteral("picture %1").arg(picture);
     }

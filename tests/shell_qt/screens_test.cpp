@@ -4,9 +4,11 @@
 #include "data/frmDeleteServer.h"
 #include "data/script_loading.h"
 #include "options/frmOptions.h"
+#include "reports/frmReport.h"
 #include "shell/qt/appearance.h"
 #include "shell/qt/help_window.h"
 #include "shell/qt/mark_colors.h"
+#include "shell/qt/object_list_view.h"
 #include "shell/qt/screen_dialog.h"
 #include "shell/qt/text_pane_widget.h"
 #include "shell_qt/screen_tour.h"
@@ -22,6 +24,7 @@
 #include <QLineEdit>
 #include <QListWidget>
 #include <QMessageBox>
+#include <QPlainTextEdit>
 #include <QPushButton>
 #include <QRadioButton>
 #include <QRegularExpression>
@@ -30,6 +33,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <set>
 
 namespace zov {
@@ -144,6 +148,46 @@ TEST(Screens, TheLoginFieldsFollowTheKindOfLogin) {
     });
     EXPECT_FALSE(form.ShowUp());
     EXPECT_TRUE(desktop.user.isDone());
+}
+
+TEST(Screens, AReportWithTwoFormsShowsTheOneThatIsTicked) {
+    Desktop desktop;
+    const auto report = [&](const ReportAlternative& alternative,
+                            const std::function<void(QPlainTextEdit*, QCheckBox*)>& look) {
+        globals().gstrReport = QStringLiteral("first");
+        desktop.user.plan([&](QWidget* screen) {
+            look(child<QPlainTextEdit>(screen, "txtReport"),
+                 child<QCheckBox>(screen, "chkAlternative"));
+            QTest::keyClick(screen, Qt::Key_Escape);
+        });
+        frmReport().ShowUp_Generic(QStringLiteral("Two"), alternative);
+        EXPECT_TRUE(desktop.user.isDone());
+    };
+    report({QStringLiteral("&Other"), QStringLiteral("second")},
+           [](QPlainTextEdit* text, QCheckBox* box) {
+               EXPECT_EQ(text->toPlainText(), u"first");
+               box->click();
+               EXPECT_EQ(text->toPlainText(), u"second");
+               EXPECT_TRUE(box->isChecked());
+               box->click();
+               EXPECT_EQ(text->toPlainText(), u"first");
+           });
+    report({}, [](QPlainTextEdit* text, QCheckBox* box) {
+        EXPECT_FALSE(box->isVisible());
+        EXPECT_EQ(text->toPlainText(), u"first");
+    });
+}
+
+TEST(Screens, TheWindowKnowsEveryRowThatIsSelected) {
+    Desktop desktop;
+    desktop.show();
+    qt::ObjectListView* list = desktop.window().list(SourcePanel);
+    list->selectAll();
+    const std::vector<int> rows = desktop.window().selectedRows(SourcePanel);
+    ASSERT_GT(list->rowCount(), 1);
+    EXPECT_EQ(int(rows.size()), list->rowCount());
+    EXPECT_EQ(rows.front(), 0);
+    EXPECT_TRUE(std::is_sorted(rows.begin(), rows.end()));
 }
 
 TEST(Screens, StoredNumbersThatABoxCantShowAreNoChange) {

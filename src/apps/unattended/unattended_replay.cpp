@@ -26,6 +26,7 @@ struct MemoryPanel {
 class MemoryWindow : public MainWindowView {
  public:
     Panels& panels() override { return panels_; }
+    std::vector<int> selectedRows(int) const override { return {}; }
     void setConnectPicture(int) override {}
     void setCompareToolTip(const QString&) override {}
     void setListToolTips(const QString&) override {}

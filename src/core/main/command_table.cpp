@@ -7,7 +7,6 @@ using enum CommandMenu;
 
 constexpr bool Submenu = true;
 constexpr bool Built = true;
-constexpr bool Later = false;  // shown, but disabled
 constexpr bool Line = true;    // a separator above
 
 }  // namespace
@@ -64,6 +63,15 @@ const std::vector<CommandEntry>& commandTable() {
         {410, 0, Sql, "Build SQL CREATE Statement - &Source", ""},
         {420, 0, Sql, "Build SQL CREATE Statement - &Target", ""},
 
+        {430, 0, Sql, "&Runnable Script - Source", "", Submenu, Built, Line},
+        {431, 430, Sql, "&Selected Objects", ""},
+        {432, 430, Sql, "All Objects of This &Type", ""},
+        {433, 430, Sql, "Whole &Database", ""},
+        {440, 0, Sql, "Ru&nnable Script - Target", "", Submenu},
+        {441, 440, Sql, "&Selected Objects", ""},
+        {442, 440, Sql, "All Objects of This &Type", ""},
+        {443, 440, Sql, "Whole &Database", ""},
+
         {501, 0, Tools, "&Add Server", ""},
         {502, 0, Tools, "&Remove Server", ""},
         {503, 0, Tools, "Data Analyzer", "", Submenu, Built, Line},
@@ -78,6 +86,7 @@ const std::vector<CommandEntry>& commandTable() {
         {523, 520, Tools, "In Listed Objects of S&ource", "", false, Built, Line},
         {524, 520, Tools, "In Listed Objects of T&arget", ""},
         {509, 0, Tools, "Atta&ch Database", ""},
+        {514, 0, Tools, "&Generate Update Script", ""},
         {510, 0, Tools, "List All Ignored Columns - &Data Comparisons", "", false, Built, Line},
         {511, 0, Tools, "List All Ignored Columns - &Structure Comparisons", ""},
         {513, 0, Tools, "&Options...", "", false, Built, Line},
@@ -98,9 +107,10 @@ const std::vector<CommandEntry>& commandTable() {
         {770, 0, PanePopUp, "Print", "", false, Built, Line},
         {780, 0, PanePopUp, "Print Source And Target", ""},
 
-        {801, 0, Debug, "Create Objects", "", false, Later},
+        {801, 0, Debug, "Create Objects", ""},
         {802, 0, Debug, "Db_GetObjSchemaById", ""},
         {803, 0, Debug, "Temp", ""},
+        {804, 0, Debug, "Generate Update Script", ""},
         {805, 0, Debug, "Execute Stored Procedure", ""},
         {806, 0, Debug, "&Attach Database", ""},
         {807, 0, Debug, "&Compare Tables", ""},
@@ -108,7 +118,7 @@ const std::vector<CommandEntry>& commandTable() {
         {809, 0, Debug, "Strip Comments", ""},
         {810, 0, Debug, "Get Table Constrains", ""},
         {811, 0, Debug, "Get Table Indexes", ""},
-        {812, 0, Debug, "Create Stored Procedures", "", false, Later},
+        {812, 0, Debug, "Create Stored Procedures", ""},
         {813, 0, Debug, "&Options", ""},
         {814, 0, Debug, "&Data Comparison Options", ""},
         {815, 0, Debug, "&Get Server Version", ""},

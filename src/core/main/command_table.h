@@ -39,9 +39,12 @@ inline constexpr int FirstBulkSimple = 205, FirstBulkDetails = 221, FirstSelecti
                      FirstSelectiveDetails = 241, KindsPerGroup = 7;
 inline constexpr int DataPair = 310, DataSelected = 320, DataAll = 330;
 inline constexpr int CreateSource = 410, CreateTarget = 420;
+/// Three each: the selected objects, all of the kind, all of the database.
+inline constexpr int FirstScriptSource = 431, FirstScriptTarget = 441, ScriptScopes = 3;
 inline constexpr int AddServer = 501, RemoveServer = 502, DataAnalyzer = 503, AnalyzeSource = 504,
                      AnalyzeTarget = 505, FindObject = 506, FindInSource = 507, FindInTarget = 508,
-                     AttachDatabase = 509, IgnoredData = 510, IgnoredStructure = 511, Options = 513;
+                     AttachDatabase = 509, IgnoredData = 510, IgnoredStructure = 511, Options = 513,
+                     UpdateScript = 514;
 /// Missing references: in the whole database, or in the objects that the panel lists.
 inline constexpr int FindMissing = 520, MissingInSource = 521, MissingInTarget = 522,
                      MissingInListedSource = 523, MissingInListedTarget = 524;
@@ -50,9 +53,10 @@ inline constexpr int PaneRefresh = 700, ColorSchema = 710, Visualize = 720, Igno
                      HighlightedSections = 740, PaneCreate = 750, References = 760, MissingReferences = 765,
                      Print = 770,
                      PrintBoth = 780;
-inline constexpr int DebugSchemaById = 802, DebugExecSp = 805, DebugAttach = 806,
-                     DebugListObjects = 808, DebugStripComments = 809, DebugConstraints = 810,
-                     DebugIndexes = 811, DebugOptions = 813, DebugDataOptions = 814,
+inline constexpr int DebugCreateObjects = 801, DebugSchemaById = 802, DebugUpdateScript = 804,
+                     DebugExecSp = 805, DebugAttach = 806, DebugListObjects = 808,
+                     DebugStripComments = 809, DebugConstraints = 810, DebugIndexes = 811,
+                     DebugCreateProcedures = 812, DebugOptions = 813, DebugDataOptions = 814,
                      DebugServerVersion = 815, DebugOptionsNew = 816, DebugErrorReport = 817;
 }  // namespace command
 

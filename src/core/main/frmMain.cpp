@@ -14,7 +14,6 @@
 #include "datacompare/modCompareData.h"
 #include "reports/copy_to_file.h"
 #include "scripting/modNew.h"
-#include "scripting/modSql.h"
 #include "shell/memory_controls.h"
 #include "shell/shell.h"
 #include "structcompare/compare_all_menu.h"
@@ -545,45 +544,6 @@ void frmMain::MenuToolsFindInDb(int Index) {
                                .arg(name),
                            QStringLiteral("Cannot View"));
     selectRow(Index, rowOfName(view_.panels()[Index].pvlSqlObj, name));
-}
-
-void frmMain::MenuSqlCreate(int Index) {
-    if (dataAccessUsable()) BuildSQLCreateStatement(Index);
-}
-
-void frmMain::BuildSQLCreateStatement(int Index) {
-    if (!hasText(SourcePanel) && !hasText(TargetPanel)) {
-        shell().messageBox(
-            QStringLiteral(
-                "Cannot continue - there is no structure displayed for selected object."),
-            QStringLiteral("Cannot Continue"));
-        return;
-    }
-    CreateStatementRequest request;
-    const SelectedPair pair = GetNamesOfSelected();
-    request.dbName = Index == SourcePanel ? pair.sourceDb : pair.targetDb;
-    request.objectName = Index == SourcePanel ? pair.sourceObject : pair.targetObject;
-    request.objectId = Index == SourcePanel ? pair.sourceId : pair.targetId;
-    request.object = Index == SourcePanel ? pair.sourceRow : pair.targetRow;
-    request.objectType = pair.objectType;
-    request.lineSuffix = QStringLiteral(",");
-    bool ok = false;
-    RunAccount account;
-    QString text;
-    {
-        const KeepAccount keep(account);
-        text = BuildObjectCreateStatement(server(Index), request, ok);
-    }
-    // What is missing from the text would be missing from the object that it makes.
-    if (text.isEmpty() || !account.isWhole()) {
-        QString told = QStringLiteral("Couldn't generate SQL CREATE statement.");
-        for (const AccountEntry& entry : account.entries())
-            told += CRLF + CRLF + entry.sentence();
-        shell().messageBox(told);
-        return;
-    }
-    const ScopedValue<QString> report(globals().gstrReport, text);
-    screens_.showGenericReport(QStringLiteral("SQL CREATE Statement"));
 }
 
 bool frmMain::hasText(int Index) const {

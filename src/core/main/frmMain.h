@@ -20,6 +20,8 @@ class MainWindowView {
  public:
     virtual ~MainWindowView() = default;
     virtual Panels& panels() = 0;
+    /// The rows that are selected in a panel's list, in their order.
+    virtual std::vector<int> selectedRows(int Index) const = 0;
     virtual void setConnectPicture(int picture) = 0;
     virtual void setCompareToolTip(const QString& text) = 0;
     virtual void setListToolTips(const QString& text) = 0;
@@ -219,6 +221,17 @@ class frmMain : public PanelWindow,
     void MenuToolsAttachDb();
     void MenuSqlCreate(int Index);
     void BuildSQLCreateStatement(int Index);
+
+    // Scripts (frmMain_scripts.cpp).
+    enum class ScriptScope { Selected, Kind, Database };
+    std::vector<ObjectRef> selectedObjects(int Index);
+    void MenuRunnableScript(int Index, ScriptScope scope);
+    void GenerateUpdateScript();
+    /// Asks first: statements of Source's objects are run in the Target database.
+    void createInTarget(const std::vector<ObjectRef>& objects, const QString& what);
+    void CreateObjects();
+    void CreateStoredProcedures();
+
     void MenuPopUpPrint(int Index);
     bool PrintStructure(int Index, bool silent, const QString& title);
     void CompareAndPrintAllTables();

@@ -59,6 +59,13 @@ void frmMain::ExecuteAction(int Id, int Panel) {
         return compareBulk(kind, true, false);
     if (const int kind = kindOf(Id, cmd::FirstSelectiveDetails); kind >= 0)
         return compareBulk(kind, true, true);
+    for (const int first : {cmd::FirstScriptSource, cmd::FirstScriptTarget}) {
+        const int scope = Id - first;
+        if (scope < 0 || scope >= cmd::ScriptScopes) continue;
+        const int Index = first == cmd::FirstScriptSource ? SourcePanel : TargetPanel;
+        return whileBusy("MenuRunnableScript",
+                         [&] { MenuRunnableScript(Index, ScriptScope(scope)); });
+    }
     if (entry->menu == CommandMenu::Debug)
         return whileBusy("executeDebugAction", [&] { executeDebugAction(Id, Panel); });
 
@@ -97,6 +104,8 @@ void frmMain::ExecuteAction(int Id, int Panel) {
             return run("MenuSqlCreate", [&] { MenuSqlCreate(SourcePanel); });
         case cmd::CreateTarget:
             return run("MenuSqlCreate", [&] { MenuSqlCreate(TargetPanel); });
+        case cmd::UpdateScript:
+            return run("GenerateUpdateScript", [&] { GenerateUpdateScript(); });
         case cmd::AddServer:
             return run("MenuAddServer", [&] {
                 if (dataAccessUsable() && addServer()) initializeDisplay(false);
@@ -174,8 +183,17 @@ void frmMain::executeDebugAction(int Id, int Index) {
         shell().messageBox(QStringLiteral("Please connect to the server first."));
         return;
     }
+    // What writes to a server is there with the debug file alone.
+    const bool writes = Id == cmd::DebugCreateObjects || Id == cmd::DebugCreateProcedures;
+    if (writes && !globals().gblnDebugMode) return;
     const SelectedPair pair = GetNamesOfSelected();
     switch (Id) {
+        case cmd::DebugCreateObjects:
+            return CreateObjects();
+        case cmd::DebugCreateProcedures:
+            return CreateStoredProcedures();
+        case cmd::DebugUpdateScript:
+            return GenerateUpdateScript();
         case cmd::DebugSchemaById: {
             QString schema;
             Db_GetObjSchemaById(server(Index), pair.objectType, database(Index), pair.sourceId,

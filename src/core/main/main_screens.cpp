@@ -86,8 +86,8 @@ QString MainScreens::chooseSavedProcess() {
     return frmSaveCompRun().ShowUp();
 }
 
-void MainScreens::showGenericReport(const QString& Caption) {
-    frmReport().ShowUp_Generic(Caption);
+void MainScreens::showGenericReport(const QString& Caption, const ReportAlternative& Alternative) {
+    frmReport().ShowUp_Generic(Caption, Alternative);
 }
 
 void MainScreens::compareAndPrint(CompareAndPrintWindow& window) {

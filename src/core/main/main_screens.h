@@ -46,7 +46,7 @@ class MainScreens : public ReportScreen {
     /// The name of the saved process to be run, empty when none was chosen.
     QString chooseSavedProcess();
     /// The report screen on globals().gstrReport, without a Save button.
-    void showGenericReport(const QString& Caption);
+    void showGenericReport(const QString& Caption, const ReportAlternative& Alternative = {});
     void compareAndPrint(CompareAndPrintWindow& window);
     ObjectChooser& listObjects() { return chooser_; }
 

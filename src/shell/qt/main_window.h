@@ -43,6 +43,7 @@ class MainWindow : public QMainWindow, public MainWindowView {
 
     // MainWindowView.
     Panels& panels() override { return *panels_; }
+    std::vector<int> selectedRows(int Index) const override;
     void setConnectPicture(int picture) override;
     void setCompareToolTip(const QString& text) override;
     void setListToolTips(const QString& text) override;

@@ -55,6 +55,10 @@ QIcon icon(const char* name) {
 
 }  // namespace
 
+std::vector<int> MainWindow::selectedRows(int Index) const {
+    return sides_[Index].objects->selectedRows();
+}
+
 void MainWindow::runCommand(int id, int Index) {
     if (id == cmd::DataPair && QApplication::keyboardModifiers().testFlag(Qt::ShiftModifier))
         controller_.askForDataOptionsOnce();

@@ -7,6 +7,8 @@
 #include <QPainter>
 #include <QSortFilterProxyModel>
 
+#include <algorithm>
+
 namespace zov::qt {
 namespace {
 
@@ -117,6 +119,14 @@ void ObjectListView::removeRow(int index) {
 
 int ObjectListView::selectedCount() const {
     return int(selectionModel()->selectedRows().size());
+}
+
+std::vector<int> ObjectListView::selectedRows() const {
+    std::vector<int> rows;
+    for (const QModelIndex& index : selectionModel()->selectedRows())
+        rows.push_back(shown_->mapToSource(index).row());
+    std::sort(rows.begin(), rows.end());
+    return rows;
 }
 
 int ObjectListView::selectedIndex() const {

@@ -43,6 +43,7 @@ class ObjectListView : public QTreeView, public ObjectList {
     void setRows(std::vector<ObjectListRow> rows) override;
     void removeRow(int index) override;
     int selectedCount() const override;
+    std::vector<int> selectedRows() const;
     /// The selected row that is shown uppermost.
     int selectedIndex() const override;
     void selectRow(int index) override;

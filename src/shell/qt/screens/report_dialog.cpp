@@ -1,5 +1,6 @@
 #include "shell/qt/screens/report_dialog.h"
 
+#include <QCheckBox>
 #include <QFontDatabase>
 #include <QLabel>
 #include <QPlainTextEdit>
@@ -23,6 +24,7 @@ ReportDialog::ReportDialog(frmReport& screen, QWidget* parent)
     findText_ = new FindField;
     findNote_ = new QLabel;
     findText_->setPlaceholderText(QStringLiteral("Find in the report (Ctrl+F)"));
+    alternative_ = new QCheckBox;
     auto* copy = new QPushButton(QStringLiteral("Copy To &Clipboard"));
     auto* file = new QPushButton(QStringLiteral("Copy To &File"));
     save_ = new QPushButton(QStringLiteral("&Save"));
@@ -35,6 +37,7 @@ ReportDialog::ReportDialog(frmReport& screen, QWidget* parent)
     findRow->addWidget(findText_, 1);
     findRow->addWidget(findNote_);
     auto* buttons = new QHBoxLayout;
+    buttons->addWidget(alternative_);
     buttons->addStretch(1);
     for (QPushButton* button : {copy, file, save_, print, exit}) buttons->addWidget(button);
     auto* layout = new QVBoxLayout(this);
@@ -48,11 +51,14 @@ ReportDialog::ReportDialog(frmReport& screen, QWidget* parent)
     name(QStringLiteral("txtReport"), text_);
     name(QStringLiteral("findText"), findText_);
     name(QStringLiteral("findNote"), findNote_);
+    name(QStringLiteral("chkAlternative"), alternative_);
     name(QStringLiteral("cmdCopyClip"), copy);
     name(QStringLiteral("cmdCopyToFile"), file);
     name(QStringLiteral("cmdSave"), save_);
     name(QStringLiteral("cmdPrint"), print);
     name(QStringLiteral("cmdExit"), exit);
+    connect(alternative_, &QCheckBox::toggled, this,
+            [this](bool on) { screen_.chkAlternative_Click(on); });
     connect(copy, &QPushButton::clicked, this, [this] { screen_.cmdCopyClip(); });
     connect(file, &QPushButton::clicked, this, [this] { screen_.cmdCopyToFile(); });
     connect(save_, &QPushButton::clicked, this, [this] { screen_.cmdSave(); });
@@ -83,9 +89,12 @@ void ReportDialog::showEvent(QShowEvent* event) {
 void ReportDialog::refreshFields() {
     setWindowTitle(screen_.caption());
     text_->setPlainText(screen_.txtReport);
+    alternative_->setText(screen_.alternative.caption);
+    alternative_->setVisible(!screen_.alternative.caption.isEmpty());
+    alternative_->setChecked(screen_.chkAlternative);
     save_->setVisible(screen_.cmdSaveVisible);
     save_->setEnabled(screen_.cmdSaveEnabled);
-    text_->setFocus();
+    if (!alternative_->hasFocus()) text_->setFocus();
 }
 
 void ReportDialog::find(bool forward) {

@@ -25,6 +25,7 @@ class ReportDialog : public ScreenDialog {
 
     frmReport& screen_;
     QPlainTextEdit* text_;
+    QCheckBox* alternative_;
     std::unique_ptr<TextFind> finder_;
     FindField* findText_;
     QLabel* findNote_;
