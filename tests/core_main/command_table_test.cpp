@@ -183,8 +183,13 @@ TEST_F(Commands, LeadToTheirScreens) {
         {816, "screen frmOptions", ""},
         {817, "screen frmErrorReport", ""},
         // Submenus, what isn't there, and tests without an action.
-        {203, "", ""}, {230, "", ""}, {506, "", ""}, {0, "", ""},
-        {512, "", ""}, {803, "", ""}, {807, "", ""},
+        {203, "", ""},
+        {230, "", ""},
+        {506, "", ""},
+        {0, "", ""},
+        {512, "", ""},
+        {803, "", ""},
+        {807, "", ""},
     };
     for (const auto& row : rows) {
         window.ExecuteAction(row.id);

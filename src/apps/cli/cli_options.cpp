@@ -322,8 +322,9 @@ void describeScripts(CLI::App& app, Options& options, Fields& fields, Choices& c
     addServer(create, options, fields);
     addType(create, options, fields);
     create->get_option("--type")->required(false);
-    create->add_option("NAME", fields.list(options.objects),
-                       "Objects, with their schemas in front where several have a name")
+    create
+        ->add_option("NAME", fields.list(options.objects),
+                     "Objects, with their schemas in front where several have a name")
         ->type_name("");
     create->add_flag("--as-shown", options.asShown,
                      "The statement that the window shows, made from the text that is compared");
@@ -340,8 +341,10 @@ void describeScripts(CLI::App& app, Options& options, Fields& fields, Choices& c
     CLI::App* update = app.add_subcommand(
         "update-script", "What to change so that the target's table gets the source's structure");
     addServers(update, options, fields);
-    update->add_option("--table", fields.text(options.table), "The table, with its schema in front "
-                                                              "where several have the name")
+    update
+        ->add_option("--table", fields.text(options.table),
+                     "The table, with its schema in front "
+                     "where several have the name")
         ->type_name("NAME")
         ->required()
         ->check(NotEmpty);

@@ -70,7 +70,7 @@ struct Options {
     QStringList objectNames;  ///< empty: all of the kind
     bool words = false;       ///< the word filter's list instead
     // create
-    QStringList objects;      ///< names; none: all of the kind, or of the database
+    QStringList objects;  ///< names; none: all of the kind, or of the database
     bool asShown = false;
     bool dropHeader = false;
 
