@@ -58,4 +58,25 @@ SqlPiece sqlPieceAt(const QString& text, qsizetype begin) {
     return {SqlMark::None, begin, begin + 1};
 }
 
+qsizetype nextQuotedOrComment(const QString& text, qsizetype from) {
+    const QStringView signs(text);
+    for (qsizetype at = from; at < signs.size(); ++at) {
+        switch (signs[at].unicode()) {
+            case u'\'':
+            case u'"':
+            case u'[':
+                return at;
+            case u'-':
+            case u'/':
+                if (at + 1 < signs.size() &&
+                    signs[at + 1] == (signs[at] == u'-' ? QChar(u'-') : QChar(u'*')))
+                    return at;
+                break;
+            default:
+                break;
+        }
+    }
+    return text.size();
+}
+
 }  // namespace zov

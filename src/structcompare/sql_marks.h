@@ -25,4 +25,8 @@ struct SqlPiece {
 /// and numbers are one piece each, any other sign is one of its own.
 SqlPiece sqlPieceAt(const QString& text, qsizetype begin);
 
+/// Where the next literal, quoted name or comment begins, from a position on that is in none; the
+/// text's end when there is none.
+qsizetype nextQuotedOrComment(const QString& text, qsizetype from);
+
 }  // namespace zov

@@ -32,11 +32,12 @@ qsizetype countOf(const QString& text, QStringView token) {
 constexpr std::pair<QChar, QChar> Veils[] = {
     {u'-', QChar(0xFDD0)}, {u'/', QChar(0xFDD1)}, {u'*', QChar(0xFDD2)}};
 
+/// The text itself when it has no such names.
 QString withVeiledNames(const QString& text) {
     QString veiled = text;
-    for (qsizetype at = 0; at < text.size();) {
+    for (qsizetype at = nextQuotedOrComment(text, 0); at < text.size();) {
         const SqlPiece piece = sqlPieceAt(text, at);
-        at = piece.end;
+        at = nextQuotedOrComment(text, piece.end);
         if (piece.mark != SqlMark::Name) continue;
         for (qsizetype sign = piece.begin; sign < piece.end; ++sign)
             for (const auto& [shown, veil] : Veils)
@@ -147,7 +148,7 @@ QString StripCommentsFromProc(const QString& text) {
         result = withDoubledLineEnds(veiled);
         cutBlockComments(result, blocks);
         if (lines > 0) cutLineComments(result, lines);
-        unveil(result);
+        if (!veiled.isSharedWith(text)) unveil(result);
     });
     return result;
 }

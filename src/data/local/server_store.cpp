@@ -125,7 +125,7 @@ std::unique_ptr<ServerStore> ServerStore::open(const QString& dataSource, bool c
     } else {
         // A folder that its maker could not finish is as good as none.
         made = createServer && !QFileInfo::exists(factsFile(folder)) &&
-               QDir(folder).entryList({QStringLiteral("*.db")}, QDir::Files).isEmpty();
+               databaseFilesIn(folder).isEmpty();
         if (!made) version = versionOfFolder(folder, DefaultVersion);
     }
     std::unique_ptr<ServerStore> store(new ServerStore(folder, version));
@@ -195,11 +195,10 @@ bool ServerStore::find(const QString& name, QString& trueName, QString& file) {
         trueName = name;
         return true;
     }
-    const QFileInfoList files = QDir(folder_).entryInfoList({QStringLiteral("*.db")}, QDir::Files);
-    for (const QFileInfo& info : files) {
-        const QString candidate = nameOfFile(info);
+    for (const QString& name : databaseFilesIn(folder_)) {
+        const QString candidate = nameOfFile(QFileInfo(folder_ + u'/' + name));
         if (candidate.isEmpty() || fold(candidate) != key) continue;
-        file = folder_ + u'/' + info.fileName();
+        file = folder_ + u'/' + name;
         trueName = candidate;
         return true;
     }
@@ -237,11 +236,10 @@ std::vector<DatabaseFacts> ServerStore::databases() {
     };
     for (auto& [key, entry] : open_)
         take(defaults(entry->database.name, entry->file), entry->database.handle);
-    const QFileInfoList files = QDir(folder_).entryInfoList({QStringLiteral("*.db")}, QDir::Files);
-    for (const QFileInfo& info : files) {
-        const QString name = nameOfFile(info);
+    for (const QString& file : databaseFilesIn(folder_)) {
+        const QString name = nameOfFile(QFileInfo(folder_ + u'/' + file));
         if (name.isEmpty() || seen.contains(fold(name)) || dropped_.contains(fold(name))) continue;
-        take(defaults(name, folder_ + u'/' + info.fileName()), nullptr);
+        take(defaults(name, folder_ + u'/' + file), nullptr);
     }
     for (const char* name : {"master", "tempdb", "model", "msdb"})
         if (!seen.contains(QLatin1String(name))) take(defaults(QLatin1String(name), {}), nullptr);

@@ -150,10 +150,17 @@ void ServerStore::removeMadeFolder() {
 // What processes that are dead have left. It can wait when somebody is busy with the folder.
 void ServerStore::sweep() {
     const QDir folder(folder_);
-    const QStringList left =
-        folder.entryList({QStringLiteral("*.db.new-*"), QStringLiteral("*.db.before-*"),
-                          QStringLiteral("*.db.old-*"), QStringLiteral("staging-*.lock")},
-                         QDir::Files);
+    QStringList left;
+    try {
+        left = filesIn(folder_, [](const QString& name) {
+            return name.contains(QLatin1String(".db.new-")) ||
+                   name.contains(QLatin1String(".db.before-")) ||
+                   name.contains(QLatin1String(".db.old-")) ||
+                   name.startsWith(QLatin1String("staging-"));
+        });
+    } catch (const DbError&) {
+        return;  // what needs the folder will tell
+    }
     if (left.isEmpty()) return;
     if (QFileInfo::exists(journalFile())) const Hold hold(*this);  // undoes what it tells
     FileLock alone;

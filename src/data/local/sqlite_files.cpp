@@ -4,7 +4,9 @@
 #include <QDir>
 #include <QUrl>
 
+#include <filesystem>
 #include <memory>
+#include <system_error>
 
 namespace zov::local {
 namespace {
@@ -52,6 +54,34 @@ QString fileNameOf(const QString& name) {
         encoded = encoded.left(100).section(u'%', 0, -2) + u'~' + QString::fromLatin1(hash);
     }
     return encoded + QStringLiteral(".db");
+}
+
+QStringList filesIn(const QString& folder, const std::function<bool(const QString&)>& wanted) {
+    QStringList names;
+    std::error_code failure;
+    std::filesystem::directory_iterator files(QFileInfo(folder).filesystemFilePath(), failure);
+    for (; !failure && files != std::filesystem::directory_iterator(); files.increment(failure)) {
+#ifdef Q_OS_WIN
+        const QString name = QString::fromStdWString(files->path().filename().wstring());
+#else
+        const QString name = QFile::decodeName(files->path().filename().c_str());
+#endif
+        std::error_code gone;  // between the two questions
+        if (wanted(name) && files->is_regular_file(gone)) names.append(name);
+    }
+    if (failure && failure != std::errc::no_such_file_or_directory)
+        throw nativeError(823, QStringLiteral("The folder %1 could not be read: %2.")
+                                   .arg(QDir::toNativeSeparators(folder),
+                                        QString::fromStdString(failure.message())));
+    return names;
+}
+
+QStringList databaseFilesIn(const QString& folder) {
+    QStringList files = filesIn(folder, [](const QString& name) {
+        return name.endsWith(QLatin1String(".db"), Qt::CaseInsensitive);
+    });
+    files.sort();
+    return files;
 }
 
 sqlite3* openFile(const QString& file, int flags, const QString& uriTail) {

@@ -6,6 +6,7 @@
 
 #include <QFileInfo>
 
+#include <functional>
 #include <memory>
 
 namespace zov::local {
@@ -19,6 +20,12 @@ int systemId(const QString& folded);
 QString fileNameOf(const QString& name);
 /// The name that a file stands for; empty when it is no database of ours.
 QString nameOfFile(const QFileInfo& file);
+/// The names of a folder's files that `wanted` takes, in no order: without asking each file for what
+/// it is and without patterns, since every session looks. Throws when the folder can't be read; one
+/// that isn't there has none.
+QStringList filesIn(const QString& folder, const std::function<bool(const QString&)>& wanted);
+/// The files of databases, sorted.
+QStringList databaseFilesIn(const QString& folder);
 /// With the logs beside it.
 void removeDatabaseFiles(const QString& file);
 void removeLogs(const QString& file);
