@@ -1,6 +1,7 @@
 #include "data/local/batch_steps.h"
 
 #include "data/local/ddl_common.h"
+#include "data/local/nesting.h"
 #include "data/local/query_engine.h"
 
 #include <QSet>
@@ -68,9 +69,19 @@ class Cutter {
     void land(size_t jump) { steps_[jump].target = steps_.size(); }
     [[noreturn]] void failHere() const { failSyntax(tokens_[std::min(at_, tokens_.size() - 1)]); }
 
+    /// One statement with all that is nested in it.
     void statement() {
         skipSeparators();
         if (atEnd()) failHere();
+        if (++depth_ > MaxNesting) failTooDeep(tokens_[at_].line);
+        atLevel(depth_, [this] {
+            cutStatement();
+            return true;
+        });
+        --depth_;
+    }
+
+    void cutStatement() {
         if (is("BEGIN") && is("TRY", 1)) return tryCatch();
         if (is("BEGIN") && !is("TRAN", 1) && !is("TRANSACTION", 1) && !is("DISTRIBUTED", 1))
             return block();
@@ -156,21 +167,32 @@ class Cutter {
         return add(Kind::BranchUnless, begin, at_);
     }
 
-    void choice() {
-        const size_t branch = condition();
-        statement();
-        // A separator may stand in front of ELSE.
+    bool acceptElse() {
+        // A separator may stand in front of it.
         size_t ahead = at_;
         while (ahead < tokens_.size() && tokens_[ahead].is(";")) ++ahead;
-        if (ahead < tokens_.size() && tokens_[ahead].is("ELSE")) {
-            at_ = ahead + 1;
-            const size_t over = add(Kind::Jump);
-            land(branch);
+        if (ahead >= tokens_.size() || !tokens_[ahead].is("ELSE")) return false;
+        at_ = ahead + 1;
+        skipSeparators();
+        return true;
+    }
+
+    // IF ... ELSE IF ... ELSE IF is a row of choices and nests nothing.
+    void choice() {
+        std::vector<size_t> overs;
+        for (bool more = true; more;) {
+            const size_t branch = condition();
             statement();
-            land(over);
-        } else {
+            if (!acceptElse()) {
+                land(branch);
+                break;
+            }
+            overs.push_back(add(Kind::Jump));
             land(branch);
+            more = is("IF");
+            if (!more) statement();
         }
+        for (const size_t over : overs) land(over);
     }
 
     void loop() {
@@ -190,6 +212,7 @@ class Cutter {
     };
     std::span<const Token> tokens_;
     size_t at_ = 0;
+    int depth_ = 0;
     std::vector<BatchStep> steps_;
     std::vector<Loop> loops_;
 };

@@ -138,6 +138,10 @@ struct TableParts {
 
 /// One element of CREATE TABLE's list or ALTER TABLE ADD's.
 void readTableElement(const Catalog& catalog, TokenCursor& cursor, TableParts& parts);
+/// Throws error 1702 when a table of `before` columns gets more of them than tables may have;
+/// `verb` is CREATE or ALTER.
+void refuseTooManyColumns(const char* verb, const QString& table, const TableParts& parts,
+                          size_t before);
 /// Writes the columns behind those that `table` has, with types and nullability settled.
 void writeColumns(Catalog& catalog, const ObjectFacts& table, std::vector<ColumnSpec>& columns,
                   const std::vector<ConstraintSpec>& constraints);

@@ -30,6 +30,7 @@ void addElements(Catalog& catalog, const ObjectFacts& table, TokenCursor& cursor
     do readTableElement(catalog, cursor, parts);
     while (cursor.accept(","));
     cursor.expectEnd();
+    refuseTooManyColumns("ALTER", table.name, parts, catalog.columns(table.id).size());
 
     std::vector<ConstraintSpec> constraints;
     for (const ColumnSpec& column : parts.columns)

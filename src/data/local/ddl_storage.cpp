@@ -1,6 +1,7 @@
 // The SQLite tables and indexes behind catalogue tables: made from the catalogue alone, so that
 // every change of a table is "change the catalogue, make the table anew".
 #include "data/local/ddl.h"
+#include "data/local/nesting.h"
 #include "data/local/query_engine.h"
 #include "data/local/server_store.h"
 
@@ -61,7 +62,8 @@ QString generatedColumn(Catalog& catalog, const ObjectFacts& table, const Column
         const std::vector<Token> tokens = tokenize(column.computed);
         const std::span<const Token> all(tokens);
         expression = translateForSqlite(catalog.session(), all.first(all.size() - 1), table.id);
-    } catch (const DbError&) {
+    } catch (const DbError& error) {
+        if (error.native == 191) throw;  // it can be rewritten, and would be nothing here
         expression = QStringLiteral("NULL");
     }
     const auto form = [](const QString& text) {
@@ -76,6 +78,8 @@ bool sqliteTakes(sqlite3* handle, const QString& sql) {
     const int code =
         sqlite3_prepare_v2(handle, utf8.constData(), int(utf8.size()), &statement, nullptr);
     sqlite3_finalize(statement);
+    if (code != SQLITE_OK && isTooDeepForSqlite(QString::fromUtf8(sqlite3_errmsg(handle))))
+        failTooDeep(0);
     return code == SQLITE_OK;
 }
 

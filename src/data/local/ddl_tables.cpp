@@ -723,6 +723,24 @@ void writeTableIndex(Catalog& catalog, const ObjectFacts& table, const TableInde
     catalog.addIndex(table.id, facts);
 }
 
+void refuseTooManyColumns(const char* verb, const QString& table, const TableParts& parts,
+                          size_t before) {
+    const bool wide = std::any_of(
+        parts.columns.begin(), parts.columns.end(), [](const ColumnSpec& column) {
+            return std::any_of(column.facts.details.begin(), column.facts.details.end(),
+                               [](const auto& detail) { return detail.first == "column_set"; });
+        });
+    const size_t most = wide ? 30000 : 1024;
+    if (before + parts.columns.size() <= most) return;
+    const ColumnSpec& first = parts.columns[most > before ? most - before : 0];
+    fail(1702,
+         QStringLiteral("%1 TABLE failed because column '%2' in table '%3' exceeds the maximum of "
+                        "%4 columns.")
+             .arg(QLatin1String(verb), first.facts.name, table)
+             .arg(most),
+         first.line);
+}
+
 void createTable(SessionState& session, TokenCursor& cursor) {
     const ObjectName name = cursor.objectName();
     if (name.name.startsWith(u'#'))
@@ -741,6 +759,7 @@ void createTable(SessionState& session, TokenCursor& cursor) {
     cursor.expect(")");
     readIndexOptions(cursor);
     cursor.expectEnd();
+    refuseTooManyColumns("CREATE", name.name, parts, 0);
     if (parts.columns.empty())
         fail(1759, QStringLiteral("A table without columns can't be made: '%1'.").arg(name.name),
              name.line);

@@ -1,8 +1,11 @@
 #include "data/local/definitions.h"
 
+#include "data/local/nesting.h"
+
 #include <QHash>
 #include <QSet>
 
+#include <algorithm>
 #include <functional>
 #include <memory>
 #include <vector>
@@ -19,6 +22,10 @@ struct Printed {
 };
 
 struct Unknown {};  // an expression that the printer leaves as it was written
+
+/// Each operator of a chain puts one pair of parentheses around the rest when it is printed, and
+/// the printed text is read again: a longer chain stays as it was written.
+constexpr int LongestChain = 500;
 
 const QSet<QString>& datePartFunctions() {
     static const QSet<QString> names = {QStringLiteral("dateadd"),      QStringLiteral("datediff"),
@@ -110,11 +117,24 @@ class Printer {
         if (!accept(text)) throw Unknown{};
     }
 
+    // All that nests comes through here or through one of the signs in front of a value.
+    template <typename Read>
+    Printed nested(Read read) {
+        if (++depth_ > MaxNesting) failTooDeep(peek().line);
+        Printed inner = atLevel(depth_, read);
+        --depth_;
+        return inner;
+    }
+
     Printed condition() {
+        return nested([this] { return disjunction(); });
+    }
+
+    Printed disjunction() {
         Printed left = conjunction();
         while (accept("OR")) {
-            const Printed right = conjunction();
-            left = {left.text + QStringLiteral(" OR ") + right.text, Level::Or};
+            left.text += QStringLiteral(" OR ") + conjunction().text;
+            left.level = Level::Or;
         }
         return left;
     }
@@ -133,7 +153,7 @@ class Printer {
 
     Printed negation() {
         if (!accept("NOT")) return predicate();
-        const Printed inner = negation();
+        const Printed inner = nested([this] { return negation(); });
         return {QStringLiteral("NOT ") + inside(inner, Level::Not), Level::Not};
     }
 
@@ -233,7 +253,8 @@ class Printer {
 
     Printed sum() {
         Printed left = product();
-        while (additive()) {
+        for (int operators = 0; additive();) {
+            if (++operators > LongestChain) throw Unknown{};
             const QChar op = peek().source[0];
             ++at_;
             left = binary(left, op, product());
@@ -243,7 +264,8 @@ class Printer {
 
     Printed product() {
         Printed left = unary();
-        while (multiplicative()) {
+        for (int operators = 0; multiplicative();) {
+            if (++operators > LongestChain) throw Unknown{};
             const QChar op = peek().source[0];
             ++at_;
             left = binary(left, op, unary());
@@ -252,15 +274,16 @@ class Printer {
     }
 
     Printed unary() {
-        if (accept("+")) return unary();
+        const auto operandOfSign = [this] { return nested([this] { return unary(); }); };
+        if (accept("+")) return operandOfSign();
         if (accept("-")) {
             if (peek().kind == TokenKind::Number) {
                 const QString plain = number(tokens_[at_++].source.toString());
                 return {QStringLiteral("(-") + plain.mid(1), Level::Primary};
             }
-            return {u'-' + operand(unary()), Level::Unary};
+            return {u'-' + operand(operandOfSign()), Level::Unary};
         }
-        if (accept("~")) return {u'~' + operand(unary()), Level::Unary};
+        if (accept("~")) return {u'~' + operand(operandOfSign()), Level::Unary};
         Printed part = primary();
         if (accept("COLLATE")) {
             if (!peek().isName()) throw Unknown{};
@@ -453,21 +476,25 @@ class Printer {
     std::span<const Token> tokens_;
     bool keepLists_;
     size_t at_ = 0;
+    int depth_ = 0;
 };
 
 // The expression without the pairs of parentheses that enclose all of it.
 std::span<const Token> unwrapped(std::span<const Token> tokens) {
     while (!tokens.empty() && tokens.back().kind == TokenKind::End)
         tokens = tokens.first(tokens.size() - 1);
-    while (tokens.size() > 2 && tokens.front().is("(") && tokens.back().is(")")) {
-        int depth = 0;
-        for (size_t i = 0; i + 1 < tokens.size(); ++i) {
-            if (tokens[i].is("(")) ++depth;
-            if (tokens[i].is(")") && --depth == 0) return tokens;
-        }
-        tokens = tokens.subspan(1, tokens.size() - 2);
+    size_t open = 0, close = 0;
+    while (open < tokens.size() && tokens[open].is("(")) ++open;
+    while (close < tokens.size() && tokens[tokens.size() - 1 - close].is(")")) ++close;
+    if (open + close >= tokens.size()) return tokens;
+    // As many pairs enclose all as are never closed on the way to the last run of ")".
+    size_t pairs = open, depth = open;
+    for (size_t i = open; i < tokens.size() - close && pairs > 0; ++i) {
+        if (tokens[i].is("(")) ++depth;
+        if (tokens[i].is(")")) pairs = std::min(pairs, --depth);
     }
-    return tokens;
+    if (depth != close) return tokens;
+    return tokens.subspan(pairs, tokens.size() - 2 * pairs);
 }
 
 QString writtenText(std::span<const Token> tokens) {
@@ -496,6 +523,8 @@ QString defaultExpression(const QString& stored) {
 
 QString storedExpression(std::span<const Token> expression, DefinitionForm form) {
     const std::span<const Token> inner = unwrapped(expression);
+    if (expression.size() - inner.size() > 2 * size_t(MaxNesting))
+        failTooDeep(expression.front().line);
     if (form != DefinitionForm::AsWritten) {
         try {
             return u'(' + Printer(inner, form == DefinitionForm::Filter).run() + u')';

@@ -289,6 +289,10 @@ void installNumberFunctions(sqlite3* handle) {
     define(handle, "zov_divr", 2, divideReal);
     define(handle, "zov_mod", 2, modulo);
     define(handle, "zov_plus", 2, plusUnknown);
+    define(handle, "zov_xor", 2, [](sqlite3_context* c, int, sqlite3_value** v) {
+        if (isNull(v[0]) || isNull(v[1])) return sqlite3_result_null(c);
+        sqlite3_result_int64(c, sqlite3_value_int64(v[0]) ^ sqlite3_value_int64(v[1]));
+    });
     define(handle, "zov_round", 2, roundNumber);
     define(handle, "zov_round", 3, roundNumber);
     define(handle, "zov_dkey", 1, decimalKeyOf);

@@ -39,9 +39,9 @@ struct Expr {
         Star,
         Variable,
         Unary,       ///< op - + ~
-        Arithmetic,  ///< op + - * / % & | ^
+        Arithmetic,  ///< args[0] operators[0] args[1] operators[1] args[2] ..., from left to right
         Compare,     ///< op = <> < <= > >=
-        And,
+        And,  ///< of all args
         Or,
         Not,
         Between,
@@ -61,6 +61,7 @@ struct Expr {
     const Token* token = nullptr;
     int literalIndex = -1;  ///< of a Literal: its place in the statement's tokens, -1 within a view
     QString name;           ///< operator, function, variable, column
+    QString operators;      ///< of an Arithmetic, one of + - * / % & | ^ behind each operand
     QStringList path;       ///< of a Column: the parts in front of its name
     std::vector<ExprPtr> args;
     SelectPtr select;
@@ -106,11 +107,12 @@ struct QuerySpec {
     ExprPtr having;
 };
 
-/// A query specification or two query expressions joined.
+/// A query specification or query expressions joined, from left to right.
 struct QueryExpr {
     std::unique_ptr<QuerySpec> spec;
-    QString operation;  ///< "UNION", "UNION ALL", "EXCEPT", "INTERSECT" when there is no spec
-    std::unique_ptr<QueryExpr> left, right;
+    std::vector<std::unique_ptr<QueryExpr>> parts;  ///< when there is no spec
+    /// "UNION", "UNION ALL", "EXCEPT" or "INTERSECT" behind each part.
+    std::vector<QString> operations;
 };
 
 struct CommonTable {

@@ -1,6 +1,7 @@
 #include "data/local/query_cache.h"
 
 #include "data/local/definitions.h"
+#include "data/local/nesting.h"
 #include "data/local/server_store.h"
 #include "data/local/sorting.h"
 
@@ -298,6 +299,8 @@ void throwQueryError(sqlite3* handle, int code, const ExecutionControl* control)
         default:
             break;
     }
+    // What was too deep for SQLite in spite of all.
+    if (isTooDeepForSqlite(text)) failTooDeep(0);
     if (text == u"integer overflow")
         throw DbError(
             ado_number::Overflow,

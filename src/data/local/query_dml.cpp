@@ -569,7 +569,7 @@ qint64 runUpdate(SessionState& session, std::span<const Token> statement, Variab
                 if (!assignment.op.isEmpty()) {
                     auto sum = std::make_unique<Expr>();
                     sum->kind = Expr::Kind::Arithmetic;
-                    sum->name = assignment.op;
+                    sum->operators = assignment.op;
                     auto self = std::make_unique<Expr>();
                     self->kind =
                         assignment.variable.isEmpty() ? Expr::Kind::Column : Expr::Kind::Variable;
@@ -582,8 +582,7 @@ qint64 runUpdate(SessionState& session, std::span<const Token> statement, Variab
                 values.push_back(translator.expression(*assignment.value));
             }
         });
-    QString sql = translator.withClause();
-    sql += QStringLiteral(" SELECT ") + targetAlias + u'.' + table->rowid;
+    QString sql = QStringLiteral(" SELECT ") + targetAlias + u'.' + table->rowid;
     auto select = std::make_shared<PreparedSelect>();
     select->columns.push_back(makeType(SqlType::BigInt));
     std::vector<int> columns;  // per assignment, the table's column; -1 for a variable alone
@@ -618,7 +617,8 @@ qint64 runUpdate(SessionState& session, std::span<const Token> statement, Variab
     Database& database = *select->database;
     willWrite(session, database);
     attachDatabases(translator, *select);
-    select->statement = prepareStatement(database.handle, sql.toUtf8(), false);
+    select->statement =
+        prepareStatement(database.handle, (translator.withClause() + sql).toUtf8(), false);
     bindParameters(session, *select, statement, variables);
     const std::vector<std::vector<StoredValue>> rows = readAll(session, *select);
 
@@ -703,8 +703,7 @@ qint64 runDelete(SessionState& session, std::span<const Token> statement, Variab
                                                   remove->where.get(), table, targetAlias, [] {});
     PreparedSelect select;
     select.columns.push_back(makeType(SqlType::BigInt));
-    QString sql = translator.withClause() + QStringLiteral(" SELECT ") + targetAlias + u'.' +
-                  table->rowid + from;
+    QString sql = QStringLiteral(" SELECT ") + targetAlias + u'.' + table->rowid + from;
     if (remove->top)
         sql += QStringLiteral(" LIMIT ") + translator.bound(translator.expression(*remove->top));
     else if (session.rowCountLimit > 0)
@@ -722,7 +721,8 @@ qint64 runDelete(SessionState& session, std::span<const Token> statement, Variab
         return session.rowCount = sqlite3_changes64(database.handle);
     }
     attachDatabases(translator, select);
-    select.statement = prepareStatement(database.handle, sql.toUtf8(), false);
+    select.statement =
+        prepareStatement(database.handle, (translator.withClause() + sql).toUtf8(), false);
     bindParameters(session, select, statement, variables);
     const std::vector<std::vector<StoredValue>> rows = readAll(session, select);
     Statement write;

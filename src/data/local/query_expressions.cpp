@@ -5,16 +5,8 @@
 namespace zov::local {
 namespace {
 
-QString packed(const ColumnInfo& type) {
-    return QString::number(packType(type));
-}
-
-Sql plain(QString text, ValueType type) {
-    Sql sql;
-    sql.text = std::move(text);
-    sql.type = std::move(type);
-    sql.type.info.name.clear();
-    return sql;
+bool isLong(const Sql& value) {
+    return value.text.size() > 200;
 }
 
 bool sameDateForm(const ColumnInfo& a, const ColumnInfo& b) {
@@ -178,9 +170,9 @@ QString Translator::converted(Sql value, const ColumnInfo& type, int style, bool
         return use(value);
     return QLatin1String(tolerant ? "zov_tryconv(" : "zov_conv(") + use(value) +
            QStringLiteral(", ") +
-           (value.type.known ? packed(value.type.info) : QStringLiteral("-1")) +
-           QStringLiteral(", ") + packed(type) + QStringLiteral(", ") + QString::number(style) +
-           QStringLiteral(", ") + dateFormatNumber() + u')';
+           (value.type.known ? QString::number(packType(value.type.info)) : QStringLiteral("-1")) +
+           QStringLiteral(", ") + QString::number(packType(type)) + QStringLiteral(", ") +
+           QString::number(style) + QStringLiteral(", ") + dateFormatNumber() + u')';
 }
 
 QString Translator::asText(const Sql& sql) {
@@ -250,7 +242,7 @@ Sql Translator::column(const Expr& expr, Scope& scope) {
 
 // --- expressions --------------------------------------------------------------------------------
 
-Sql Translator::translate(const Expr& expr, Scope& scope) {
+Sql Translator::translated(const Expr& expr, Scope& scope) {
     switch (expr.kind) {
         case Expr::Kind::Literal:
             return literal(expr);
@@ -322,177 +314,28 @@ Sql Translator::scalarSubquery(const Expr& expr, Scope& scope) {
     return sql;
 }
 
-QString Translator::numberOf(const Sql& sql) {
-    // 0x80 beside a number is a number.
-    if (sql.literal && sql.literal->token->kind == TokenKind::Binary) {
-        if (sql.literal->literalIndex >= 0) rendered_.insert(sql.literal->literalIndex);
-        return renderValue(
-            convertStored(literalValue(*sql.literal->token), makeType(SqlType::BigInt), true, {}));
-    }
-    return use(sql);
-}
-
-Sql Translator::plus(Sql a, Sql b) {
-    const bool aText = a.type.isText(), bText = b.type.isText();
-    if ((aText && (bText || !b.type.known)) || (bText && !a.type.known)) {
-        ValueType type = commonType(a.type, b.type);
-        const auto sizeOf = [](const Sql& sql) { return sql.type.known ? sql.type.info.size : 0; };
-        const bool unicode = a.type.isUnicode() || b.type.isUnicode();
-        const bool fixed = (a.type.type() == SqlType::Char || a.type.type() == SqlType::NChar) &&
-                           a.type.type() == b.type.type();
-        type.info.type = unicode ? (fixed ? SqlType::NChar : SqlType::NVarChar)
-                                 : (fixed ? SqlType::Char : SqlType::VarChar);
-        type.info.nullable = true;
-        type.info.size = sizeOf(a) < 0 || sizeOf(b) < 0
-                             ? -1
-                             : std::min(unicode ? 4000 : 8000, sizeOf(a) + sizeOf(b));
-        Sql both = plain(u'(' + use(a) + QStringLiteral(" || ") + use(b) + u')', type);
-        both.collating = joined(a.collating, b.collating, QStringLiteral("add"));
-        return both;
-    }
-    if (a.type.isBinary() && b.type.isBinary()) {
-        ValueType type = knownType(SqlType::VarBinary,
-                                   a.type.info.size < 0 || b.type.info.size < 0
-                                       ? -1
-                                       : std::min(8000, a.type.info.size + b.type.info.size));
-        return plain(QStringLiteral("CAST((") + use(a) + QStringLiteral(" || ") + use(b) +
-                         QStringLiteral(") AS BLOB)"),
-                     type);
-    }
-    return plain(QStringLiteral("zov_plus(") + use(a) + QStringLiteral(", ") + use(b) + u')',
-                 unknownType());
-}
-
-Sql Translator::arithmetic(const Expr& expr, Scope& scope) {
-    Sql a = translate(*expr.args[0], scope);
-    Sql b = translate(*expr.args[1], scope);
-    const QChar op = expr.name[0];
-    if (op == u'+') {
-        const bool texts = (a.type.isText() && (b.type.isText() || !b.type.known)) ||
-                           (b.type.isText() && !a.type.known);
-        const bool binaries = a.type.isBinary() && b.type.isBinary();
-        const bool unknown =
-            !a.type.known && !b.type.known && !a.type.untypedNull && !b.type.untypedNull;
-        if (texts || binaries || unknown) return plus(std::move(a), std::move(b));
-    }
-    if (a.type.isDate() || b.type.isDate()) {
-        // Days are added to a date; the difference of two is a date counted from 1900.
-        if (op != u'+' && op != u'-')
-            failWith(8117, QStringLiteral("Operand data type %1 is invalid for %2 operator.")
-                               .arg(sqlTypeName(a.type.isDate() ? a.type.type() : b.type.type()),
-                                    op == u'*'   ? QStringLiteral("multiply")
-                                    : op == u'/' ? QStringLiteral("divide")
-                                                 : QStringLiteral("modulo")));
-        ValueType type = a.type.isDate() && b.type.isDate() ? commonType(a.type, b.type)
-                         : a.type.isDate()                  ? a.type
-                                                            : b.type;
-        const auto operand = [&](const Sql& side) {
-            return side.type.isText() ? converted(side, type.info) : use(side);
-        };
-        return plain(QStringLiteral("zov_dateplus(") + operand(a) + QStringLiteral(", ") +
-                         operand(b) + QStringLiteral(", ") +
-                         QLatin1String(op == u'-' ? "-1" : "1") + QStringLiteral(", ") +
-                         packed(type.info) + u')',
-                     type);
-    }
-    // A text beside a number is read as the number's type.
-    const auto asNumber = [&](Sql& side, const Sql& other) {
-        if (!side.type.isText()) return;
-        ColumnInfo target = other.type.isNumber() ? other.type.info : makeType(SqlType::Int);
-        if (target.type == SqlType::Bit || target.type == SqlType::TinyInt ||
-            target.type == SqlType::SmallInt)
-            target = makeType(SqlType::Int);
-        ValueType type;
-        type.info = target;
-        type.known = true;
-        side = plain(converted(side, target), type);
-    };
-    asNumber(a, b);
-    asNumber(b, a);
-    const auto numberType = [](Sql& side) {
-        if (side.type.isBinary()) side.type = knownType(SqlType::Int);
-    };
-    const QString left = numberOf(a), right = numberOf(b);
-    numberType(a);
-    numberType(b);
-    if (a.type.untypedNull) a.type = b.type;
-    if (b.type.untypedNull) b.type = a.type;
-    // A whole number that is written out has the digits that it shows, and no more.
-    const auto shown = [](const Sql& side) {
-        ValueType type = side.type;
-        if (side.literal && type.type() == SqlType::Int)
-            type.info.precision = int(side.literal->token->source.size());
-        return type;
-    };
-    ValueType type = arithmeticType(op, a.type.isExact() || b.type.isExact() ? shown(a) : a.type,
-                                    a.type.isExact() || b.type.isExact() ? shown(b) : b.type);
-    // An overflow gives null where the session wants it so, whatever the operands are.
-    type.info.nullable = true;
-    switch (op.unicode()) {
-        case '&':
-        case '|':
-            return plain(u'(' + left + u' ' + op + u' ' + right + u')', type);
-        case '^':
-            return plain(u'(' + QStringLiteral("(%1 | %2) - (%1 & %2)").arg(left, right) + u')',
-                         type);
-        case '/':
-        case '%': {
-            const bool whole = a.type.isInteger() && b.type.isInteger();
-            const bool safe = b.literal && literalValue(*b.literal->token).toInteger() != 0;
-            QString text;
-            if (op == u'%')
-                text = whole && safe ? u'(' + left + QStringLiteral(" % ") + right + u')'
-                                     : QStringLiteral("zov_mod(") + left + QStringLiteral(", ") +
-                                           right + u')';
-            else if (whole)
-                text =
-                    safe ? u'(' + left + QStringLiteral(" / ") + right + u')'
-                         : QStringLiteral("zov_div(") + left + QStringLiteral(", ") + right + u')';
-            else if (a.type.known || b.type.known)
-                text =
-                    safe ? QStringLiteral("(CAST(") + left + QStringLiteral(" AS REAL) / ") +
-                               right + u')'
-                         : QStringLiteral("zov_divr(") + left + QStringLiteral(", ") + right + u')';
-            else
-                text = QStringLiteral("zov_div(") + left + QStringLiteral(", ") + right + u')';
-            // A quotient's digits beyond its scale are cut, not rounded.
-            if (type.isExact() && type.info.scale < 12)
-                text = QStringLiteral("zov_cut(") + text +
-                       QStringLiteral(", %1)").arg(type.info.scale);
-            if (type.known && type.type() == SqlType::Real)
-                text = QStringLiteral("zov_real(") + text + u')';
-            return plain(text, type);
-        }
-        default:
-            break;
-    }
-    QString text = u'(' + left + u' ' + op + u' ' + right + u')';
-    // Decimals count exactly: what a double adds behind the last digit goes.
-    if (type.isExact() && type.info.scale > 0 && type.info.scale < 12)
-        text = QStringLiteral("round(") + text + QStringLiteral(", %1)").arg(type.info.scale);
-    // Each step of real arithmetic is kept in four bytes, and rounds so.
-    if (type.known && type.type() == SqlType::Real)
-        text = QStringLiteral("zov_real(") + text + u')';
-    return plain(text, type);
-}
-
 Sql Translator::caseExpr(const Expr& expr, Scope& scope) {
     std::vector<std::pair<QString, Sql>> branches;
-    size_t at = 0;
-    Sql operand;
-    if (expr.hasOperand) operand = translate(*expr.args[at++], scope);
     const size_t end = expr.args.size() - (expr.hasElse ? 1 : 0);
-    for (; at + 1 < end + 1 && at < end; at += 2) {
-        const QString when = expr.hasOperand ? compare(QStringLiteral("="), operand,
-                                                       translate(*expr.args[at], scope))
-                                             : predicate(*expr.args[at], scope);
-        branches.emplace_back(when, translate(*expr.args[at + 1], scope));
+    std::vector<QString> tests;
+    QString operand;
+    if (expr.hasOperand) {
+        const Sql value = translate(*expr.args[0], scope);
+        std::vector<Sql> others;
+        for (size_t at = 1; at < end; at += 2) others.push_back(translate(*expr.args[at], scope));
+        operand = caseOperand(value, others, tests);
+    } else {
+        for (size_t at = 0; at < end; at += 2) tests.push_back(predicate(*expr.args[at], scope));
     }
+    for (size_t i = 0; i < tests.size(); ++i)
+        branches.emplace_back(tests[i],
+                              translate(*expr.args[2 * i + (expr.hasOperand ? 2 : 1)], scope));
     if (expr.hasElse) branches.emplace_back(QString(), translate(*expr.args.back(), scope));
     ValueType type = branches[0].second.type;
     for (size_t i = 1; i < branches.size(); ++i) type = commonType(type, branches[i].second.type);
     if (!expr.hasElse) type.info.nullable = true;
     QString text = QStringLiteral("(CASE");
+    if (!operand.isNull()) text += u' ' + operand;
     Collating collating;
     for (auto& [when, value] : branches) {
         collating = joined(collating, value.collating, QStringLiteral("CASE"));
@@ -533,24 +376,20 @@ Sql Translator::cast(const Expr& expr, Scope& scope) {
 
 // --- conditions ---------------------------------------------------------------------------------
 
-QString Translator::predicate(const Expr& expr, Scope& scope) {
+QString Translator::tested(const Expr& expr, Scope& scope) {
     switch (expr.kind) {
         case Expr::Kind::And:
         case Expr::Kind::Or:
-            return u'(' + predicate(*expr.args[0], scope) +
-                   QLatin1String(expr.kind == Expr::Kind::And ? " AND " : " OR ") +
-                   predicate(*expr.args[1], scope) + u')';
+            return connected(expr, scope);
         case Expr::Kind::Not:
             return QStringLiteral("(NOT ") + predicate(*expr.args[0], scope) + u')';
         case Expr::Kind::Compare:
             return compare(expr.name, translate(*expr.args[0], scope),
                            translate(*expr.args[1], scope));
         case Expr::Kind::Between: {
-            const Sql value = translate(*expr.args[0], scope);
             const QString inside =
-                u'(' + compare(QStringLiteral(">="), value, translate(*expr.args[1], scope)) +
-                QStringLiteral(" AND ") +
-                compare(QStringLiteral("<="), value, translate(*expr.args[2], scope)) + u')';
+                between(translate(*expr.args[0], scope), translate(*expr.args[1], scope),
+                        translate(*expr.args[2], scope));
             return expr.negated ? QStringLiteral("(NOT ") + inside + u')' : inside;
         }
         case Expr::Kind::In:
@@ -713,6 +552,42 @@ QString Translator::compare(const QString& op, const Sql& a, const Sql& b) {
     return u'(' + left + u' ' + op + u' ' + right + u')';
 }
 
+/// A long value is mentioned once, lest nested ones grow without end.
+QString Translator::between(const Sql& value, const Sql& low, const Sql& high) {
+    if (isLong(value) && !value.type.isGuid() && !low.type.isGuid() && !high.type.isGuid()) {
+        QString above, least, below, most;
+        coerce(value, low, above, least, operationName(QStringLiteral(">=")));
+        coerce(value, high, below, most, operationName(QStringLiteral("<=")));
+        if (above == below)
+            return u'(' + above + QStringLiteral(" BETWEEN ") + least + QStringLiteral(" AND ") +
+                   most + u')';
+    }
+    return u'(' + compare(QStringLiteral(">="), value, low) + QStringLiteral(" AND ") +
+           compare(QStringLiteral("<="), value, high) + u')';
+}
+
+/// What a CASE compares its operand with; the operand itself when it is long and the same text for
+/// all, so that it is mentioned once, null where each comparison holds it.
+QString Translator::caseOperand(const Sql& operand, const std::vector<Sql>& values,
+                                std::vector<QString>& tests) {
+    QString shared;
+    bool once = isLong(operand);
+    std::vector<QString> others;
+    for (size_t i = 0; once && i < values.size(); ++i) {
+        QString left, right;
+        coerce(operand, values[i], left, right);
+        once = i == 0 || left == shared;
+        shared = left;
+        others.push_back(right);
+    }
+    if (once) {
+        tests = std::move(others);
+        return shared;
+    }
+    for (const Sql& value : values) tests.push_back(compare(QStringLiteral("="), operand, value));
+    return {};
+}
+
 QString Translator::inList(const Expr& expr, Scope& scope) {
     const Sql value = translate(*expr.args[0], scope);
     const QLatin1String word(expr.negated ? " NOT IN (" : " IN (");
@@ -743,11 +618,10 @@ QString Translator::inList(const Expr& expr, Scope& scope) {
         list += (i > 1 ? QStringLiteral(", ") : QString()) + itemRight;
     }
     if (uniform) return u'(' + left + word + list + QStringLiteral("))");
-    QString any;
-    for (const Sql& item : items)
-        any += (any.isEmpty() ? QString() : QStringLiteral(" OR ")) +
-               compare(QStringLiteral("="), value, item);
-    return QLatin1String(expr.negated ? "(NOT (" : "((") + any + QStringLiteral("))");
+    std::vector<QString> any;
+    for (const Sql& item : items) any.push_back(compare(QStringLiteral("="), value, item));
+    const QString text = joinConditions(std::move(any), " OR ");
+    return expr.negated ? QStringLiteral("(NOT ") + text + u')' : text;
 }
 
 }  // namespace zov::local

@@ -374,7 +374,10 @@ Sql Translator::function(const Expr& expr, Scope& scope) {
     const int count = int(expr.args.size());
     bool found = false;
     Sql aggregated = aggregate(expr, scope, found);
-    if (found) return aggregated;
+    if (found) {
+        writing_.aggregated = true;
+        return aggregated;
+    }
 
     const auto argument = [&](int i) { return translate(*expr.args[size_t(i)], scope); };
     const auto needs = [&](int wanted) {
@@ -493,13 +496,14 @@ Sql Translator::function(const Expr& expr, Scope& scope) {
     }
     if (name == u"coalesce") {
         if (count < 2) wrongCount(name, 2);
-        ValueType type = argument(0).type;
-        for (int i = 1; i < count; ++i) type = commonType(type, argument(i).type);
+        std::vector<Sql> values;
+        for (int i = 0; i < count; ++i) values.push_back(argument(i));
+        ValueType type = values[0].type;
+        for (const Sql& value : values) type = commonType(type, value.type);
         type.info.nullable = true;  // unlike ISNULL's, whatever stands at its end
         QStringList arguments;
         Collating collating;
-        for (int i = 0; i < count; ++i) {
-            const Sql value = argument(i);
+        for (const Sql& value : values) {
             collating = joined(collating, value.collating, QStringLiteral("COALESCE"));
             arguments.append(type.known && value.type.known && value.type.isText() != type.isText()
                                  ? converted(value, type.info)
@@ -539,12 +543,12 @@ Sql Translator::function(const Expr& expr, Scope& scope) {
     if (name == u"choose") {
         if (count < 2) wrongCount(name, 2);
         QString text = QStringLiteral("(CASE ") + use(argument(0));
-        ValueType type = argument(1).type;
+        ValueType type;
         Collating collating;
         for (int i = 1; i < count; ++i) {
             const Sql value = argument(i);
             collating = joined(collating, value.collating, QStringLiteral("CHOOSE"));
-            type = commonType(type, value.type);
+            type = i == 1 ? value.type : commonType(type, value.type);
             text += QStringLiteral(" WHEN %1 THEN ").arg(i) + use(value);
         }
         type.info.nullable = true;
@@ -554,15 +558,17 @@ Sql Translator::function(const Expr& expr, Scope& scope) {
     }
     if (name == u"concat" || name == u"concat_ws") {
         QStringList arguments;
-        ValueType type = textLike(argument(count - 1).type, 0);
+        ValueType type;
+        bool unicode = false;
         Collating collating;
         for (int i = 0; i < count; ++i) {
             const Sql value = argument(i);
             collating = joined(collating, value.collating, name);
-            if (!value.type.known || value.type.isUnicode())
-                type = knownType(SqlType::NVarChar, 4000);
+            unicode = unicode || !value.type.known || value.type.isUnicode();
+            type = textLike(value.type, 0);
             arguments.append(asText(value));
         }
+        if (unicode) type = knownType(SqlType::NVarChar, 4000);
         type.info.nullable = false;
         Sql result =
             made(call(name == u"concat" ? "zov_concat" : "zov_concat_ws", arguments), type);

@@ -8,6 +8,14 @@ namespace zov::local {
 namespace {
 
 const Token endToken;
+constexpr int MaxTables = 256;     // of one FROM
+constexpr size_t MaxItems = 4096;  // of a select list
+
+[[noreturn]] void tooMany(qint32 native, const QString& text, const Token& token) {
+    DbError error(ado_error::SyntaxError, text, QStringLiteral("42000"), native);
+    error.line = token.line;
+    throw error;
+}
 
 }  // namespace
 
@@ -161,11 +169,6 @@ void failNear(const Token& token) {
     throw error;
 }
 
-void QueryParser::tooDeep() {
-    failWith(191, QStringLiteral("Some part of your SQL statement is nested too deeply. "
-                                 "Rewrite the query or break it up into smaller queries."));
-}
-
 const Token& QueryParser::peek(qsizetype ahead) const {
     const qsizetype at = at_ + ahead;
     return at < qsizetype(tokens_.size()) ? tokens_[size_t(at)] : endToken;
@@ -253,19 +256,25 @@ std::vector<CommonTable> QueryParser::parseWith() {
 }
 
 SelectPtr QueryParser::parseSelect() {
-    DepthGuard guard(*this);
-    auto select = std::make_unique<Select>();
-    select->with = parseWith();
-    select->body = parseQueryExpr();
+    return nested([this] {
+        auto select = std::make_unique<Select>();
+        select->with = parseWith();
+        select->body = parseQueryExpr();
+        parseOrderAndOptions(*select);
+        return select;
+    });
+}
+
+void QueryParser::parseOrderAndOptions(Select& select) {
     if (is("order") && is("by", 1)) {
         at_ += 2;
-        select->orderBy = parseOrderItems();
+        select.orderBy = parseOrderItems();
         if (accept("offset")) {
-            select->offset = parseExpression();
+            select.offset = parseExpression();
             if (!accept("rows")) expect("row");
             if (accept("fetch")) {
                 if (!accept("next")) expect("first");
-                select->fetch = parseExpression();
+                select.fetch = parseExpression();
                 if (!accept("rows")) expect("row");
                 expect("only");
             }
@@ -276,7 +285,17 @@ SelectPtr QueryParser::parseSelect() {
         failWith(0, QStringLiteral("FOR %1 is not supported by the embedded server.")
                         .arg(peek(1).source.toString().toUpper()));
     skipOption();
-    return select;
+}
+
+bool QueryParser::moreOfQuery() const {
+    return is("union") || is("except") || is("intersect") || is("order");
+}
+
+/// Goes on behind "(SELECT ...)", which turns out to be the first part of a query.
+void QueryParser::parseMoreOfQuery(Select& select) {
+    if (!select.with.empty() || !select.orderBy.empty()) failHere();
+    select.body = parseQueryExpr(std::move(select.body));
+    parseOrderAndOptions(select);
 }
 
 void QueryParser::skipOption() {
@@ -291,39 +310,53 @@ void QueryParser::skipOption() {
     } while (depth > 0);
 }
 
-std::unique_ptr<QueryExpr> QueryParser::parseQueryExpr() {
-    DepthGuard guard(*this);
-    auto left = parseQueryTerm();
-    while (is("union") || is("except")) {
+namespace {
+
+/// One part more: what is joined from left to right is one node, however many parts it has.
+void extendQuery(std::unique_ptr<QueryExpr>& query, const QString& operation,
+                 std::unique_ptr<QueryExpr> part, int line) {
+    if (query->spec) {
         auto joined = std::make_unique<QueryExpr>();
-        joined->operation = is("union") ? QStringLiteral("UNION") : QStringLiteral("EXCEPT");
-        ++at_;
-        if (joined->operation == u"UNION" && accept("all"))
-            joined->operation = QStringLiteral("UNION ALL");
-        joined->left = std::move(left);
-        joined->right = parseQueryTerm();
-        left = std::move(joined);
+        joined->parts.push_back(std::move(query));
+        query = std::move(joined);
     }
-    return left;
+    query->operations.push_back(operation);
+    query->parts.push_back(std::move(part));
+    if (query->parts.size() > MaxChain) failTooDeep(line);
 }
 
-std::unique_ptr<QueryExpr> QueryParser::parseQueryTerm() {
-    auto left = parseQueryFactor();
-    while (accept("intersect")) {
-        auto joined = std::make_unique<QueryExpr>();
-        joined->operation = QStringLiteral("INTERSECT");
-        joined->left = std::move(left);
-        joined->right = parseQueryFactor();
-        left = std::move(joined);
+}  // namespace
+
+std::unique_ptr<QueryExpr> QueryParser::parseQueryExpr(std::unique_ptr<QueryExpr> first) {
+    auto query = parseQueryTerm(std::move(first));
+    while (is("union") || is("except")) {
+        const int line = peek().line;
+        QString operation = is("union") ? QStringLiteral("UNION") : QStringLiteral("EXCEPT");
+        ++at_;
+        if (operation == u"UNION" && accept("all")) operation = QStringLiteral("UNION ALL");
+        extendQuery(query, operation, parseQueryTerm(nullptr), line);
     }
-    return left;
+    return query;
+}
+
+std::unique_ptr<QueryExpr> QueryParser::parseQueryTerm(std::unique_ptr<QueryExpr> first) {
+    auto query = first ? std::move(first) : parseQueryFactor();
+    while (is("intersect")) {
+        const int line = peek().line;
+        ++at_;
+        extendQuery(query, QStringLiteral("INTERSECT"), parseQueryFactor(), line);
+    }
+    return query;
 }
 
 std::unique_ptr<QueryExpr> QueryParser::parseQueryFactor() {
-    if (accept("(")) {
-        auto inner = parseQueryExpr();
-        expect(")");
-        return inner;
+    if (is("(")) {
+        return nested([this] {
+            ++at_;
+            auto inner = parseQueryExpr();
+            expect(")");
+            return inner;
+        });
     }
     auto expr = std::make_unique<QueryExpr>();
     expr->spec = parseSpec();
@@ -354,8 +387,15 @@ std::unique_ptr<QuerySpec> QueryParser::parseSpec() {
     else
         accept("all");
     spec->top = parseTop();
-    do spec->items.push_back(parseItem());
-    while (accept(","));
+    do {
+        spec->items.push_back(parseItem());
+        if (spec->items.size() > MaxItems)
+            tooMany(1056,
+                    QStringLiteral("The number of elements in the select list exceeds the maximum "
+                                   "allowed number of %1 elements.")
+                        .arg(MaxItems),
+                    peek());
+    } while (accept(","));
     if (accept("into")) {
         if (!parsePath(spec->into)) failHere();
     }
@@ -443,9 +483,17 @@ std::vector<std::unique_ptr<TableSource>> QueryParser::parseFrom() {
     return sources;
 }
 
-std::unique_ptr<TableSource> QueryParser::parseJoined() {
-    DepthGuard guard(*this);
-    auto left = parseTableFactor();
+std::unique_ptr<TableSource> QueryParser::parseJoined(std::unique_ptr<TableSource> first) {
+    auto left = first ? std::move(first) : parseTableFactor();
+    int tables = 1;
+    const auto countTable = [&] {
+        if (++tables > MaxTables)
+            tooMany(
+                106,
+                QStringLiteral("Too many table names in the query. The maximum allowable is %1.")
+                    .arg(MaxTables),
+                peek());
+    };
     for (;;) {
         TableSource::Join join = TableSource::Join::Inner;
         const qsizetype start = at_;
@@ -472,6 +520,7 @@ std::unique_ptr<TableSource> QueryParser::parseJoined() {
             at_ = start;
             failHere();
         }
+        countTable();
         auto joined = std::make_unique<TableSource>();
         joined->kind = TableSource::Kind::Join;
         joined->join = join;
@@ -483,6 +532,7 @@ std::unique_ptr<TableSource> QueryParser::parseJoined() {
         while (
             join != TableSource::Join::Cross && !is("on") &&
             (is("join") || is("inner") || is("left") || is("right") || is("full") || is("cross"))) {
+            countTable();
             auto inner = std::make_unique<TableSource>();
             inner->kind = TableSource::Kind::Join;
             inner->token = &peek();
@@ -514,15 +564,52 @@ std::unique_ptr<TableSource> QueryParser::parseJoined() {
     }
 }
 
-bool QueryParser::selectAhead() const {
-    qsizetype ahead = 0;
-    while (is("(", ahead)) ++ahead;
+/// A query stands there, and not a column of its name.
+bool QueryParser::selectAt(qsizetype ahead) const {
     return is("select", ahead) || (is("with", ahead) && peek(ahead + 1).isName() &&
                                    (is("as", ahead + 2) || is("(", ahead + 2)));
 }
 
+/// The same behind all "(" from here on. A run of them is walked over once, however many ask.
+bool QueryParser::selectAhead() {
+    if (at_ < openFrom_ || at_ >= openTo_) {
+        openFrom_ = openTo_ = at_;
+        while (is("(", openTo_ - at_)) ++openTo_;
+    }
+    return selectAt(openTo_ - at_);
+}
+
+/// "(SELECT ...)" without an alias, which stands behind the last ")" around it.
+static bool isBareQuery(const TableSource& source) {
+    return source.kind == TableSource::Kind::Derived && source.alias.isEmpty();
+}
+
+std::unique_ptr<TableSource> QueryParser::parseParenthesisedSource() {
+    return nested([this] {
+        expect("(");
+        std::unique_ptr<TableSource> inner;
+        if (is("select")) {
+            inner = std::make_unique<TableSource>();
+            inner->token = &peek();
+            inner->kind = TableSource::Kind::Derived;
+            inner->select = parseSelect();
+        } else if (is("(") && !is("values", 1)) {
+            // "((select ..) union ..)" is a query, "((a join b on ..) join c on ..)" is not.
+            inner = parseParenthesisedSource();
+            if (isBareQuery(*inner)) {
+                if (moreOfQuery())
+                    parseMoreOfQuery(*inner->select);
+                else if (!is(")"))
+                    parseSourceAlias(*inner);
+            }
+        }
+        if (!inner || !isBareQuery(*inner)) inner = parseJoined(std::move(inner));
+        expect(")");
+        return inner;
+    });
+}
+
 std::unique_ptr<TableSource> QueryParser::parseTableFactor() {
-    DepthGuard guard(*this);
     auto source = std::make_unique<TableSource>();
     source->token = &peek();
     if (is("(")) {
@@ -532,39 +619,13 @@ std::unique_ptr<TableSource> QueryParser::parseTableFactor() {
             ++at_;
             source->rows = parseValueRows(false);
             expect(")");
-            parseSourceAlias(*source);
-            if (source->alias.isEmpty()) failHere();
-            return source;
+        } else {
+            source = parseParenthesisedSource();
+            if (!isBareQuery(*source)) return source;
         }
-        // "((select ...) union ...) as x" is a query, "((a join b on ..) join c on ..)" is not.
-        qsizetype ahead = 0;
-        while (is("(", ahead)) ++ahead;
-        if (is("select", ahead)) {
-            const qsizetype start = at_;
-            ++at_;
-            if (ahead == 1) {
-                source->kind = TableSource::Kind::Derived;
-                source->select = parseSelect();
-                expect(")");
-                parseSourceAlias(*source);
-                if (source->alias.isEmpty()) failHere();
-                return source;
-            }
-            try {
-                source->select = parseSelect();
-                expect(")");
-                source->kind = TableSource::Kind::Derived;
-                parseSourceAlias(*source);
-                if (!source->alias.isEmpty()) return source;
-            } catch (const DbError&) {
-            }
-            source = std::make_unique<TableSource>();
-            at_ = start;
-        }
-        expect("(");
-        auto inner = parseJoined();
-        expect(")");
-        return inner;
+        parseSourceAlias(*source);
+        if (source->alias.isEmpty()) failHere();
+        return source;
     }
     if (is("::")) ++at_;  // how old texts call the server's own table functions
     if (!parsePath(source->path)) {

@@ -3,6 +3,7 @@
 // leaves position() behind what it has read.
 #pragma once
 
+#include "data/local/nesting.h"
 #include "data/local/query_ast.h"
 
 #include <functional>
@@ -38,19 +39,16 @@ class QueryParser {
     [[noreturn]] void failHere() const;
 
  private:
-    /// Counts how deep the reading has gone, so that hostile nesting can't exhaust the stack.
-    struct DepthGuard {
-        explicit DepthGuard(QueryParser& parser) : parser(parser) {
-            if (++parser.depth_ > MaxDepth) {
-                --parser.depth_;
-                tooDeep();
-            }
-        }
-        ~DepthGuard() { --parser.depth_; }
-        QueryParser& parser;
-    };
-    static constexpr int MaxDepth = 200;
-    [[noreturn]] static void tooDeep();
+    /// Reads what is nested one level deeper: every way into the grammar's recursion passes here.
+    template <typename Read>
+    auto nested(Read read) {
+        struct Depth {
+            int& depth;
+            ~Depth() { --depth; }
+        } depth{depth_};
+        if (++depth_ > MaxNesting) failTooDeep(peek().line);
+        return atLevel(depth_, read);
+    }
 
     const Token& peek(qsizetype ahead = 0) const;
     bool is(const char* word, qsizetype ahead = 0) const { return peek(ahead).is(word); }
@@ -61,25 +59,32 @@ class QueryParser {
     ExprPtr make(Expr::Kind kind);
 
     std::vector<CommonTable> parseWith();
-    std::unique_ptr<QueryExpr> parseQueryExpr();
-    std::unique_ptr<QueryExpr> parseQueryTerm();
+    void parseOrderAndOptions(Select& select);
+    std::unique_ptr<QueryExpr> parseQueryExpr(std::unique_ptr<QueryExpr> first = nullptr);
+    std::unique_ptr<QueryExpr> parseQueryTerm(std::unique_ptr<QueryExpr> first);
     std::unique_ptr<QueryExpr> parseQueryFactor();
     std::unique_ptr<QuerySpec> parseSpec();
     SelectItem parseItem();
     std::vector<OrderItem> parseOrderItems();
     std::vector<std::unique_ptr<TableSource>> parseFrom();
-    std::unique_ptr<TableSource> parseJoined();
+    std::unique_ptr<TableSource> parseJoined(std::unique_ptr<TableSource> first = nullptr);
     std::unique_ptr<TableSource> parseTableFactor();
+    std::unique_ptr<TableSource> parseParenthesisedSource();
+    bool moreOfQuery() const;
+    void parseMoreOfQuery(Select& select);
     void parseSourceAlias(TableSource& source);
     void skipHints();
     void skipOption();
     ExprPtr parseTop();
     std::vector<std::vector<ExprPtr>> parseValueRows(bool allowDefault);
-    bool selectAhead() const;
+    bool selectAhead();
+    bool selectAt(qsizetype ahead) const;
 
     ExprPtr parseOr();
     ExprPtr parseAnd();
     ExprPtr parseNot();
+    void extend(ExprPtr& chain, Expr::Kind kind, ExprPtr (QueryParser::*parseOperand)());
+    ExprPtr parseParenthesised();
     ExprPtr parsePredicate();
     ExprPtr parseAdditive();
     ExprPtr parseMultiplicative();
@@ -88,6 +93,7 @@ class QueryParser {
     ExprPtr parsePrimary();
     ExprPtr parseCase();
     ExprPtr parseFunction(const Token& name);
+    void parseArguments(Expr& call);
     ExprPtr parseNameOrCall();
     std::unique_ptr<WindowSpec> parseWindow();
 
@@ -96,6 +102,7 @@ class QueryParser {
     TypeReader typeReader_;
     qsizetype at_;
     int depth_ = 0;
+    qsizetype openFrom_ = 0, openTo_ = 0;  // a run of "(" that was walked over already
 };
 
 /// "Incorrect syntax near 'x'." for the token, with its line.

@@ -14,40 +14,41 @@ ExprPtr QueryParser::parseCondition() {
     return parseOr();
 }
 
-ExprPtr QueryParser::parseOr() {
-    DepthGuard guard(*this);
-    ExprPtr left = parseAnd();
-    while (is("or")) {
-        ExprPtr node = make(Expr::Kind::Or);
-        ++at_;
-        node->args.push_back(std::move(left));
-        node->args.push_back(parseAnd());
-        left = std::move(node);
+/// One operand more of "a + b + c" or "a AND b AND c": such a chain is one node, so that a long one
+/// makes no deep tree. What stands in parentheses on its left is a part of it, too.
+void QueryParser::extend(ExprPtr& chain, Expr::Kind kind, ExprPtr (QueryParser::*parseOperand)()) {
+    const Token& op = peek();
+    if (chain->kind != kind) {
+        ExprPtr node = make(kind);
+        node->args.push_back(std::move(chain));
+        chain = std::move(node);
     }
+    if (kind == Expr::Kind::Arithmetic) chain->operators += op.source[0];
+    ++at_;
+    chain->args.push_back((this->*parseOperand)());
+    if (chain->args.size() > MaxChain) failTooDeep(op.line);
+}
+
+ExprPtr QueryParser::parseOr() {
+    ExprPtr left = parseAnd();
+    while (is("or")) extend(left, Expr::Kind::Or, &QueryParser::parseAnd);
     return left;
 }
 
 ExprPtr QueryParser::parseAnd() {
     ExprPtr left = parseNot();
-    while (is("and")) {
-        ExprPtr node = make(Expr::Kind::And);
-        ++at_;
-        node->args.push_back(std::move(left));
-        node->args.push_back(parseNot());
-        left = std::move(node);
-    }
+    while (is("and")) extend(left, Expr::Kind::And, &QueryParser::parseNot);
     return left;
 }
 
 ExprPtr QueryParser::parseNot() {
-    DepthGuard guard(*this);
-    if (is("not")) {
+    if (!is("not")) return parsePredicate();
+    return nested([this] {
         ExprPtr node = make(Expr::Kind::Not);
         ++at_;
         node->args.push_back(parseNot());
         return node;
-    }
-    return parsePredicate();
+    });
 }
 
 ExprPtr QueryParser::parsePredicate() {
@@ -60,130 +61,116 @@ ExprPtr QueryParser::parsePredicate() {
         return node;
     }
     ExprPtr left = parseAdditive();
-    for (;;) {
-        static const char* const operators[] = {"=", "<>", "!=", "<=", ">=", "<", ">", "!<", "!>"};
-        const char* found = nullptr;
-        for (const char* op : operators)
-            if (is(op)) found = op;
-        if (found) {
-            ExprPtr node = make(Expr::Kind::Compare);
+    static const char* const operators[] = {"=", "<>", "!=", "<=", ">=", "<", ">", "!<", "!>"};
+    const char* found = nullptr;
+    for (const char* op : operators)
+        if (is(op)) found = op;
+    if (found) {
+        ExprPtr node = make(Expr::Kind::Compare);
+        ++at_;
+        const QLatin1String op(found);
+        node->name = op == QLatin1String("!=")   ? QStringLiteral("<>")
+                     : op == QLatin1String("!<") ? QStringLiteral(">=")
+                     : op == QLatin1String("!>") ? QStringLiteral("<=")
+                                                 : QString(op);
+        node->args.push_back(std::move(left));
+        if (is("all") || is("any") || is("some")) {
+            node->kind = Expr::Kind::Quantified;
+            node->tolerant = is("all");
             ++at_;
-            const QLatin1String op(found);
-            node->name = op == QLatin1String("!=")   ? QStringLiteral("<>")
-                         : op == QLatin1String("!<") ? QStringLiteral(">=")
-                         : op == QLatin1String("!>") ? QStringLiteral("<=")
-                                                     : QString(op);
-            node->args.push_back(std::move(left));
-            if (is("all") || is("any") || is("some")) {
-                node->kind = Expr::Kind::Quantified;
-                node->tolerant = is("all");
-                ++at_;
-                expect("(");
-                node->select = parseSelect();
-                expect(")");
-            } else {
-                node->args.push_back(parseAdditive());
-            }
-            left = std::move(node);
-            continue;
-        }
-        if (is("is")) {
-            ExprPtr node = make(Expr::Kind::IsNull);
-            ++at_;
-            node->negated = accept("not");
-            expect("null");
-            node->args.push_back(std::move(left));
-            left = std::move(node);
-            continue;
-        }
-        const bool negated = is("not") && (is("in", 1) || is("like", 1) || is("between", 1));
-        if (negated) ++at_;
-        if (is("in")) {
-            ExprPtr node = make(Expr::Kind::In);
-            ++at_;
-            node->negated = negated;
-            node->args.push_back(std::move(left));
             expect("(");
-            if (selectAhead()) {
-                node->select = parseSelect();
-            } else {
-                do node->args.push_back(parseAdditive());
-                while (accept(","));
-            }
+            node->select = parseSelect();
             expect(")");
-            left = std::move(node);
-        } else if (is("like")) {
-            ExprPtr node = make(Expr::Kind::Like);
-            ++at_;
-            node->negated = negated;
-            node->args.push_back(std::move(left));
-            node->args.push_back(parseAdditive());
-            if (accept("escape")) node->args.push_back(parseAdditive());
-            left = std::move(node);
-        } else if (is("between")) {
-            ExprPtr node = make(Expr::Kind::Between);
-            ++at_;
-            node->negated = negated;
-            node->args.push_back(std::move(left));
-            node->args.push_back(parseAdditive());
-            expect("and");
-            node->args.push_back(parseAdditive());
-            left = std::move(node);
         } else {
-            return left;
+            node->args.push_back(parseAdditive());
         }
+        return node;
     }
+    if (is("is")) {
+        ExprPtr node = make(Expr::Kind::IsNull);
+        ++at_;
+        node->negated = accept("not");
+        expect("null");
+        node->args.push_back(std::move(left));
+        return node;
+    }
+    const bool negated = is("not") && (is("in", 1) || is("like", 1) || is("between", 1));
+    if (negated) ++at_;
+    if (is("in")) {
+        ExprPtr node = make(Expr::Kind::In);
+        ++at_;
+        node->negated = negated;
+        node->args.push_back(std::move(left));
+        expect("(");
+        if (selectAhead()) {
+            node->select = parseSelect();
+        } else {
+            do node->args.push_back(parseAdditive());
+            while (accept(","));
+        }
+        expect(")");
+        return node;
+    }
+    if (is("like")) {
+        ExprPtr node = make(Expr::Kind::Like);
+        ++at_;
+        node->negated = negated;
+        node->args.push_back(std::move(left));
+        node->args.push_back(parseAdditive());
+        if (accept("escape")) node->args.push_back(parseAdditive());
+        return node;
+    }
+    if (is("between")) {
+        ExprPtr node = make(Expr::Kind::Between);
+        ++at_;
+        node->negated = negated;
+        node->args.push_back(std::move(left));
+        node->args.push_back(parseAdditive());
+        expect("and");
+        node->args.push_back(parseAdditive());
+        return node;
+    }
+    return left;
 }
 
 ExprPtr QueryParser::parseAdditive() {
-    DepthGuard guard(*this);
     ExprPtr left = parseMultiplicative();
-    while (is("+") || is("-") || is("&") || is("|") || is("^")) {
-        ExprPtr node = make(Expr::Kind::Arithmetic);
-        node->name = peek().source.toString();
-        ++at_;
-        node->args.push_back(std::move(left));
-        node->args.push_back(parseMultiplicative());
-        left = std::move(node);
-    }
+    while (is("+") || is("-") || is("&") || is("|") || is("^"))
+        extend(left, Expr::Kind::Arithmetic, &QueryParser::parseMultiplicative);
     return left;
 }
 
 ExprPtr QueryParser::parseMultiplicative() {
     ExprPtr left = parseUnary();
-    while (is("*") || is("/") || is("%")) {
-        ExprPtr node = make(Expr::Kind::Arithmetic);
-        node->name = peek().source.toString();
-        ++at_;
-        node->args.push_back(std::move(left));
-        node->args.push_back(parseUnary());
-        left = std::move(node);
-    }
+    while (is("*") || is("/") || is("%"))
+        extend(left, Expr::Kind::Arithmetic, &QueryParser::parseUnary);
     return left;
 }
 
 ExprPtr QueryParser::parseUnary() {
-    DepthGuard guard(*this);
-    if (is("-") || is("+") || is("~")) {
+    if (!is("-") && !is("+") && !is("~")) return parsePostfix();
+    return nested([this] {
         ExprPtr node = make(Expr::Kind::Unary);
         node->name = peek().source.toString();
         ++at_;
         node->args.push_back(parseUnary());
         return node;
-    }
-    return parsePostfix();
+    });
 }
 
 ExprPtr QueryParser::parsePostfix() {
     ExprPtr value = parsePrimary();
     while (is("collate")) {
-        ExprPtr node = make(Expr::Kind::Collate);
         ++at_;
-        node->name = peek().name();
         if (!peek().isName()) failHere();
+        // The last one said counts.
+        if (value->kind != Expr::Kind::Collate) {
+            ExprPtr node = make(Expr::Kind::Collate);
+            node->args.push_back(std::move(value));
+            value = std::move(node);
+        }
+        value->name = peek().name();
         ++at_;
-        node->args.push_back(std::move(value));
-        value = std::move(node);
     }
     return value;
 }
@@ -200,19 +187,7 @@ ExprPtr QueryParser::parsePrimary() {
             return node;
         }
         case TokenKind::Operator:
-            if (token.is("(")) {
-                if (selectAhead()) {
-                    ExprPtr node = make(Expr::Kind::Subquery);
-                    ++at_;
-                    node->select = parseSelect();
-                    expect(")");
-                    return node;
-                }
-                ++at_;
-                ExprPtr inner = parseOr();
-                expect(")");
-                return inner;
-            }
+            if (token.is("(")) return parseParenthesised();
             if (token.is("*")) {
                 ExprPtr node = make(Expr::Kind::Star);
                 ++at_;
@@ -262,6 +237,24 @@ ExprPtr QueryParser::parsePrimary() {
     failHere();
 }
 
+ExprPtr QueryParser::parseParenthesised() {
+    return nested([this] {
+        if (selectAt(1)) {
+            ExprPtr node = make(Expr::Kind::Subquery);
+            ++at_;
+            node->select = parseSelect();
+            expect(")");
+            return node;
+        }
+        ++at_;
+        ExprPtr inner = parseOr();
+        // "((SELECT ...) UNION (SELECT ...))"
+        if (inner->kind == Expr::Kind::Subquery && moreOfQuery()) parseMoreOfQuery(*inner->select);
+        expect(")");
+        return inner;
+    });
+}
+
 ExprPtr QueryParser::parseNameOrCall() {
     const Token& first = peek();
     if (first.kind == TokenKind::Word && is("(", 1)) {
@@ -303,40 +296,47 @@ ExprPtr QueryParser::parseFunction(const Token& nameToken) {
     ExprPtr node = make(Expr::Kind::Function);
     node->token = &nameToken;
     node->name = nameToken.source.toString().toLower();
+    return nested([&] {
+        parseArguments(*node);
+        return std::move(node);
+    });
+}
+
+/// From "(" on.
+void QueryParser::parseArguments(Expr& call) {
     expect("(");
-    if (node->name == u"cast" || node->name == u"try_cast") {
-        node->kind = Expr::Kind::Cast;
-        node->tolerant = node->name.startsWith(u't');
-        node->args.push_back(parseExpression());
+    if (call.name == u"cast" || call.name == u"try_cast") {
+        call.kind = Expr::Kind::Cast;
+        call.tolerant = call.name.startsWith(u't');
+        call.args.push_back(parseExpression());
         expect("as");
-        node->castType = typeReader_(tokens_, at_, at_);
+        call.castType = typeReader_(tokens_, at_, at_);
         expect(")");
-        return node;
+        return;
     }
-    if (node->name == u"convert" || node->name == u"try_convert") {
-        node->kind = Expr::Kind::Cast;
-        node->tolerant = node->name.startsWith(u't');
-        node->castType = typeReader_(tokens_, at_, at_);
+    if (call.name == u"convert" || call.name == u"try_convert") {
+        call.kind = Expr::Kind::Cast;
+        call.tolerant = call.name.startsWith(u't');
+        call.castType = typeReader_(tokens_, at_, at_);
         expect(",");
-        node->args.push_back(parseExpression());
-        if (accept(",")) node->args.push_back(parseExpression());
+        call.args.push_back(parseExpression());
+        if (accept(",")) call.args.push_back(parseExpression());
         expect(")");
-        return node;
+        return;
     }
     if (!accept(")")) {
         if (accept("distinct"))
-            node->distinct = true;
+            call.distinct = true;
         else if (is("all") && !is("(", 1))
             accept("all");
         // IIF's first argument is a condition.
         do
-            node->args.push_back(node->name == u"iif" && node->args.empty() ? parseCondition()
-                                                                            : parseExpression());
+            call.args.push_back(call.name == u"iif" && call.args.empty() ? parseCondition()
+                                                                         : parseExpression());
         while (accept(","));
         expect(")");
     }
-    if (accept("over")) node->window = parseWindow();
-    return node;
+    if (accept("over")) call.window = parseWindow();
 }
 
 std::unique_ptr<WindowSpec> QueryParser::parseWindow() {
@@ -369,25 +369,26 @@ std::unique_ptr<WindowSpec> QueryParser::parseWindow() {
 }
 
 ExprPtr QueryParser::parseCase() {
-    DepthGuard guard(*this);
-    ExprPtr node = make(Expr::Kind::Case);
-    expect("case");
-    if (!is("when")) {
-        node->hasOperand = true;
-        node->args.push_back(parseExpression());
-    }
-    if (!is("when")) failHere();
-    while (accept("when")) {
-        node->args.push_back(node->hasOperand ? parseExpression() : parseCondition());
-        expect("then");
-        node->args.push_back(parseExpression());
-    }
-    if (accept("else")) {
-        node->hasElse = true;
-        node->args.push_back(parseExpression());
-    }
-    expect("end");
-    return node;
+    return nested([this] {
+        ExprPtr node = make(Expr::Kind::Case);
+        expect("case");
+        if (!is("when")) {
+            node->hasOperand = true;
+            node->args.push_back(parseExpression());
+        }
+        if (!is("when")) failHere();
+        while (accept("when")) {
+            node->args.push_back(node->hasOperand ? parseExpression() : parseCondition());
+            expect("then");
+            node->args.push_back(parseExpression());
+        }
+        if (accept("else")) {
+            node->hasElse = true;
+            node->args.push_back(parseExpression());
+        }
+        expect("end");
+        return node;
+    });
 }
 
 }  // namespace zov::local

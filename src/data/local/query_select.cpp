@@ -213,7 +213,8 @@ StoredValue evaluateTree(SessionState& session, const Expr& tree, std::span<cons
     sqlite3* handle = select.database->handle;
     attachDatabases(translator, select);
     select.parameters = translator.parameters();
-    select.statement = prepareStatement(handle, "SELECT " + text.toUtf8(), false);
+    select.statement = prepareStatement(
+        handle, (translator.withClause() + QStringLiteral(" SELECT ") + text).toUtf8(), false);
     bindParameters(session, select, tokens, variables);
     RunningGuard guard(handle, session.control);
     const int code = sqlite3_step(select.statement);
@@ -261,6 +262,7 @@ QString translateForSqlite(SessionState& session, std::span<const Token> express
     const ExprPtr tree = parser.parseExpression();
     parser.expectEnd();
     Translator translator(session, nullptr);
+    translator.keepWhole();
     if (tableId) {
         if (auto table = QueryCache::of(*session.current).tableById(tableId))
             translator.addTable(table, QString(), true);

@@ -8,6 +8,7 @@ namespace zov::local {
 namespace {
 
 constexpr int MaxViewDepth = 32;
+constexpr size_t MostTerms = 400;  // of a compound; SQLite takes 500
 
 [[noreturn]] void noSuchObject(const QStringList& path, const Token* token) {
     DbError error(ado_error::NoSuchTable,
@@ -47,6 +48,7 @@ std::set<int> Translator::boundLiterals() const {
 
 TranslatedSelect Translator::select(const Select& select) {
     TranslatedSelect result = selectIn(select, root_.get());
+    if (const QString with = withClause(); !with.isEmpty()) result.sql = with + u' ' + result.sql;
     return result;
 }
 
@@ -60,10 +62,6 @@ QString Translator::condition(const Expr& expr) {
 void Translator::addCommonTables(const std::vector<CommonTable>& with) {
     if (with.empty()) return;
     commonTables(with, *root_);
-}
-
-QString Translator::withClause() const {
-    return rootWith_;
 }
 
 // --- collations ---------------------------------------------------------------------------------
@@ -217,6 +215,7 @@ void Translator::addSources(const TableSource& source, Scope& scope) {
             added.sqlAlias = QStringLiteral("t%1").arg(++nextAlias_);
             added.alias = source.alias;
             QString body;
+            size_t terms = 0;
             std::vector<ValueType> types;
             std::vector<Collating> collatings;
             for (const auto& row : source.rows) {
@@ -233,6 +232,10 @@ void Translator::addSources(const TableSource& source, Scope& scope) {
                     }
                     values += (i ? QStringLiteral(", ") : QString()) + use(value) +
                               QStringLiteral(" AS c%1").arg(i + 1);
+                }
+                if (++terms > MostTerms) {
+                    body = QStringLiteral("SELECT * FROM ") + addPiece(body, " AS (");
+                    terms = 2;
                 }
                 body += (body.isEmpty() ? QString() : QStringLiteral(" UNION ALL ")) +
                         QStringLiteral("SELECT ") + values;
@@ -501,8 +504,10 @@ QString Translator::fromClause(const std::vector<std::unique_ptr<TableSource>>& 
         }
         return text;
     };
+    const bool noting = std::any_of(scope.sources.begin(), scope.sources.end(),
+                                    [](const Source& source) { return source.view != nullptr; });
     std::vector<QString> noted;
-    write(noted);
+    if (noting) write(noted);
     return QStringLiteral(" FROM ") + write(conditions);
 }
 
@@ -519,9 +524,9 @@ void Translator::commonTables(const std::vector<CommonTable>& with, Scope& scope
                 common.columns[size_t(i)].name = table.columns[i];
         };
         // A table that reads itself takes its columns from its first part.
-        if (table.select->body->left) {
+        if (!table.select->body->spec) {
             const QueryExpr* first = table.select->body.get();
-            while (first->left) first = first->left.get();
+            while (!first->spec) first = first->parts[0].get();
             takeColumns(queryExpr(*first, &scope, nullptr, false));
             scope.common.insert(names()->key(table.name), common);
         }
@@ -538,16 +543,18 @@ void Translator::commonTables(const std::vector<CommonTable>& with, Scope& scope
     }
 }
 
-TranslatedSelect Translator::selectIn(const Select& select, Scope* outer, bool existsOnly) {
+TranslatedSelect Translator::selectText(const Select& select, Scope* outer, bool existsOnly) {
     if (select.with.empty()) return queryExpr(*select.body, outer, &select, existsOnly);
     Scope scope;
     scope.outer = outer;
-    const QString saved = rootWith_;
-    rootWith_.clear();
+    const QString saved = std::exchange(rootWith_, QString());
+    const QString savedPieces = std::exchange(pieces_, QString());
     commonTables(select.with, scope);
     TranslatedSelect result = queryExpr(*select.body, &scope, &select, existsOnly);
-    result.sql = rootWith_ + u' ' + result.sql;
+    // Pieces from here may read the common tables, and find them in the same WITH only.
+    result.sql = withClause() + u' ' + result.sql;
     rootWith_ = saved;
+    pieces_ = savedPieces;
     return result;
 }
 
@@ -583,24 +590,42 @@ void Translator::collateCompound(TranslatedSelect& left, const TranslatedSelect&
         left.sql = QStringLiteral("SELECT ") + list + QStringLiteral(" FROM (") + left.sql + u')';
 }
 
+TranslatedSelect Translator::queryPart(const QueryExpr& part, Scope* outer) {
+    if (part.spec) return spec(*part.spec, outer, nullptr, false, true);
+    return atLevel(++level_, [&] {
+        TranslatedSelect inner = queryExpr(part, outer, nullptr, false);
+        --level_;
+        writing_.nesting += 6;
+        return mustCut(false) ? cutSelect(std::move(inner)) : std::move(inner);
+    });
+}
+
 TranslatedSelect Translator::queryExpr(const QueryExpr& expr, Scope* outer, const Select* orders,
                                        bool existsOnly) {
     if (expr.spec) return spec(*expr.spec, outer, orders, existsOnly, false);
-    const auto part = [&](const QueryExpr& side) {
-        TranslatedSelect text = side.spec ? spec(*side.spec, outer, nullptr, false, true)
-                                          : queryExpr(side, outer, nullptr, false);
-        return text;
-    };
-    TranslatedSelect left = part(*expr.left);
-    TranslatedSelect right = part(*expr.right);
-    if (left.columns.size() != right.columns.size())
-        failWith(205, QStringLiteral("All queries combined using a UNION, INTERSECT or EXCEPT "
-                                     "operator must have an equal "
-                                     "number of expressions in their target lists."));
-    TranslatedSelect result;
-    collateCompound(left, right, result, expr.operation);
-    if (!expr.right->spec) right.sql = QStringLiteral("SELECT * FROM (") + right.sql + u')';
-    result.sql = left.sql + u' ' + expr.operation + u' ' + right.sql;
+    TranslatedSelect result = queryPart(*expr.parts[0], outer);
+    size_t terms = 1;
+    for (size_t i = 1; i < expr.parts.size(); ++i) {
+        TranslatedSelect right = queryPart(*expr.parts[i], outer);
+        if (result.columns.size() != right.columns.size())
+            failWith(205, QStringLiteral("All queries combined using a UNION, INTERSECT or EXCEPT "
+                                         "operator must have an equal "
+                                         "number of expressions in their target lists."));
+        if (++terms > MostTerms) {
+            result = cutSelect(std::move(result));
+            terms = 2;
+        }
+        const QString& operation = expr.operations[i - 1];
+        TranslatedSelect joined;
+        collateCompound(result, right, joined, operation);
+        joined.sql = std::move(result.sql);
+        if (!expr.parts[i]->spec) right.sql = QStringLiteral("SELECT * FROM (") + right.sql + u')';
+        joined.sql += u' ';
+        joined.sql += operation;
+        joined.sql += u' ';
+        joined.sql += right.sql;
+        result = std::move(joined);
+    }
     if (orders && (!orders->orderBy.empty() || orders->offset)) {
         Scope none;
         none.outer = outer;

@@ -5,6 +5,7 @@
 #pragma once
 
 #include "data/local/catalog_views.h"
+#include "data/local/nesting.h"
 #include "data/local/query_ast.h"
 #include "data/local/query_cache.h"
 #include "data/local/query_collating.h"
@@ -24,7 +25,12 @@ struct Sql {
     const Expr* literal = nullptr;      ///< a bare literal
     QString variable;                   ///< a bare @variable
     const Expr* source = nullptr;
+    /// Of an operator's text without parentheses around it: how tightly it binds, 0 for all others.
+    int binding = 0;
 };
+
+/// A value's text as it stands, of that type.
+Sql plain(QString text, ValueType type);
 
 struct OutputColumn {
     QString name;
@@ -63,7 +69,10 @@ class Translator {
                           std::shared_ptr<const QueryTable>& table, QString& targetAlias,
                           const std::function<void()>& translateValues);
     void addCommonTables(const std::vector<CommonTable>& with);
+    /// WITH of all that the statement's text refers to, to be asked for when that is written.
     QString withClause() const;
+    /// For statements that can't hold a sub-query, such as a table's own: nothing is cut off.
+    void keepWhole() { cutting_ = false; }
     /// The expression as a value of `type`, converted when it isn't one.
     QString converted(Sql value, const ColumnInfo& type, int style = 0, bool tolerant = false);
     /// The text of an expression; a literal is written out.
@@ -128,8 +137,10 @@ class Translator {
     };
 
     TranslatedSelect selectIn(const Select& select, Scope* outer, bool existsOnly = false);
+    TranslatedSelect selectText(const Select& select, Scope* outer, bool existsOnly);
     TranslatedSelect queryExpr(const QueryExpr& expr, Scope* outer, const Select* orders,
                                bool existsOnly);
+    TranslatedSelect queryPart(const QueryExpr& part, Scope* outer);
     TranslatedSelect spec(const QuerySpec& spec, Scope* outer, const Select* orders,
                           bool existsOnly, bool inCompound);
     QString limitClause(const Expr* top, const Select* select, Scope& scope);
@@ -149,10 +160,36 @@ class Translator {
     QString prefixFor(Database* database);
     const CommonSource* findCommon(const QString& name, Scope* scope);
 
+    /// How deep the text is that was written since a node of the tree was entered.
+    struct Writing {
+        bool strict = false;  ///< each part of the node is evaluated whatever the others are
+        bool aggregated = false;
+        int nesting = 0;           ///< entries of the parser's stack
+        int height = 0;            ///< levels of the parsed tree
+        std::vector<QString> from;  ///< pieces whose value the text takes out of FROM
+    };
+
+    // What SQLite can't nest is cut off and named (query_pieces.cpp).
     Sql translate(const Expr& expr, Scope& scope);
+    QString predicate(const Expr& expr, Scope& scope);
+    bool mustCut(bool intoStrict) const;
+    QString addPiece(const QString& body, const char* hint);
+    void cut(Sql& value, bool intoStrict);
+    void leaveNode(Writing outer);
+    void countStep();
+    TranslatedSelect cutSelect(TranslatedSelect select);
+
+    Sql translated(const Expr& expr, Scope& scope);
     Sql column(const Expr& expr, Scope& scope);
+    // Chains of operators (query_chains.cpp).
     Sql arithmetic(const Expr& expr, Scope& scope);
+    Sql operation(QChar op, Sql a, Sql b);
+    Sql dateOperation(QChar op, const Sql& a, const Sql& b);
+    QString quotient(QChar op, const Sql& a, const Sql& b, const QString& left,
+                     const QString& right, const ValueType& type);
     Sql plus(Sql a, Sql b);
+    QString connected(const Expr& expr, Scope& scope);
+    static QString joinConditions(std::vector<QString> conditions, const char* word);
     Sql caseExpr(const Expr& expr, Scope& scope);
     Sql cast(const Expr& expr, Scope& scope);
     Sql function(const Expr& expr, Scope& scope);
@@ -162,7 +199,7 @@ class Translator {
     Sql literal(const Expr& expr);
     Sql variable(const Expr& expr);
     Sql scalarSubquery(const Expr& expr, Scope& scope);
-    QString predicate(const Expr& expr, Scope& scope);
+    QString tested(const Expr& expr, Scope& scope);
     QString compare(const QString& op, const Sql& a, const Sql& b);
     void coerce(const Sql& a, const Sql& b, QString& left, QString& right,
                 const QString& operation = QStringLiteral("equal to"));
@@ -174,6 +211,9 @@ class Translator {
     const Collation* namedInQuery(const QString& name);
     void collateCompound(TranslatedSelect& left, const TranslatedSelect& right,
                          TranslatedSelect& result, const QString& operation);
+    QString between(const Sql& value, const Sql& low, const Sql& high);
+    QString caseOperand(const Sql& operand, const std::vector<Sql>& values,
+                        std::vector<QString>& tests);
     QString inList(const Expr& expr, Scope& scope);
     QString numberOf(const Sql& sql);
 
@@ -193,6 +233,13 @@ class Translator {
     bool usesTables_ = false;
     std::unique_ptr<Scope> root_;
     QString rootWith_;
+    QString pieces_;  // cut off and in no WITH yet
+    QHash<QString, qint64> pieceSizes_;
+    int nextPiece_ = 0;
+    Writing writing_;
+    int level_ = 0;
+    qint64 steps_ = 0;
+    bool cutting_ = true;
     // Views' texts, tokens and trees live as long as the statement is in work.
     struct ViewSource {
         QString text;
