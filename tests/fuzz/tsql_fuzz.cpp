@@ -4,7 +4,6 @@
 #include "data/local/tsql_lexer.h"
 #include "data/script_batches.h"
 #include "fuzz_support.h"
-#include "script_limits.h"
 #include "util/text_decode.h"
 
 using namespace zov;
@@ -46,10 +45,12 @@ void readBatch(const ScriptBatch& batch) {
                         "tokens stand in the text, in order");
                 behind = token.end();
             }
-            if (!fuzz::isTame(tokens)) return;
             // Without the end, as statements are given to it.
             const std::span<const local::Token> statement(tokens.data(), tokens.size() - 1);
-            for (qsizetype at = 0; at < qsizetype(statement.size()); ++at) parseAt(statement, at);
+            // From each token on; of many, from some, since nested ones are read from each anew.
+            const qsizetype step = 1 + qsizetype(statement.size()) / 256;
+            for (qsizetype at = 0; at < qsizetype(statement.size()); at += step)
+                parseAt(statement, at);
         } catch (const DbError& error) {
             require(error.line >= 1, "an error of the text has a line");
         }
