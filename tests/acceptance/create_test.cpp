@@ -1,5 +1,7 @@
 // zovrand-cli create: what it makes of whole databases loads into empty ones, and nothing differs.
-#include "cli_runner.h"
+#include "wired_server.h"
+
+#include <QRegularExpression>
 
 namespace zov::acceptance {
 namespace {
@@ -165,6 +167,51 @@ TEST_F(Create, AnUpdateScriptTurnsOneTableIntoAnother) {
     EXPECT_EQ(
         home.value(Server, QStringLiteral("Old"), QStringLiteral("SELECT b FROM T WHERE a = 7")),
         QStringLiteral("x"));
+}
+
+TEST_F(Create, TheWireGivesTheSameScripts) {
+    const QString local = QStringLiteral("local:") + home.path(QStringLiteral("wired"));
+    home.load(local, QStringLiteral("Db"), {samplesFolder() + QStringLiteral("shop_before.sql")});
+    home.load(local, QStringLiteral("New"), {samplesFolder() + QStringLiteral("shop_after.sql")});
+    TdsEndpoint endpoint;
+    serve(endpoint, local, home);
+    const QString wire = endpoint.dataSource();
+    // A statement as it is shown tells when it was made.
+    const auto shown = [](CliResult result) {
+        static const QRegularExpression time(QStringLiteral("Script Date: [-0-9: ]+"));
+        result.out.replace(time, QStringLiteral("Script Date"));
+        return ::testing::PrintToString(result);
+    };
+    const QStringList calls[] = {
+        {"create"},
+        {"create", "-t", "table"},
+        {"create", "-t", "view", "--drop-header"},
+        {"create", "-t", "table", "--as-shown"},
+        {"create", "-t", "procedure", "--as-shown", "--drop-header"},
+    };
+    for (const QStringList& call : calls) {
+        const CliResult here = home.run(call + QStringList{"-S", local, "-d", "Db"});
+        const CliResult there =
+            home.run(call + QStringList{"-S", wire, "--login", "sa", "-d", "Db"});
+        EXPECT_EQ(here.status, 0) << ::testing::PrintToString(here);
+        EXPECT_GT(here.out.size(), 50);
+        EXPECT_EQ(shown(there), shown(here));
+    }
+    int changed = 0;
+    const CliResult names = home.run({"list", "-S", local, "-d", "New", "-t", "table"});
+    for (const QString& table : names.out.split(u'\n', Qt::SkipEmptyParts))
+        for (const bool runnable : {false, true}) {
+            const auto update = [&](const QStringList& servers) {
+                return home.run(QStringList{"update-script", "--source-db", "New", "--target-db",
+                                            "Db", "--table", table} +
+                                servers + (runnable ? QStringList{"--runnable"} : QStringList()));
+            };
+            const CliResult here = update({"--source", local, "--target", local});
+            const CliResult there = update({"--source", wire, "--target", wire, "--login", "sa"});
+            EXPECT_EQ(shown(there), shown(here));
+            changed += here.status == 1;
+        }
+    EXPECT_GT(changed, 1);
 }
 
 }  // namespace
