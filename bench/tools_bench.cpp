@@ -54,9 +54,9 @@ void fill(const QString& file, int rows) {
             "WITH RECURSIVE i(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM i WHERE i < %1)"
             "INSERT INTO \"dbo.Many\" (n1, n2, n3, n4, t1, t2, t3, t4) SELECT "
             "i * 7919 %% 1000, i * 7919 %% 30000, i * 104729 %% 1000, i * 104729 %% 30000, "
-            "'Article ' || i * 7919 %% 1000, 'Article ' || i * 7919 %% 30000, "
-            "'A longer text of the range, ' || i * 104729 %% 1000, "
-            "'A longer text of the range, ' || i * 104729 %% 30000 FROM i;"
+            "'Article ' || (i * 7919 %% 1000), 'Article ' || (i * 7919 %% 30000), "
+            "'A longer text of the range, ' || (i * 104729 %% 1000), "
+            "'A longer text of the range, ' || (i * 104729 %% 30000) FROM i;"
             "PRAGMA wal_checkpoint(TRUNCATE)")
             .arg(rows)
             .replace(QLatin1String("%%"), QLatin1String("%"));
