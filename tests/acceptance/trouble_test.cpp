@@ -150,6 +150,12 @@ TEST_F(Trouble, ADriverThatCrashesIsNamed) {
                                        QStringList{"query", "SELECT 1", "-d", "A", "-S"} + server})
         expectTrouble(home_.run(command), {"The ODBC driver " ZOV_CRASHING_DRIVER " has crashed",
                                            "ZOVRAND_ODBC_DRIVER"});
+    // What a driver has damaged may come out when it has long returned.
+    home_.setEnvironment("ZOV_CRASH_LATE", "1");
+    const CliResult late = home_.run(QStringList{"query", "SELECT 1", "-d", "A", "-S"} + server);
+    EXPECT_EQ(late.status, 2) << ::testing::PrintToString(late);
+    EXPECT_TRUE(late.err.contains("has crashed behind the ODBC driver " ZOV_CRASHING_DRIVER))
+        << ::testing::PrintToString(late);
 }
 
 TEST_F(Trouble, WithoutMemoryItSaysSo) {

@@ -1,17 +1,23 @@
 #include "data/odbc/driver_crash.h"
 
+#include <cstring>
+#include <mutex>
+
 #ifdef Q_OS_UNIX
 #include <unistd.h>
 
 #include <csignal>
 #include <cstdlib>
-#include <cstring>
 #endif
 
 namespace zov::odbc {
 namespace {
 
 thread_local const char* running = nullptr;
+thread_local const char* noted = nullptr;  // the name that this thread has put into lastUsed
+/// The driver that was called last, by any thread. What it wrote where it shouldn't have may come
+/// out long behind its call.
+char lastUsed[128] = "";
 
 #ifdef Q_OS_UNIX
 
@@ -26,11 +32,14 @@ void say(const char* words) {
 }
 
 void onCrash(int signal) {
-    if (running) {
+    if (running || *lastUsed) {
         say(programName);
-        say(": The ODBC driver ");
-        say(running);
-        say(" has crashed, most likely over a damaged answer of the server. Nothing was compared.\n"
+        say(running ? ": The ODBC driver " : ": The program has crashed behind the ODBC driver ");
+        say(running ? running : lastUsed);
+        say(running
+                ? " has crashed, most likely over a damaged answer of the server."
+                : ", which most likely damaged its memory over a damaged answer of the server.");
+        say(" Nothing was compared.\n"
             "  Try again; if it comes back, install another version of the driver, or name another "
             "one in ZOVRAND_ODBC_DRIVER.\n");
         std::_Exit(exitStatus);
@@ -69,6 +78,11 @@ void tellDriverCrashes(const char* program, int status) {
 
 DriverCall::DriverCall(const QByteArray& driver) : outer_(running) {
     running = driver.constData();
+    if (running == noted) return;
+    noted = running;
+    static std::mutex notes;
+    const std::lock_guard one(notes);
+    std::strncpy(lastUsed, running, sizeof lastUsed - 1);
 }
 
 DriverCall::~DriverCall() {

@@ -7,8 +7,9 @@
 
 namespace zov::odbc {
 
-/// From now on a crash inside a DriverCall ends the program with `status`, and with a message on
-/// standard error that begins with `program`. Other crashes take their usual way.
+/// From now on a crash inside a DriverCall, or behind one, ends the program with `status`, and with
+/// a message on standard error that begins with `program`: a driver that wrote where it shouldn't
+/// have is found out late. Crashes of a program that no driver ran in take their usual way.
 void tellDriverCrashes(const char* program, int status);
 
 /// The length of a scope in which the driver of this name runs in this thread. `driver` outlives

@@ -1,13 +1,19 @@
-// An ODBC driver with one fault: it crashes when it is to connect.
+// An ODBC driver with one fault: it crashes when it is to connect, or, with ZOV_CRASH_LATE in the
+// environment, makes the program crash at its end.
 #include <sql.h>
 #include <sqlext.h>
 
 #include <csignal>
+#include <cstdlib>
 
 namespace {
 int something = 0;
 
 SQLRETURN crash() {
+    if (std::getenv("ZOV_CRASH_LATE")) {
+        std::atexit([] { std::raise(SIGSEGV); });
+        return SQL_ERROR;
+    }
     std::raise(SIGSEGV);
     return SQL_ERROR;
 }
