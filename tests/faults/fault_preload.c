@@ -3,6 +3,7 @@
 //   ZOV_FAULT_CALL   open, read, pread, write, pwrite, fsync, rename, ftruncate, mmap or malloc
 //   ZOV_FAULT_AT     the call that fails, from 1; 0 counts only
 //   ZOV_FAULT_ERRNO  its error as a number, or "kill": the process ends there and then
+//   ZOV_FAULT_LASTS  set: all calls behind that one fail as well
 //   ZOV_FAULT_PATH   count only calls on files whose path holds this text (not for malloc)
 //   ZOV_FAULT_NOTE   a file that gets the number of calls at the program's end
 // fdatasync counts as fsync, renameat2, link and linkat as rename, calloc and realloc as malloc.
@@ -26,6 +27,7 @@ static enum Call wanted = NoCall;
 static long failAt = 0;
 static int failWith = EIO;
 static int killThere = 0;
+static int lasts = 0;
 static const char* pathPart = NULL;
 static const char* noteFile = NULL;
 static atomic_long calls = 0;
@@ -44,6 +46,7 @@ __attribute__((constructor)) static void begin(void) {
     failAt = at ? atol(at) : 0;
     killThere = error && strcmp(error, "kill") == 0;
     failWith = error && !killThere ? atoi(error) : EIO;
+    lasts = getenv("ZOV_FAULT_LASTS") != NULL;
     pathPart = getenv("ZOV_FAULT_PATH");
     noteFile = getenv("ZOV_FAULT_NOTE");
     for (int i = 1; i <= Malloc; ++i)
@@ -63,7 +66,8 @@ __attribute__((destructor)) static void end(void) {
 
 // Whether this is the one.
 static int strikes(void) {
-    if (atomic_fetch_add(&calls, 1) + 1 != failAt) return 0;
+    const long call = atomic_fetch_add(&calls, 1) + 1;
+    if (call != failAt && !(lasts && failAt > 0 && call > failAt)) return 0;
     if (killThere) syscall(SYS_kill, syscall(SYS_getpid), SIGKILL);
     errno = failWith;
     return 1;

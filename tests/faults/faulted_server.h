@@ -26,6 +26,7 @@ struct Fault {
     QString call;  ///< as the preloaded library names it; empty for none
     qint64 at = 0;
     QString error = QStringLiteral("5");  ///< EIO
+    bool lasts = false;                   ///< all calls behind it fail, too
 };
 
 struct Outcome {
@@ -63,6 +64,8 @@ class FaultedServer {
             environment.insert(QStringLiteral("ZOV_FAULT_CALL"), fault.call);
             environment.insert(QStringLiteral("ZOV_FAULT_AT"), QString::number(fault.at));
             environment.insert(QStringLiteral("ZOV_FAULT_ERRNO"), fault.error);
+            if (fault.lasts)
+                environment.insert(QStringLiteral("ZOV_FAULT_LASTS"), QStringLiteral("1"));
             environment.insert(QStringLiteral("ZOV_FAULT_PATH"), folder_.path());
             environment.insert(QStringLiteral("ZOV_FAULT_NOTE"), note());
         }

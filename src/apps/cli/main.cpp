@@ -2,6 +2,7 @@
 // line, starts up as the desktop does, runs one command.
 #include "apps/cli/cli_options.h"
 #include "apps/cli/cli_support.h"
+#include "apps/memory_reserve.h"
 #include "apps/unattended/unattended_shell.h"
 #include "core/error_report.h"
 #include "core/globals.h"
@@ -160,6 +161,8 @@ constexpr auto PatienceOfALoad = std::chrono::hours(24);
 
 int main(int argc, char** argv) {
     using namespace zov;
+    holdMemoryBack();
+    beforeMemoryEnds(restoreTerminal);
     QCoreApplication application(argc, argv);
     int status = cli::Trouble;
     const std::optional<cli::Options> options = cli::parseCommandLine(argc, argv, status);

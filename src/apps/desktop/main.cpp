@@ -1,4 +1,5 @@
 // The desktop program, and its run without a window.
+#include "apps/memory_reserve.h"
 #include "apps/unattended/unattended_replay.h"
 #include "core/error_report.h"
 #include "core/globals.h"
@@ -57,6 +58,7 @@ int runUnattended(const QString& commandLine) {
 }  // namespace
 
 int main(int argc, char** argv) {
+    zov::holdMemoryBack();
     // Help and mistakes are told before a display is needed.
     QStringList given;
     for (int i = 1; i < argc; ++i) given += QString::fromLocal8Bit(argv[i]);
