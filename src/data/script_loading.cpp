@@ -4,12 +4,17 @@
 #include "data/connection.h"
 #include "data/mdlData.h"
 #include "data/script_batches.h"
+#include "data/sqlcmd_script.h"
 #include "util/atomic_file.h"
 #include "util/text_decode.h"
 
 #include "core/globals.h"
 
+#include <QFileInfo>
 #include <QSet>
+
+#include <optional>
+#include <utility>
 
 namespace zov {
 namespace {
@@ -17,6 +22,21 @@ namespace {
 struct Script {
     QString file;
     std::vector<ScriptBatch> batches;
+    /// Where the batches' lines come from, when it isn't the file as it stands.
+    std::optional<ExpandedScript> expanded;
+
+    bool ignoresErrors(const ScriptBatch& batch) const {
+        return expanded && expanded->ignoresErrors(batch.goLine);
+    }
+    /// With the file and line that a line of the batches comes from.
+    LoadProblem located(LoadProblem problem) const {
+        problem.file = file;
+        if (!expanded || problem.line < 1) return problem;
+        const ExpandedScript::Origin origin = expanded->originOf(problem.line);
+        problem.file = origin.file;
+        problem.line = origin.fileLine;
+        return problem;
+    }
 };
 
 // The statement's first words on one line.
@@ -26,23 +46,75 @@ QString firstWordsOf(const QString& text) {
     return words;
 }
 
-bool readScript(const QString& file, Script& script, LoadOutcome& outcome) {
+/// Empty, or why the file can't be read.
+QString readText(const QString& file, QString& text) {
     QByteArray bytes;
     bool exists = false;
-    QString failure = readWholeFile(file, bytes, &exists);
-    if (failure.isEmpty() && !exists)
-        failure = QStringLiteral("There is no such file. Check the path.");
-    const DecodedText decoded = decodeText(bytes);
-    if (failure.isEmpty() && decoded.damaged)
-        failure = QStringLiteral("The file is no valid %1 text. Save it anew from an editor.")
-                      .arg(encodingName(decoded.encoding));
-    if (!failure.isEmpty()) {
-        outcome.problems.push_back({file, 0, {}, failure});
-        return false;
-    }
-    script = {file, splitBatches(decoded.text)};
-    return true;
+    const QString failure = readWholeFile(file, bytes, &exists);
+    if (!failure.isEmpty()) return failure;
+    if (!exists) return QStringLiteral("There is no such file. Check the path.");
+    DecodedText decoded = decodeText(bytes);
+    if (decoded.damaged)
+        return QStringLiteral("The file is no valid %1 text. Save it anew from an editor.")
+            .arg(encodingName(decoded.encoding));
+    text = std::move(decoded.text);
+    return {};
 }
+
+/// Reads all scripts; what can't be read or expanded is a problem.
+class ScriptReader {
+ public:
+    ScriptReader(const ServerInfo& server, const QString& database, const LoadOptions& options,
+                 LoadOutcome& outcome)
+        : outcome_(outcome),
+          always_(options.sqlcmd || !options.variables.empty() || !options.defined.empty()) {
+        variables_.setOwn(QStringLiteral("SQLCMDSERVER"), server.Name);
+        variables_.setOwn(QStringLiteral("SQLCMDUSER"),
+                          server.SQLAuth ? server.LoginName : QString());
+        variables_.setOwn(QStringLiteral("SQLCMDDBNAME"), database);
+        for (const auto& [name, value] : options.variables) variables_.give(name, value);
+        for (const auto& [name, value] : options.defined) variables_.define(name, value);
+    }
+
+    std::vector<Script> read(const QStringList& files) {
+        std::vector<Script> scripts;
+        for (const QString& file : files) {
+            Script script{file, {}, {}};
+            QString text;
+            const QString trouble = readText(file, text);
+            if (!trouble.isEmpty())
+                outcome_.problems.push_back({file, 0, {}, trouble});
+            else if (always_ || isSqlcmdScript(text))
+                expand(script, text);
+            else
+                script.batches = splitBatches(text);
+            const bool ended = script.expanded && script.expanded->ended;
+            scripts.push_back(std::move(script));
+            if (ended) break;
+        }
+        if (const qsizetype left = files.size() - qsizetype(scripts.size()); left > 0)
+            outcome_.notes +=
+                QStringLiteral("%1 ends the load; files behind it that are not run: %2.")
+                    .arg(scripts.back().file)
+                    .arg(left);
+        return scripts;
+    }
+
+ private:
+    void expand(Script& script, const QString& text) {
+        static const SqlcmdFiles files{
+            readText, [](const QString& path) { return QFileInfo(path).isFile(); }};
+        script.expanded = expandSqlcmdScript(script.file, text, variables_, files);
+        script.batches = splitBatches(std::exchange(script.expanded->text, {}));
+        outcome_.notes += script.expanded->notes;
+        for (LoadProblem& problem : script.expanded->problems)
+            outcome_.problems.push_back(std::move(problem));
+    }
+
+    LoadOutcome& outcome_;
+    SqlcmdVariables variables_;
+    bool always_;
+};
 
 class Loader {
  public:
@@ -82,14 +154,18 @@ class Loader {
                     return;
                 }
                 if (options_.progress) options_.progress(script.file, int(++done), int(total));
-                if (!runBatch(script, batch) && !options_.keepGoing) return;
+                goesOn_ = options_.keepGoing || script.ignoresErrors(batch);
+                if (!runBatch(script, batch) && !goesOn_) {
+                    failed_ = true;
+                    return;
+                }
             }
         }
         if (reporting_) outcome_.changedDatabases = reporting_->changedDatabases();
     }
 
     void finish() {
-        const bool failed = outcome_.stopped || (!outcome_.problems.empty() && !options_.keepGoing);
+        const bool failed = outcome_.stopped || failed_;
         outcome_.kept = !failed;
         outcome_.undone = undoable_;
         if (!undoable_ || !session_) return;
@@ -103,10 +179,12 @@ class Loader {
     /// True when all of it ran.
     bool runBatch(const Script& script, const ScriptBatch& batch) {
         if (batch.repeat < 1) {
-            outcome_.problems.push_back(
-                {script.file, batch.goLine, firstWordsOf(batch.text),
+            outcome_.problems.push_back(script.located(
+                {{},
+                 batch.goLine,
+                 firstWordsOf(batch.text),
                  QStringLiteral("The count behind GO must be a number from 1 to 2147483647; the "
-                                "batch in front of it was not run.")});
+                                "batch in front of it was not run.")}));
             return false;
         }
         ScriptBatch part = batch;
@@ -144,13 +222,13 @@ class Loader {
             const int line = batch.firstLine + std::max(error.line, 1) - 1;
             const QString words =
                 error.nearText.isEmpty() ? firstWordsOf(batch.text) : firstWordsOf(error.nearText);
-            return LoadProblem{script.file, line, words, error.description};
+            return LoadProblem{{}, line, words, error.description};
         };
-        if (reporting_ && options_.keepGoing)
+        if (reporting_ && goesOn_)
             reporting_->onStatementFailed([&](const DbError& error) {
                 if (isUse(error, batch)) return false;
                 tellMessages();
-                outcome_.problems.push_back(problemOf(error));
+                outcome_.problems.push_back(script.located(problemOf(error)));
                 return true;
             });
         // What is asked lives as long as this part.
@@ -165,10 +243,10 @@ class Loader {
         } catch (const DbError& error) {
             tellMessages();
             LoadProblem problem = problemOf(error);
-            astray_ = options_.keepGoing && isUse(error, batch);
+            astray_ = goesOn_ && isUse(error, batch);
             if (astray_)
                 problem.message += QStringLiteral(" What follows up to the next USE is left out.");
-            outcome_.problems.push_back(problem);
+            outcome_.problems.push_back(script.located(problem));
             if (error.connectionLost) throw;
             return problem.line;
         }
@@ -210,6 +288,8 @@ class Loader {
     std::shared_ptr<ProviderConnection> session_;
     LoadReporting* reporting_ = nullptr;  // null: the provider runs whole batches
     bool undoable_ = false;
+    bool goesOn_ = false;  // behind what fails in the batch that is being run
+    bool failed_ = false;  // and there was no going on
     bool astray_ = false;  // a USE failed, and none has come since
     int astrayLine_ = 0;   // where, within the batch that is being run
 };
@@ -248,8 +328,8 @@ QString LoadProblem::toString() const {
 LoadOutcome LoadScripts(const ServerInfo& server, const QString& database, const QStringList& files,
                         const LoadOptions& options) {
     LoadOutcome outcome;
-    std::vector<Script> scripts(size_t(files.size()));
-    for (qsizetype i = 0; i < files.size(); ++i) readScript(files[i], scripts[size_t(i)], outcome);
+    const std::vector<Script> scripts =
+        ScriptReader(server, database, options, outcome).read(files);
     if (!outcome.problems.empty()) return outcome;
 
     outcome.database = database.isEmpty() ? databaseOf(scripts) : database;
@@ -264,6 +344,7 @@ LoadOutcome LoadScripts(const ServerInfo& server, const QString& database, const
     const bool own = database.isEmpty() && outcome.database != options.otherwise;
     Loader loader(options, outcome);
     loader.connect(server, own ? QStringLiteral("master") : outcome.database);
+    outcome.begun = true;
     if (options.replace) loader.replace(outcome.database, own);
     loader.run(scripts);
     loader.finish();

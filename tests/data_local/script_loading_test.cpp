@@ -240,5 +240,72 @@ TEST_F(ScriptLoading, FilesOfEarlierVersionsGetTheTablesThatTheyLack) {
               QStringLiteral("i\ns"));
 }
 
+TEST_F(ScriptLoading, CommandsAndVariablesOfScriptsWork) {
+    QFile part(server_.folder() + QStringLiteral("/part.sql"));
+    ASSERT_TRUE(part.open(QIODevice::WriteOnly));
+    part.write("CREATE TABLE $(Prefix)_two (x int)\nGO\nINSERT $(Prefix)_two VALUES ('no')\nGO\n");
+    part.close();
+    // How generated scripts make sure that somebody reads their commands.
+    const QByteArray script =
+        ":on error exit\n:setvar __Enabled \"True\"\n:setvar Prefix one\nGO\n"
+        "IF N'$(__Enabled)' NOT LIKE N'True'\n    BEGIN\n        PRINT N'Not here.';\n"
+        "        SET NOEXEC ON;\n    END\nGO\n"
+        "CREATE DATABASE [$(Db)]\nGO\nUSE [$(Db)]\nGO\n"
+        "CREATE TABLE $(Prefix)_one (x int DEFAULT '$(Value)')\nGO\n";
+    LoadOptions options;
+    options.variables = {{QStringLiteral("Prefix"), QStringLiteral("mine")},
+                         {QStringLiteral("Value"), QStringLiteral("7")}};
+    options.defined = {{QStringLiteral("DB"), QStringLiteral("store")}};
+    const LoadOutcome done = load(QString(), script, options);
+    EXPECT_EQ(problems(done), "");
+    EXPECT_EQ(done.database, u"store");
+    EXPECT_EQ(tables(QStringLiteral("store")), "one_one");
+    EXPECT_EQ(server_.one(QStringLiteral("select text from store..syscomments")), u"('7')");
+    ASSERT_EQ(done.notes.size(), 1);
+    EXPECT_TRUE(done.notes[0].endsWith(
+        u"/script.sql:3: :setvar gives Prefix another value than -v did; --define Prefix=VALUE "
+        u"holds against it."))
+        << done.notes[0].toStdString();
+
+    // A failure has the included file's name and line, and nothing holds.
+    const LoadOutcome failed = load(QStringLiteral("other"), script + ":r part.sql\n", options);
+    ASSERT_EQ(failed.problems.size(), 1u);
+    EXPECT_TRUE(failed.problems[0].file.endsWith(u"/script.sql")) << "the database is there";
+    const LoadOutcome part2 =
+        load(QStringLiteral("other"), ":setvar Prefix p\nSELECT 1\nGO\n:r part.sql\n");
+    EXPECT_FALSE(part2.kept);
+    ASSERT_EQ(part2.problems.size(), 1u);
+    EXPECT_TRUE(part2.problems[0].file.endsWith(u"/part.sql"));
+    EXPECT_EQ(part2.problems[0].line, 3);
+    EXPECT_EQ(tables(QStringLiteral("store")), "one_one");
+
+    // What a script passes over by itself is told, and the rest holds.
+    const LoadOutcome passed = load(QStringLiteral("other"),
+                                    ":on error ignore\nDROP TABLE nothing\nCREATE TABLE a (x int)\n"
+                                    "GO\n:on error exit\nCREATE TABLE b (x int)\nGO\n:quit\nno\n");
+    EXPECT_TRUE(passed.kept);
+    EXPECT_EQ(passed.problems.size(), 1u);
+    EXPECT_EQ(tables(QStringLiteral("other")), "a b");
+
+    // Without a command a text is what it is; with --sqlcmd it isn't.
+    EXPECT_EQ(problems(load(QStringLiteral("other"), "CREATE TABLE [$(c)] (x int)")), "");
+    options = {};
+    options.sqlcmd = true;
+    EXPECT_EQ(problems(load(QStringLiteral("other"), "CREATE TABLE [$(d)] (x int)", options)),
+              "1 'd' scripting variable not defined. Give it a value with -v d=VALUE. []");
+    EXPECT_EQ(tables(QStringLiteral("other")), "$(c) a b");
+}
+
+TEST_F(ScriptLoading, GuardsEndWhatFollowsThem) {
+    const LoadOutcome outcome =
+        load(QStringLiteral("shop"),
+             "IF 'a' LIKE 'b%' SET NOEXEC ON\nGO\nCREATE TABLE a (x int)\nGO\n"
+             "SET NOEXEC ON\nGO\nCREATE TABLE b (x int)\nINSERT nowhere VALUES (1)\nGO\n"
+             "SET NOEXEC OFF\nGO\nCREATE TABLE c (x int)\nGO\n"
+             "IF 1 = 1 BEGIN RAISERROR ('told', 10, 1) RETURN END\nCREATE TABLE d (x int)\nGO\n");
+    EXPECT_EQ(problems(outcome), "");
+    EXPECT_EQ(tables(QStringLiteral("shop")), "a c");
+}
+
 }  // namespace
 }  // namespace zov::test

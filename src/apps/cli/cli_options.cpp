@@ -36,6 +36,7 @@ The password is kept as plain text in a file that only you can read.)";
 
 const char* const LoadExamples = R"(Example:
   zovrand-cli load -S local:shop -d Shop tables.sql data.sql
+  zovrand-cli load -S local:shop -v DatabaseName=Shop -v Folder=/data install.sql
 )";
 
 const char* const QueryExamples =
@@ -567,6 +568,17 @@ void describeCommands(CLI::App& app, Options& options, Fields& fields, Choices& 
         "embedded server leaves the database as it was");
     load->add_flag("--replace", options.replace,
                    "Start from an empty database (embedded server only)");
+    load->add_option("-v,--variable", fields.list(options.variables),
+                     "A value for $(NAME) in the scripts, which :setvar may change; may be repeated")
+        ->type_name("NAME=VALUE")
+        ->allow_extra_args(false);
+    load->add_option("--define", fields.list(options.defined),
+                     "The same, and :setvar doesn't change it")
+        ->type_name("NAME=VALUE")
+        ->allow_extra_args(false);
+    load->add_flag("--sqlcmd", options.sqlcmd,
+                   "Take commands (:setvar, :r FILE) and $(NAME) for what they are in every "
+                   "script; without it in those that have a command at the beginning of a line");
     load->add_option("FILE", fields.list(options.files), "Scripts, in this order")
         ->type_name("")
         ->required();

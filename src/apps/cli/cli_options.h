@@ -60,6 +60,8 @@ struct Options {
     QStringList files;
     bool keepGoing = false;
     bool replace = false;
+    bool sqlcmd = false;
+    QStringList variables, defined;  ///< NAME=VALUE
 
     QString sql;              // query
     QString type;             // list, text

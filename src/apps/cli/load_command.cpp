@@ -11,6 +11,7 @@ namespace zov::cli {
 namespace {
 
 void noteWhatWasLoaded(const LoadOutcome& outcome, ConsoleShell& console) {
+    for (const QString& note : outcome.notes) console.showNote(note);
     if (!outcome.problems.empty())
         console.showNote(
             QStringLiteral("%1 of the scripts' statements could not be run; the others "
@@ -51,6 +52,18 @@ void tellWhatIsKept(const LoadOutcome& outcome, ConsoleShell& console) {
     }
 }
 
+/// Throws Failure for one that isn't NAME=VALUE.
+ScriptVariables variablesOf(const QStringList& given, const QString& option) {
+    ScriptVariables variables;
+    for (const QString& one : given) {
+        const qsizetype sign = one.indexOf(u'=');
+        if (sign < 1)
+            throw Failure(QStringLiteral("%1 takes NAME=VALUE, not \"%2\".").arg(option, one));
+        variables.emplace_back(one.left(sign), one.mid(sign + 1));
+    }
+    return variables;
+}
+
 }  // namespace
 
 int runLoad(const Options& options, ConsoleShell& console) {
@@ -59,6 +72,9 @@ int runLoad(const Options& options, ConsoleShell& console) {
     load.otherwise = server.MRUDb;
     load.keepGoing = options.keepGoing;
     load.replace = options.replace;
+    load.sqlcmd = options.sqlcmd;
+    load.variables = variablesOf(options.variables, QStringLiteral("-v"));
+    load.defined = variablesOf(options.defined, QStringLiteral("--define"));
     load.stopRequested = interruptRequested;
     bool batchesBegun = false;
     load.progress = [&](const QString& file, int batch, int batches) {
@@ -80,14 +96,17 @@ int runLoad(const Options& options, ConsoleShell& console) {
     const QString& database = outcome.database;
     console.clearProgress();
     for (const LoadProblem& problem : outcome.problems) console.showError(problem.toString());
+    for (const QString& note : outcome.notes) console.showNote(note);
     if (outcome.unnamed)
         throw Failure(
             QStringLiteral("No database is given, and the scripts don't make and use exactly "
                            "one.\nName one with -d DB."));
     if (outcome.stopped) console.showError(QStringLiteral("Stopped."));
-    // A file that can't be read is no matter of its statements.
-    const bool mendable =
-        !outcome.stopped && !outcome.problems.empty() && outcome.problems.front().line > 0;
+    if (!outcome.begun) {
+        console.showNote(QStringLiteral("Nothing was loaded."));
+        return Trouble;
+    }
+    const bool mendable = !outcome.stopped && !outcome.problems.empty();
     console.showNote(
         outcome.undone
             ? QStringLiteral("Nothing was loaded: %1 is as it was before.").arg(database) +

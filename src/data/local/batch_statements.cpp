@@ -430,11 +430,15 @@ void BatchStream::set(std::span<const Token> tokens) {
     cursor.expectEnd();
     for (const QString& name : names) {
         if (name == QLatin1String("NOCOUNT")) session_.noCount = on;
+        if (name == QLatin1String("NOEXEC")) {
+            session_.noExec = on;
+            session_.toldNoExec = false;
+        }
         if (name == QLatin1String("QUOTED_IDENTIFIER") || name == QLatin1String("ANSI_DEFAULTS"))
             session_.quotedIdentifier = on;
         if (name == QLatin1String("ANSI_NULLS") || name == QLatin1String("ANSI_DEFAULTS"))
             session_.ansiNulls = on;
-        if (on && (name == QLatin1String("NOEXEC") || name == QLatin1String("PARSEONLY") ||
+        if (on && (name == QLatin1String("PARSEONLY") ||
                    name == QLatin1String("IMPLICIT_TRANSACTIONS")))
             fail(40000, QStringLiteral("The embedded server doesn't know SET %1 ON.").arg(name),
                  option.line);

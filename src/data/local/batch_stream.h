@@ -75,6 +75,7 @@ class BatchStream : public ResultStream {
     void leaveFrame();
     void startText(const QString& text);
     void run();
+    bool passesOver(const BatchStep& step);
     void checkLimits();
     void leaveText(const BatchStep& step);
     template <typename Action>

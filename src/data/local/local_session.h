@@ -54,6 +54,8 @@ struct SessionState {
     int identityInsertTable = 0;          ///< id of the table that identityInsert is on for
     QString defaultSchema;                ///< of unqualified names; empty is dbo
     bool noCount = false;
+    bool noExec = false;                  ///< SET NOEXEC: nothing but SET NOEXEC OFF is run
+    bool toldNoExec = false;              ///< that statements are passed over by it
     qint64 rowCountLimit = 0;             ///< SET ROWCOUNT; 0 without limit
     QString dateFormat = QStringLiteral("mdy");
     QString productVersion;               ///< "16.0.4085.2", or "8.00.2039" of an old one

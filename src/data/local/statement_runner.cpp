@@ -146,6 +146,7 @@ void BatchStream::run() {
         }
         checkLimits();
         const BatchStep step = frame().steps[frame().at++];
+        if (session_.noExec && passesOver(step)) continue;
         switch (step.kind) {
             case BatchStep::Kind::Jump:
                 frame().at = step.target;
@@ -182,6 +183,24 @@ void BatchStream::run() {
             }
         }
     }
+}
+
+// Under SET NOEXEC no condition holds, and no statement runs but the one that ends it.
+bool BatchStream::passesOver(const BatchStep& step) {
+    if (step.kind == BatchStep::Kind::BranchUnless) {
+        frame().at = step.target;
+        return true;
+    }
+    if (step.kind == BatchStep::Kind::Return) return true;
+    if (step.kind != BatchStep::Kind::Statement) return false;
+    const std::span<const Token> tokens = frame().span(step);
+    if (tokens.size() > 2 && tokens[0].is("SET") && tokens[1].is("NOEXEC")) return false;
+    if (!std::exchange(session_.toldNoExec, true)) {
+        ServerMessage message;
+        message.text = QStringLiteral("NOEXEC is ON: statements are not run until it is set OFF.");
+        session_.messages.push_back(message);
+    }
+    return true;
 }
 
 void BatchStream::checkLimits() {
