@@ -16,6 +16,7 @@
 #include "data/script_loading.h"
 #include "datacompare/frmCompareData.h"
 #include "datacompare/frmCompareStatus.h"
+#include "datacompare/modCompareData.h"
 #include "reports/export_files.h"
 #include "shell/grid_cells.h"
 #include "support/tds_endpoint/tds_endpoint.h"

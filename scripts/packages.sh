@@ -1,5 +1,5 @@
 # Installs what a Debian 12 machine lacks to build and run Zovrand.
-# Sourced by ./run and ./test: need_packages NAME...
+# Sourced by ./run, ./test and the scripts beside it: need_packages NAME...
 
 build_packages=(
   g++ cmake ninja-build ccache
@@ -10,7 +10,9 @@ build_packages=(
 test_packages=(
   libgtest-dev libgmock-dev
   freetds-bin
+  python3
 )
+format_packages=(clang-format-14)
 fuzz_packages=(clang libclang-rt-dev llvm)
 bench_packages=(libbenchmark-dev sqlite3-tools)
 

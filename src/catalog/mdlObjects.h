@@ -7,6 +7,7 @@
 #include "catalog/object_directory.h"
 #include "catalog/object_ref.h"
 #include "data/mdlData.h"
+#include "data/sql_names.h"
 #include "shell/controls.h"
 
 #include <QString>
@@ -104,13 +105,5 @@ QStringList GetListOfAllColumns(const ServerInfo& Server, const QString& DbName,
                                 const QString& TableName);
 /// The trimmed, lower-cased word against the names as stored.
 bool IsItDbObject(const QString& Word, const std::vector<ObjectListEntry>& Objects);
-
-/// For a name that goes into a literal; a blank text stays as it is.
-QString DoubleSingleQuotes(const QString& Text);
-/// "a,b" to "'a','b'".
-QString WrapStringIntoQuotes(const QString& List);
-/// Adds "[" and "]" where they are missing, each side alone: for what a user types. Names out of a
-/// catalogue are quoted by quoteName().
-QString AddSquareBrackets(const QString& Name);
 
 }  // namespace zov

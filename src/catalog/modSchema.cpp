@@ -3,6 +3,7 @@
 #include "core/error_report.h"
 #include "core/globals.h"
 #include "core/run_account.h"
+#include "data/mdlData.h"
 #include "data/sql_names.h"
 #include "util/text.h"
 

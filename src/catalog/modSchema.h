@@ -2,7 +2,8 @@
 // each panel can carry (gblnFilterActive, gstrFilterList).
 #pragma once
 
-#include "catalog/mdlObjects.h"
+#include "catalog/object_ref.h"
+#include "core/server_info.h"
 
 namespace zov {
 

@@ -4,12 +4,9 @@
 #include "core/globals.h"
 #include "core/run_account.h"
 #include "shell/shell.h"
-#include "util/numbered_error.h"
 
 #include <QFile>
 #include <QTime>
-
-#include <new>
 
 namespace zov {
 namespace {
@@ -24,20 +21,6 @@ void ShowErrorReport(qint32 ErrNum, const QString& ErrDesc, const QString& ProgV
                      const QString& ModuleName, const QString& ProcName, const QString& ExtraDesc) {
     frmErrorReport report;
     report.ShowUp(ErrNum, ErrDesc, ProgVer, BuildNum, ModuleName, ProcName, ExtraDesc);
-}
-
-CaughtError caughtError() {
-    try {
-        throw;
-    } catch (const NumberedError& error) {
-        return {error.number, error.description};
-    } catch (const std::bad_alloc&) {
-        return {run_error::OutOfMemory, QStringLiteral("Out of memory")};
-    } catch (const std::exception& error) {
-        return {run_error::InternalError, QString::fromUtf8(error.what())};
-    } catch (...) {
-        return {run_error::InternalError, QStringLiteral("Internal error")};
-    }
 }
 
 void reportCaughtError(const char* module, const char* procedure, const QString& extra) {

@@ -2,6 +2,8 @@
 // the procedure goes on or gives up. Failures never travel further up.
 #pragma once
 
+#include "core/caught_error.h"
+
 #include <QString>
 
 #include <functional>
@@ -11,13 +13,6 @@ namespace zov {
 /// Shows the feedback screen with these facts, modally.
 void ShowErrorReport(qint32 ErrNum, const QString& ErrDesc, const QString& ProgVer, qint32 BuildNum,
                      const QString& ModuleName, const QString& ProcName, const QString& ExtraDesc);
-
-/// A failure as reports show it: a number and a description. From inside a catch block.
-struct CaughtError {
-    qint32 number = 0;
-    QString description;
-};
-CaughtError caughtError();
 
 /// Reports the exception being handled with the program's version; call it in a catch block.
 void reportCaughtError(const char* module, const char* procedure, const QString& extra = {});

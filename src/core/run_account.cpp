@@ -1,6 +1,6 @@
 #include "core/run_account.h"
 
-#include "core/error_report.h"
+#include "core/caught_error.h"
 #include "util/numbered_error.h"
 
 namespace zov {

@@ -2,7 +2,7 @@
 // of the stream that a server-side cursor reads forward.
 #pragma once
 
-#include "data/connection.h"
+#include "data/command.h"
 #include "data/read_ahead.h"
 
 #include <memory>

@@ -28,4 +28,12 @@ inline bool isRegularName(const QString& name) {
     return true;
 }
 
+/// For a name that goes into a literal; a blank text stays as it is.
+QString DoubleSingleQuotes(const QString& Text);
+/// "a,b" to "'a','b'".
+QString WrapStringIntoQuotes(const QString& List);
+/// Adds "[" and "]" where they are missing, each side alone: for what a user types. Names out of a
+/// catalogue are quoted by quoteName().
+QString AddSquareBrackets(const QString& Name);
+
 }  // namespace zov

@@ -1,16 +1,13 @@
 #include "datacompare/compare_records.h"
 
-#include "catalog/modOwner.h"
-#include "catalog/modSchema.h"
 #include "core/error_report.h"
 #include "core/globals.h"
-#include "core/modIgnoreColumns.h"
 #include "core/run_account.h"
-#include "data/sql_names.h"
-#include "datacompare/frmCompareStatus.h"
+#include "datacompare/frmCompareData.h"
 #include "datacompare/key_lookup.h"
 #include "datacompare/open_rows.h"
 #include "datacompare/row_test.h"
+#include "datacompare/table_reading.h"
 #include "shell/shell.h"
 #include "util/text.h"
 
@@ -20,7 +17,6 @@
 namespace zov {
 namespace {
 
-constexpr qint32 FirstVersionWithSchemas = 9;
 constexpr qint32 NoCurrentRecord = 3021;
 
 void tellFailure() {
@@ -48,7 +44,7 @@ qint32 restFrom(qint32 offset, qint32 records) {
 
 class Walk {
  public:
-    Walk(frmCompareStatus& status, frmCompareData& grid, const DataComparisonRun& run,
+    Walk(ComparisonProgress& status, frmCompareData& grid, const DataComparisonRun& run,
          const QString (&qualified)[2], DataComparisonResult& result)
         : status_(status),
           grid_(grid),
@@ -81,7 +77,7 @@ class Walk {
     Recordset& source() { return *rs_[0]; }
     Recordset& target() { return *rs_[1]; }
 
-    frmCompareStatus& status_;
+    ComparisonProgress& status_;
     frmCompareData& grid_;
     const DataComparisonRun& run_;
     const QString (&qualified_)[2];
@@ -374,72 +370,9 @@ void Walk::checkNothingIsLeft() {
 
 }  // namespace
 
-void CompareRecords(frmCompareStatus& Status, frmCompareData& Grid, const DataComparisonRun& Run,
+void CompareRecords(ComparisonProgress& Status, frmCompareData& Grid, const DataComparisonRun& Run,
                     const QString (&QualifiedTable)[2], DataComparisonResult& Result) {
     Walk(Status, Grid, Run, QualifiedTable, Result).run();
-}
-
-int GetFieldOrdinal(const Recordset& Rs, const QString& Name) {
-    for (int field = 0; field < Rs.fieldCount(); ++field)
-        if (Rs.field(field).Name() == Name) return field;
-    return 0;
-}
-
-QString ColTypeArrayToString(const QStringList& Columns) {
-    QString joined;
-    for (const QString& column : Columns) {
-        if (!joined.isEmpty()) joined += u',';
-        joined += quoteName(column);
-    }
-    return joined;
-}
-
-QString QualifiedTableName(const CompareDataTable& Table) {
-    ObjectRef object = Table.object();
-    if (object.schema.isEmpty() && object.id > 0 &&
-        GetMajorVersion(Table.Server.Version) >= FirstVersionWithSchemas) {
-        if (!Db_GetObjSchemaById(Table.Server, ObjectType::Table, Table.Db, object.id,
-                                 object.schema))
-            object.schema.clear();
-        // A list that held two of this name has put the schema in front.
-        if (Table.BareName.isEmpty() && !object.schema.isEmpty() &&
-            object.name.startsWith(object.schema + u'.'))
-            object.name.remove(0, object.schema.size() + 1);
-        return quotedName(object.schema, object.name);
-    }
-    const ScopedValue<bool> extended(globals().gblnExtendedNames, true);
-    return GetExtendedObjectName(Table.Server, Table.Db, object);
-}
-
-std::vector<ColumnRecord> ColumnsOfTable(const CompareDataTable& Table, bool WithoutIgnored) {
-    TableStructure structure;
-    RunAccount asked;
-    {
-        const KeepAccount keep(asked);
-        GetTableStructure(Table.Server, Table.Db, Table.storedName(),
-                          DoubleSingleQuotes(Table.name()), structure, WithoutIgnored,
-                          IgnoreMode::DataComparison, Table.ObjectId, {});
-    }
-    // Rows may be read by who isn't shown the texts of defaults and seeds: what failed counts here,
-    // not what was kept back.
-    for (const AccountEntry& entry : asked.entries())
-        if (entry.number != 0) addToAccount(entry);
-    return std::move(structure.columns);
-}
-
-QStringList ComparedColumns(const CompareDataTable& Table) {
-    QStringList columns;
-    for (const ColumnRecord& column : ColumnsOfTable(Table, true)) columns += column.strName;
-    return columns;
-}
-
-QString BuildSqlSelectStringWithColumns(const CompareDataTable& Table, const QString& QualifiedTable,
-                                        QString& Prefix) {
-    const QStringList columns = ComparedColumns(Table);
-    Prefix = QStringLiteral("SELECT ") +
-             (columns.isEmpty() ? QStringLiteral("*") : ColTypeArrayToString(columns)) +
-             QStringLiteral(" FROM ");
-    return Prefix + QualifiedTable;
 }
 
 }  // namespace zov

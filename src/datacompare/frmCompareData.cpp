@@ -5,8 +5,7 @@
 #include "core/modIgnoreColumns.h"
 #include "core/run_account.h"
 #include "data/base/field_text.h"
-#include "datacompare/compare_records.h"
-#include "datacompare/frmCompareStatus.h"
+#include "datacompare/table_reading.h"
 #include "reports/process_recorder.h"
 #include "shell/shell.h"
 #include "util/text.h"
@@ -115,7 +114,7 @@ void frmCompareData::AddRecordToGrid_MarkDiff(const RowView& Record1, const RowV
     }
 }
 
-void frmCompareData::AddMultipleRecordsToGrid(frmCompareStatus& Status, RowCursor& Rs,
+void frmCompareData::AddMultipleRecordsToGrid(ComparisonProgress& Status, RowCursor& Rs,
                                               quint32 Colour, qint32 StartRec, qint32 EndRec) {
     try {
         const qint32 first = VSFlexGrid1.Rows();

@@ -5,15 +5,14 @@
 #pragma once
 
 #include "data/recordset.h"
+#include "datacompare/data_comparison.h"
 #include "datacompare/keyed_rows.h"
-#include "datacompare/modCompareData.h"
 #include "datacompare/result_grid.h"
 #include "shell/screen.h"
 #include "structcompare/compare_all_screens.h"
 
 namespace zov {
 
-class frmCompareStatus;
 struct ExportSource;
 
 /// Background of the rows, 0xBBGGRR.
@@ -49,7 +48,7 @@ class frmCompareData : public Screen {
                                   quint32 Colour2, qint32 Number);
     /// Adds the records `StartRec` to `EndRec` of a cursor that stands on the one before, or
     /// anywhere when `StartRec` is 1. Rows beyond the setting's limit are left out in silence.
-    void AddMultipleRecordsToGrid(frmCompareStatus& Status, RowCursor& Rs, quint32 Colour,
+    void AddMultipleRecordsToGrid(ComparisonProgress& Status, RowCursor& Rs, quint32 Colour,
                                   qint32 StartRec, qint32 EndRec);
     /// Drops rows at the end that were never written.
     void TrimEmptyGridRows();

@@ -3,6 +3,8 @@
 #include "core/error_report.h"
 #include "core/globals.h"
 #include "datacompare/compare_records.h"
+#include "datacompare/frmCompareData.h"
+#include "datacompare/table_reading.h"
 #include "shell/shell.h"
 #include "util/text.h"
 

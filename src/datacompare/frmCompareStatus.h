@@ -2,14 +2,14 @@
 // closes itself. Stop ends the run at its next record. Enter at ShowUp.
 #pragma once
 
-#include "datacompare/frmCompareData.h"
+#include "datacompare/data_comparison.h"
 #include "shell/screen.h"
 
 #include <chrono>
 
 namespace zov {
 
-class frmCompareStatus : public Screen {
+class frmCompareStatus : public Screen, public ComparisonProgress {
  public:
     /// `run` and `differences` must live as long as the screen; the latter is filled.
     frmCompareStatus(const DataComparisonRun& run, frmCompareData& differences);
@@ -37,13 +37,11 @@ class frmCompareStatus : public Screen {
     /// Also Esc and closing the screen.
     void cmdStop_Click();
 
-    /// 1 counting first, 2 counting second, 3 reading first, 4 reading second, 5 walking.
-    void ShowHideControls(int Mode);
-    /// The run has come to a record: shows its number of `Steps` and the time, at most sixty times a
-    /// second, and serves events. False once Stop was pressed.
-    bool UpdateDisplay(qint32 Record, qint32 Steps);
-    /// The run waits for rows: shows the time and serves events. False once Stop was pressed.
-    bool KeepWaiting();
+    void ShowHideControls(int Mode) override;
+    /// Shows the record's number and the time, at most sixty times a second, and serves events.
+    bool UpdateDisplay(qint32 Record, qint32 Steps) override;
+    /// Shows the time and serves events.
+    bool KeepWaiting() override;
     void UpdateTimeElapsed();
 
  private:

@@ -4,7 +4,7 @@
 #include "core/globals.h"
 #include "core/modIgnoreColumns.h"
 #include "data/mdlData.h"
-#include "datacompare/modCompareData.h"
+#include "datacompare/table_reading.h"
 #include "reports/frmExport.h"
 #include "scripting/mdlQueryCode.h"
 #include "shell/shell.h"

@@ -4,7 +4,7 @@
 #include "core/error_report.h"
 #include "data/base/field_text.h"
 #include "data/criteria.h"
-#include "datacompare/compare_records.h"
+#include "datacompare/table_reading.h"
 
 #include <algorithm>
 

@@ -3,8 +3,8 @@
 // answered by an index wherever that gives the same record.
 #pragma once
 
+#include "datacompare/data_comparison.h"
 #include "datacompare/keyed_rows.h"
-#include "datacompare/modCompareData.h"
 
 #include <optional>
 #include <vector>

@@ -6,6 +6,7 @@
 #include "core/run_account.h"
 #include "data/sql_names.h"
 #include "datacompare/frmCompareData.h"
+#include "datacompare/frmCompareDataOptions.h"
 #include "datacompare/frmCompareStatus.h"
 #include "shell/shell.h"
 #include "util/text.h"

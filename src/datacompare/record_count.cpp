@@ -4,7 +4,7 @@
 #include "core/globals.h"
 #include "core/run_account.h"
 #include "data/sql_names.h"
-#include "datacompare/modCompareData.h"
+#include "datacompare/table_reading.h"
 #include "shell/shell.h"
 #include "util/text.h"
 

@@ -284,6 +284,14 @@ bool GetSavedProcessDetails(const QString& Name, SavedProcess& Process) {
     return consistent;
 }
 
+void ShowProcessProperties(const QString& Name) {
+    if (Name.isEmpty()) return;
+    SavedProcess process;
+    GetSavedProcessDetails(Name, process);
+    shell().messageBox(ProcessPropertiesText(process), QStringLiteral("Properties"),
+                       BoxIcon::Information);
+}
+
 qint32 GetSavedProcessId(const QString& Name) {
     if (Name.isEmpty()) return 0;
     const std::optional<IniDocument> document = readProcesses();

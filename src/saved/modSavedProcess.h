@@ -9,31 +9,12 @@
 // published and deleted after it is gone, so that what is in the file is whole.
 #pragma once
 
+#include "saved/saved_process.h"
 #include "structcompare/compare_all_screens.h"
 
 #include <QStringList>
 
 namespace zov {
-
-struct SavedProcess {
-    QString Name;
-    qint32 Id = 0;         ///< from 1; what the command line takes
-    qint32 CompType = -1;  ///< these three as in comparison_code
-    qint32 CompSubType = 0;
-    qint32 CompSubSubType = 0;
-    QString EncObjTypes;     ///< see enc_obj_types.h; may be empty
-    qint32 CompMethod = -1;  ///< as in CompMethod; -1: none
-    QString ServerName1, ServerName2, DbName1, DbName2;
-    QString TableName1, TableName2;  ///< of a pair
-    QString ExportFilePath;          ///< empty: nothing is exported
-    qint32 ExportType = 0;           ///< 0 a report's text, else as in ExportType
-    qint32 SelCompCountSource = 0, SelCompCountTarget = 0;
-    QStringList SourceNames, TargetNames;
-    bool Print = false;
-    qint32 ObjId1 = 0, ObjId2 = 0;
-    bool CSVWrapInQuot = false;
-    bool AutoClose = false;  ///< the program ends behind the replay
-};
 
 /// The record that a result screen's run makes, without name and number.
 SavedProcess SavedProcessOf(const ComparisonReport& Run, bool CSVWrapInQuot);
@@ -53,6 +34,9 @@ bool SaveComparisonProcess(const SavedProcess& Process, bool mayReplace = true,
 /// the stored one are told in a box, and given as they are. False: something could not be read as
 /// it should be; each time that was told.
 bool GetSavedProcessDetails(const QString& Name, SavedProcess& Process);
+
+/// Reads the process and shows its properties in a box; nothing for an empty name.
+void ShowProcessProperties(const QString& Name);
 
 /// 0 for an empty name and for one that isn't there.
 qint32 GetSavedProcessId(const QString& Name);

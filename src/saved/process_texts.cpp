@@ -2,7 +2,6 @@
 
 #include "datacompare/data_comp_settings.h"
 #include "reports/frmExport.h"
-#include "shell/shell.h"
 #include "structcompare/enc_obj_types.h"
 #include "util/text.h"
 
@@ -125,14 +124,6 @@ QString ProcessPropertiesText(const SavedProcess& Process) {
     spacedLine(QStringLiteral("Automatically close the program after replaying the comparison: "),
                YesNoText(Process.AutoClose));
     return text;
-}
-
-void ShowProcessProperties(const QString& Name) {
-    if (Name.isEmpty()) return;
-    SavedProcess process;
-    GetSavedProcessDetails(Name, process);
-    shell().messageBox(ProcessPropertiesText(process), QStringLiteral("Properties"),
-                       BoxIcon::Information);
 }
 
 QString WhatIsNotKept() {

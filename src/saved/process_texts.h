@@ -1,7 +1,7 @@
 // What the codes of a saved process are called, and its properties as a text.
 #pragma once
 
-#include "saved/modSavedProcess.h"
+#include "saved/saved_process.h"
 
 namespace zov {
 
@@ -15,9 +15,6 @@ QString YesNoText(bool Yes);
 
 /// One line for each thing that is known of the process, parted by CRLF.
 QString ProcessPropertiesText(const SavedProcess& Process);
-/// Reads the process and shows its properties in a box; nothing for an empty name.
-void ShowProcessProperties(const QString& Name);
-
 /// What a process doesn't keep, for those who save one or look at one.
 QString WhatIsNotKept();
 

@@ -5,20 +5,9 @@
 #pragma once
 
 #include "tools/database_names.h"
+#include "tools/missing_reference.h"
 
 namespace zov {
-
-enum class MissingKind { TableOrView, Procedure, Function, Column, Type, Sequence };
-
-struct MissingReference {
-    int line = 0;  ///< within the module's text, from 1
-    QString name;  ///< as written
-    MissingKind kind = MissingKind::TableOrView;
-    QString owner;  ///< of a column: the table that should have it; empty when several might
-
-    /// "table or view dbo.Gone can't be found", in one line whatever the name holds.
-    QString sentence() const;
-};
 
 struct ModuleReferences {
     std::vector<MissingReference> missing;  ///< in the order of the text

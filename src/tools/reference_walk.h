@@ -3,7 +3,8 @@
 // end of the query that they stand in, since FROM comes behind them.
 #pragma once
 
-#include "tools/missing_references.h"
+#include "tools/database_names.h"
+#include "tools/missing_reference.h"
 #include "tools/sql_words.h"
 
 #include <initializer_list>

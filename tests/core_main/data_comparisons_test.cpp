@@ -1,5 +1,6 @@
 // Comparing rows from the window: the pair of selected tables, chosen tables, all
 // tables; through the options and into the result or the report.
+#include "datacompare/frmCompareData.h"
 #include "datacompare/frmCompareDataOptions.h"
 #include "datacompare/frmCompareStatus.h"
 #include "main_window_fixture.h"

@@ -1,6 +1,7 @@
 // Saved processes from the window: each kind of run is saved from its result screen
 // and run again, and what stops a run is told in its order. On the embedded server and
 // over the wire.
+#include "datacompare/frmCompareData.h"
 #include "datacompare/frmCompareDataOptions.h"
 #include "datacompare/frmCompareStatus.h"
 #include "main_window_fixture.h"

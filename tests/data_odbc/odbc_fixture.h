@@ -5,6 +5,7 @@
 #include "data/base/field_text.h"
 #include "data/odbc/odbc_driver.h"
 #include "data/odbc/odbc_provider.h"
+#include "data/odbc/odbc_session.h"
 #include "support/tds_endpoint/scripted_provider.h"
 #include "support/tds_endpoint/tds_endpoint.h"
 

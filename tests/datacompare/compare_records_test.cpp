@@ -1,6 +1,8 @@
 // The two ways of walking over two tables: what is found, counted and listed.
 #include "comparison_fixture.h"
 
+#include "datacompare/table_reading.h"
+
 #include <QDir>
 #include <QElapsedTimer>
 #include <QFile>

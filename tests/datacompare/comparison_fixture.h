@@ -6,6 +6,7 @@
 #include "core/modIgnoreColumns.h"
 #include "datacompare/frmCompareData.h"
 #include "datacompare/frmCompareStatus.h"
+#include "datacompare/modCompareData.h"
 #include "support/recording_shell.h"
 #include "support/served_database.h"
 #include "support/temp_home.h"

@@ -3,6 +3,7 @@
 #include "comparison_fixture.h"
 
 #include "datacompare/compare_all_data.h"
+#include "datacompare/table_reading.h"
 #include "shell/memory_controls.h"
 #include "support/tds_endpoint/scripted_provider.h"
 

@@ -2,7 +2,7 @@
 // server is asked for them.
 #include "data/sql_names.h"
 #include "datacompare/frmCompareDataValidation.h"
-#include "datacompare/modCompareData.h"
+#include "datacompare/table_reading.h"
 #include "support/recording_shell.h"
 #include "support/served_database.h"
 #include "support/temp_home.h"

@@ -2,6 +2,7 @@
 // read, added to and taken out again.
 #include "core/modIgnoreColumns.h"
 #include "fuzz_support.h"
+#include "saved/modSavedProcess.h"
 #include "saved/process_texts.h"
 #include "support/temp_home.h"
 

@@ -8,6 +8,7 @@
 #include "datacompare/frmCompareDataOptions.h"
 #include "datacompare/frmCompareStatus.h"
 #include "datacompare/frmDataView.h"
+#include "datacompare/modCompareData.h"
 #include "shell_qt/desktop.h"
 
 #include <gtest/gtest.h>

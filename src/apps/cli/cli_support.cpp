@@ -4,6 +4,7 @@
 #include "core/globals.h"
 #include "data/sql_names.h"
 #include "shell/console/console_shell.h"
+#include "shell/console/hidden_typing.h"
 #include "shell/console/interrupt.h"
 #include "shell/console/terminal.h"
 #include "shell/console/visible_text.h"

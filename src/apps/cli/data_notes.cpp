@@ -1,6 +1,6 @@
 #include "apps/cli/data_notes.h"
 
-#include "datacompare/compare_records.h"
+#include "datacompare/table_reading.h"
 #include "datacompare/key_lookup.h"
 #include "shell/console/console_shell.h"
 #include "util/text.h"

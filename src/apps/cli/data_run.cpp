@@ -3,7 +3,7 @@
 #include "core/globals.h"
 #include "core/modIgnoreColumns.h"
 #include "core/run_account.h"
-#include "datacompare/compare_records.h"
+#include "datacompare/table_reading.h"
 #include "datacompare/frmCompareDataOptions.h"
 #include "util/atomic_file.h"
 #include "util/text.h"

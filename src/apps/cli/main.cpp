@@ -11,6 +11,7 @@
 #include "core/settings.h"
 #include "data/odbc/driver_crash.h"
 #include "data/server_list.h"
+#include "shell/console/hidden_typing.h"
 #include "shell/console/interrupt.h"
 #include "shell/console/terminal.h"
 

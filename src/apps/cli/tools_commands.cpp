@@ -6,6 +6,7 @@
 #include "core/modIgnoreColumns.h"
 #include "core/run_account.h"
 #include "data/sql_names.h"
+#include "datacompare/table_reading.h"
 #include "reports/database_info.h"
 #include "reports/export_files.h"
 #include "shell/console/console_shell.h"

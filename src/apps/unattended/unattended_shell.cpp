@@ -1,5 +1,6 @@
 #include "apps/unattended/unattended_shell.h"
 
+#include "datacompare/frmCompareData.h"
 #include "datacompare/frmCompareStatus.h"
 #include "reports/frmExport.h"
 #include "reports/frmReport.h"

@@ -3,7 +3,7 @@
 #pragma once
 
 #include "data/base/provider.h"
-#include "data/odbc/odbc_handles.h"
+#include "data/odbc/odbc_api.h"
 
 #include <vector>
 

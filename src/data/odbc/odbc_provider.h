@@ -9,8 +9,4 @@ namespace zov::odbc {
 
 Provider& odbcProvider();
 
-/// Closes the sessions that wait, idle, for somebody to use them again: before a database is
-/// detached, or its server stopped. Servers that were silent a moment ago may be asked again.
-void dropIdleSessions();
-
 }  // namespace zov::odbc

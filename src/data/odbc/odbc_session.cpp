@@ -1,7 +1,5 @@
 #include "data/odbc/odbc_session.h"
 
-#include "data/odbc/odbc_provider.h"
-
 #include <QHash>
 #include <QRegularExpression>
 

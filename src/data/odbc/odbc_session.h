@@ -88,4 +88,8 @@ std::shared_ptr<Session> borrowSession(const QString& connectionString, const Se
 std::shared_ptr<Session> replaceSession(const Session& dead, const ServerAddress& server,
                                         const ConnectionSpec& spec);
 
+/// Closes the sessions that wait, idle, for somebody to use them again: before a database is
+/// detached, or its server stopped. Servers that were silent a moment ago may be asked again.
+void dropIdleSessions();
+
 }  // namespace zov::odbc

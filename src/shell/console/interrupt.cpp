@@ -1,6 +1,6 @@
 #include "shell/console/interrupt.h"
 
-#include "shell/console/terminal.h"
+#include "shell/console/hidden_typing.h"
 
 #include <atomic>
 #include <condition_variable>

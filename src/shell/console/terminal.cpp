@@ -2,14 +2,10 @@
 
 #include "shell/console/interrupt.h"
 
-#include <csignal>
-
 #ifdef _WIN32
 #include <io.h>
-#include <windows.h>
 #else
 #include <poll.h>
-#include <termios.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -26,11 +22,6 @@ constexpr qsizetype LongestLine = 64 * 1024;
 
 #ifdef _WIN32
 
-namespace {
-DWORD shownMode = 0;
-volatile bool hidden = false;
-}  // namespace
-
 bool standardOutputIsTerminal() {
     return _isatty(1) != 0;
 }
@@ -39,23 +30,6 @@ bool standardErrorIsTerminal() {
 }
 bool standardInputIsTerminal() {
     return _isatty(0) != 0;
-}
-
-HiddenTyping::HiddenTyping() {
-    HANDLE input = GetStdHandle(STD_INPUT_HANDLE);
-    if (!GetConsoleMode(input, &shownMode)) return;
-    hidden = true;
-    SetConsoleMode(input, shownMode & ~DWORD(ENABLE_ECHO_INPUT));
-}
-
-HiddenTyping::~HiddenTyping() {
-    restoreTerminal();
-}
-
-void restoreTerminal() noexcept {
-    if (!hidden) return;
-    hidden = false;
-    SetConsoleMode(GetStdHandle(STD_INPUT_HANDLE), shownMode);
 }
 
 LineRead readInputLine(QByteArray& line) {
@@ -73,14 +47,6 @@ LineRead readInputLine(QByteArray& line) {
 
 #else
 
-namespace {
-termios shownMode;
-volatile std::sig_atomic_t hidden = 0;
-using Handler = void (*)(int);
-Handler stopHandler = SIG_DFL;
-Handler quitHandler = SIG_DFL;
-}  // namespace
-
 bool standardOutputIsTerminal() {
     return isatty(STDOUT_FILENO) != 0;
 }
@@ -89,29 +55,6 @@ bool standardErrorIsTerminal() {
 }
 bool standardInputIsTerminal() {
     return isatty(STDIN_FILENO) != 0;
-}
-
-HiddenTyping::HiddenTyping() {
-    if (tcgetattr(STDIN_FILENO, &shownMode) != 0) return;
-    stopHandler = std::signal(SIGTSTP, SIG_IGN);
-    quitHandler = std::signal(SIGQUIT, SIG_IGN);
-    termios mode = shownMode;
-    mode.c_lflag &= ~tcflag_t(ECHO);
-    hidden = 1;
-    tcsetattr(STDIN_FILENO, TCSAFLUSH, &mode);
-}
-
-HiddenTyping::~HiddenTyping() {
-    if (!hidden) return;
-    restoreTerminal();
-    std::signal(SIGTSTP, stopHandler);
-    std::signal(SIGQUIT, quitHandler);
-}
-
-void restoreTerminal() noexcept {
-    if (!hidden) return;
-    hidden = 0;
-    tcsetattr(STDIN_FILENO, TCSANOW, &shownMode);
 }
 
 LineRead readInputLine(QByteArray& line) {

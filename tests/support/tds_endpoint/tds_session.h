@@ -2,8 +2,8 @@
 // a second one reads, so that an attention is heard while a command runs.
 #pragma once
 
-#include "support/tds_endpoint/tds_endpoint.h"
 #include "support/tds_endpoint/tds_login.h"
+#include "support/tds_endpoint/tds_options.h"
 #include "support/tds_endpoint/tds_rpc.h"
 #include "support/tds_endpoint/tds_socket.h"
 #include "support/tds_endpoint/tds_tokens.h"
