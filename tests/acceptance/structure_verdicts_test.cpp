@@ -69,6 +69,11 @@ TEST_F(StructureVerdicts, WhatLooksLikeAHeaderACommentOrTheSameNameCounts) {
         {"a reference to a namesake", "CREATE TABLE U (a int CONSTRAINT f REFERENCES dbo.T(a))",
          "CREATE TABLE U (a int CONSTRAINT f REFERENCES hr.T(a))"},
         {"a type's namesake", "CREATE TABLE U (a dbo.ty)", "CREATE TABLE U (a hr.ty)"},
+        {"a default beyond Latin", "CREATE TABLE U (a nvarchar(9) CONSTRAINT d DEFAULT N'\u0416')",
+         "CREATE TABLE U (a nvarchar(9) CONSTRAINT d DEFAULT N'\u0429')"},
+        {"a default beyond the basic plane",
+         "CREATE TABLE U (a nvarchar(9) CONSTRAINT d DEFAULT N'\U0001F600')",
+         "CREATE TABLE U (a nvarchar(9) CONSTRAINT d DEFAULT N'\U0001F601')"},
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.name);
@@ -341,6 +346,34 @@ TEST_F(StructureVerdicts, AFailedStatementIsNeverAnAnswer) {
                 if (error != 1205) break;  // the rows make no difference to the kind of error
             }
         }
+    }
+}
+
+// A side without schemas, and one that says it with four figures.
+TEST_F(StructureVerdicts, ServersOfDifferentVersionsAreToldApartByTheirObjectsAlone) {
+    const QString old = "local:old?version=8.00.2039", second = "local:second?version=9.00.5000";
+    const QByteArray same =
+        "CREATE TABLE T (a int NOT NULL, b nvarchar(20) NULL)\nGO\n"
+        "CREATE VIEW V AS SELECT a FROM T\nGO\n";
+    const QByteArray procedure = "CREATE PROCEDURE P AS SELECT ";
+    for (const QString& server : {old, second, QString("local:current")}) {
+        home_.loadText(server, "One", same + procedure + "1\nGO\n");
+        home_.loadText(server, "Two", same + procedure + "2\nGO\n");
+    }
+    const auto compared = [&](const QString& source, const QString& target, const char* database) {
+        return home_.run({"compare", "--source", source, "--source-db", "One", "--target", target,
+                          "--target-db", database});
+    };
+    for (const auto& [source, target] : {std::pair(old, QString("local:current")),
+                                         {QString("local:current"), old},
+                                         {old, second},
+                                         {second, QString("local:current")}}) {
+        SCOPED_TRACE((source + ' ' + target).toStdString());
+        const CliResult identical = compared(source, target, "One");
+        EXPECT_EQ(identical.status, 0) << ::testing::PrintToString(identical);
+        const CliResult different = compared(source, target, "Two");
+        EXPECT_EQ(different.status, 1) << ::testing::PrintToString(different);
+        EXPECT_TRUE(different.out.contains("\tP\n")) << ::testing::PrintToString(different);
     }
 }
 

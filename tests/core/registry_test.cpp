@@ -147,6 +147,37 @@ TEST_F(Registry, BrokenLinesSurviveASave) {
     EXPECT_EQ(takeSettingsFailure(), QString());
 }
 
+// What other programs keep in the same file stays to the byte: values over several lines, their
+// types, remarks between them.
+TEST_F(Registry, LongBinaryValuesAndCommentsSurviveASave) {
+    QByteArray bytes = "\"Blob\"=hex:";
+    for (int i = 0; i < 400; ++i) {
+        if (i > 0) bytes += i % 25 == 0 ? ",\\\r\n  " : ",";
+        bytes += QByteArray(1, char(i % 256)).toHex();
+    }
+    const QByteArray before =
+        "Windows Registry Editor Version 5.00\r\n\r\n"
+        "; kept by hand\r\n"
+        "[HKEY_CURRENT_USER\\Software\\ZOV]\r\n"
+        "  ; a remark on the next one\r\n" +
+        bytes + "\r\n; behind it\r\n";
+    const QByteArray after =
+        "\"Multi\"=hex(7):61,00,\\\r\n  00,00,00,00\r\n"
+        "; the end\r\n\r\n"
+        "[HKEY_CURRENT_USER\\Software\\Other]\r\n\"Timeout\"=dword:00000063\r\n";
+    store(before + "\"Timeout\"=dword:0000000a\r\n" + after);
+    EXPECT_EQ(num("Timeout"), 10);
+    EXPECT_EQ(brokenSettingsLines(), 0);
+    RegSetDWordValue(User, Key, QStringLiteral("Timeout"), 11);
+    EXPECT_EQ(stored().toStdString(),
+              (before + "\"Timeout\"=dword:0000000b\r\n" + after).toStdString());
+    // A value in place of the long one takes all of its lines.
+    RegSetDWordValue(User, Key, QStringLiteral("Blob"), 1);
+    EXPECT_EQ(num("Blob"), 1);
+    EXPECT_EQ(brokenSettingsLines(), 0);
+    EXPECT_FALSE(stored().contains("\r\n  19"));
+}
+
 TEST_F(Registry, TheLastOfARepeatedValueCountsAndIsTheOneChanged) {
     store(
         "[HKEY_CURRENT_USER\\Software\\ZOV]\n\"A\"=dword:1\n"

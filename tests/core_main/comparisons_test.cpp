@@ -317,6 +317,34 @@ TEST_F(BulkRun, CancelDropsTheReportAndThePanelsStay) {
     EXPECT_FALSE(window.Busy());
 }
 
+// Whichever query isn't waited for any more, no report says what was not looked at.
+TEST_F(BulkRun, GivingUpWithinARunLeavesNoReport) {
+    for (const int id : {202, 205, 221}) {
+        shell.giveUpAt = 0;
+        reports.clear();
+        window.ExecuteAction(id);
+        ASSERT_EQ(reports.size(), 1) << id;
+        const std::string undisturbed = withoutTime(reports[0]);
+        const int queries = shell.queries;
+        ASSERT_GT(queries, 5);
+        for (int query = 1; query <= queries; ++query) {
+            reports.clear();
+            shell.giveUpAt = query;
+            window.ExecuteAction(id);
+            EXPECT_TRUE(reports.isEmpty())
+                << id << ", query " << query << " of " << queries << '\n'
+                << reports.join(u'\n').toStdString();
+            EXPECT_EQ(globals().gstrReport, QString()) << id << ' ' << query;
+            EXPECT_FALSE(window.Busy());
+        }
+        shell.giveUpAt = 0;
+        reports.clear();
+        window.ExecuteAction(id);
+        ASSERT_EQ(reports.size(), 1) << id;
+        EXPECT_EQ(withoutTime(reports[0]), undisturbed);
+    }
+}
+
 TEST_F(BulkRun, ADatabaseThatIsGoneEndsTheRun) {
     view.sides[1].pvlDb.addItem(QStringLiteral("No'Such"));
     choose(view.sides[1].pvlDb, QStringLiteral("No'Such"));

@@ -121,5 +121,27 @@ TEST_F(QueryAccount, AQueryAnsweredWithoutAColumnHasFailed) {
     }
 }
 
+// What ends a value in a connection string may stand in a password.
+TEST_F(QueryAccount, PasswordsReachTheServerToTheLetter) {
+    for (const char* password : {"a;b", "a\"b", "'a'", "a;\"b'c", "p=w;UID=other", " a ", "{a;}b",
+                                 "a}", "\"", ";", "a;Data Source=elsewhere", "Ж中"}) {
+        TdsEndpoint guarded;
+        TdsEndpointOptions options;
+        options.provider = &provider;
+        options.password = QString::fromUtf8(password);
+        guarded.start(options);
+        server.Name = guarded.dataSource();
+        server.Password = options.password;
+        std::unique_ptr<Recordset> rs;
+        EXPECT_EQ(account([&] {
+                      EXPECT_EQ(GetAdoRS(server, adCmdText, QStringLiteral("PRINT 'a'"), rs, db), 0);
+                  }),
+                  "")
+            << password;
+        EXPECT_EQ(guarded.counters().logins, 1) << password;
+        EXPECT_EQ(guarded.counters().refusedLogins, 0) << password;
+    }
+}
+
 }  // namespace
 }  // namespace zov

@@ -201,6 +201,20 @@ TEST_P(ServerSide, StreamsInWindowsAndAsksAgainOnlyToGoBack) {
     EXPECT_EQ(journal.count(QStringLiteral("execute SELECT")), 2);
 }
 
+// Windows were dropped, others not read yet, when it goes back.
+TEST_P(ServerSide, GoesBackToTheFirstRowFromTheMiddleOfALongStream) {
+    if (GetParam() != 2) return;
+    for (const int turn : {1, 4, 5, 6, 9'999, 60'000, 99'999}) {
+        Recordset rs = open(numbersTable(100'000));
+        for (int row = 0; row < turn; ++row) rs.MoveNext();
+        ASSERT_EQ(rs.field(0).toInt64(), turn);
+        rs.MoveFirst();
+        int count = 0;
+        for (; !rs.isEof(); rs.MoveNext()) ASSERT_EQ(rs.field(0).toInt64(), count++) << turn;
+        EXPECT_EQ(count, 100'000) << turn;
+    }
+}
+
 TEST_P(ServerSide, AnotherCommandOnTheConnectionFindsItFree) {
     if (GetParam() != 2) return;
     Recordset rs = open(numbersTable(10000));

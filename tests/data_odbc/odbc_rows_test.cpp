@@ -259,6 +259,51 @@ TEST_F(OdbcRowsTest, LongCellsOfManyRowsKeepTheirRow) {
     }
 }
 
+// A driver may describe a column too narrow, as some do with letters that take several bytes. What
+// comes is read whole, or the read fails: a cell that was cut would compare as another value.
+TEST_F(OdbcRowsTest, ACellLongerThanItsColumnIsNeverCut) {
+    const struct {
+        const char* name;
+        SqlType type;
+        int described;
+        int sent;
+    } table[] = {
+        {"nvarchar", SqlType::NVarChar, 5, 6},     {"nvarchar", SqlType::NVarChar, 5, 3000},
+        {"varchar", SqlType::VarChar, 10, 11},     {"varchar", SqlType::VarChar, 10, 7000},
+        {"varbinary", SqlType::VarBinary, 4, 5},   {"varbinary", SqlType::VarBinary, 4, 7999},
+    };
+    for (const auto& row : table) {
+        const bool isBinary = row.type == SqlType::VarBinary;
+        const QString statement = QStringLiteral("SELECT %1 %2").arg(row.name).arg(row.sent);
+        const QString whole(row.sent, u'x');
+        const QByteArray bytes(row.sent, 'x');
+        script.answer(statement,
+                      rowsOf({columnOf(QStringLiteral("c"), row.type, row.described),
+                              columnOf(QStringLiteral("n"), SqlType::Int)},
+                             3, [&](RowStore& rows, qint64 at) {
+                                 const bool isLong = at == 1;
+                                 if (isBinary)
+                                     rows.column(0).appendBytes(bytes.constData(), isLong ? row.sent : 2);
+                                 else
+                                     rows.column(0).appendText(isLong ? whole : QStringLiteral("xx"));
+                                 rows.column(1).appendInteger(at);
+                             }));
+        const auto connection = open();
+        try {
+            const auto stream = run(*connection, statement);
+            RowStore rows(stream->columns());
+            while (stream->fetch(rows, 100) > 0) {
+            }
+            ASSERT_EQ(rows.rowCount(), 3) << row.name << ' ' << row.sent;
+            const CellView cell = rows.cell(1, 0);
+            EXPECT_EQ(isBinary ? cell.bytes.size() : cell.text.size(), row.sent) << row.name;
+            EXPECT_EQ(rows.cell(2, 1).integer, 2) << row.name << ' ' << row.sent;
+        } catch (const DbError& error) {
+            EXPECT_FALSE(error.description.isEmpty());
+        }
+    }
+}
+
 TEST_F(OdbcRowsTest, ColumnNamesAreKeptToTheLetter) {
     const QStringList names = {
         QStringLiteral("Größe in mm"), QStringLiteral("a]b\"c'd"), QString(),

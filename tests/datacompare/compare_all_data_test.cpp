@@ -192,6 +192,40 @@ TEST_P(CompareAllDataTest, NamesWithDotsAndNamesakesFindTheirOwn) {
     EXPECT_EQ(told(), "");
 }
 
+// Version 8 knows no schemas, "9.00.5000" all that later ones do; on one side or on both.
+TEST_P(CompareAllDataTest, ServersOfDifferentVersionsAreCompared) {
+    const QString source = table(QStringLiteral("Alike"), {A1}) +
+                           table(QStringLiteral("Changed"), {A1}) +
+                           table(QStringLiteral("MixedCase"), {A1, A2});
+    const QString target = table(QStringLiteral("Alike"), {A1}) +
+                           table(QStringLiteral("Changed"), {B1}) +
+                           table(QStringLiteral("mixedCASE"), {A1, A2});
+    served.load(QStringLiteral("Src"), QStringLiteral("SELECT 1"));
+    const QString current;
+    const QString old = QStringLiteral("8.00.2039"), second = QStringLiteral("9.00.5000");
+    for (const auto& [version1, version2] :
+         {std::pair(old, current), {current, old}, {old, old}, {old, second}, {second, second}}) {
+        SCOPED_TRACE((version1 + u'/' + version2).toStdString());
+        test::ServedDatabases first(GetParam(), version1), other(GetParam(), version2);
+        first.load(QStringLiteral("Src"), source);
+        other.load(QStringLiteral("Tgt"), target);
+        globals().gtCurrentServers[SourcePanel] = first.server();
+        globals().gtCurrentServers[TargetPanel] = other.server();
+        const std::string text = all();
+        EXPECT_NE(text.find("List of tables which differ:\n\tChanged - 1 different record(s)\n"
+                            "\t(1 table)\n\n"
+                            "All 2 remaining tables have identical data:\n\tAlike\n\tMixedCase"),
+                  std::string::npos)
+            << text;
+        EXPECT_TRUE(data.isWhole());
+        EXPECT_EQ(told(), "");
+        // What differs in a table whose name is written otherwise counts as well.
+        other.load(QStringLiteral("Tgt"),
+                   QStringLiteral("UPDATE mixedCASE SET V = N'z' WHERE Id = 2\nGO\n"));
+        EXPECT_NE(all().find("\tMixedCase - 1 different record(s)"), std::string::npos);
+    }
+}
+
 TEST_P(CompareAllDataTest, EmptyDatabasesAndStopAndTrouble) {
     load(QStringLiteral("CREATE VIEW dbo.V AS SELECT 1 AS A\nGO\n"), QStringLiteral("CREATE VIEW dbo.V AS SELECT 1 AS A\nGO\n"));
     EXPECT_NE(all().find("There are no tables in Source database.\n"

@@ -67,6 +67,15 @@ TEST_P(CompareFieldsTest, ValuesAreComparedByTheirTrimmedTexts) {
         {"float", "0.1", "float", "0.2", false, false},
         {"datetime", "'2024-02-29 10:30:00'", "datetime2", "'2024-02-29 10:30:00'", true, true},
         {"datetime", "'2024-02-29'", "date", "'2024-02-29'", false, false},
+        {"datetimeoffset(3)", "'2024-02-29 10:30:00 +02:00'", "datetimeoffset(7)",
+         "'2024-02-29 10:30:00 +02:00'", true, true},
+        // One offset for another, and one moment told in two ways.
+        {"datetimeoffset(7)", "'2024-02-29 10:30:00 +02:00'", "datetimeoffset(7)",
+         "'2024-02-29 10:30:00 +03:00'", false, false},
+        {"datetimeoffset(7)", "'2024-02-29 10:30:00 +02:00'", "datetimeoffset(7)",
+         "'2024-02-29 08:30:00 +00:00'", false, false},
+        {"datetimeoffset(7)", "'2024-02-29 10:30:00 +00:00'", "datetime2(7)",
+         "'2024-02-29 10:30:00'", false, false},
         {"date", "'2024-02-29'", "varchar(20)", "'2024-02-29'", true, true},
         {"varbinary(8)", "0x0A0B", "varbinary(8)", "0x0A0B", true, true},
         {"varbinary(8)", "0x0A0B", "varbinary(8)", "0x0A0C", false, false},
@@ -205,16 +214,53 @@ TEST_P(CompareFieldsTest, AKeyThatIsGoneIsTheFirstFieldOrAnError) {
     EXPECT_NE(told().find("The key \"My Key\" can't be sought: its name holds a blank"), std::string::npos);
 }
 
+// A text is read as the Target's type reads it: what lies behind that type's ends is nobody's key,
+// also where it would come round to a number that is there.
+TEST_P(CompareFieldsTest, ATextKeyIsSoughtUpToTheEndsOfIntegerTypes) {
+    const struct {
+        const char* type;
+        const char* least;
+        const char* most;
+        const char* below;   ///< would come round to the most
+        const char* beyond;  ///< would come round to the least
+    } table[] = {
+        {"tinyint", "0", "255", "-1", "256"},
+        {"smallint", "-32768", "32767", "-32769", "32768"},
+        {"int", "-2147483648", "2147483647", "-2147483649", "2147483648"},
+        {"bigint", "-9223372036854775808", "9223372036854775807", "-9223372036854775809",
+         "9223372036854775808"},
+    };
+    byKey(QStringLiteral("K"));
+    for (const auto& row : table) {
+        const auto text = [](const char* number) { return QStringLiteral("N'%1'").arg(number); };
+        const QByteArray columns = QByteArray("K ") + row.type;
+        const char* texts = "K nvarchar(30)";
+        const QStringList ends = {row.most, row.least};
+        tables(texts, {text(row.least), text(row.most)}, columns.constData(), ends);
+        EXPECT_EQ(compared(), "identical 2/2/0") << row.type;
+        tables(texts, {text(row.below), text(row.beyond)}, columns.constData(), ends);
+        EXPECT_EQ(compared(),
+                  QStringLiteral("different 2/2/2\n+ 1|%1\n+ 2|%2\n- 1|%3\n- 2|%4")
+                      .arg(row.below, row.beyond, row.most, row.least)
+                      .toStdString())
+            << row.type;
+    }
+}
+
 // Whatever the two types are, the index must find what the condition on the value's text meets first,
 // row by row.
 TEST_P(CompareFieldsTest, TheIndexFindsWhatTheConditionMeets) {
     const char* const types[] = {"int",   "smallint",     "bigint",   "decimal(9,2)", "decimal(9,3)",
                                  "float", "decimal(30,2)", "real",     "bit",          "money",
-                                 "date",  "nvarchar(30)",  "datetime", "tinyint",      "binary(2)"};
+                                 "date",  "nvarchar(30)",  "datetime", "tinyint",      "binary(2)",
+                                 "datetimeoffset(7)"};
     const QStringList numbers = {QStringLiteral("0"), QStringLiteral("NULL"), QStringLiteral("1")};
     const QStringList times = {QStringLiteral("'2024-01-01'"), QStringLiteral("NULL"),
                                QStringLiteral("'2024-01-02'")};
+    const QStringList offsets = {QStringLiteral("'2024-01-01 02:00:00 +02:00'"),
+                                 QStringLiteral("'2024-01-01 02:00:00 +01:00'")};
     const auto rowsOf = [&](const QByteArray& type) {
+        if (type.startsWith("datetimeoffset")) return offsets + times;
         if (type.startsWith("date")) return times;
         if (type.startsWith("binary")) return QStringList{QStringLiteral("0x3031"), QStringLiteral("NULL")};
         return type.startsWith("nvarchar") ? numbers + times + QStringList{QStringLiteral("N'tRUE'")} : numbers;

@@ -408,6 +408,34 @@ TEST_P(CompareRecordsTest, StopEndsTheWaitForRows) {
     }
 }
 
+// Behind more rows than are read at once comes another row of an early key. Each takes the first of
+// its key that is left, however far away it lies.
+TEST_P(CompareRecordsTest, ALateNamesakeOfAKeyIsMatchedInItsTurn) {
+    const QStringList many = rows(1, 12000);
+    const QString late = QStringLiteral("5 late"), early = QStringLiteral("5 v5");
+    const struct {
+        const char* name;
+        QStringList source, target;
+        const char* expected;
+    } table[] = {
+        {"on both sides", many + QStringList{late}, many + QStringList{late},
+         "identical 12001/12001/0"},
+        {"the other one first", many + QStringList{late},
+         QStringList{late} + (many - QStringList{early}) + QStringList{early},
+         "different 12001/12001/2\nS 1|5|*v5\nT 1|5|*late\nS 2|5|*late\nT 2|5|*v5"},
+        {"in Source alone", many + QStringList{late}, many + QStringList{"12001 v12001"},
+         "different 12001/12001/1\n+ 1|5|late\n- 1|12001|v12001"},
+        {"in Target alone", many + QStringList{"12001 v12001"}, many + QStringList{late},
+         "different 12001/12001/1\n+ 1|12001|v12001\n- 1|5|late"},
+    };
+    for (const auto& row : table) {
+        SCOPED_TRACE(row.name);
+        loadRows(row.source, row.target);
+        byKey(QStringLiteral("Id"));
+        EXPECT_EQ(compared(), row.expected);
+    }
+}
+
 TEST_P(CompareRecordsTest, TextsOfMegabytesAreComparedAndShown) {
     const QString large(3'000'000, u'x');
     const QString table = QStringLiteral("CREATE TABLE dbo.T (Id int, V nvarchar(max))\nGO\n");

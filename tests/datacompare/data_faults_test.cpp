@@ -59,6 +59,7 @@ class DataFaults : public ::testing::TestWithParam<WireSides>,
         trouble_.clear();
         const DataComparisonResult result = ExecuteDataComparison(run, this);
         failed_ = result.Outcome == DataOutcome::Failed;
+        cancelled_ = result.Outcome == DataOutcome::Cancelled;
         return QString::number(int(result.Outcome)) + u' ' + result.Report;
     }
     QString all() {
@@ -68,6 +69,7 @@ class DataFaults : public ::testing::TestWithParam<WireSides>,
         const DataRun data = CompareAll_Data(
             *this, {QStringLiteral("Src"), QStringLiteral("Tgt"), false, {}, {}}, panels, this);
         failed_ = !data.isWhole();
+        cancelled_ = !data.finished;
         trouble_ = data.blindness;
         for (const AccountEntry& entry : data.account.entries()) trouble_ += entry.sentence();
         return globals().gstrReport;
@@ -145,6 +147,7 @@ class DataFaults : public ::testing::TestWithParam<WireSides>,
     test::ServedDatabases wire{Road::Odbc};
     test::ServedDatabases plain{Road::Embedded};
     bool failed_ = false;
+    bool cancelled_ = false;
     QStringList trouble_;
 };
 std::string sidesName(const ::testing::TestParamInfo<WireSides>& info) {
@@ -179,6 +182,33 @@ TEST_P(DataFaults, OfAllTablesNeverMakeAVerdict) {
     // The statements of one table have met every error above.
     for (const TdsFaults& faults : faults())
         if (faults.errorNumber == 1205) failEach([&] { return all(); }, faults);
+}
+
+// Whichever query the user doesn't wait for any more, the run ends without a verdict, and the next
+// one isn't held back.
+TEST_P(DataFaults, GivingUpWithinARunMakesNoVerdict) {
+    const std::function<QString()> runs[] = {
+        [&] { return table(QStringLiteral("Same"), QStringLiteral("dbo"), CompMethod::PrimaryKey); },
+        [&] { return table(QStringLiteral("Other"), QStringLiteral("dbo"), CompMethod::RecordByRecord); },
+        [&] { return all(); }};
+    for (const auto& run : runs) {
+        shell.giveUpAt = shell.queries = 0;
+        const QString undisturbed = run();
+        const int queries = shell.queries;
+        ASSERT_GT(queries, 2);
+        ASSERT_FALSE(failed_ || cancelled_) << undisturbed.toStdString();
+        for (int query = 1; query <= queries; ++query) {
+            shell.giveUpAt = query;
+            shell.queries = 0;
+            globals().gstrReport.clear();
+            EXPECT_FALSE(run().contains(QStringLiteral("identical"))) << query << " of " << queries;
+            EXPECT_TRUE(cancelled_) << query << " of " << queries;
+            EXPECT_LE(shell.queries, query + 3) << "it ends soon";
+            globals().gblnStop = false;  // as the next command does
+        }
+        shell.giveUpAt = 0;
+        EXPECT_EQ(run().toStdString(), undisturbed.toStdString());
+    }
 }
 
 // Answers that are none: a count that no 32 bits hold, a null, no row.

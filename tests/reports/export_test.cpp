@@ -94,6 +94,31 @@ TEST_F(Export, OfDifferencesToHtmlKeepsTheColoursOfTheScreen) {
     EXPECT_EQ(shell.waitDepth, 0);
 }
 
+// Letters that take two units, also where the cell ends behind them or within them.
+TEST_F(Export, OfLettersBeyondTheBasicPlaneToHtmlGivesOneReferenceEach) {
+    const QString smile = QStringLiteral("\U0001F600");
+    const struct {
+        QString cell;
+        const char* shown;
+    } table[] = {
+        {smile, "&#128512;"},
+        {u'a' + smile, "a&#128512;"},
+        {smile + smile, "&#128512;&#128512;"},
+        {smile + u'<', "&#128512;&lt;"},
+        {QStringLiteral("\u0416\u4E2D"), "&#1046;&#20013;"},
+        {u'a' + smile.left(1), "a&#65533;"},
+        {smile.mid(1) + u'a', "&#65533;a"},
+    };
+    for (const auto& row : table) {
+        grid.rows = {{QStringLiteral("Row"), QStringLiteral("A")}, {QStringLiteral("1"), row.cell}};
+        press(0, to(QStringLiteral("x.htm"), ExportType::Html));
+        EXPECT_NE(file("x.htm").find("&nbsp " + std::string(row.shown) + " &nbsp</TD>\r\n</TR>"),
+                  std::string::npos)
+            << row.shown << '\n'
+            << file("x.htm");
+    }
+}
+
 TEST_F(Export, OfATableColoursEverySecondRowAndSaysHowFarItIs) {
     source.mode = ExportMode::TableData;
     source.lblStats[0] = QStringLiteral("Number of records: 2,000");

@@ -84,6 +84,14 @@ BoxAnswer RecordingShell::askYesNoCancel(const QString& text, const QString& tit
     return answer;
 }
 
+bool RecordingShell::runBlocking(const std::function<void()>& work, const std::function<void()>&,
+                                 const QString&) {
+    ++queries;
+    if (giveUpAt > 0 && queries >= giveUpAt) return false;
+    work();
+    return true;
+}
+
 void RecordingShell::pumpEvents() {
     ++pumps;
     if (onPump) onPump();

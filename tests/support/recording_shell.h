@@ -33,6 +33,11 @@ class RecordingShell : public Shell, public ScreenView {
     /// Called at each pump.
     std::function<void()> onPump;
 
+    /// The user gives up waiting for this query of an operation (from 1), and with it for all that
+    /// the operation would still ask; 0: never.
+    int giveUpAt = 0;
+    int queries = 0;  ///< that the operation has asked
+
     int pumps = 0;
     int waitDepth = 0;  ///< wait pointers that are on now
     QString clipboard;
@@ -45,6 +50,9 @@ class RecordingShell : public Shell, public ScreenView {
     bool askYesNo(const QString& text, const QString& title) override;
     BoxAnswer askYesNoCancel(const QString& text, const QString& title) override;
     void pumpEvents() override;
+    bool runBlocking(const std::function<void()>& work, const std::function<void()>& cancel,
+                     const QString& server) override;
+    void beginOperation() override { queries = 0; }
     void setClipboardText(const QString& text) override;
     void openWithDesktop(const QString& fileOrUrl) override;
     QString askSavePath(const QString& title, const QString& filter,
