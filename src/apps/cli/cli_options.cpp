@@ -1,5 +1,6 @@
 #include "apps/cli/cli_options.h"
 
+#include "apps/cli/cli_examples.h"
 #include "core/globals.h"
 
 #include <CLI/CLI.hpp>
@@ -9,148 +10,6 @@
 
 namespace zov::cli {
 namespace {
-
-const char* const Examples = R"(Examples:
-  zovrand-cli load -S local:shop -d Shop shop.sql
-      makes the database Shop on the embedded server "shop" from a script
-  zovrand-cli list -S local:shop -d Shop -t tables
-  zovrand-cli text -S local:shop -d Shop -t procedure GetOrders
-  zovrand-cli server add db1,1433 --sql-login sa
-      stores a SQL Server with its login; the password is asked for
-  zovrand-cli compare --source local:shop --source-db Shop --target db1,1433 --target-db Shop --details
-
-SERVER is a stored server's name, local:NAME or local:/a/folder for the embedded
-server, or any server together with --login USER; the password then comes from
-ZOVRAND_PASSWORD or from --password-stdin. Everything is kept below ZOVRAND_HOME
-when that is set.
-
-Exit status: 0 identical or done, 1 differences found, 2 trouble.)";
-
-const char* const ServerAddExamples = R"(Examples:
-  zovrand-cli server add local:shop
-  zovrand-cli server add db1\\sales                      Windows authentication
-  zovrand-cli server add db1,1433 --sql-login sa         asks for the password
-  zovrand-cli server add db1 --sql-login sa --password-stdin < password.txt
-
-The password is kept as plain text in a file that only you can read.)";
-
-const char* const LoadExamples = R"(Example:
-  zovrand-cli load -S local:shop -d Shop tables.sql data.sql
-  zovrand-cli load -S local:shop -v DatabaseName=Shop -v Folder=/data install.sql
-)";
-
-const char* const QueryExamples =
-    R"(Tabs, line breaks and backslashes in a value are written \t, \n, \r and \\; a null is Null.
-
-Examples:
-  zovrand-cli query -S local:shop -d Shop "SELECT TOP 5 * FROM Orders"
-  zovrand-cli query -S local:shop -d master "SELECT name FROM sysdatabases")";
-
-const char* const ListExamples = R"(Example:
-  zovrand-cli list -S local:shop -d Shop -t views
-)";
-
-const char* const TextExamples = R"(Examples:
-  zovrand-cli text -S local:shop -d Shop -t table "Order Details"
-  zovrand-cli text -S local:shop -d Shop -t procedure sales.GetOrders)";
-
-const char* const ReferencesExamples = R"(One line each, with the line in the object's text:
-  procedure dbo.GetOrders:12: table or view dbo.OldOrders can't be found
-What can't be known counts as there: other databases, statements in texts, columns of temporary
-tables and of what the object makes itself.
-
-Examples:
-  zovrand-cli references -S local:shop -d Shop
-  zovrand-cli references -S local:shop -d Shop -t procedures
-  zovrand-cli references -S local:shop -d Shop -t view sales.Totals dbo.Stock
-  zovrand-cli references -S local:shop -d Shop -t procedure GetOrders --words
-
-Exit status: 0 every name was found, 1 some can't be found, 2 trouble or a text that can't be
-read; with --words 0.)";
-const char* const CreateExamples = R"(Examples:
-  zovrand-cli create -S db1 -d Shop -o shop.sql
-      the whole database, without its rows; zovrand-cli load runs it in an empty one
-  zovrand-cli create -S local:shop -d Shop -t tables -o tables/
-      a file an object, in an order that runs
-  zovrand-cli create -S local:shop -d Shop Orders GetOrders --drop-header
-  zovrand-cli create -S local:shop -d Shop -t table Orders --as-shown
-
-The script holds schemas, types, sequences, synonyms, tables with their keys, indexes, foreign
-keys and checks, and modules from their stored texts. Rows, users, permissions, file groups and
-extended properties are not in it.
-
-Exit status: 0 done, 2 trouble, or an object that can't be scripted: it is named.)";
-
-const char* const UpdateScriptExamples = R"(Examples:
-  zovrand-cli update-script --source A --source-db Shop --target B --target-db Shop --table Orders
-  zovrand-cli update-script --source A --source-db Shop --target B --target-db Shop
-                            --table Orders --runnable -o update.sql
-
-The script gives the target's table the source's structure. Nothing is run. Without --runnable it
-lists the changes; with it, a server runs it as it stands. Read it first: where rows can be lost a
-comment says so.
-
-Exit status: 0 nothing is to be changed, 1 there is a script, 2 trouble.)";
-
-const char* const CompareExamples = R"(Examples:
-  zovrand-cli compare --source local:shop --source-db Shop --target local:shop --target-db ShopNew
-  zovrand-cli compare --source local:shop --source-db Shop --target db1 --target-db Shop
-                      -t tables,views --details -o report.txt
-  zovrand-cli compare --source A --source-db Shop --target B --target-db Shop
-                      --select Orders,Customers --set IgnoreComments=0
-
-The settings that decide what counts as a difference: CaseSensitive, IgnoreWhitespace,
-IgnoreComments, IgnoreIndexes, IgnoreColSeq, IgnoreSysObjects, AnalyzeConstraints (1 or 0).
-
-Exit status: 0 identical, 1 differences found, 2 trouble or something that can't be read; 2
-goes before 1.)";
-
-const char* const DataExamples = R"(Examples:
-  zovrand-cli data --source local:shop --source-db Shop --target db1 --target-db Shop
-      compares the rows of all tables, each by its stored settings
-  zovrand-cli data --source A --source-db Shop --target B --target-db Shop
-                   --table Orders --key OrderID --export orders.htm
-  zovrand-cli data --source A --source-db Shop --target B --target-db Shop
-                   --table "Order Details" --key OrderID,ProductID --ignore Changed
-  zovrand-cli data --source A --source-db Shop --target B --target-db Shop
-                   --table Log --method record --sort At,Id --offset 100 --target-offset 100
-
-By record, the first row of one table is compared with the first of the other, and so on;
-by key, each row with the one that has its key. The source's columns are asked of both
-tables; a target that hasn't got them all is read with its own, paired by their places.
-The settings that count: DataCaseSensitive (1 or 0), MaxRowsInDiffTable, and
-CursorConnectionUseServer (1: rows are streamed and not kept, by record).
-
-Exit status: 0 identical, 1 differences found, 2 trouble.)";
-
-const char* const AnalyzeExamples = R"(Examples:
-  zovrand-cli analyze -S local:shop -d Shop --table Orders
-      how many distinct values each column holds, and the ten most frequent ones
-  zovrand-cli analyze -S local:shop -d Shop --table Orders --least --ignore Notes
-                      --export orders.htm)";
-
-const char* const InfoExamples = R"(Examples:
-  zovrand-cli info -S local:shop -d Shop
-  zovrand-cli info --source A --source-db Shop --target B --target-db Shop -o shop.txt
-
-Exit status: 0 done, 2 when something could not be read or counted.)";
-
-const char* const AttachExamples = R"(Examples:
-  zovrand-cli attach -S db1 -d Shop /var/opt/mssql/data/Shop.mdf /var/opt/mssql/data/Shop_log.ldf
-  zovrand-cli attach -S db1 -d Shop --file-on-server 'D:\data\Shop.mdf'
-  zovrand-cli attach -S local:shop -d Old old-shop.db
-      a database file of another embedded server; the file stays where it is, a copy is taken)";
-
-const char* const RunExamples = R"(Examples:
-  zovrand-cli compare --source db1 --source-db Shop --target db2 --target-db Shop
-                      -o /reports/shop.txt --save Nightly
-  zovrand-cli run Nightly
-      compares as before, prints the report and writes /reports/shop.txt anew
-  zovrand-cli run --all
-
-A saved process finds its servers in the stored list; options are those in force when it runs.
-
-Exit status: 0 identical, 1 differences found, 2 trouble.)";
 
 const char* const TypeHelp =
     "tables, procedures, functions, views, triggers, relationships, constraints or permissions";
@@ -303,7 +162,7 @@ void describeServerCommands(CLI::App& app, Options& options, Fields& fields, Cho
         ->type_name("DB");
     add->add_flag("--no-check", options.skipCheck, "Store the server without connecting to it");
     addSettings(add, options, fields);
-    add->footer(ServerAddExamples);
+    add->footer(help::ServerAddExamples);
     choices.emplace_back(add, Command::ServerAdd);
 
     choices.emplace_back(
@@ -336,7 +195,7 @@ void describeScripts(CLI::App& app, Options& options, Fields& fields, Choices& c
                      "Write to this file; to a folder (or a name that ends in /) a file an object")
         ->type_name("FILE|DIR")
         ->check(NotEmpty);
-    create->footer(CreateExamples);
+    create->footer(help::CreateExamples);
     choices.emplace_back(create, Command::Create);
 
     CLI::App* update = app.add_subcommand(
@@ -361,7 +220,7 @@ void describeScripts(CLI::App& app, Options& options, Fields& fields, Choices& c
         ->type_name("FILE")
         ->check(NotEmpty);
     addSettings(update, options, fields);
-    update->footer(UpdateScriptExamples);
+    update->footer(help::UpdateScriptExamples);
     choices.emplace_back(update, Command::UpdateScript);
 }
 
@@ -432,7 +291,7 @@ void describeData(CLI::App& app, Options& options, Fields& fields, Choices& choi
          "Write the summary or report to this file instead of standard output");
     addSave(data, options, fields);
     addSettings(data, options, fields);
-    data->footer(DataExamples);
+    data->footer(help::DataExamples);
     choices.emplace_back(data, Command::Data);
 }
 
@@ -476,7 +335,7 @@ void describeTools(CLI::App& app, Options& options, Fields& fields, Choices& cho
         ->type_name("FILE")
         ->check(NotEmpty);
     addOutput(analyze, options, fields);
-    analyze->footer(AnalyzeExamples);
+    analyze->footer(help::AnalyzeExamples);
     choices.emplace_back(analyze, Command::Analyze);
 
     CLI::App* info = app.add_subcommand(
@@ -496,7 +355,7 @@ void describeTools(CLI::App& app, Options& options, Fields& fields, Choices& cho
     addLogin(info, options, fields);
     addOutput(info, options, fields);
     addSettings(info, options, fields);
-    info->footer(InfoExamples);
+    info->footer(help::InfoExamples);
     choices.emplace_back(info, Command::Info);
 
     CLI::App* attach = app.add_subcommand("attach", "Make a database from a file that holds one");
@@ -512,7 +371,7 @@ void describeTools(CLI::App& app, Options& options, Fields& fields, Choices& cho
     attach->add_flag("--file-on-server", options.fileOnServer,
                      "The server runs on another machine, and the files are there: they are not "
                      "looked for on this one");
-    attach->footer(AttachExamples);
+    attach->footer(help::AttachExamples);
     choices.emplace_back(attach, Command::Attach);
 }
 
@@ -544,7 +403,7 @@ void describeProcesses(CLI::App& app, Options& options, Fields& fields, Choices&
         ->type_name("FILE")
         ->excludes(all);
     addSettings(run, options, fields);
-    run->footer(RunExamples);
+    run->footer(help::RunExamples);
     // One of the two must say what is run.
     run->callback([given, all] {
         if (given->count() == 0 && all->count() == 0)
@@ -582,7 +441,7 @@ void describeCommands(CLI::App& app, Options& options, Fields& fields, Choices& 
     load->add_option("FILE", fields.list(options.files), "Scripts, in this order")
         ->type_name("")
         ->required();
-    load->footer(LoadExamples);
+    load->footer(help::LoadExamples);
     choices.emplace_back(load, Command::Load);
 
     CLI::App* query =
@@ -591,7 +450,7 @@ void describeCommands(CLI::App& app, Options& options, Fields& fields, Choices& 
                            "empty line between results");
     addServer(query, options, fields);
     query->add_option("SQL", fields.text(options.sql), "The statement")->type_name("")->required();
-    query->footer(QueryExamples);
+    query->footer(help::QueryExamples);
     choices.emplace_back(query, Command::Query);
 
     CLI::App* list = app.add_subcommand("list", "Names of a database's objects, one a line");
@@ -600,7 +459,7 @@ void describeCommands(CLI::App& app, Options& options, Fields& fields, Choices& 
     list->add_flag("-0,--null", options.nulBetween,
                    "End each name with a NUL instead of a line break, and show it as it is: "
                    "otherwise control characters come as signs");
-    list->footer(ListExamples);
+    list->footer(help::ListExamples);
     choices.emplace_back(list, Command::List);
 
     CLI::App* text = app.add_subcommand("text", "An object's text, as comparisons see it");
@@ -610,7 +469,7 @@ void describeCommands(CLI::App& app, Options& options, Fields& fields, Choices& 
                      "The object, with its schema in front where two have its name")
         ->type_name("")
         ->required();
-    text->footer(TextExamples);
+    text->footer(help::TextExamples);
     choices.emplace_back(text, Command::Text);
 
     CLI::App* references = app.add_subcommand(
@@ -632,7 +491,7 @@ void describeCommands(CLI::App& app, Options& options, Fields& fields, Choices& 
         ->add_option("-o,--output", fields.text(options.outputFile),
                      "Write the lines to this file instead of standard output")
         ->type_name("FILE");
-    references->footer(ReferencesExamples);
+    references->footer(help::ReferencesExamples);
     choices.emplace_back(references, Command::References);
     describeScripts(app, options, fields, choices);
 
@@ -659,7 +518,7 @@ void describeCommands(CLI::App& app, Options& options, Fields& fields, Choices& 
         ->type_name("FILE");
     addSave(compare, options, fields);
     addSettings(compare, options, fields);
-    compare->footer(CompareExamples);
+    compare->footer(help::CompareExamples);
     choices.emplace_back(compare, Command::Compare);
     describeData(app, options, fields, choices);
     describeTools(app, options, fields, choices);
@@ -678,7 +537,7 @@ std::optional<Options> parseCommandLine(int argc, char** argv, int& status) {
         "zovrand-cli");
     app.set_version_flag("--version", "zovrand-cli " + ProgramVersionText().toStdString() +
                                           " build " + std::to_string(ProgramBuildNumber));
-    app.footer(Examples);
+    app.footer(help::Examples);
     app.require_subcommand(1);
     app.get_formatter()->column_width(34);
     describeCommands(app, options, fields, choices);

@@ -245,6 +245,9 @@ class frmMain : public PanelWindow,
     void refreshPaneText(int Index);
     void ignoreColumns(int Index);
     void visualizeDifferences();
+    /// One of the commands that there are for each kind of object or scope of a script; false for
+    /// any other.
+    bool executeGroupAction(int Id);
     void executeDebugAction(int Id, int Index);
     bool hasText(int Index) const;
     bool showsNothing(int Index) const;

@@ -51,21 +51,7 @@ void frmMain::ExecuteAction(int Id, int Panel) {
     const CommandEntry* entry = findCommand(Id);
     if (!entry || !entry->isBuilt || entry->isSubmenu) return;
     if (Busy_ && entry->menu != CommandMenu::Help && Id != cmd::Exit) return;
-    if (const int kind = kindOf(Id, cmd::FirstBulkSimple); kind >= 0)
-        return compareBulk(kind, false, false);
-    if (const int kind = kindOf(Id, cmd::FirstBulkDetails); kind >= 0)
-        return compareBulk(kind, false, true);
-    if (const int kind = kindOf(Id, cmd::FirstSelective); kind >= 0)
-        return compareBulk(kind, true, false);
-    if (const int kind = kindOf(Id, cmd::FirstSelectiveDetails); kind >= 0)
-        return compareBulk(kind, true, true);
-    for (const int first : {cmd::FirstScriptSource, cmd::FirstScriptTarget}) {
-        const int scope = Id - first;
-        if (scope < 0 || scope >= cmd::ScriptScopes) continue;
-        const int Index = first == cmd::FirstScriptSource ? SourcePanel : TargetPanel;
-        return whileBusy("MenuRunnableScript",
-                         [&] { MenuRunnableScript(Index, ScriptScope(scope)); });
-    }
+    if (executeGroupAction(Id)) return;
     if (entry->menu == CommandMenu::Debug)
         return whileBusy("executeDebugAction", [&] { executeDebugAction(Id, Panel); });
 
@@ -173,6 +159,30 @@ void frmMain::ExecuteAction(int Id, int Panel) {
         default:
             return;
     }
+}
+
+bool frmMain::executeGroupAction(int Id) {
+    const struct {
+        int first;
+        bool selective, details;
+    } groups[] = {{cmd::FirstBulkSimple, false, false},
+                  {cmd::FirstBulkDetails, false, true},
+                  {cmd::FirstSelective, true, false},
+                  {cmd::FirstSelectiveDetails, true, true}};
+    for (const auto& group : groups) {
+        const int kind = kindOf(Id, group.first);
+        if (kind < 0) continue;
+        compareBulk(kind, group.selective, group.details);
+        return true;
+    }
+    for (const int first : {cmd::FirstScriptSource, cmd::FirstScriptTarget}) {
+        const int scope = Id - first;
+        if (scope < 0 || scope >= cmd::ScriptScopes) continue;
+        const int Index = first == cmd::FirstScriptSource ? SourcePanel : TargetPanel;
+        whileBusy("MenuRunnableScript", [&] { MenuRunnableScript(Index, ScriptScope(scope)); });
+        return true;
+    }
+    return false;
 }
 
 void frmMain::executeDebugAction(int Id, int Index) {
