@@ -121,6 +121,10 @@ TEST_F(Inifile, AValueIsCutAt255AndLosesItsNuls) {
     EXPECT_EQ(ini.Value(), QString(255, u'x'));
     ini.setValue(QStringLiteral("a") + QChar(u'\0') + QStringLiteral("b") + QChar(u'\0'));
     EXPECT_EQ(ini.Value(), u"ab");
+    EXPECT_EQ(ini.LastReturnCode(), 2);
+    ini.Key = QStringLiteral("none");
+    EXPECT_EQ(ini.Value(), u"");
+    EXPECT_FALSE(ini.Success());
 }
 
 TEST_F(Inifile, TheDefaultIsForAMissingKeyNotForAnEmptyValue) {
