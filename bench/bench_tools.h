@@ -26,7 +26,8 @@ double seconds(Work work, int runs = 1) {
     return best;
 }
 
-/// One of /proc/self/status's memory figures ("VmHWM", "VmRSS") in megabytes; 0 where there is none.
+/// One of /proc/self/status's memory figures ("VmHWM", "VmRSS") in megabytes; 0 where there is
+/// none.
 inline double processMegabytes(const char* figure) {
     std::ifstream status("/proc/self/status");
     std::string line;

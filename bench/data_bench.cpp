@@ -36,9 +36,10 @@ using namespace zov;
 
 namespace {
 
-const char* const Columns = "(Id int NOT NULL%1, Code nvarchar(20) NOT NULL, Name nvarchar(60) NULL, "
-                            "Place varchar(40) NULL, Price decimal(12,2) NULL, "
-                            "Weight decimal(10,3) NULL, Made datetime NULL, Changed datetime NULL)";
+const char* const Columns =
+    "(Id int NOT NULL%1, Code nvarchar(20) NOT NULL, Name nvarchar(60) NULL, "
+    "Place varchar(40) NULL, Price decimal(12,2) NULL, "
+    "Weight decimal(10,3) NULL, Made datetime NULL, Changed datetime NULL)";
 
 QString tablesScript() {
     return QStringLiteral("CREATE TABLE Goods ") +
@@ -75,7 +76,8 @@ class Inserter {
         } else {
             sqlite3_bind_null(statement_, ++column);
         }
-        sqlite3_bind_double(statement_, ++column, id % 5000 + (id % 99 + 1) / 100.0 + (changed ? 1 : 0));
+        sqlite3_bind_double(statement_, ++column,
+                            id % 5000 + (id % 99 + 1) / 100.0 + (changed ? 1 : 0));
         sqlite3_bind_double(statement_, ++column, id % 300 + (id % 999 + 1) / 1000.0);
         std::snprintf(text, sizeof text, "20%02d-%02d-15 08:30:00.000", id % 24, id % 12 + 1);
         bind(text);
@@ -99,7 +101,8 @@ QString databaseFile(const QString& folder, const char* database) {
 void fill(const QString& folder, bool target, int rows) {
     sqlite3* db = nullptr;
     const QString file = databaseFile(folder, target ? "Target" : "Source");
-    if (sqlite3_open_v2(file.toUtf8().constData(), &db, SQLITE_OPEN_READWRITE, nullptr) != SQLITE_OK) {
+    if (sqlite3_open_v2(file.toUtf8().constData(), &db, SQLITE_OPEN_READWRITE, nullptr) !=
+        SQLITE_OK) {
         std::printf("%s: %s\n", qPrintable(file), sqlite3_errmsg(db));
         std::exit(2);
     }
@@ -126,7 +129,8 @@ bool makeData(const QString& folder, int rows) {
     if (!file.open(QIODevice::WriteOnly)) return false;
     file.write(tablesScript().toUtf8());
     file.close();
-    for (const char* database : {"Source", "Target"}) LoadScripts(server, QLatin1String(database), {script});
+    for (const char* database : {"Source", "Target"})
+        LoadScripts(server, QLatin1String(database), {script});
     QFile::remove(script);
     fill(folder, false, rows);
     fill(folder, true, rows);
@@ -167,8 +171,9 @@ int runOne(const QStringList& arguments) {
     NoWindows screens;
     DataComparisonResult result;
     const double took = bench::seconds([&] { result = ExecuteDataComparison(run, &screens); });
-    std::printf("%f %f %d %d %d %d %d\n", took, bench::processMegabytes("VmHWM"), int(result.Outcome),
-                result.Records1, result.Records2, result.Differences, screens.rows);
+    std::printf("%f %f %d %d %d %d %d\n", took, bench::processMegabytes("VmHWM"),
+                int(result.Outcome), result.Records1, result.Records2, result.Differences,
+                screens.rows);
     return 0;
 }
 
@@ -182,9 +187,11 @@ Measured measure(const QStringList& arguments, int runs = 5) {
     Measured best;
     for (int i = 0; i < runs; ++i) {
         QProcess process;
-        process.start(QCoreApplication::applicationFilePath(), QStringList{QStringLiteral("run")} + arguments);
+        process.start(QCoreApplication::applicationFilePath(),
+                      QStringList{QStringLiteral("run")} + arguments);
         process.waitForFinished(-1);
-        const QStringList parts = QString::fromLatin1(process.readAllStandardOutput()).trimmed().split(u' ');
+        const QStringList parts =
+            QString::fromLatin1(process.readAllStandardOutput()).trimmed().split(u' ');
         best.seconds = std::min(best.seconds, parts.value(0).toDouble());
         best.megabytes = std::max(best.megabytes, parts.value(1).toDouble());
         best.counts = QStringLiteral("%1/%2/%3, grid %4")
@@ -236,14 +243,18 @@ double bareOdbcLoop(int port) {
                 SQLHSTMT statement = nullptr;
                 SQLAllocHandle(SQL_HANDLE_STMT, dbc, &statement);
                 const std::string use = std::string("USE ") + database;
-                SQLExecDirect(statement, reinterpret_cast<SQLCHAR*>(const_cast<char*>(use.c_str())), SQL_NTS);
+                SQLExecDirect(statement, reinterpret_cast<SQLCHAR*>(const_cast<char*>(use.c_str())),
+                              SQL_NTS);
                 SQLFreeHandle(SQL_HANDLE_STMT, statement);
                 SQLAllocHandle(SQL_HANDLE_STMT, dbc, &statement);
                 SQLULEN fetched = 0;
-                SQLSetStmtAttr(statement, SQL_ATTR_ROW_ARRAY_SIZE, SQLPOINTER(std::size_t(Block)), 0);
+                SQLSetStmtAttr(statement, SQL_ATTR_ROW_ARRAY_SIZE, SQLPOINTER(std::size_t(Block)),
+                               0);
                 SQLSetStmtAttr(statement, SQL_ATTR_ROWS_FETCHED_PTR, &fetched, 0);
-                const char* select = "SELECT Id, Code, Name, Place, Price, Weight, Made, Changed FROM Goods";
-                SQLExecDirect(statement, reinterpret_cast<SQLCHAR*>(const_cast<char*>(select)), SQL_NTS);
+                const char* select =
+                    "SELECT Id, Code, Name, Place, Price, Weight, Made, Changed FROM Goods";
+                SQLExecDirect(statement, reinterpret_cast<SQLCHAR*>(const_cast<char*>(select)),
+                              SQL_NTS);
                 SQLBindCol(statement, 1, SQL_C_SLONG, bound->id, 0, bound->length[0]);
                 for (int i = 0; i < 3; ++i)
                     SQLBindCol(statement, SQLUSMALLINT(2 + i), SQL_C_WCHAR, bound->text[i],
@@ -311,12 +322,14 @@ void measureExports(const QString& folder) {
             writeGridHtml(source, file, run);
         },
         3);
-    std::printf("export of 1,000,000 cells: CSV %.2f s (goal 1), HTML %.2f s (goal 2)\n", csv, html);
+    std::printf("export of 1,000,000 cells: CSV %.2f s (goal 1), HTML %.2f s (goal 2)\n", csv,
+                html);
 }
 
 void show(const char* what, const Measured& measured, double yardstick, double goal) {
     std::printf("%-34s %8.2f s  %6.0f MB  ratio %.2f (goal %.1f)  %s\n", what, measured.seconds,
-                measured.megabytes, measured.seconds / yardstick, goal, qPrintable(measured.counts));
+                measured.megabytes, measured.seconds / yardstick, goal,
+                qPrintable(measured.counts));
     std::fflush(stdout);
 }
 
@@ -354,7 +367,8 @@ void measureAll(const QString& folder, int rows) {
     const int port = endpoint.start(options);
     const double bare = bareOdbcLoop(port);
     std::printf("%-34s %8.2f s\n", "bare SQLBindCol/SQLFetch loop", bare);
-    show("ODBC by key, beside the bare loop", measure({endpoint.dataSource(), goods, key, id}), bare, 1.3);
+    show("ODBC by key, beside the bare loop", measure({endpoint.dataSource(), goods, key, id}),
+         bare, 1.3);
     show("ODBC by record, beside the loop",
          measure({endpoint.dataSource(), goods, QStringLiteral("record")}), bare, 1.3);
     std::printf("%-34s %8.2f s\n", "freebcp out", freebcp(port, folder));

@@ -23,7 +23,7 @@ if [ -z "$check" ]; then
   exit
 fi
 status=0
-differing=$(printf '%s\0' "${files[@]}" | xargs -0 -n 50 -P "$(nproc)" "$formatter" --dry-run 2>&1 |
+differing=$(printf '%s\0' "${files[@]}" | xargs -0 -n 50 "$formatter" --dry-run 2>&1 |
   sed -n 's/^\([^:]*\):[0-9]*:[0-9]*: warning: code should be clang-formatted.*/\1/p' | sort -u) || status=$?
 if [ -n "$differing" ]; then
   printf '%s\n' "$differing"

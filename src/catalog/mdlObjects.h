@@ -34,9 +34,9 @@ struct ObjectListEntry {
     QString Name;  ///< with its schema in front where the list holds the bare name twice
     QString RefDate;
     qint32 Id = 0;
-    qint32 Mode = 0;  ///< the caller's
-    QString Schema;   ///< empty until looked up
-    QString ObjectName = {};    ///< as the catalogue has it, whatever Name shows; empty: Name is that
+    qint32 Mode = 0;          ///< the caller's
+    QString Schema;           ///< empty until looked up
+    QString ObjectName = {};  ///< as the catalogue has it, whatever Name shows; empty: Name is that
     bool HasNamesakes = false;  ///< other objects of the database may have this name
 };
 

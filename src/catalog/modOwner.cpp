@@ -130,7 +130,8 @@ QString GetExtendedObjectName(const ServerInfo& Server, const QString& DbName,
 
 QString GetExtendedObjectName(const ServerInfo& Server, const QString& DbName,
                               const ObjectRef& Object) {
-    if (!globals().gblnExtendedNames) return Object.shownName.isEmpty() ? Object.name : Object.shownName;
+    if (!globals().gblnExtendedNames)
+        return Object.shownName.isEmpty() ? Object.name : Object.shownName;
     const bool knowsSchemas = GetMajorVersion(Server.Version) >= 9;
     if (!Object.schema.isEmpty()) {
         const bool needed = knowsSchemas || Object.schema != QLatin1StringView("dbo");

@@ -11,10 +11,12 @@ constexpr int FirstVersionWithSchemas = 9;
 QString directoryText(const ServerInfo& server) {
     if (GetMajorVersion(server.Version) >= FirstVersionWithSchemas)
         return QStringLiteral(
-            "SELECT so.[object_id], so.[name], ss.[name] AS [schema] FROM sys.objects so INNER JOIN "
+            "SELECT so.[object_id], so.[name], ss.[name] AS [schema] FROM sys.objects so INNER "
+            "JOIN "
             "sys.schemas ss ON so.[schema_id] = ss.[schema_id]");
     return QStringLiteral(
-        "SELECT so.id, so.name, su.name AS owner FROM sysobjects so INNER JOIN sysusers su ON so.uid "
+        "SELECT so.id, so.name, su.name AS owner FROM sysobjects so INNER JOIN sysusers su ON "
+        "so.uid "
         "= su.uid");
 }
 

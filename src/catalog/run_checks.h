@@ -9,8 +9,8 @@
 
 namespace zov {
 
-/// Asks the server for its version anew and puts it into `server`. False, after a box, when it can't
-/// be told: no run may start then.
+/// Asks the server for its version anew and puts it into `server`. False, after a box, when it
+/// can't be told: no run may start then.
 bool knowVersion(ServerInfo& server);
 
 /// Whether the login sees every object of the database; servers below version 9 show all to all.

@@ -17,8 +17,8 @@ void ShowErrorReport(qint32 ErrNum, const QString& ErrDesc, const QString& ProgV
 /// Reports the exception being handled with the program's version; call it in a catch block.
 void reportCaughtError(const char* module, const char* procedure, const QString& extra = {});
 
-/// Runs a procedure's body; an exception that leaves it is reported under the names given and turned
-/// into `onFailure`. `extra` is asked only on failure.
+/// Runs a procedure's body; an exception that leaves it is reported under the names given and
+/// turned into `onFailure`. `extra` is asked only on failure.
 template <typename Result, typename Body>
 Result guarded(const char* module, const char* procedure, Result onFailure, Body body,
                const std::function<QString()>& extra = {}) {

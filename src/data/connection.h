@@ -19,11 +19,12 @@ class Connection {
  public:
     Connection() = default;
     /// A connection over a session that is open already.
-    explicit Connection(std::shared_ptr<ProviderConnection> session) : session_(std::move(session)) {}
+    explicit Connection(std::shared_ptr<ProviderConnection> session)
+        : session_(std::move(session)) {}
 
     QString ConnectionString;
-    int CursorLocation = 2;      ///< 2 server-side, 3 client-side
-    bool createDatabase = false; ///< make a missing database (scripts that fill a new one)
+    int CursorLocation = 2;       ///< 2 server-side, 3 client-side
+    bool createDatabase = false;  ///< make a missing database (scripts that fill a new one)
 
     /// Connects; throws DbError.
     void Open();

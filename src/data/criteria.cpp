@@ -46,7 +46,8 @@ class CriteriaReader {
         const QString name = readName();
         criterion.column = columnIndex(name);
         if (criterion.column < 0)
-            throw DbError(WrongArguments, QStringLiteral("There is no column \"%1\" in the result.").arg(name));
+            throw DbError(WrongArguments,
+                          QStringLiteral("There is no column \"%1\" in the result.").arg(name));
         criterion.op = readOperator();
         bool quoted = false;
         const QString value = readValue(quoted);
@@ -81,7 +82,8 @@ class CriteriaReader {
             if (at_++ >= text_.size()) fail();
             return name;
         }
-        while (at_ < text_.size() && !text_[at_].isSpace() && !QStringLiteral("=<>").contains(text_[at_]))
+        while (at_ < text_.size() && !text_[at_].isSpace() &&
+               !QStringLiteral("=<>").contains(text_[at_]))
             name += text_[at_++];
         return name;
     }
@@ -128,11 +130,16 @@ bool appendInteger(ColumnCells& cells, QStringView text) {
     bool ok = false;
     qint64 value = text.toLongLong(&ok);
     if (cells.info().type == SqlType::Bit) {
-        if (text.compare(u"true", Qt::CaseInsensitive) == 0) value = ok = true;
-        else if (text.compare(u"false", Qt::CaseInsensitive) == 0) { value = 0; ok = true; }
+        if (text.compare(u"true", Qt::CaseInsensitive) == 0)
+            value = ok = true;
+        else if (text.compare(u"false", Qt::CaseInsensitive) == 0) {
+            value = 0;
+            ok = true;
+        }
         value = value != 0;
     }
-    static const qint64 limits[][2] = {{0, 255}, {-32768, 32767}, {-2147483647LL - 1, 2147483647LL}};
+    static const qint64 limits[][2] = {
+        {0, 255}, {-32768, 32767}, {-2147483647LL - 1, 2147483647LL}};
     const int width = int(cells.storage());
     if (ok && width < 3 && (value < limits[width][0] || value > limits[width][1])) ok = false;
     if (ok) cells.appendInteger(value);
@@ -148,7 +155,8 @@ bool appendScaled(ColumnCells& cells, QStringView text) {
     QString fraction = point < 0 ? QString() : text.mid(point + 1).toString();
     while (fraction.endsWith(u'0')) fraction.chop(1);
     const int scale = cells.info().scale;
-    if (fraction.size() > scale || (digits.isEmpty() && fraction.isEmpty() && point < 0)) return false;
+    if (fraction.size() > scale || (digits.isEmpty() && fraction.isEmpty() && point < 0))
+        return false;
     digits += fraction.leftJustified(scale, u'0');
     bool ok = false;
     const qint64 value = digits.toLongLong(&ok);
@@ -161,8 +169,10 @@ bool appendTicks(ColumnCells& cells, QStringView text) {
     qint64 ticks = 0;
     qint16 offset = 0;
     if (!parseIsoTicks(ascii.constData(), ascii.size(), ticks, offset)) return false;
-    if (cells.storage() == Storage::TicksOffset) cells.appendTicksOffset(ticks, offset);
-    else cells.appendInteger(ticks);
+    if (cells.storage() == Storage::TicksOffset)
+        cells.appendTicksOffset(ticks, offset);
+    else
+        cells.appendInteger(ticks);
     return true;
 }
 
@@ -180,12 +190,18 @@ bool appendValue(ColumnCells& cells, QStringView text) {
         case Storage::Int8:
         case Storage::Int16:
         case Storage::Int32:
-        case Storage::Int64: return appendInteger(cells, text);
-        case Storage::Scaled64: return appendScaled(cells, text);
+        case Storage::Int64:
+            return appendInteger(cells, text);
+        case Storage::Scaled64:
+            return appendScaled(cells, text);
         case Storage::Ticks:
-        case Storage::TicksOffset: return appendTicks(cells, text);
-        case Storage::Bytes: return appendBinary(cells, text);
-        case Storage::Text: cells.appendText(text); return true;
+        case Storage::TicksOffset:
+            return appendTicks(cells, text);
+        case Storage::Bytes:
+            return appendBinary(cells, text);
+        case Storage::Text:
+            cells.appendText(text);
+            return true;
         case Storage::Float32:
         case Storage::Float64: {
             bool ok = false;
@@ -222,9 +238,9 @@ bool meetsCriterion(const RowStore& rows, qsizetype row, const Criterion& criter
         QString pattern = QRegularExpression::escape(criterion.pattern);
         pattern.replace(QLatin1StringView("\\*"), QLatin1StringView(".*"))
             .replace(QLatin1StringView("%"), QLatin1StringView(".*"));
-        const QRegularExpression expression(
-            QRegularExpression::anchoredPattern(pattern),
-            QRegularExpression::CaseInsensitiveOption | QRegularExpression::DotMatchesEverythingOption);
+        const QRegularExpression expression(QRegularExpression::anchoredPattern(pattern),
+                                            QRegularExpression::CaseInsensitiveOption |
+                                                QRegularExpression::DotMatchesEverythingOption);
         return !cell.isNull && expression.match(cellText(cell)).hasMatch();
     }
     if (!criterion.value) return false;
@@ -235,13 +251,20 @@ bool meetsCriterion(const RowStore& rows, qsizetype row, const Criterion& criter
     }
     const int order = compareCells(cell, wanted, Qt::CaseInsensitive);
     switch (criterion.op) {
-        case CriterionOperator::Equal: return order == 0;
-        case CriterionOperator::NotEqual: return order != 0;
-        case CriterionOperator::Less: return order < 0;
-        case CriterionOperator::LessEqual: return order <= 0;
-        case CriterionOperator::Greater: return order > 0;
-        case CriterionOperator::GreaterEqual: return order >= 0;
-        case CriterionOperator::Like: break;
+        case CriterionOperator::Equal:
+            return order == 0;
+        case CriterionOperator::NotEqual:
+            return order != 0;
+        case CriterionOperator::Less:
+            return order < 0;
+        case CriterionOperator::LessEqual:
+            return order <= 0;
+        case CriterionOperator::Greater:
+            return order > 0;
+        case CriterionOperator::GreaterEqual:
+            return order >= 0;
+        case CriterionOperator::Like:
+            break;
     }
     return false;
 }

@@ -21,8 +21,8 @@ const QString CancelledText = QStringLiteral("Operation was canceled.");
 
 // A value that holds what would end it is quoted, as OLE DB reads it; all others stand bare.
 QString connectionValue(const QString& value) {
-    const bool bare = !value.contains(u';') && !value.startsWith(u'"') && !value.startsWith(u'\'') &&
-                      value.trimmed() == value;
+    const bool bare = !value.contains(u';') && !value.startsWith(u'"') &&
+                      !value.startsWith(u'\'') && value.trimmed() == value;
     if (bare) return value;
     QString doubled = value;
     doubled.replace(u'"', QLatin1StringView("\"\""));
@@ -79,7 +79,8 @@ void takeOutputs(const Command& command, const CommandResult& result,
     for (size_t i = 0; i < names.size(); ++i) {
         if (names[i].isEmpty()) continue;
         for (size_t p = 0; p < command.Parameters.size() && p < result.outputs.size(); ++p)
-            if (command.Parameters[p].name == names[i]) (*outputs)[i] = {names[i], result.outputs[p]};
+            if (command.Parameters[p].name == names[i])
+                (*outputs)[i] = {names[i], result.outputs[p]};
     }
 }
 
@@ -118,9 +119,10 @@ std::unique_ptr<Recordset> openRecordset(Command& command, qint32 cursorLocation
     if (rs->CursorLocation == adUseServer) rs->CacheSize = cacheSize;
     rs->Open(command);
     if (!rs->isOpen() && command.CommandType == adCmdText && mustGiveColumns(command.CommandText))
-        throw DbError(ado_error::Unspecified,
-                      QStringLiteral("The server answered a query without any column. Run it again; "
-                                     "when that doesn't help, look at the server's error log."));
+        throw DbError(
+            ado_error::Unspecified,
+            QStringLiteral("The server answered a query without any column. Run it again; "
+                           "when that doesn't help, look at the server's error log."));
     // A procedure's return value and output parameters come behind its rows.
     const bool isProcedure = command.CommandType == adCmdStoredProc;
     if (rs->isOpen() && (isProcedure || rs->CursorLocation == adUseClient)) rs->disconnect();
@@ -232,7 +234,8 @@ qint32 GetAdoRS(const ServerInfo& Server, int CommandType, const QString& Comman
         const bool told = !cancelled && !globals().gblnSuppressConnErrors;
         addCaughtErrorToAccount(placeOf(Server, Database), CommandText, told);
         if (Failure) *Failure = failure;
-        // Who gave up waiting knows it; the operation around the query ends at its next named point.
+        // Who gave up waiting knows it; the operation around the query ends at its next named
+        // point.
         if (cancelled) globals().gblnStop = true;
         if (told) ReportAdoFailure(failure);
         return -1;
@@ -365,7 +368,8 @@ bool NullExistsInColumn(const ServerInfo& Server, const QString& Database, const
                              quoteName(Column) +
                              QStringLiteral("  IS NULL) SELECT 1 ELSE SELECT 0");
         std::unique_ptr<Recordset> rs;
-        if (GetAdoRS(Server, adCmdText, text, rs, Database) == -1 || !rs || rs->isEof()) return false;
+        if (GetAdoRS(Server, adCmdText, text, rs, Database) == -1 || !rs || rs->isEof())
+            return false;
         const bool exists = rs->field(0).toInt64() == 1;
         rs->Close();
         if (Failed) *Failed = false;

@@ -52,7 +52,8 @@ qint32 ExecAdoCmd(const ServerInfo& Server, int CommandType, const QString& Comm
                   OutParams* Outputs = nullptr);
 
 /// Adds one parameter and gives back its generated name; an invalid value adds nothing and gives an
-/// empty name. Kinds other than text, 32-bit integer, double, boolean, date or null end the program.
+/// empty name. Kinds other than text, 32-bit integer, double, boolean, date or null end the
+/// program.
 QString AddAdoParameter(Command& Command, const QVariant& Value, int Direction);
 
 /// False, too, when the server could not say (which is reported); `Failed`, when given, tells.

@@ -33,19 +33,21 @@ constexpr auto PatienceAfterCancel = 200ms;
 qsizetype fetchWindow(ResultStream& stream, RowStore& rows, qsizetype wanted, qsizetype atLeast,
                       const std::function<bool()>& enough) {
     releaseWideRegisters();
-    // In small steps, so that rows of megabytes don't fill the memory for the sake of a round number.
+    // In small steps, so that rows of megabytes don't fill the memory for the sake of a round
+    // number.
     qsizetype fetched = 0;
     while (fetched < wanted) {
         const qsizetype got = stream.fetch(rows, std::min(WindowStep, wanted - fetched));
         fetched += got;
         if (got == 0) break;
-        if (fetched >= atLeast && (rows.reservedBytes() > WindowBytes || (enough && enough()))) break;
+        if (fetched >= atLeast && (rows.reservedBytes() > WindowBytes || (enough && enough())))
+            break;
     }
     return fetched;
 }
 
-/// What the thread and the consumer share. It owns all that the thread touches, since the thread may
-/// be left behind.
+/// What the thread and the consumer share. It owns all that the thread touches, since the thread
+/// may be left behind.
 struct ReadAhead::Reader {
     std::vector<ColumnInfo> columns;
     std::shared_ptr<ProviderConnection> session;
@@ -108,8 +110,10 @@ bool ReadAhead::end() {
             finished = waitFor(PatienceAfterCancel);
         }
     }
-    if (finished) reader_->thread.join();
-    else reader_->thread.detach();
+    if (finished)
+        reader_->thread.join();
+    else
+        reader_->thread.detach();
     return finished;
 }
 

@@ -11,8 +11,8 @@
 namespace zov {
 
 /// Appends about as many rows as make a window of good size: `wanted`, or fewer where they are
-/// large, or where `enough` says so (it is asked now and then). At least `atLeast`, but at the end of
-/// the rows; 0 then.
+/// large, or where `enough` says so (it is asked now and then). At least `atLeast`, but at the end
+/// of the rows; 0 then.
 qsizetype fetchWindow(ResultStream& stream, RowStore& rows, qsizetype wanted, qsizetype atLeast,
                       const std::function<bool()>& enough = {});
 
@@ -29,14 +29,14 @@ class ReadAhead {
     ReadAhead& operator=(const ReadAhead&) = delete;
 
     /// Puts the next window in place of `rows`, whose memory is used again. False at the end of the
-    /// rows; an error in the stream comes out behind the rows before it, and when `keepWaiting` gives
-    /// false, ado_error::Cancelled.
+    /// rows; an error in the stream comes out behind the rows before it, and when `keepWaiting`
+    /// gives false, ado_error::Cancelled.
     bool next(RowStore& rows, const KeepWaiting& keepWaiting = {});
     /// Reads no more windows than are under way; next() gives those that were read.
     void stop();
-    /// Stops; waits for the window that is being read, and breaks it off when that takes long. False:
-    /// the server didn't even answer to that. Stream and session are left behind then, and belong to
-    /// the thread that still waits.
+    /// Stops; waits for the window that is being read, and breaks it off when that takes long.
+    /// False: the server didn't even answer to that. Stream and session are left behind then, and
+    /// belong to the thread that still waits.
     bool end();
 
  private:

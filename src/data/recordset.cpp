@@ -13,8 +13,8 @@ namespace zov {
 
 struct Recordset::Cursor {
     std::shared_ptr<RowSource> rows;
-    qsizetype row = 0;               // within the store; -1 before the first, rowCount() behind the last
-    qsizetype windowRows = 1;        // asked for at a time while streaming
+    qsizetype row = 0;         // within the store; -1 before the first, rowCount() behind the last
+    qsizetype windowRows = 1;  // asked for at a time while streaming
     std::vector<Criterion> filter;
 
     qsizetype count() const { return rows->store().rowCount(); }
@@ -62,8 +62,12 @@ struct Recordset::Cursor {
     }
 };
 
-const QString& Field::Name() const { return info().name; }
-int Field::Type() const { return adoTypeOf(info().type); }
+const QString& Field::Name() const {
+    return info().name;
+}
+int Field::Type() const {
+    return adoTypeOf(info().type);
+}
 
 const ColumnInfo& Field::info() const {
     return owner_->cursor_->rows->columns()[size_t(index_)];
@@ -78,7 +82,9 @@ CellView Field::cell() const {
     return nothing;
 }
 
-QString Field::text() const { return cellText(cell()); }
+QString Field::text() const {
+    return cellText(cell());
+}
 
 qint64 Field::toInt64() const {
     const CellView view = cell();
@@ -87,7 +93,8 @@ qint64 Field::toInt64() const {
         case Storage::Int8:
         case Storage::Int16:
         case Storage::Int32:
-        case Storage::Int64: return view.integer;
+        case Storage::Int64:
+            return view.integer;
         default:
             return roundToInt64(Val(cellText(view)));
     }
@@ -127,7 +134,9 @@ void Recordset::Open(Command& command) {
     }
 }
 
-int Recordset::State() const { return cursor_ && cursor_->rows && cursor_->rows->hasColumns() ? 1 : 0; }
+int Recordset::State() const {
+    return cursor_ && cursor_->rows && cursor_->rows->hasColumns() ? 1 : 0;
+}
 
 void Recordset::disconnect() {
     if (isOpen()) cursor_->rows->spool();
@@ -149,7 +158,9 @@ bool Recordset::isBof() const {
     return cursor_->count() == 0 && cursor_->rows->droppedRows() == 0;
 }
 
-bool Recordset::isEof() const { return !isOpen() || cursor_->row >= cursor_->count(); }
+bool Recordset::isEof() const {
+    return !isOpen() || cursor_->row >= cursor_->count();
+}
 
 void Recordset::MoveFirst() {
     if (!isOpen()) return;
@@ -183,20 +194,23 @@ qint64 Recordset::RecordCount() {
     if (!isOpen()) return 0;
     RowSource& rows = *cursor_->rows;
     accounted([&] { rows.spool(); });
-    if (cursor_->filter.empty())
-        return rows.droppedRows() + cursor_->count() - rows.deletedCount();
+    if (cursor_->filter.empty()) return rows.droppedRows() + cursor_->count() - rows.deletedCount();
     qint64 visible = 0;
     for (qsizetype row = 0; row < cursor_->count(); ++row) visible += cursor_->isVisible(row);
     return visible;
 }
 
-int Recordset::fieldCount() const { return isOpen() ? int(cursor_->rows->columns().size()) : 0; }
+int Recordset::fieldCount() const {
+    return isOpen() ? int(cursor_->rows->columns().size()) : 0;
+}
 
 Field Recordset::field(const QString& name) const {
     const int index = fieldIndex(name);
     if (index < 0)
-        throw DbError(3265, QStringLiteral("Item cannot be found in the collection corresponding to "
-                                           "the requested name or ordinal (\"%1\").").arg(name));
+        throw DbError(3265,
+                      QStringLiteral("Item cannot be found in the collection corresponding to "
+                                     "the requested name or ordinal (\"%1\").")
+                          .arg(name));
     return Field(this, index);
 }
 
@@ -209,7 +223,9 @@ qsizetype Recordset::currentRow() const {
     return cursor_->row;
 }
 
-const RowStore& Recordset::rowStore() const { return cursor_->rows->store(); }
+const RowStore& Recordset::rowStore() const {
+    return cursor_->rows->store();
+}
 
 const CommandResult& Recordset::result() const {
     static const CommandResult none;
@@ -241,7 +257,8 @@ void Recordset::Find(const QString& criterion) {
 void Recordset::FindEqual(int fieldIndex, QStringView text) {
     if (!isOpen()) return;
     accounted([&] { cursor_->rows->spool(); });
-    const std::optional<RowStore> wanted = readAs(cursor_->rows->columns()[size_t(fieldIndex)], text);
+    const std::optional<RowStore> wanted =
+        readAs(cursor_->rows->columns()[size_t(fieldIndex)], text);
     if (!wanted) {
         cursor_->row = cursor_->count();
         return;
@@ -282,7 +299,8 @@ void Recordset::Filter(const QString& criteria) {
     if (!isOpen()) return;
     accounted([&] { cursor_->rows->spoolFromStart(); });
     cursor_->filter.clear();
-    if (!criteria.trimmed().isEmpty()) cursor_->filter = parseCriteria(cursor_->rows->columns(), criteria);
+    if (!criteria.trimmed().isEmpty())
+        cursor_->filter = parseCriteria(cursor_->rows->columns(), criteria);
     cursor_->row = 0;
     cursor_->settleForward();
 }
@@ -307,8 +325,9 @@ void Recordset::setBookmark(qsizetype row) {
 
 void Recordset::Delete() {
     if (currentRow() < 0)
-        throw DbError(3021, QStringLiteral("Either BOF or EOF is True, or the current record has been "
-                                           "deleted. Requested operation requires a current record."));
+        throw DbError(3021,
+                      QStringLiteral("Either BOF or EOF is True, or the current record has been "
+                                     "deleted. Requested operation requires a current record."));
     cursor_->rows->markDeleted(cursor_->row);
 }
 

@@ -22,7 +22,7 @@ class Field {
  public:
     Field(const Recordset* owner, int index) : owner_(owner), index_(index) {}
     const QString& Name() const;
-    int Type() const;                  ///< ADO's DataTypeEnum
+    int Type() const;  ///< ADO's DataTypeEnum
     const ColumnInfo& info() const;
     /// The value in place; a null off the rows' end. Valid until the recordset moves.
     CellView cell() const;
@@ -45,11 +45,11 @@ class Recordset {
     Recordset& operator=(Recordset&&) noexcept;
 
     int CursorLocation = 2;
-    qint32 CacheSize = 1;   ///< rows asked for at a time with a server-side cursor, at least
+    qint32 CacheSize = 1;  ///< rows asked for at a time with a server-side cursor, at least
 
     /// Runs the command; throws DbError. Columns of the first result that has any.
     void Open(Command& command);
-    int State() const;      ///< 1 open, 0 closed (never opened, closed, or a command without rows)
+    int State() const;  ///< 1 open, 0 closed (never opened, closed, or a command without rows)
     bool isOpen() const { return State() == 1; }
     /// Lets the connection go. With a client-side cursor all rows are here already.
     void disconnect();
@@ -81,14 +81,14 @@ class Recordset {
     const CommandResult& result() const;
 
     /// Moves forward, from the current row on, to the first row that meets `criterion`
-    /// (`[name] = value`, with =, <>, <, >, <=, >=, LIKE; texts quoted with ' or #); past the end when
-    /// none does. Texts are compared ignoring case; a criterion that can't be read as the column's
-    /// type matches nothing.
+    /// (`[name] = value`, with =, <>, <, >, <=, >=, LIKE; texts quoted with ' or #); past the end
+    /// when none does. Texts are compared ignoring case; a criterion that can't be read as the
+    /// column's type matches nothing.
     void Find(const QString& criterion);
     /// Same, for equality with a value that is at hand; `text` is read as the column's type.
     void FindEqual(int fieldIndex, QStringView text);
-    /// Same, for several fields at once, each with a cell of its own type or, both being integers or
-    /// decimals, of another width or scale. A null finds a null.
+    /// Same, for several fields at once, each with a cell of its own type or, both being integers
+    /// or decimals, of another width or scale. A null finds a null.
     void FindEqual(std::span<const int> fieldIndexes, std::span<const CellView> cells);
     /// To the end, where no row is current.
     void MoveBehindLast();
@@ -96,8 +96,8 @@ class Recordset {
     /// first row.
     void Filter(const QString& criteria);
 
-    /// Hands the rows over window by window, for who keeps them otherwise: puts those at hand in place
-    /// of `rows` (whose memory may be used again) and goes on to the next. False at the end.
+    /// Hands the rows over window by window, for who keeps them otherwise: puts those at hand in
+    /// place of `rows` (whose memory may be used again) and goes on to the next. False at the end.
     bool TakeWindow(RowStore& rows);
 
     /// A second cursor over the same rows, with its own position and no filter. Deletions are seen

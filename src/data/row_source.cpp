@@ -58,16 +58,21 @@ size_t hashCell(const CellView& cell) {
         case Storage::Int8:
         case Storage::Int16:
         case Storage::Int32:
-        case Storage::Int64: return hashDecimal(cell.integer, 0);
-        case Storage::Scaled64: return hashDecimal(cell.integer, cell.column->scale);
+        case Storage::Int64:
+            return hashDecimal(cell.integer, 0);
+        case Storage::Scaled64:
+            return hashDecimal(cell.integer, cell.column->scale);
         case Storage::Float32:
-        case Storage::Float64: return qHash(cell.real);
+        case Storage::Float64:
+            return qHash(cell.real);
         case Storage::Ticks:
         case Storage::TicksOffset:
             return mixed(quint64(cell.integer - qint64(cell.offsetMinutes) * 60 * TicksPerSecond));
         case Storage::Bytes:
-        case Storage::Guid: return qHash(cell.bytes);
-        case Storage::Text: break;
+        case Storage::Guid:
+            return qHash(cell.bytes);
+        case Storage::Text:
+            break;
     }
     // Long decimals are kept as texts and compared as numbers are written.
     if (isNumericType(cell.column->type)) return hashText(cellText(cell));

@@ -30,16 +30,16 @@ class RowSource {
     /// Drops the current window and reads the next; false at the end of the rows. From the third
     /// window on a thread reads ahead.
     bool nextWindow(qsizetype atLeast);
-    /// nextWindow() asks this while it waits, and throws ado_error::Cancelled when it gives false; a
-    /// thread reads from the next window on.
+    /// nextWindow() asks this while it waits, and throws ado_error::Cancelled when it gives false;
+    /// a thread reads from the next window on.
     void setKeepWaiting(KeepWaiting keepWaiting) { keepWaiting_ = std::move(keepWaiting); }
     /// Puts the current window in place of `rows`, whose memory may be used again. What follows is
     /// nextWindow().
     void takeWindow(RowStore& rows);
     /// Reads the rest of the stream behind the current window.
     void spool();
-    /// Makes all rows, those of dropped windows too, available from row 0: spools, and where windows
-    /// were dropped asks the server once more.
+    /// Makes all rows, those of dropped windows too, available from row 0: spools, and where
+    /// windows were dropped asks the server once more.
     void spoolFromStart();
     /// Rows of the windows that were dropped before the current one.
     qsizetype droppedRows() const { return dropped_; }
@@ -73,8 +73,8 @@ class RowSource {
     /// Stops reading ahead. A stream that can't be stopped is gone then, and the session with it.
     void endReadAhead();
 
-    /// Rows by the hash of some columns: for each bucket the first row, for each row the next one of
-    /// its bucket, ascending. Deleted rows are taken out when they are met.
+    /// Rows by the hash of some columns: for each bucket the first row, for each row the next one
+    /// of its bucket, ascending. Deleted rows are taken out when they are met.
     struct HashIndex {
         std::vector<int> columns;
         std::vector<qint32> first;  // a power of two of them
@@ -99,8 +99,8 @@ class RowSource {
     CommandResult result_;
 };
 
-/// A hash under which cells that compareCells() calls equal (texts ignoring case) are the same, among
-/// cells of one type, and among integers and decimals of any width and scale.
+/// A hash under which cells that compareCells() calls equal (texts ignoring case) are the same,
+/// among cells of one type, and among integers and decimals of any width and scale.
 size_t hashCell(const CellView& cell);
 
 }  // namespace zov

@@ -16,8 +16,8 @@ struct ScriptBatch {
 };
 
 /// Batches that hold nothing but blanks are left out. GO counts when it stands alone on its line (a
-/// count, a semicolon or a comment may follow), in any case, and not inside a comment, a string or a
-/// quoted name.
+/// count, a semicolon or a comment may follow), in any case, and not inside a comment, a string or
+/// a quoted name.
 std::vector<ScriptBatch> splitBatches(const QString& script);
 
 struct UseStatement {

@@ -21,7 +21,8 @@ qsizetype endOfComment(const QString& script, qsizetype at) {
 
 std::vector<ScriptToken> tokensOf(const QString& script) {
     static const QRegularExpression token(
-        QStringLiteral("--[^\\n]*|'[^']*+(?:''[^']*+)*+'|\\[([^\\]]*+(?:\\]\\][^\\]]*+)*+)\\]|\"((?:[^\"]|\"\")*)\"|("
+        QStringLiteral("--[^\\n]*|'[^']*+(?:''[^']*+)*+'|\\[([^\\]]*+(?:\\]\\][^\\]]*+)*+)\\]|\"((?"
+                       ":[^\"]|\"\")*)\"|("
                        "[\\w@#$]+)|/\\*|[^\\s]"));
     std::vector<ScriptToken> tokens;
     int depth = 0, line = 1;
@@ -39,7 +40,7 @@ std::vector<ScriptToken> tokensOf(const QString& script) {
         if (text == u")") --depth;
         line += int(QStringView(script).mid(counted, match.capturedStart() - counted).count(u'\n'));
         counted = match.capturedStart();
-        ScriptToken one{text.toString(), false, match.capturedStart(), line, depth,
+        ScriptToken one{text.toString(),    false, match.capturedStart(), line, depth,
                         match.capturedEnd()};
         for (const int group : {1, 2}) {
             if (!match.hasCaptured(group)) continue;

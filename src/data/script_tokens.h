@@ -13,7 +13,7 @@ struct ScriptToken {
     bool quoted = false;
     qsizetype position = 0;
     int line = 1;
-    int depth = 0;  ///< of parentheses around it
+    int depth = 0;      ///< of parentheses around it
     qsizetype end = 0;  ///< behind its last character
 
     bool is(QLatin1StringView word) const {

@@ -21,7 +21,9 @@ inline QString quotedName(const QString& schema, const QString& name) {
 /// Whether a name can stand in a statement without brackets: letters, digits, _, @, # and $, and no
 /// digit or $ in front.
 inline bool isRegularName(const QString& name) {
-    const auto mayBegin = [](QChar c) { return c.isLetter() || c == u'_' || c == u'@' || c == u'#'; };
+    const auto mayBegin = [](QChar c) {
+        return c.isLetter() || c == u'_' || c == u'@' || c == u'#';
+    };
     if (name.isEmpty() || !mayBegin(name.front())) return false;
     for (const QChar c : name)
         if (!mayBegin(c) && !c.isDigit() && c != u'$') return false;

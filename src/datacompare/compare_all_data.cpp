@@ -233,7 +233,8 @@ bool DataComparisonOfAll::comparePair(const ObjectRef& source, const ObjectRef& 
             else
                 addToAccount({source_.place(), name, result.Report, 0, false, true});
             return !globals().gblnStop;
-        default: return false;
+        default:
+            return false;
     }
 }
 
@@ -342,10 +343,10 @@ DataRun CompareAll_Data(CompareAllForm& form, const DataRunRequest& request, Com
 }
 
 RunVerdict DataCompareAll(CompareAllWindow& window, const SavedRun* saved) {
-    const DataRunRequest request{window.pvlDbSource.text(), window.pvlDbTarget.text(), false, {}, {}};
-    return databasesChosen(request.sourceDb, request.targetDb)
-               ? runWithForm(window, request, saved)
-               : RunVerdict::None;
+    const DataRunRequest request{
+        window.pvlDbSource.text(), window.pvlDbTarget.text(), false, {}, {}};
+    return databasesChosen(request.sourceDb, request.targetDb) ? runWithForm(window, request, saved)
+                                                               : RunVerdict::None;
 }
 
 RunVerdict MenuDataCompSelective(CompareAllWindow& window) {

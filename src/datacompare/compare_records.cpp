@@ -108,8 +108,10 @@ void Walk::run() {
                 keyed_ = std::make_unique<KeyedRows>(target(), result_.Records2);
             // Without rows on one side there is nothing to walk.
             if (minRecords_ > 0) {
-                if (run_.Method == CompMethod::PrimaryKey) walkByKey();
-                else walkByRecord();
+                if (run_.Method == CompMethod::PrimaryKey)
+                    walkByKey();
+                else
+                    walkByRecord();
             }
             if (!stopped()) finish();
         }
@@ -224,8 +226,8 @@ void Walk::walkByRecord() {
     }
 }
 
-// The limit of the smaller table is looked at after a match only: a row of Source that Target hasn't
-// got counts up without asking, so that the walk may end before the last matches are found.
+// The limit of the smaller table is looked at after a match only: a row of Source that Target
+// hasn't got counts up without asking, so that the walk may end before the last matches are found.
 void Walk::walkByKey() {
     KeyedRows& target = *keyed_;
     std::optional<KeyLookup> lookup;
@@ -272,7 +274,8 @@ void Walk::walkByKey() {
             continue;
         }
         ++matched_;
-        if (open->isEmpty()) testRow(row, target.row());
+        if (open->isEmpty())
+            testRow(row, target.row());
         else if (rowTest_->differ(row, target.row()))
             open->addPair(row, target.row(), run_.ShowDifferences, result_.Differences);
         // What is matched is out of later searches, and not left for the rows that only Target has.
@@ -317,8 +320,8 @@ void Walk::closeOpenRows(OpenRows& open, KeyLookup& lookup) {
 void Walk::finish() {
     const qint32 records1 = result_.Records1, records2 = result_.Records2;
     if (run_.Offset[0] > 1 || run_.Offset[1] > 1)
-        result_.Differences += std::abs(restFrom(run_.Offset[0], records1) -
-                                        restFrom(run_.Offset[1], records2));
+        result_.Differences +=
+            std::abs(restFrom(run_.Offset[0], records1) - restFrom(run_.Offset[1], records2));
     else
         result_.Differences += std::abs(records1 - records2);
     grid_.lblStats[3] = formatCount(records1);

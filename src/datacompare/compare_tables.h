@@ -12,9 +12,9 @@ namespace zov {
 struct CompareDataTable {
     ServerInfo Server;
     QString Db;
-    QString Table;        ///< as the lists show it
-    qint32 ObjectId = 0;  ///< 0 when unknown
-    QString Schema = {};  ///< empty: not known
+    QString Table;              ///< as the lists show it
+    qint32 ObjectId = 0;        ///< 0 when unknown
+    QString Schema = {};        ///< empty: not known
     QString BareName = {};      ///< as the catalogue has it; empty: `Table` is that
     bool HasNamesakes = false;  ///< other objects of the database may have this name
 

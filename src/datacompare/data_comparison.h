@@ -1,4 +1,5 @@
-// One comparison of two tables' rows: what it is to do, how it ended, and who hears of its progress.
+// One comparison of two tables' rows: what it is to do, how it ended, and who hears of its
+// progress.
 #pragma once
 
 #include "datacompare/compare_tables.h"
@@ -25,7 +26,7 @@ struct DataComparisonResult {
     qint32 Records1 = 0, Records2 = 0, Differences = 0;
     /// Failed, since a server refused what was asked for these tables: others may be read.
     bool Refused = false;
-    QString Note;    ///< beside an "identical" in a list: " (compared from record ...)", or empty
+    QString Note;  ///< beside an "identical" in a list: " (compared from record ...)", or empty
     /// What stored settings kept from being compared: "compared from record ...; column ignored
     /// ...", or empty.
     QString LeftOut;
@@ -44,12 +45,12 @@ struct CompKeys {
 /// One comparison, with all that must be known to run it. 0 is Source, 1 Target.
 struct DataComparisonRun {
     CompareDataPair Tables;
-    QString OrderBy[2];  ///< " ORDER BY [A], [B] " or empty
+    QString OrderBy[2];         ///< " ORDER BY [A], [B] " or empty
     qint32 Offset[2] = {0, 0};  ///< first record to be compared, from 1; 0 is the first, too
     qint32 Method = CompMethod::RecordByRecord;
     CompKeys Keys[2];
-    bool Quiet = false;            ///< no boxes; the result text goes to the report
-    bool ShowDifferences = true;   ///< opens frmCompareData on differences
+    bool Quiet = false;           ///< no boxes; the result text goes to the report
+    bool ShowDifferences = true;  ///< opens frmCompareData on differences
     // What a saved process hands on to frmCompareData.
     QString ExportFilePath;
     qint32 ExportType = 0;

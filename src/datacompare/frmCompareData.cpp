@@ -130,8 +130,10 @@ void frmCompareData::AddMultipleRecordsToGrid(ComparisonProgress& Status, RowCur
         qint32 last = first - 1;
         for (qint32 record = StartRec; record <= EndRec; ++record) {
             if (!Status.UpdateDisplay(record, steps)) return;
-            if (record == 1) Rs.MoveFirst();
-            else Rs.MoveNext();
+            if (record == 1)
+                Rs.MoveFirst();
+            else
+                Rs.MoveNext();
             if (Rs.isEof()) break;
             if (last + 1 >= wanted) break;
             ++last;
@@ -173,8 +175,8 @@ void frmCompareData::fillLabels() {
         lblGen0 = QStringLiteral("NOTE: %1 columns were ignored.").arg(ignored.size());
 }
 
-void frmCompareData::ShowUp(const DataComparisonRun& Run, qint32 Ignored, const QString& IgnoredNote,
-                            DataComparisonScreens& Screens) {
+void frmCompareData::ShowUp(const DataComparisonRun& Run, qint32 Ignored,
+                            const QString& IgnoredNote, DataComparisonScreens& Screens) {
     Tables = Run.Tables;
     Method = Run.Method;
     for (int side = 0; side < 2; ++side) Keys[side] = Run.Keys[side];

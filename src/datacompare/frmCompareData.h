@@ -72,9 +72,9 @@ class frmCompareData : public Screen {
     /// Some of the different records stand in no row of the grid, whatever lblMaxRows says.
     bool RowsLeftOut = false;
     static const QString RowsLeftOutNote;
-    bool BrokenOff = false;  ///< by an error: there may be more differences
+    bool BrokenOff = false;                ///< by an error: there may be more differences
     static const QString lblColorDesc[5];  ///< the legend
-    bool cmdSaveEnabled = false;  ///< there is a store of processes
+    bool cmdSaveEnabled = false;           ///< there is a store of processes
 
     // What export and save use.
     qint32 Method = CompMethod::RecordByRecord;

@@ -171,8 +171,9 @@ void frmIgnoreColumnsView::cmdSendToNotepad() {
     const QByteArray text = listing().toUtf8();
     if (!file.open() || file.write(text) != text.size() || !file.flush()) {
         shell().messageBox(QStringLiteral("The list can't be written for the editor: ") +
-                               file.errorString() + QStringLiteral(".\r\n\r\nUse 'Copy To File' "
-                                                                   "to save it elsewhere."),
+                               file.errorString() +
+                               QStringLiteral(".\r\n\r\nUse 'Copy To File' "
+                                              "to save it elsewhere."),
                            Caption, BoxIcon::Exclamation);
         return;
     }

@@ -31,17 +31,20 @@ bool seeksAlikeByValue(const ColumnInfo& from, const ColumnInfo& to) {
     const Storage source = storageOf(from), target = storageOf(to);
     const auto isExact = [](const ColumnInfo& column, Storage storage) {
         if (storage == Storage::Int8) return column.type != SqlType::Bit;
-        return storage == Storage::Int16 || storage == Storage::Int32 || storage == Storage::Int64 ||
-               storage == Storage::Scaled64;
+        return storage == Storage::Int16 || storage == Storage::Int32 ||
+               storage == Storage::Int64 || storage == Storage::Scaled64;
     };
     if (isExact(from, source) && isExact(to, target)) return true;
     if (source != target) return false;
     switch (source) {
-        case Storage::Int8: return from.type == to.type;
+        case Storage::Int8:
+            return from.type == to.type;
         case Storage::Ticks:
             return (from.type == SqlType::Time) == (to.type == SqlType::Time);
-        case Storage::Text: return isPlainText(from) && isPlainText(to);
-        default: return true;
+        case Storage::Text:
+            return isPlainText(from) && isPlainText(to);
+        default:
+            return true;
     }
 }
 
@@ -65,7 +68,8 @@ KeyLookup::KeyLookup(const Recordset& Rs1, KeyedRows& Rows2, const CompKeys (&Ke
         targetFields.push_back(part.targetField);
     };
     add(Keys[0].CompKey, Keys[1].CompKey);
-    // The Target's second key makes the lookup one by several keys, the Source's third adds a third.
+    // The Target's second key makes the lookup one by several keys, the Source's third adds a
+    // third.
     if (isKeyField(Keys[1].SecondaryCompKey)) {
         add(Keys[0].SecondaryCompKey, Keys[1].SecondaryCompKey);
         if (isKeyField(Keys[0].TertiaryCompKey))
@@ -140,8 +144,10 @@ QString KeyLookup::criterion(const RowView& record) const {
 int KeyLookup::FindRecordByKey(const RowView& record) {
     bool canBeThere = true;
     if (indexable_ && makeKey(record, canBeThere)) {
-        if (canBeThere) rows2_.find(wanted_);
-        else rows2_.MoveBehindLast();
+        if (canBeThere)
+            rows2_.find(wanted_);
+        else
+            rows2_.MoveBehindLast();
     } else if (parts_.size() == 1) {
         findByOneKey(record);
     } else {
@@ -203,17 +209,20 @@ void KeyLookup::findByOneKey(const RowView& record) {
     } catch (const DbError& error) {
         if (error.number != criteria_error::Unreadable || parts_[0].targetField >= 0) throw;
         if (!isKeyField(name) || !isKeyField(sourceKey_))
-            throw DbError(error.number,
-                          QStringLiteral("No key field is chosen for the %1 table. Choose one on the "
-                                         "page \"Comparison Method\" of the options.")
-                              .arg(isKeyField(sourceKey_) ? QStringLiteral("Target")
-                                                          : QStringLiteral("Source")));
+            throw DbError(
+                error.number,
+                QStringLiteral("No key field is chosen for the %1 table. Choose one on the "
+                               "page \"Comparison Method\" of the options.")
+                    .arg(isKeyField(sourceKey_) ? QStringLiteral("Target")
+                                                : QStringLiteral("Source")));
         const QString reason =
             standsInCondition(name)
-                ? QStringLiteral("The key \"%1\" is not among the compared columns of the Target "
-                                 "table. Choose another key.")
-                : QStringLiteral("The key \"%1\" can't be sought: its name holds a blank, a bracket, "
-                                 "a quote or one of = < >. Choose another key.");
+                ? QStringLiteral(
+                      "The key \"%1\" is not among the compared columns of the Target "
+                      "table. Choose another key.")
+                : QStringLiteral(
+                      "The key \"%1\" can't be sought: its name holds a blank, a bracket, "
+                      "a quote or one of = < >. Choose another key.");
         throw DbError(error.number, reason.arg(name));
     }
 }
@@ -235,7 +244,8 @@ bool KeyLookup::Multi_Find(const QString& Filter, bool& Failed) {
         findByCriteria(filter);
         return !rows2_.isEof();
     } catch (const DbError& error) {
-        // What the server has to say of its rows is another matter than a filter that can't be read.
+        // What the server has to say of its rows is another matter than a filter that can't be
+        // read.
         if (error.number == criteria_error::Unreadable) return false;
         Failed = true;
     } catch (...) {

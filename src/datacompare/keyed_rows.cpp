@@ -16,7 +16,7 @@ constexpr size_t SpareWindows = 2;
 constexpr qint64 NearRows = 6000;
 constexpr qint64 ManyRowsLeft = 16384;
 constexpr qint64 ExpectedAtMost = 1 << 20;  // memory that may turn out not to be needed
-constexpr qsizetype FewRowsLeft = 64;  // one of so many
+constexpr qsizetype FewRowsLeft = 64;       // one of so many
 constexpr qsizetype PackedBytes = qsizetype(512) << 20;
 
 quint32 combined(quint32 hash, const CellView& cell) {
@@ -76,10 +76,10 @@ bool KeyedRows::readRows() {
         allRead_ = true;
         return false;
     }
-    // With many rows left, or far from the last one that was found, the tables are in different orders,
-    // and the rows stay for long.
-    const bool pack = !keyColumns_.empty() &&
-                      (liveRows_ > ManyRowsLeft || rowsRead() > lastFound_ + NearRows);
+    // With many rows left, or far from the last one that was found, the tables are in different
+    // orders, and the rows stay for long.
+    const bool pack =
+        !keyColumns_.empty() && (liveRows_ > ManyRowsLeft || rowsRead() > lastFound_ + NearRows);
     if (!pack || !blocks_.back().packed || blocks_.back().packed->reservedBytes() > PackedBytes) {
         if (pack) indexRows();
         Block block;
@@ -89,8 +89,10 @@ bool KeyedRows::readRows() {
     }
     Block& block = blocks_.back();
     const qsizetype count = window_.rowCount();
-    if (pack) packWindow();
-    else block.rows = std::exchange(window_, RowStore());
+    if (pack)
+        packWindow();
+    else
+        block.rows = std::exchange(window_, RowStore());
     block.count += count;
     block.live += count;
     liveRows_ += count;
@@ -104,7 +106,8 @@ void KeyedRows::packWindow() {
     block.packed->append(window_);
     const size_t count = size_t(window_.rowCount());
     windowHashes_.resize(count);
-    for (size_t row = 0; row < count; ++row) windowHashes_[row] = hashOf(RowView(window_, qsizetype(row)));
+    for (size_t row = 0; row < count; ++row)
+        windowHashes_[row] = hashOf(RowView(window_, qsizetype(row)));
     const qsizetype rows = qsizetype(std::min(rowsExpected_, ExpectedAtMost));
     if (rows * BucketsPerRow > buckets_.size())
         growBuckets(qsizetype(std::bit_ceil(size_t(rows * BucketsPerRow))));
@@ -124,8 +127,10 @@ quint32 KeyedRows::hashOf(const RowView& row) const {
 void KeyedRows::append(qint32 node) {
     Bucket& bucket = bucketOf(nodes_[node].hash);
     nodes_[node].next = -1;
-    if (bucket.first < 0) bucket.first = node;
-    else nodes_[bucket.last].next = node;
+    if (bucket.first < 0)
+        bucket.first = node;
+    else
+        nodes_[bucket.last].next = node;
     bucket.last = node;
 }
 
@@ -192,12 +197,16 @@ void KeyedRows::prefetch(quint32 hash, int step) const {
     const Block& block = blocks_[size_t(node->place.block)];
     const int row = node->place.row;
     if (block.packed) {
-        if (step == 2) block.packed->prefetchStart(row);
-        else block.packed->prefetch(row);
+        if (step == 2)
+            block.packed->prefetchStart(row);
+        else
+            block.packed->prefetch(row);
     } else if (block.kept.empty()) {
         for (int column = 0; column < block.rows.columnCount(); ++column) {
-            if (step == 2) block.rows.column(column).prefetch(row);
-            else block.rows.column(column).prefetchText(row);
+            if (step == 2)
+                block.rows.column(column).prefetch(row);
+            else
+                block.rows.column(column).prefetchText(row);
         }
     }
 }
@@ -246,8 +255,10 @@ void KeyedRows::shrink(Block& block) {
         few = RowStore(columns());
         for (int row = block.firstLive; row < int(block.count); ++row) {
             if (block.deleted[size_t(row)]) continue;
-            if (block.packed) block.packed->appendTo(row, few);
-            else few.appendRow(block.rows, row);
+            if (block.packed)
+                block.packed->appendTo(row, few);
+            else
+                few.appendRow(block.rows, row);
             kept.push_back(row);
         }
     }
@@ -268,8 +279,10 @@ void KeyedRows::Delete() {
             node = nodes_[node].next;
         }
         const qint32 next = nodes_[node].next;
-        if (before < 0) bucket.first = next;
-        else nodes_[before].next = next;
+        if (before < 0)
+            bucket.first = next;
+        else
+            nodes_[before].next = next;
         if (next < 0) bucket.last = before;
         nodes_[node].next = freeNode_;
         freeNode_ = node;
@@ -290,7 +303,8 @@ bool KeyedRows::settle(Place& place) {
             if (!readRows()) return false;
         const Block& block = blocks_[size_t(place.block)];
         if (block.live > 0)
-            for (place.row = std::max(place.row, block.firstLive); place.row < int(block.count); ++place.row)
+            for (place.row = std::max(place.row, block.firstLive); place.row < int(block.count);
+                 ++place.row)
                 if (!block.deleted[size_t(place.row)]) return true;
         ++place.block;
         place.row = 0;
@@ -301,15 +315,19 @@ void KeyedRows::MoveFirst() {
     while (size_t(firstLiveBlock_) < blocks_.size() && blocks_[size_t(firstLiveBlock_)].live == 0)
         ++firstLiveBlock_;
     Place place{firstLiveBlock_, 0};
-    if (settle(place)) current_ = place;
-    else MoveBehindLast();
+    if (settle(place))
+        current_ = place;
+    else
+        MoveBehindLast();
 }
 
 void KeyedRows::MoveNext() {
     if (isEof()) return;
     Place place{current_.block, current_.row + 1};
-    if (settle(place)) current_ = place;
-    else MoveBehindLast();
+    if (settle(place))
+        current_ = place;
+    else
+        MoveBehindLast();
 }
 
 }  // namespace zov

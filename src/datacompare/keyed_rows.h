@@ -51,7 +51,8 @@ class KeyedRows : public RowCursor {
  public:
     /// Takes the rows out of `rs`, which must live as long as this. `rowsExpected` spares the index
     /// some growing.
-    explicit KeyedRows(Recordset& rs, qint64 rowsExpected = 0) : rs_(rs), rowsExpected_(rowsExpected) {}
+    explicit KeyedRows(Recordset& rs, qint64 rowsExpected = 0)
+        : rs_(rs), rowsExpected_(rowsExpected) {}
     /// The columns that rows are found by; before the first search.
     void setKey(std::vector<int> columns) { keyColumns_ = std::move(columns); }
 
@@ -59,11 +60,11 @@ class KeyedRows : public RowCursor {
     const ColumnInfo& columnInfo(int column) const { return rs_.field(column).info(); }
     int fieldIndex(const QString& name) const { return rs_.fieldIndex(name); }
 
-    /// To the first row that is left whose key equals the cells (texts ignoring case, a null a null);
-    /// to the end when there is none.
+    /// To the first row that is left whose key equals the cells (texts ignoring case, a null a
+    /// null); to the end when there is none.
     void find(std::span<const CellView> key);
-    /// The same among the rows read so far, and those that stand little further on than the last row
-    /// that was found. False: none of them, but there are more. `hash`: that of hashOfKey.
+    /// The same among the rows read so far, and those that stand little further on than the last
+    /// row that was found. False: none of them, but there are more. `hash`: that of hashOfKey.
     bool findNear(std::span<const CellView> key, quint32 hash);
     bool isAllRead() const { return allRead_; }
     /// Reads the rest, unless Stop is pressed meanwhile.
@@ -91,15 +92,15 @@ class KeyedRows : public RowCursor {
     qint64 rowNumber() const;
 
  private:
-    /// Rows that were read together: a window of the recordset, or many windows that are packed because
-    /// their rows will stay for long.
+    /// Rows that were read together: a window of the recordset, or many windows that are packed
+    /// because their rows will stay for long.
     struct Block {
         RowStore rows;
         std::unique_ptr<PackedRows> packed;
-        qint64 before = 0;          // rows in the blocks before
-        qsizetype count = 0;        // stays when the rows are let go
+        qint64 before = 0;    // rows in the blocks before
+        qsizetype count = 0;  // stays when the rows are let go
         qsizetype live = 0;
-        int firstLive = 0;          // all rows before are deleted
+        int firstLive = 0;  // all rows before are deleted
         std::vector<bool> deleted;
         // Of a block that has few rows left these alone are kept: their places, ascending.
         std::vector<int> kept;
@@ -127,7 +128,9 @@ class KeyedRows : public RowCursor {
     std::vector<ColumnInfo> columns() const;
     /// Reads one more window.
     bool readRows();
-    qint64 rowsRead() const { return blocks_.empty() ? 0 : blocks_.back().before + blocks_.back().count; }
+    qint64 rowsRead() const {
+        return blocks_.empty() ? 0 : blocks_.back().before + blocks_.back().count;
+    }
     /// Where the next window's rows will begin, or before.
     Place end() const;
     /// Adds the rows that no search has needed yet.

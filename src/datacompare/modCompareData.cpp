@@ -41,19 +41,23 @@ IgnoredColumns ignoredIn(const CompareDataPair& tables) {
 
 QString limitNote(qint32 differences, qint32 limit) {
     const QString most = formatCount(limit), blankLine = CRLF + CRLF;
-    return QStringLiteral("Not all records will be shown in the table displaying differences between "
-                          "two selected tables.") +
+    return QStringLiteral(
+               "Not all records will be shown in the table displaying differences between "
+               "two selected tables.") +
            blankLine + QStringLiteral("There are ") + formatCount(differences) +
            QStringLiteral(" differences found by the program.") + blankLine +
-           QStringLiteral("Please note that program's setting for maximum number of records "
-                          "displayed in differences table is currently set to ") +
+           QStringLiteral(
+               "Please note that program's setting for maximum number of records "
+               "displayed in differences table is currently set to ") +
            most + u'.' + blankLine +
-           QStringLiteral("Since there is more different records than it is currently allowed to be "
-                          "shown in the table, only first ") +
+           QStringLiteral(
+               "Since there is more different records than it is currently allowed to be "
+               "shown in the table, only first ") +
            most + QStringLiteral(" records will be shown.") + blankLine +
-           QStringLiteral("If you wish to increase the number of records shown in differences table, "
-                          "please click menu item Tools -> Options, click tab 'Rows to Display', "
-                          "change the maximum number of rows and click button 'OK'.");
+           QStringLiteral(
+               "If you wish to increase the number of records shown in differences table, "
+               "please click menu item Tools -> Options, click tab 'Rows to Display', "
+               "change the maximum number of rows and click button 'OK'.");
 }
 
 void showDifferences(const DataComparisonRun& run, DataComparisonResult& result,
@@ -98,8 +102,12 @@ void settleAccount(const RunAccount& account, DataComparisonResult& result) {
 
 }  // namespace
 
-void DataComparisonScreens::showStatus(frmCompareStatus& screen) { shell().showModal(screen); }
-void DataComparisonScreens::showDifferences(frmCompareData& screen) { shell().showModal(screen); }
+void DataComparisonScreens::showStatus(frmCompareStatus& screen) {
+    shell().showModal(screen);
+}
+void DataComparisonScreens::showDifferences(frmCompareData& screen) {
+    shell().showModal(screen);
+}
 
 DataComparisonRun DataComparisonRunOf(const CompareDataPair& Tables,
                                       const DataCompSettings& Settings) {
@@ -238,9 +246,10 @@ QString IgnoredColumns_PutToString(const QStringList& Ignored1, const QStringLis
 }
 
 QString DifferenceCountsText(const DataComparisonResult& Result) {
-    return QStringLiteral("Number of records in first table: ") + formatCount(Result.Records1) + CRLF +
-           QStringLiteral("Number of records in second table: ") + formatCount(Result.Records2) +
-           CRLF + QStringLiteral("Number of different records: ") + formatCount(Result.Differences);
+    return QStringLiteral("Number of records in first table: ") + formatCount(Result.Records1) +
+           CRLF + QStringLiteral("Number of records in second table: ") +
+           formatCount(Result.Records2) + CRLF + QStringLiteral("Number of different records: ") +
+           formatCount(Result.Differences);
 }
 
 }  // namespace zov

@@ -11,8 +11,8 @@
 namespace zov {
 
 /// Finds the settings (the options screen, or the tables' stored ones) and compares. `ShowOptions`
-/// asks for the options screen this once, whatever the setting says; it is false on return. `Quiet`:
-/// never an options screen.
+/// asks for the options screen this once, whatever the setting says; it is false on return.
+/// `Quiet`: never an options screen.
 DataComparisonResult PerformDataComparison(const CompareDataPair& Tables, bool& ShowOptions,
                                            bool Quiet, bool ShowDifferences,
                                            DataComparisonScreens* Screens = nullptr);

@@ -44,10 +44,12 @@ class OpenRows {
     template <typename OnOpen, typename OnPair, typename OnCounted>
     void replay(OnOpen onOpen, OnPair onPair, OnCounted onCounted) {
         for (const Event& event : events_) {
-            if (event.kind == Event::Open) onOpen(RowView(source_, event.row1));
+            if (event.kind == Event::Open)
+                onOpen(RowView(source_, event.row1));
             else if (event.kind == Event::Pair)
                 onPair(RowView(source_, event.row1), RowView(target2_, event.row2));
-            else onCounted(event.count);
+            else
+                onCounted(event.count);
         }
         events_.clear();
         hashes_.clear();

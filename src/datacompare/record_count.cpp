@@ -81,8 +81,8 @@ qint32 GetNumberOfRecordsInTable(const ServerInfo& Server, QString& Table, const
         ShowErrorReport(failure.ErrNumber, failure.ErrDescription, ProgramVersionText(),
                         ProgramBuildNumber, QStringLiteral("mdlMisc"),
                         QStringLiteral("GetNumberOfRecordsInTable"), {});
-    shell().messageBox(QStringLiteral("Error while attempting to count records in table: ") + Table, {},
-                       BoxIcon::Exclamation);
+    shell().messageBox(QStringLiteral("Error while attempting to count records in table: ") + Table,
+                       {}, BoxIcon::Exclamation);
     return NotRead;
 }
 

@@ -12,7 +12,9 @@ constexpr size_t WasteWorthCompacting = 1024 * 1024;
 
 }  // namespace
 
-ResultGrid::ResultGrid() : rows_(1), widths_{NumberColumnWidth} { colorsEntry({}); }
+ResultGrid::ResultGrid() : rows_(1), widths_{NumberColumnWidth} {
+    colorsEntry({});
+}
 
 void ResultGrid::setRows(int count) {
     count = std::max(count, 1);
@@ -172,7 +174,8 @@ void ResultGrid::changeColors(int row1, int row2, Change change) {
 
 void ResultGrid::setBackColor(int row1, int column1, int row2, int column2, quint32 color) {
     changeColors(row1, row2, [&](RowColors& colors) {
-        for (int column = std::max(column1, 0); column <= std::min(column2, columns_ - 1); ++column) {
+        for (int column = std::max(column1, 0); column <= std::min(column2, columns_ - 1);
+             ++column) {
             const size_t place = size_t(stored(column));
             if (place >= colors.size()) colors.resize(place + 1);
             colors[place].back = color;
@@ -182,7 +185,8 @@ void ResultGrid::setBackColor(int row1, int column1, int row2, int column2, quin
 
 void ResultGrid::setForeColor(int row1, int column1, int row2, int column2, quint32 color) {
     changeColors(row1, row2, [&](RowColors& colors) {
-        for (int column = std::max(column1, 0); column <= std::min(column2, columns_ - 1); ++column) {
+        for (int column = std::max(column1, 0); column <= std::min(column2, columns_ - 1);
+             ++column) {
             const size_t place = size_t(stored(column));
             if (place >= colors.size()) colors.resize(place + 1);
             colors[place].fore = color;

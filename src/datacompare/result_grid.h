@@ -100,7 +100,9 @@ class ResultGrid : public GridCells {
     int rowCount() const override { return Rows(); }
     int columnCount() const override { return Cols(); }
     QString text(int row, int column) const override { return TextMatrix(row, column); }
-    void appendText(int row, int column, QString& to) const override { to += textView(row, column); }
+    void appendText(int row, int column, QString& to) const override {
+        to += textView(row, column);
+    }
     quint32 backColor(int row, int column) const override;
     quint32 foreColor(int row, int column) const override;
     bool isNumber(int row, int column) const override;
@@ -143,8 +145,8 @@ class ResultGrid : public GridCells {
 
     std::vector<Row> rows_;
     int columns_ = 1;
-    std::vector<int> order_;   // shown column -> stored column; empty: as stored
-    std::vector<int> widths_;  // by stored column
+    std::vector<int> order_;     // shown column -> stored column; empty: as stored
+    std::vector<int> widths_;    // by stored column
     std::vector<bool> numbers_;  // by stored column; shorter: the rest has texts
     bool redraw_ = true;
     quint32 alternateRowColor_ = DefaultBackColor;

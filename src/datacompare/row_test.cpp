@@ -13,11 +13,14 @@ constexpr QStringView NullText = u"Null";
 
 bool isInteger(const ColumnInfo& column) {
     switch (storageOf(column)) {
-        case Storage::Int8: return column.type != SqlType::Bit;
+        case Storage::Int8:
+            return column.type != SqlType::Bit;
         case Storage::Int16:
         case Storage::Int32:
-        case Storage::Int64: return true;
-        default: return false;
+        case Storage::Int64:
+            return true;
+        default:
+            return false;
     }
 }
 
@@ -57,14 +60,19 @@ RowTest::Way RowTest::wayFor(const ColumnInfo& first, const ColumnInfo& second) 
                 first.type == second.type || (!isPart(first.type) && !isPart(second.type));
             return alike ? Way::Integers : Way::ByText;
         }
-        case Storage::TicksOffset: return Way::TicksWithOffset;
+        case Storage::TicksOffset:
+            return Way::TicksWithOffset;
         case Storage::Float32:
-        case Storage::Float64: return Way::Reals;
+        case Storage::Float64:
+            return Way::Reals;
         case Storage::Guid:
-        case Storage::Bytes: return Way::BytesAlone;
+        case Storage::Bytes:
+            return Way::BytesAlone;
         case Storage::Text:
-            return isNumericType(first.type) || isNumericType(second.type) ? Way::ByText : Way::Texts;
-        default: return Way::ByText;
+            return isNumericType(first.type) || isNumericType(second.type) ? Way::ByText
+                                                                           : Way::Texts;
+        default:
+            return Way::ByText;
     }
 }
 
@@ -92,12 +100,16 @@ bool RowTest::fieldsDiffer(Way way, const ColumnCells& first, qsizetype row1,
     if (null1 || null2) {
         if (null1 && null2) return false;
         if (way != Way::Texts) return true;
-        return !sameText(null1 ? NullText : first.text(row1), null2 ? NullText : second->text(row2));
+        return !sameText(null1 ? NullText : first.text(row1),
+                         null2 ? NullText : second->text(row2));
     }
     switch (way) {
-        case Way::Integers: return first.integer(row1) != second->integer(row2);
-        case Way::Texts: return !sameText(first.text(row1), second->text(row2));
-        case Way::Decimals: return compareCells(first.cell(row1), second->cell(row2)) != 0;
+        case Way::Integers:
+            return first.integer(row1) != second->integer(row2);
+        case Way::Texts:
+            return !sameText(first.text(row1), second->text(row2));
+        case Way::Decimals:
+            return compareCells(first.cell(row1), second->cell(row2)) != 0;
         case Way::Reals: {
             // Bit by bit, since 0 and -0 have different texts.
             const double a = first.real(row1), b = second->real(row2);
@@ -107,7 +119,8 @@ bool RowTest::fieldsDiffer(Way way, const ColumnCells& first, qsizetype row1,
             const CellView a = first.cell(row1), b = second->cell(row2);
             return a.integer != b.integer || a.offsetMinutes != b.offsetMinutes;
         }
-        default: return first.bytes(row1) != second->bytes(row2);
+        default:
+            return first.bytes(row1) != second->bytes(row2);
     }
 }
 

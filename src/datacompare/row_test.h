@@ -15,8 +15,8 @@ class RowTest {
     RowTest(const Recordset& first, const Recordset& second, bool caseSensitive);
 
     /// Two rows. Equal are fields whose texts (FieldText), blanks at their ends
-    /// aside, are the same, to the letter or with letter case ignored. No row (behind the last) throws
-    /// DbError 3021.
+    /// aside, are the same, to the letter or with letter case ignored. No row (behind the last)
+    /// throws DbError 3021.
     bool differ(const RowView& first, const RowView& second);
 
  private:
@@ -27,8 +27,8 @@ class RowTest {
         TicksWithOffset,
         BytesAlone,
         Texts,
-        ByText,    ///< of different kinds
-        Nothing,   ///< on the second side
+        ByText,   ///< of different kinds
+        Nothing,  ///< on the second side
     };
     static Way wayFor(const ColumnInfo& first, const ColumnInfo& second);
     bool fieldsDiffer(Way way, const ColumnCells& first, qsizetype row1, const ColumnCells* second,

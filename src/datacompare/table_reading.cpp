@@ -69,8 +69,8 @@ QStringList ComparedColumns(const CompareDataTable& Table) {
     return columns;
 }
 
-QString BuildSqlSelectStringWithColumns(const CompareDataTable& Table, const QString& QualifiedTable,
-                                        QString& Prefix) {
+QString BuildSqlSelectStringWithColumns(const CompareDataTable& Table,
+                                        const QString& QualifiedTable, QString& Prefix) {
     const QStringList columns = ComparedColumns(Table);
     Prefix = QStringLiteral("SELECT ") +
              (columns.isEmpty() ? QStringLiteral("*") : ColTypeArrayToString(columns)) +

@@ -1,4 +1,5 @@
-// What of a table is read for a comparison: its name in statements, its columns, its number of rows.
+// What of a table is read for a comparison: its name in statements, its columns, its number of
+// rows.
 #pragma once
 
 #include "data/recordset.h"
@@ -22,8 +23,8 @@ QStringList ComparedColumns(const CompareDataTable& Table);
 QString ColTypeArrayToString(const QStringList& Columns);
 /// The statement that reads a table's columns but the ignored ones; `Prefix` is the part before the
 /// table's name. All columns when the catalogue can't tell them.
-QString BuildSqlSelectStringWithColumns(const CompareDataTable& Table, const QString& QualifiedTable,
-                                        QString& Prefix);
+QString BuildSqlSelectStringWithColumns(const CompareDataTable& Table,
+                                        const QString& QualifiedTable, QString& Prefix);
 
 /// Rows of a table; 0 for an empty name, -1 when they can't be counted or are more than 32 bits
 /// hold, which is told. `Table` is quoted as statements name it, or a bare name; where that needs

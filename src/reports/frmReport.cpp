@@ -117,7 +117,8 @@ void frmReport::PrintReport() {
         if (processRecorder()->recordPrint(SavedName))
             shell().messageBox(
                 QStringLiteral("Printing info was added to the saved comparison process:") + CRLF +
-                    CRLF + QStringLiteral("\t- process name:\t'") + SavedName + u'\'' + CRLF + CRLF +
+                    CRLF + QStringLiteral("\t- process name:\t'") + SavedName + u'\'' + CRLF +
+                    CRLF +
                     QStringLiteral("Next time when this process is run, the program will "
                                    "automatically print final report on the default printer."),
                 {}, BoxIcon::Information);

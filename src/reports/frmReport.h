@@ -24,8 +24,8 @@ class frmReport : public Screen {
     /// Modal, for texts that can't become a process.
     void ShowUp_Generic(const QString& Caption, const ReportAlternative& Alternative = {});
 
-    /// Leftovers of print drivers are deleted from the current folder when the screen closes; not by
-    /// a program whose current folder is its user's.
+    /// Leftovers of print drivers are deleted from the current folder when the screen closes; not
+    /// by a program whose current folder is its user's.
     static inline bool tidiesCurrentFolder = true;
 
     ComparisonReport fields;

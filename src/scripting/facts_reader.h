@@ -1,5 +1,5 @@
-// Reads what database_facts.h holds: tables with all that hangs on them in table_facts.cpp, the rest
-// in facts_reader.cpp. For these two alone; others enter at readDatabaseFacts.
+// Reads what database_facts.h holds: tables with all that hangs on them in table_facts.cpp, the
+// rest in facts_reader.cpp. For these two alone; others enter at readDatabaseFacts.
 #pragma once
 
 #include "data/mdlData.h"

@@ -25,7 +25,7 @@ struct TableStructure {
     std::vector<ColumnRecord> columns;
     qint32 lastColumnIndex = -1;    ///< of `columns`, -1 when there is none
     qint32 ignoredColumnCount = 0;  ///< columns marked as ignored, found in the table or not
-    bool found = false;             ///< the table's columns could be read, and there is one at least
+    bool found = false;  ///< the table's columns could be read, and there is one at least
 };
 
 /// Reads a table's columns in their physical order. `tableName` has no owner and goes into the
@@ -44,7 +44,8 @@ bool GetTableStructure(const ServerInfo& server, const QString& dbName, const QS
                        const QString& lineSuffix);
 
 /// The same for a table whose schema and name are known apart. One with an id that has no columns
-/// can't be read: it goes into the account of the run, as does a default or a seed without its text.
+/// can't be read: it goes into the account of the run, as does a default or a seed without its
+/// text.
 bool GetTableStructure(const ServerInfo& server, const QString& dbName, const ObjectRef& table,
                        TableStructure& structure, bool useIgnoredColumns, qint32 ignoredColumnKind,
                        const QString& lineSuffix);

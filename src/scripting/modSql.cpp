@@ -51,8 +51,7 @@ QString dropHeader(const CreateStatementRequest& request, const QString& name) {
         QStringLiteral("GO"),
         QStringLiteral("IF EXISTS (SELECT * FROM dbo.sysobjects"),
         QStringLiteral("WHERE id = object_id('") + DoubleSingleQuotes(name) +
-            QStringLiteral("') AND ") +
-            dropTest(request.objectType) + u')',
+            QStringLiteral("') AND ") + dropTest(request.objectType) + u')',
         QStringLiteral("DROP ") + type + u' ' + name,
         QStringLiteral("GO"),
     };
@@ -100,11 +99,10 @@ QString BuildObjectCreateStatement(const ServerInfo& server, const CreateStateme
         return {};
     }
     return guarded(Module, "BuildObjectCreateStatement", QString(), [&] {
-        QString name =
-            request.object.name.isEmpty()
-                ? GetExtendedObjectName(server, request.dbName, request.objectName,
-                                        request.objectType, request.objectId)
-                : GetExtendedObjectName(server, request.dbName, request.object);
+        QString name = request.object.name.isEmpty()
+                           ? GetExtendedObjectName(server, request.dbName, request.objectName,
+                                                   request.objectType, request.objectId)
+                           : GetExtendedObjectName(server, request.dbName, request.object);
         if (!request.ownerFrom.isEmpty()) name.replace(request.ownerFrom, request.ownerTo);
 
         QString opening, closing;
@@ -134,8 +132,7 @@ QString WrapStatementForDatabase(const QString& sql, const QString& dbName) {
     // The statement stands inside two levels of quoted EXEC.
     text.replace(u'\'', QLatin1StringView("''''"));
     if (!dbName.isEmpty()) {
-        const QString name =
-            isRegularName(dbName) ? dbName : DoubleSingleQuotes(quoteName(dbName));
+        const QString name = isRegularName(dbName) ? dbName : DoubleSingleQuotes(quoteName(dbName));
         return QStringLiteral("EXEC ('USE ") + name + QStringLiteral(" EXEC (''") + text +
                QStringLiteral("'')')");
     }

@@ -8,7 +8,7 @@ namespace zov {
 struct CreateStatementRequest {
     QString dbName;
     QString objectName;
-    ObjectRef object = {};  ///< with schema and name apart, where a list's row is meant
+    ObjectRef object = {};   ///< with schema and name apart, where a list's row is meant
     QString constraintName;  ///< the relationship's name, when it isn't objectName
     ObjectType objectType = ObjectType::Table;
     qint32 objectId = 0;

@@ -14,7 +14,8 @@ class TextPane {
     virtual ~TextPane() = default;
     /// The text as it was set.
     virtual QString text() const = 0;
-    /// The text with every line break (CR LF, CR or LF) as one LF, so that a break is one character.
+    /// The text with every line break (CR LF, CR or LF) as one LF, so that a break is one
+    /// character.
     virtual QString plainText() const = 0;
     virtual void setText(const QString& text) = 0;
     virtual int lineCount() const = 0;
@@ -39,8 +40,8 @@ struct ObjectListRow {
     QString name;  ///< as shown, with the schema in front where the list holds the bare name twice
     QString refDate;
     qint32 id = 0;
-    QString schema = {};      ///< empty: not known
-    QString objectName = {};  ///< as the catalogue has it; empty: `name` is that
+    QString schema = {};        ///< empty: not known
+    QString objectName = {};    ///< as the catalogue has it; empty: `name` is that
     bool hasNamesakes = false;  ///< other objects of the database may have this name
 
     /// The name as the catalogue has it.

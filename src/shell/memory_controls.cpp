@@ -39,7 +39,9 @@ void MemoryObjectList::removeRow(int index) {
         if (row > index) --row;
 }
 
-int MemoryObjectList::selectedCount() const { return int(selected_.size()); }
+int MemoryObjectList::selectedCount() const {
+    return int(selected_.size());
+}
 
 int MemoryObjectList::selectedIndex() const {
     return selected_.empty() ? -1 : *std::min_element(selected_.begin(), selected_.end());

@@ -15,11 +15,18 @@ class MemoryTextPane : public TextPane {
     int lineStart(int line) const override;
     void setCaret(int offset) override { selectionStart_ = selectionEnd_ = offset; }
     QString selectedText() const override;
-    void select(int start, int end) override { selectionStart_ = start; selectionEnd_ = end; }
+    void select(int start, int end) override {
+        selectionStart_ = start;
+        selectionEnd_ = end;
+    }
     void setSelectionBackColor(quint32 color) override;
     void setFocus() override {}
 
-    struct Paint { int start; int end; quint32 color; };
+    struct Paint {
+        int start;
+        int end;
+        quint32 color;
+    };
     const std::vector<Paint>& paints() const { return paints_; }
 
  private:
@@ -64,7 +71,10 @@ class MemoryChoiceList : public ChoiceList {
     void setRedraw(bool) override {}
 
  private:
-    struct Item { QString text; qint32 data; };
+    struct Item {
+        QString text;
+        qint32 data;
+    };
     std::vector<Item> items_;
     int selected_ = -1;
 };

@@ -11,7 +11,8 @@ namespace zov {
 class ScreenView {
  public:
     virtual ~ScreenView() = default;
-    /// Puts the focus on a control, named as the screen names it; `selectText`: with its text selected.
+    /// Puts the focus on a control, named as the screen names it; `selectText`: with its text
+    /// selected.
     virtual void focusControl(const QString& control, bool selectText) = 0;
     /// The screen's fields have changed: show them again.
     virtual void refreshFields() = 0;

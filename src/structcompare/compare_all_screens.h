@@ -51,10 +51,10 @@ class ObjectChooser {
 
 /// What a run came to.
 enum class RunVerdict {
-    None,       ///< it didn't take place, or didn't reach its end
+    None,  ///< it didn't take place, or didn't reach its end
     Identical,
     Different,
-    Trouble,    ///< it reached its end, but something could not be read or compared
+    Trouble,  ///< it reached its end, but something could not be read or compared
 };
 
 /// What a run is called in saved processes.
@@ -66,9 +66,9 @@ inline constexpr qint32 AllObjects = 10;
 inline constexpr qint32 Bulk = 20;
 inline constexpr qint32 Selective = 30;
 inline constexpr qint32 Individual = 35;
-inline constexpr qint32 SingleTable = 40;    ///< rows of one pair of tables
-inline constexpr qint32 SelectedTables = 50; ///< rows of chosen tables
-inline constexpr qint32 AllTables = 60;      ///< rows of all tables
+inline constexpr qint32 SingleTable = 40;     ///< rows of one pair of tables
+inline constexpr qint32 SelectedTables = 50;  ///< rows of chosen tables
+inline constexpr qint32 AllTables = 60;       ///< rows of all tables
 // CompSubSubType; 0 where a run knows no difference.
 inline constexpr qint32 BulkSimple = 10;
 inline constexpr qint32 BulkDetails = 20;

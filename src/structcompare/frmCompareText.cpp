@@ -6,8 +6,8 @@
 
 namespace zov {
 
-void frmCompareText::ShowUp(const QString& SourceName, const QString& SourceText, const QString& TargetName,
-                            const QString& TargetText) {
+void frmCompareText::ShowUp(const QString& SourceName, const QString& SourceText,
+                            const QString& TargetName, const QString& TargetText) {
     lblSource = SourceName;
     lblTarget = TargetName;
     sourceLines = withLf(SourceText).split(u'\n');

@@ -30,8 +30,8 @@ class frmColorSchema : public Screen {
 
     void ShowUp();
 
-    QString lblInfo =
-        QStringLiteral("Following colors are used to mark differences in structure of compared objects.");
+    QString lblInfo = QStringLiteral(
+        "Following colors are used to mark differences in structure of compared objects.");
     /// `lblCol` and `lblGen`, in order.
     struct Swatch {
         quint32 color;  ///< 0xBBGGRR

@@ -20,12 +20,12 @@ struct KindReport {
 
     void addDiffering(const QString& name) { differing.add(listOf(u" which differ:"), name); }
     void addOnlyInSource(const QString& name) {
-        onlyInSource.add(
-            listOf(u" which exist in Source database but not in Target database:"), name);
+        onlyInSource.add(listOf(u" which exist in Source database but not in Target database:"),
+                         name);
     }
     void addOnlyInTarget(const QString& name) {
-        onlyInTarget.add(
-            listOf(u" which exist in Target database but not in Source database:"), name);
+        onlyInTarget.add(listOf(u" which exist in Target database but not in Source database:"),
+                         name);
     }
     void addUnreadable(const QString& name) {
         unreadable.add(listOf(u" which can't be read:"), name);
@@ -67,7 +67,9 @@ struct KindReport {
     bool mayLackObjects = false;  ///< a login may not see all of them
 
  private:
-    QString listOf(QStringView which) const { return QStringLiteral("List of ") + plural + which.toString(); }
+    QString listOf(QStringView which) const {
+        return QStringLiteral("List of ") + plural + which.toString();
+    }
 };
 
 }  // namespace zov

@@ -11,11 +11,13 @@ struct Step {
     int target;  // -1: deleted
 };
 
-// Beyond so many edits two texts have little in common, and what is in between is shown as replaced.
+// Beyond so many edits two texts have little in common, and what is in between is shown as
+// replaced.
 constexpr int MostEdits = 4000;
 
-// The greedy algorithm forward, keeping the furthest points of each round for the way back. Gives the
-// steps in order; texts that are further apart than MostEdits come out as all deleted, all inserted.
+// The greedy algorithm forward, keeping the furthest points of each round for the way back. Gives
+// the steps in order; texts that are further apart than MostEdits come out as all deleted, all
+// inserted.
 template <typename Equal>
 std::vector<Step> shortestEdit(int n, int m, Equal equal) {
     std::vector<Step> steps;
@@ -32,7 +34,8 @@ std::vector<Step> shortestEdit(int n, int m, Equal equal) {
     std::vector<std::vector<int>> rounds;
     bool met = false;
     for (int d = 0; d <= most && !met; ++d) {
-        rounds.emplace_back(furthest.begin() + (most + 1 - d - 1), furthest.begin() + (most + 1 + d + 2));
+        rounds.emplace_back(furthest.begin() + (most + 1 - d - 1),
+                            furthest.begin() + (most + 1 + d + 2));
         for (int k = -d; k <= d; k += 2) {
             int x = k == -d || (k != d && at(k - 1) < at(k + 1)) ? at(k + 1) : at(k - 1) + 1;
             int y = x - k;
@@ -94,7 +97,8 @@ QStringList wordsOf(const QString& line, std::vector<qsizetype>& starts) {
 QStringList nameWordsOf(const QString& line) {
     std::vector<qsizetype> starts;
     QStringList words = wordsOf(line, starts);
-    words.removeIf([](const QString& word) { return !word[0].isLetterOrNumber() && word[0] != u'_'; });
+    words.removeIf(
+        [](const QString& word) { return !word[0].isLetterOrNumber() && word[0] != u'_'; });
     words.sort();
     return words;
 }
@@ -127,7 +131,8 @@ std::vector<int> successors(const QStringList& deleted, const QStringList& inser
         for (size_t j = m; j-- > 0;) {
             const double share = likeness(a[i], b[j]);
             alike[i][j] = share >= Alike ? share : 0;
-            best[i][j] = std::max({best[i + 1][j], best[i][j + 1], best[i + 1][j + 1] + alike[i][j]});
+            best[i][j] =
+                std::max({best[i + 1][j], best[i][j + 1], best[i + 1][j + 1] + alike[i][j]});
         }
     for (size_t i = 0, j = 0; i < n && j < m;) {
         if (alike[i][j] > 0 && best[i][j] == best[i + 1][j + 1] + alike[i][j])
@@ -151,7 +156,8 @@ void addReplacement(const QStringList& source, const QStringList& target,
     size_t i = 0, j = 0;
     const auto addUpTo = [&](size_t sourceEnd, size_t targetEnd) {
         while (i < sourceEnd || j < targetEnd)
-            rows.push_back({i < sourceEnd ? deleted[i++] : -1, j < targetEnd ? inserted[j++] : -1, false});
+            rows.push_back(
+                {i < sourceEnd ? deleted[i++] : -1, j < targetEnd ? inserted[j++] : -1, false});
     };
     for (size_t at = 0; at < became.size(); ++at) {
         if (became[at] < 0) continue;
@@ -164,8 +170,9 @@ void addReplacement(const QStringList& source, const QStringList& target,
 }  // namespace
 
 std::vector<AlignedRow> alignLines(const QStringList& source, const QStringList& target) {
-    const std::vector<Step> steps = shortestEdit(int(source.size()), int(target.size()),
-                                                 [&](int i, int j) { return source[i] == target[j]; });
+    const std::vector<Step> steps =
+        shortestEdit(int(source.size()), int(target.size()),
+                     [&](int i, int j) { return source[i] == target[j]; });
     std::vector<AlignedRow> rows;
     for (size_t s = 0; s < steps.size();) {
         if (steps[s].source >= 0 && steps[s].target >= 0) {
@@ -176,8 +183,10 @@ std::vector<AlignedRow> alignLines(const QStringList& source, const QStringList&
         // A run of deletions and insertions.
         std::vector<int> deleted, inserted;
         for (; s < steps.size() && (steps[s].source < 0 || steps[s].target < 0); ++s) {
-            if (steps[s].source >= 0) deleted.push_back(steps[s].source);
-            else inserted.push_back(steps[s].target);
+            if (steps[s].source >= 0)
+                deleted.push_back(steps[s].source);
+            else
+                inserted.push_back(steps[s].target);
         }
         addReplacement(source, target, deleted, inserted, rows);
     }

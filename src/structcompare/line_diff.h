@@ -29,7 +29,8 @@ struct ChangedWords {
     std::vector<TextRange> source;
     std::vector<TextRange> target;
 };
-/// The words (runs of letters and digits, or single other characters) that differ between two lines.
+/// The words (runs of letters and digits, or single other characters) that differ between two
+/// lines.
 ChangedWords changedWords(const QString& source, const QString& target);
 
 }  // namespace zov

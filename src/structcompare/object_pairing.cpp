@@ -52,8 +52,7 @@ class Pairing {
     void byKeys(const Keys& sourceKeys, const Keys& targetKeys, bool once, Accept accept) {
         const QHash<QString, int> inSource = countsOf(sourceKeys), inTarget = countsOf(targetKeys);
         QMultiHash<QString, int> places;
-        for (size_t i = 0; i < targetKeys.size(); ++i)
-            places.insert(targetKeys[i], int(i));
+        for (size_t i = 0; i < targetKeys.size(); ++i) places.insert(targetKeys[i], int(i));
         for (size_t i = 0; i < sourceKeys.size(); ++i) {
             const QString& key = sourceKeys[i];
             if (pairs_[i] >= 0) continue;
@@ -90,7 +89,8 @@ class Pairing {
 std::vector<ObjectRef> objectsOf(const ObjectList& list, ObjectType kind) {
     std::vector<ObjectRef> objects;
     objects.reserve(size_t(list.rowCount()));
-    for (int row = 0; row < list.rowCount(); ++row) objects.push_back(objectOf(list.row(row), kind));
+    for (int row = 0; row < list.rowCount(); ++row)
+        objects.push_back(objectOf(list.row(row), kind));
     return objects;
 }
 
@@ -112,11 +112,12 @@ bool serverTakesForSame(const ServerInfo& server, const QString& database, const
                    .arg(own.id) +
                schema + u'\'';
     else
-        text = QStringLiteral(
-                   "SELECT so.id FROM sysobjects so INNER JOIN sysusers su ON so.uid = su.uid WHERE "
-                   "so.id = %1 AND su.name = '")
-                   .arg(own.id) +
-               schema + u'\'';
+        text =
+            QStringLiteral(
+                "SELECT so.id FROM sysobjects so INNER JOIN sysusers su ON so.uid = su.uid WHERE "
+                "so.id = %1 AND su.name = '")
+                .arg(own.id) +
+            schema + u'\'';
     // A constraint's id is its table's.
     if (other.kind == ObjectType::Constraint)
         text += QStringLiteral(" AND so.%1 IN (SELECT id FROM sysindexes WHERE name = '")

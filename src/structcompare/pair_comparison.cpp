@@ -108,12 +108,10 @@ struct PairTexts {
 };
 
 void leaveOutIgnoredColumns(const SelectedPair& pair, PairTexts& texts) {
-    const bool inSource =
-        readWithoutIgnoredColumns(pair.sourceServer, pair.sourceDb, pair.source(),
-                                  pair.sourceFullName(), texts.source);
-    const bool inTarget =
-        readWithoutIgnoredColumns(pair.targetServer, pair.targetDb, pair.target(),
-                                  pair.targetFullName(), texts.target);
+    const bool inSource = readWithoutIgnoredColumns(pair.sourceServer, pair.sourceDb, pair.source(),
+                                                    pair.sourceFullName(), texts.source);
+    const bool inTarget = readWithoutIgnoredColumns(pair.targetServer, pair.targetDb, pair.target(),
+                                                    pair.targetFullName(), texts.target);
     texts.columnsIgnored = inSource || inTarget;
 }
 

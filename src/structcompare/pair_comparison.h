@@ -56,16 +56,16 @@ class PairComparisonWindow {
     virtual void printBothPanes() = 0;
 };
 
-/// Whether two texts are the same but for what the settings leave out. `source` and `target` are the
-/// panes that show the objects: tests that go by lines look there.
+/// Whether two texts are the same but for what the settings leave out. `source` and `target` are
+/// the panes that show the objects: tests that go by lines look there.
 bool AreIdentical(ObjectType type, const QString& sourceText, const QString& targetText,
                   const TextPane& source, const TextPane& target);
 
 /// The record of a finished pair comparison for the report screen.
 ComparisonReport reportOf(const SelectedPair& pair);
 
-/// Compares the panes' texts, or the given ones (highlighted sections). True when identical. Objects
-/// whose text can't be read aren't compared: the report says so.
+/// Compares the panes' texts, or the given ones (highlighted sections). True when identical.
+/// Objects whose text can't be read aren't compared: the report says so.
 bool CompareSelProcs(PairComparisonWindow& window, TextPane& source, TextPane& target,
                      bool useGivenText = false, const QString& sourceText = {},
                      const QString& targetText = {});

@@ -46,8 +46,10 @@ AtomicFile::AtomicFile(const QString& path, FileAccess access, MissingFolder fol
     if (!failure_.isEmpty()) return;
     // A device or a pipe is written to; a file in its place would be no use to who reads it.
     const QFileInfo info(path);
-    if (info.exists() && !info.isFile() && !info.isDir()) file_ = std::make_unique<QFile>(path);
-    else file_ = std::make_unique<QSaveFile>(path);
+    if (info.exists() && !info.isFile() && !info.isDir())
+        file_ = std::make_unique<QFile>(path);
+    else
+        file_ = std::make_unique<QSaveFile>(path);
     // Unbuffered: with a buffer a disk that fills is noticed when the file is closed for renaming,
     // and the cut file takes the place of the old one all the same (Qt 6.4).
     if (!file_->open(QIODevice::WriteOnly | QIODevice::Unbuffered)) {
@@ -125,8 +127,8 @@ QString updateTextFile(const QString& path, FileAccess access,
             if (wait == LockWait::None) return {};
             return cannotWrite(path, QStringLiteral("another program holds its lock file"));
         case FileLock::Outcome::Failed:
-            return cannotWrite(path, QStringLiteral("its lock file cannot be made: ") +
-                                         lock.reason());
+            return cannotWrite(path,
+                               QStringLiteral("its lock file cannot be made: ") + lock.reason());
     }
     QByteArray bytes;
     bool exists = false;

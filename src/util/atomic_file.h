@@ -26,8 +26,9 @@ enum class MissingFolder {
 };
 
 /// Replaces (or makes) the file; its folder is made when missing. A symbolic link stays one and its
-/// target is replaced; what is no file, a device or a pipe, is written to. On failure the old file stands as it was, and the result is one sentence
-/// that names the path and the reason; empty on success.
+/// target is replaced; what is no file, a device or a pipe, is written to. On failure the old file
+/// stands as it was, and the result is one sentence that names the path and the reason; empty on
+/// success.
 QString writeFileAtomically(const QString& path, const QByteArray& bytes,
                             FileAccess access = FileAccess::Default);
 

@@ -12,9 +12,10 @@
 
 namespace zov {
 
-/// Sections (unless asked otherwise) and keys are found ignoring case; of a repeated section or key the first counts. A
-/// value is what stands behind the first "=", without blanks and one pair of quotes around it.
-/// Lines that are neither a section, a comment (";") nor "key=value" are kept and read as nothing.
+/// Sections (unless asked otherwise) and keys are found ignoring case; of a repeated section or key
+/// the first counts. A value is what stands behind the first "=", without blanks and one pair of
+/// quotes around it. Lines that are neither a section, a comment (";") nor "key=value" are kept and
+/// read as nothing.
 class IniDocument {
  public:
     /// `sectionCase`: whether sections whose names differ in letter case only are one or two.

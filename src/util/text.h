@@ -11,8 +11,8 @@ namespace zov {
 /// The line break of all generated text.
 inline const QString CRLF = QStringLiteral("\r\n");
 
-/// The longest number that the text starts with (leading blanks, tabs and line feeds skipped): sign,
-/// digits, point, exponent. 0 when it starts with none.
+/// The longest number that the text starts with (leading blanks, tabs and line feeds skipped):
+/// sign, digits, point, exponent. 0 when it starts with none.
 double Val(QStringView text);
 
 /// Rounds half to even; beyond the range, also at infinity, the nearest end, NaN gives 0.

@@ -199,7 +199,7 @@ class Stopping : public ::testing::Test {
         serve(*endpoint_, folder, *home_);
         qputenv("ZOVRAND_PASSWORD", "secret");
         const QString server = endpoint_->dataSource();
-        const QStringList sides{"--source", server,        "--source-db", "A",
+        const QStringList sides{"--source", server, "--source-db", "A",
                                 "--target", server, "--target-db", "A"};
         for (const QStringList& command :
              {QStringList{"server", "add", server, "--sql-login", "sa", "--database", "A"},

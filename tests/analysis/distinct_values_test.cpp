@@ -84,8 +84,7 @@ TEST(DistinctValues, ANullAndTheTextNullAreOneValue) {
 std::vector<TwoStr> withCounts(const std::vector<qint32>& counts) {
     std::vector<TwoStr> values;
     for (const qint32 count : counts)
-        values.push_back(
-            {QString::number(values.size()), QString(), qint32(values.size()), count});
+        values.push_back({QString::number(values.size()), QString(), qint32(values.size()), count});
     return values;
 }
 

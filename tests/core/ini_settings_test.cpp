@@ -136,12 +136,9 @@ TEST_F(IniSettings, ATablesMarksAreFoundInItsOwnLettersAlone) {
     const struct {
         const char *server, *db, *table;
         const char* column;
-    } rows[] = {{"SRV", "sales", "Orders", "a"},
-                {"Srv", "Sales", "ORDERS", ""},
-                {"10.0.0.1,1433", "Sales", "T", "b"},
-                {"10.0.0.1,1433", "SALES", "T", "b"},
-                {"10.0.0.1,1433", "Sales", "t", ""},
-                {"a", "b", "[c.T]", "c"},
+    } rows[] = {{"SRV", "sales", "Orders", "a"},      {"Srv", "Sales", "ORDERS", ""},
+                {"10.0.0.1,1433", "Sales", "T", "b"}, {"10.0.0.1,1433", "SALES", "T", "b"},
+                {"10.0.0.1,1433", "Sales", "t", ""},  {"a", "b", "[c.T]", "c"},
                 {"10.0.0.1,1433", "Sales", "[T]", ""}};
     for (const auto& row : rows) {
         QStringList columns;

@@ -9,7 +9,7 @@ namespace {
 class Commands : public test::MainWindow {};
 
 TEST(CommandTable, HoldsEveryCommandUnderItsIdAndCaption) {
-    const char* const kinds[] = {"&Tables",    "&Procedures",    "&Functions",  "&Views",
+    const char* const kinds[] = {"&Tables",   "&Procedures",    "&Functions",  "&Views",
                                  "T&riggers", "R&elationships", "&Constraints"};
     QHash<int, QString> expected = {
         {101, QStringLiteral("&Connect to the Server")},
@@ -132,7 +132,8 @@ TEST(CommandTable, MenusHaveNoDoubleKeysAndNoOrphans) {
 }
 
 TEST_F(Commands, LeadToTheirScreens) {
-    loadDatabases(QStringLiteral("CREATE TABLE A (x int)"), QStringLiteral("CREATE TABLE A (x int)"));
+    loadDatabases(QStringLiteral("CREATE TABLE A (x int)"),
+                  QStringLiteral("CREATE TABLE A (x int)"));
     connect();
     const struct {
         int id;
@@ -208,7 +209,8 @@ TEST(CommandTable, EveryCommandIsBuilt) {
 }
 
 TEST_F(Commands, ABusyWindowTakesHelpAndTheWayOutAlone) {
-    loadDatabases(QStringLiteral("CREATE TABLE A (x int)"), QStringLiteral("CREATE TABLE A (x int)"));
+    loadDatabases(QStringLiteral("CREATE TABLE A (x int)"),
+                  QStringLiteral("CREATE TABLE A (x int)"));
     connect();
     window.Busy() = true;
     for (const CommandEntry& entry : commandTable()) {

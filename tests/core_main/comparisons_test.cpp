@@ -91,11 +91,12 @@ TEST_F(Comparing, HighlightedSectionsWantTwoSelections) {
     select(1, QStringLiteral("Q"));
     shell.takeLines();
     window.ExecuteAction(command::HighlightedSections);
-    EXPECT_EQ(told(),
-              "information [Compare Highlighted Sections]: Cannot continue - there is no "
-              "highlighted section in Source object.\\n\\nPlease select some section in Source text "
-              "first, then some section in Target, and then (immediately after highlighting Target) "
-              "right click and select 'Compare Highlighted Sections'.");
+    EXPECT_EQ(
+        told(),
+        "information [Compare Highlighted Sections]: Cannot continue - there is no "
+        "highlighted section in Source object.\\n\\nPlease select some section in Source text "
+        "first, then some section in Target, and then (immediately after highlighting Target) "
+        "right click and select 'Compare Highlighted Sections'.");
     view.sides[0].txtTXProc.select(0, 26);
     window.ExecuteAction(command::HighlightedSections);
     EXPECT_EQ(told(),
@@ -172,9 +173,10 @@ TEST_F(Comparing, PrintingAPaneNeedsAText) {
     view.sides[1].txtTXProc.setText({});
     window.ExecuteAction(command::PrintBoth);
     EXPECT_EQ(seen(), "print 0 Source: SERVER.Src.Gone");
-    EXPECT_EQ(told(),
-              "information [Cannot Continue]: Cannot continue - there is no structure displayed for "
-              "selected table.");
+    EXPECT_EQ(
+        told(),
+        "information [Cannot Continue]: Cannot continue - there is no structure displayed for "
+        "selected table.");
 }
 
 TEST_F(Comparing, ACreateStatementIsShownWithoutASaveButton) {
@@ -193,9 +195,10 @@ TEST_F(Comparing, ACreateStatementIsShownWithoutASaveButton) {
     view.sides[1].txtTXProc.setText({});
     shell.takeLines();
     window.ExecuteAction(command::CreateSource);
-    EXPECT_EQ(told(),
-              "information [Cannot Continue]: Cannot continue - there is no structure displayed for "
-              "selected object.");
+    EXPECT_EQ(
+        told(),
+        "information [Cannot Continue]: Cannot continue - there is no structure displayed for "
+        "selected object.");
     chooseType(ObjectType::Trigger);
     window.ExecuteAction(command::CreateSource);
     EXPECT_EQ(told(),
@@ -231,13 +234,12 @@ class BulkRun : public Comparing {
     }
     std::string byCommandLine(const QStringList& more) {
         acceptance::CliHome cli;
-        const acceptance::CliResult result =
-            cli.run(QStringList{QStringLiteral("compare"), QStringLiteral("--source"),
-                                served.server().Name, QStringLiteral("--source-db"),
-                                QStringLiteral("Src"), QStringLiteral("--target"),
-                                served.server().Name, QStringLiteral("--target-db"),
-                                QStringLiteral("Tgt")} +
-                    more);
+        const acceptance::CliResult result = cli.run(
+            QStringList{QStringLiteral("compare"), QStringLiteral("--source"), served.server().Name,
+                        QStringLiteral("--source-db"), QStringLiteral("Src"),
+                        QStringLiteral("--target"), served.server().Name,
+                        QStringLiteral("--target-db"), QStringLiteral("Tgt")} +
+            more);
         EXPECT_EQ(result.err, QString());
         return withoutTime(result.out);
     }
@@ -331,9 +333,8 @@ TEST_F(BulkRun, GivingUpWithinARunLeavesNoReport) {
             reports.clear();
             shell.giveUpAt = query;
             window.ExecuteAction(id);
-            EXPECT_TRUE(reports.isEmpty())
-                << id << ", query " << query << " of " << queries << '\n'
-                << reports.join(u'\n').toStdString();
+            EXPECT_TRUE(reports.isEmpty()) << id << ", query " << query << " of " << queries << '\n'
+                                           << reports.join(u'\n').toStdString();
             EXPECT_EQ(globals().gstrReport, QString()) << id << ' ' << query;
             EXPECT_FALSE(window.Busy());
         }
@@ -351,8 +352,8 @@ TEST_F(BulkRun, ADatabaseThatIsGoneEndsTheRun) {
     shell.takeLines();
     window.ExecuteAction(205);
     const QString said = QString::fromStdString(told());
-    EXPECT_TRUE(said.endsWith(
-        QStringLiteral("exclamation: Cannot connect to Target database - aborting.")))
+    EXPECT_TRUE(
+        said.endsWith(QStringLiteral("exclamation: Cannot connect to Target database - aborting.")))
         << said.toStdString();
     EXPECT_TRUE(reports.isEmpty());
 }

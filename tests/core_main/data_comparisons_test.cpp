@@ -17,7 +17,8 @@ class DataComparisons : public test::MainWindow {
     void SetUp() override {
         MainWindow::SetUp();
         const QString tables = QStringLiteral(
-            "CREATE TABLE dbo.Orders (Id int NOT NULL CONSTRAINT pk_Orders PRIMARY KEY, V int)\nGO\n"
+            "CREATE TABLE dbo.Orders (Id int NOT NULL CONSTRAINT pk_Orders PRIMARY KEY, V "
+            "int)\nGO\n"
             "INSERT INTO Orders VALUES (1, 1)\nINSERT INTO Orders VALUES (2, 2)\nGO\n");
         loadDatabases(tables + QStringLiteral("CREATE TABLE dbo.Parts (Id int)\nGO\n"),
                       tables + QStringLiteral("UPDATE Orders SET V = 5 WHERE Id = 2\nGO\n"
@@ -26,8 +27,10 @@ class DataComparisons : public test::MainWindow {
         shell.onScreen = [this](Screen& screen) {
             if (auto* options = dynamic_cast<frmCompareDataOptions*>(&screen)) {
                 if (onOptions) onOptions(*options);
-                if (optionsAccepted) options->cmdOK_Click();
-                else options->cmdCancel_Click();
+                if (optionsAccepted)
+                    options->cmdOK_Click();
+                else
+                    options->cmdCancel_Click();
             } else if (auto* status = dynamic_cast<frmCompareStatus*>(&screen)) {
                 status->Form_Activate();
             } else if (auto* result = dynamic_cast<frmCompareData*>(&screen)) {
@@ -61,8 +64,10 @@ TEST_F(DataComparisons, APairGoesThroughTheOptionsToItsDifferences) {
     select(0, QStringLiteral("Orders"));
     select(1, QStringLiteral("Orders"));
     window.ExecuteAction(command::DataPair);
-    EXPECT_EQ(told(), "screen frmCompareDataOptions\nscreen frmCompareStatus\nscreen frmCompareData");
-    EXPECT_EQ(differences.toStdString(), "Differences between data in tables 'Orders' and 'Orders' 1");
+    EXPECT_EQ(told(),
+              "screen frmCompareDataOptions\nscreen frmCompareStatus\nscreen frmCompareData");
+    EXPECT_EQ(differences.toStdString(),
+              "Differences between data in tables 'Orders' and 'Orders' 1");
     EXPECT_EQ(shell.waitDepth, 0);
 
     optionsAccepted = false;
@@ -76,25 +81,29 @@ TEST_F(DataComparisons, APairGoesThroughTheOptionsToItsDifferences) {
     window.pvlSqlObj_Click(1);
     shell.yesNoAnswers = {false};
     window.ExecuteAction(command::DataPair);
-    EXPECT_EQ(told(), "yes/no [Different Structures]: Compared tables have different structures.\\n\\nDo "
-                      "you still want to compare them? -> no");
+    EXPECT_EQ(told(),
+              "yes/no [Different Structures]: Compared tables have different structures.\\n\\nDo "
+              "you still want to compare them? -> no");
     EXPECT_FALSE(window.Busy());
 }
 
 // Chosen on the options screen or on the command line: the files of what differs are the same.
 TEST_F(DataComparisons, TheWindowExportsWhatTheCommandLineDoes) {
-    const QString columns = QStringLiteral("CREATE TABLE dbo.Lines (A int, B nvarchar(9), C nvarchar(9), D int)\nGO\n");
+    const QString columns =
+        QStringLiteral("CREATE TABLE dbo.Lines (A int, B nvarchar(9), C nvarchar(9), D int)\nGO\n");
     QString rows[2];
     for (int i = 1; i <= 40; ++i)
         for (const int side : {0, 1}) {
             if (i % 17 == side * 5) continue;
-            rows[side] += QStringLiteral("INSERT INTO Lines VALUES (%1, N'%2', %3, %4)\n")
-                              .arg(i / 3)
-                              .arg(side && i % 7 == 0 ? QStringLiteral("B") : QStringLiteral("b"))
-                              .arg(i % 5 == 0 ? QStringLiteral("NULL") : QStringLiteral("N'c%1 '").arg(i % 3))
-                              .arg(side && i % 11 == 0 ? -i : i);
+            rows[side] +=
+                QStringLiteral("INSERT INTO Lines VALUES (%1, N'%2', %3, %4)\n")
+                    .arg(i / 3)
+                    .arg(side && i % 7 == 0 ? QStringLiteral("B") : QStringLiteral("b"))
+                    .arg(i % 5 == 0 ? QStringLiteral("NULL") : QStringLiteral("N'c%1 '").arg(i % 3))
+                    .arg(side && i % 11 == 0 ? -i : i);
         }
-    loadDatabases(columns + rows[0] + QStringLiteral("GO\n"), columns + rows[1] + QStringLiteral("GO\n"));
+    loadDatabases(columns + rows[0] + QStringLiteral("GO\n"),
+                  columns + rows[1] + QStringLiteral("GO\n"));
     window.cmdConnect_Click();
     choose(view.sides[0].pvlDb, QStringLiteral("Src"));
     window.pvlDb_Click(SourcePanel);
@@ -114,7 +123,11 @@ TEST_F(DataComparisons, TheWindowExportsWhatTheCommandLineDoes) {
         {1, "12", "", 0, {"--key", "A,B"}},
         {1, "132", "", 4, {"--key", "A,C,B", "--ignore", "D"}},
         {0, "", "", 0, {"--method", "record"}},
-        {0, "41", "3", 0, {"--method", "record", "--sort", "D,A", "--offset", "3", "--target-offset", "3"}},
+        {0,
+         "41",
+         "3",
+         0,
+         {"--method", "record", "--sort", "D,A", "--offset", "3", "--target-offset", "3"}},
         {0, "1", "", 2, {"--method", "record", "--sort", "A", "--ignore", "B"}},
     };
     for (const bool caseSensitive : {true, false})
@@ -132,8 +145,10 @@ TEST_F(DataComparisons, TheWindowExportsWhatTheCommandLineDoes) {
                     for (int at = 2; at >= 0; --at) options.cmbPK_Click(at * 2 + side, 0);
                     for (int at = 0; at < places.size(); ++at) {
                         const int item = places[at] - '0';
-                        if (row.method == 1) options.cmbPK_Click(at * 2 + side, item);
-                        else options.cmbGen_Click(side * 3 + at, item);
+                        if (row.method == 1)
+                            options.cmbPK_Click(at * 2 + side, item);
+                        else
+                            options.cmbGen_Click(side * 3 + at, item);
                     }
                 }
             };
@@ -147,8 +162,9 @@ TEST_F(DataComparisons, TheWindowExportsWhatTheCommandLineDoes) {
             cli.setProcessEnvironment(environment);
             const QString server = served.server().Name;
             cli.start(QStringLiteral(ZOV_CLI),
-                      QStringList{"data", "--source", server, "--source-db", "Src", "--target", server, "--target-db",
-                                  "Tgt", "--table", "Lines", "--export", home.path(QStringLiteral("cli.htm")), "--set",
+                      QStringList{"data", "--source", server, "--source-db", "Src", "--target",
+                                  server, "--target-db", "Tgt", "--table", "Lines", "--export",
+                                  home.path(QStringLiteral("cli.htm")), "--set",
                                   QStringLiteral("DataCaseSensitive=%1").arg(int(caseSensitive))} +
                           row.options);
             ASSERT_TRUE(cli.waitForFinished(60000));
@@ -166,7 +182,8 @@ TEST_F(DataComparisons, AllTablesEndInAReport) {
     ASSERT_EQ(reports.size(), 1);
     EXPECT_EQ(offered, 1);
     EXPECT_EQ(shown(reports[0]),
-              "Comparison of databases\r\n\r\nSource database SERVER.Src\r\nTarget database SERVER.Tgt\r\n"
+              "Comparison of databases\r\n\r\nSource database SERVER.Src\r\nTarget database "
+              "SERVER.Tgt\r\n"
               "Comparison of data in tables\r\nThere are 2 tables in Source database.\r\n"
               "There are 2 tables in Target database.\r\nList of tables which differ:\r\n"
               "\tOrders - 1 different record(s)\r\n\t(1 table)\r\n\r\n"

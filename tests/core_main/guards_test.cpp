@@ -34,7 +34,8 @@ class Guards : public test::MainWindow {
 
 const char* const TablesWanted =
     "information: This functionality is enabled only when Tables are selected as active "
-    "objects.\\n\\nTo set Tables as active objects set focus to Objects Type combo box (using mouse "
+    "objects.\\n\\nTo set Tables as active objects set focus to Objects Type combo box (using "
+    "mouse "
     "or by pressing key F6) and select first item from the list.";
 const char* const CodeWanted =
     "information: This functionality is enabled only when procedures, functions or views are "
@@ -140,9 +141,9 @@ TEST_F(Guards, ActiveObjectsAreOfTheRightType) {
         ObjectType type;
         bool table, code;
     } rows[] = {
-        {ObjectType::Table, true, false},         {ObjectType::Procedure, false, true},
-        {ObjectType::Function, false, true},      {ObjectType::View, false, true},
-        {ObjectType::Trigger, false, false},      {ObjectType::Relationship, false, false},
+        {ObjectType::Table, true, false},       {ObjectType::Procedure, false, true},
+        {ObjectType::Function, false, true},    {ObjectType::View, false, true},
+        {ObjectType::Trigger, false, false},    {ObjectType::Relationship, false, false},
         {ObjectType::Constraint, false, false},
     };
     for (const auto& row : rows) {

@@ -212,12 +212,13 @@ TEST_F(Tools, SampleProceduresAreCalled) {
 }
 
 TEST_F(Tools, ReportNamesThatCannotBeFound) {
-    served.load(QStringLiteral("Src"),
-                QStringLiteral("CREATE PROCEDURE dbo.P AS\nSELECT Id, Lost FROM Zoo\nEXEC Gone\nGO\n"
-                               "CREATE PROCEDURE dbo.Q WITH ENCRYPTION AS SELECT 1\nGO\n"
-                               "CREATE TABLE dbo.Old (a int)\nGO\n"
-                               "CREATE VIEW dbo.X AS SELECT a FROM dbo.Old\nGO\n"
-                               "DROP TABLE dbo.Old\n"));
+    served.load(
+        QStringLiteral("Src"),
+        QStringLiteral("CREATE PROCEDURE dbo.P AS\nSELECT Id, Lost FROM Zoo\nEXEC Gone\nGO\n"
+                       "CREATE PROCEDURE dbo.Q WITH ENCRYPTION AS SELECT 1\nGO\n"
+                       "CREATE TABLE dbo.Old (a int)\nGO\n"
+                       "CREATE VIEW dbo.X AS SELECT a FROM dbo.Old\nGO\n"
+                       "DROP TABLE dbo.Old\n"));
     QString text;
     shell.onScreen = [&](Screen& screen) {
         EXPECT_EQ(screen.caption(), u"Missing References");
@@ -230,7 +231,8 @@ TEST_F(Tools, ReportNamesThatCannotBeFound) {
     };
     const std::string head = "References that can't be found//Database: Src/Searched: ";
     const std::string gone =
-        "procedure dbo.P:2: column Lost of dbo.Zoo can't be found/procedure dbo.P:3: procedure Gone "
+        "procedure dbo.P:2: column Lost of dbo.Zoo can't be found/procedure dbo.P:3: procedure "
+        "Gone "
         "can't be found/";
     const std::string unread = "/Not searched whole:/procedure dbo.Q: its text can't be read/";
     EXPECT_EQ(found(command::MissingInSource, SourcePanel),
@@ -254,8 +256,9 @@ TEST_F(Tools, ReportNamesThatCannotBeFound) {
     // One that was dropped meanwhile, a search that is stopped, and a database that is gone.
     served.load(QStringLiteral("Src"), QStringLiteral("DROP VIEW dbo.V"));
     EXPECT_EQ(found(command::MissingReferences, SourcePanel),
-              head + "view dbo.V//There is nothing to search.//Not searched whole:/view dbo.V: its "
-                     "text can't be read/");
+              head +
+                  "view dbo.V//There is nothing to search.//Not searched whole:/view dbo.V: its "
+                  "text can't be read/");
     shell.onPump = [] { globals().gblnStop = true; };
     const std::string stopped = found(command::MissingInSource, SourcePanel);
     EXPECT_NE(stopped.find("The search was stopped before its end."), std::string::npos) << stopped;
@@ -265,8 +268,9 @@ TEST_F(Tools, ReportNamesThatCannotBeFound) {
     served.load(QStringLiteral("master"), QStringLiteral("DROP DATABASE Src"));
     told();
     EXPECT_EQ(found(command::MissingInSource, SourcePanel), "no report");
-    EXPECT_EQ(told().find("exclamation [Cannot Search]: Cannot search - the database can't be read."),
-              0u);
+    EXPECT_EQ(
+        told().find("exclamation [Cannot Search]: Cannot search - the database can't be read."),
+        0u);
 }
 
 TEST(DatabaseInfo, CountsInSentences) {

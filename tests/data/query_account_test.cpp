@@ -134,7 +134,8 @@ TEST_F(QueryAccount, PasswordsReachTheServerToTheLetter) {
         server.Password = options.password;
         std::unique_ptr<Recordset> rs;
         EXPECT_EQ(account([&] {
-                      EXPECT_EQ(GetAdoRS(server, adCmdText, QStringLiteral("PRINT 'a'"), rs, db), 0);
+                      EXPECT_EQ(GetAdoRS(server, adCmdText, QStringLiteral("PRINT 'a'"), rs, db),
+                                0);
                   }),
                   "")
             << password;

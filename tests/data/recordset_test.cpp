@@ -1,7 +1,7 @@
 // ADO's recordset verbs over both cursor locations: what is seen, and what it
 // costs on the wire.
-#include "core/run_account.h"
 #include "data/recordset.h"
+#include "core/run_account.h"
 #include "support/fake_session.h"
 
 #include <gtest/gtest.h>
@@ -14,13 +14,14 @@ using testing::FakeTable;
 using testing::Journal;
 
 FakeTable peopleTable() {
-    return {{{QStringLiteral("Id"), SqlType::Int, 0, 0, 0, false},
-             {QStringLiteral("Name"), SqlType::NVarChar, 50, 0, 0, true},
-             {QStringLiteral("Price"), SqlType::Decimal, 0, 10, 2, true},
-             {QStringLiteral("Since"), SqlType::DateTime, 0, 0, 0, true}},
-            {QStringLiteral("1|Anna|1050|2024-01-01 00:00:00"), QStringLiteral("2|O'Brien|NULL|NULL"),
-             QStringLiteral("3|ANNA|1050|2024-01-01 00:00:00"), QStringLiteral("4|zoë|-1|2024-06-30 12:30:00"),
-             QStringLiteral("5|NULL|0|NULL")}};
+    return {
+        {{QStringLiteral("Id"), SqlType::Int, 0, 0, 0, false},
+         {QStringLiteral("Name"), SqlType::NVarChar, 50, 0, 0, true},
+         {QStringLiteral("Price"), SqlType::Decimal, 0, 10, 2, true},
+         {QStringLiteral("Since"), SqlType::DateTime, 0, 0, 0, true}},
+        {QStringLiteral("1|Anna|1050|2024-01-01 00:00:00"), QStringLiteral("2|O'Brien|NULL|NULL"),
+         QStringLiteral("3|ANNA|1050|2024-01-01 00:00:00"),
+         QStringLiteral("4|zoë|-1|2024-06-30 12:30:00"), QStringLiteral("5|NULL|0|NULL")}};
 }
 
 FakeTable numbersTable(int rows) {
@@ -92,14 +93,29 @@ TEST_P(RecordsetTest, FindGoesToTheFirstMatchFromTheCurrentRowOn) {
         const char* criterion;
         const char* found;
     } rows[] = {
-        {"[Name] = 'anna'", "1 3"},      {"Name = 'O''Brien'", "2"},  {"Name = 'ZOË'", "4"},
-        {"Name = 'nobody'", ""},         {"Id = 3", "3"},             {"Id = '3'", "3"},
-        {"Id = 3.5", ""},                {"Id = x", ""},              {"Id = 99999999999", ""},
-        {"Price = 10.5", "1 3"},         {"Price = 10.500", "1 3"},   {"Price = 10.505", ""},
-        {"Price = -0.01", "4"},          {"Price = 0", "5"},          {"Price <> 0", "1 2 3 4"},
-        {"Price > 0", "1 3"},            {"Price = NULL", "2"},       {"Name = 'NULL'", ""},
-        {"Since = '2024-01-01'", "1 3"}, {"Since >= #2024-06-30#", "4"}, {"Name LIKE 'an*'", "1 3"},
-        {"Name LIKE 'O_Brien'", ""},     {"Since = 'yesterday'", ""},
+        {"[Name] = 'anna'", "1 3"},
+        {"Name = 'O''Brien'", "2"},
+        {"Name = 'ZOË'", "4"},
+        {"Name = 'nobody'", ""},
+        {"Id = 3", "3"},
+        {"Id = '3'", "3"},
+        {"Id = 3.5", ""},
+        {"Id = x", ""},
+        {"Id = 99999999999", ""},
+        {"Price = 10.5", "1 3"},
+        {"Price = 10.500", "1 3"},
+        {"Price = 10.505", ""},
+        {"Price = -0.01", "4"},
+        {"Price = 0", "5"},
+        {"Price <> 0", "1 2 3 4"},
+        {"Price > 0", "1 3"},
+        {"Price = NULL", "2"},
+        {"Name = 'NULL'", ""},
+        {"Since = '2024-01-01'", "1 3"},
+        {"Since >= #2024-06-30#", "4"},
+        {"Name LIKE 'an*'", "1 3"},
+        {"Name LIKE 'O_Brien'", ""},
+        {"Since = 'yesterday'", ""},
     };
     for (const auto& row : rows) {
         Recordset rs = open(peopleTable());
@@ -113,7 +129,8 @@ TEST_P(RecordsetTest, FindGoesToTheFirstMatchFromTheCurrentRowOn) {
 
 TEST_P(RecordsetTest, ACriterionThatCannotBeReadIsAnError) {
     Recordset rs = open(peopleTable());
-    for (const char* text : {"", "Id", "Id =", "Nope = 1", "[Id = 1", "Name = 'x", "Id = 1 OR Id = 2"})
+    for (const char* text :
+         {"", "Id", "Id =", "Nope = 1", "[Id = 1", "Name = 'x", "Id = 1 OR Id = 2"})
         EXPECT_THROW(rs.Find(QString::fromUtf8(text)), DbError) << text;
 }
 
@@ -149,8 +166,7 @@ TEST_P(RecordsetTest, ABrokenConnectionLeavesTheRowsBeforeIt) {
     }
     Recordset rs = openOn(connection, 2);
     int seen = 0;
-    EXPECT_THROW(
-        for (; !rs.isEof(); rs.MoveNext())++ seen, DbError);
+    EXPECT_THROW(for (; !rs.isEof(); rs.MoveNext())++ seen, DbError);
     EXPECT_GT(seen, 1000);
 }
 
@@ -178,8 +194,9 @@ TEST_P(RecordsetTest, WithoutMemoryNoRowIsSeenOfWhichAPartIsMissing) {
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(Cursors, RecordsetTest, ::testing::Values(2, 3),
-                         [](const auto& info) { return info.param == 2 ? "ServerSide" : "ClientSide"; });
+INSTANTIATE_TEST_SUITE_P(Cursors, RecordsetTest, ::testing::Values(2, 3), [](const auto& info) {
+    return info.param == 2 ? "ServerSide" : "ClientSide";
+});
 
 using ServerSide = RecordsetTest;
 INSTANTIATE_TEST_SUITE_P(ServerSideOnly, ServerSide, ::testing::Values(2));
@@ -240,7 +257,10 @@ TEST(RecordsetAccount, AReadThatFailsGoesIntoTheAccountOfTheRun) {
         const char* name;
         Read read;
     } rows[] = {
-        {"to the end", [](Recordset& rs) { while (!rs.isEof()) rs.MoveNext(); }},
+        {"to the end",
+         [](Recordset& rs) {
+             while (!rs.isEof()) rs.MoveNext();
+         }},
         {"the count", [](Recordset& rs) { rs.RecordCount(); }},
         {"the last", [](Recordset& rs) { rs.MoveLast(); }},
         {"behind the last", [](Recordset& rs) { rs.MoveBehindLast(); }},
@@ -248,7 +268,12 @@ TEST(RecordsetAccount, AReadThatFailsGoesIntoTheAccountOfTheRun) {
         {"a search by value", [](Recordset& rs) { rs.FindEqual(0, QStringLiteral("4999")); }},
         {"a filter", [](Recordset& rs) { rs.Filter(QStringLiteral("[n] > 1")); }},
         {"a second cursor", [](Recordset& rs) { rs.Clone(); }},
-        {"windows", [](Recordset& rs) { RowStore rows; while (rs.TakeWindow(rows)) {} }},
+        {"windows",
+         [](Recordset& rs) {
+             RowStore rows;
+             while (rs.TakeWindow(rows)) {
+             }
+         }},
     };
     for (const auto& row : rows) {
         Journal journal;

@@ -11,12 +11,18 @@ std::vector<ColumnInfo> everyStorage() {
     const auto column = [](SqlType type, int precision = 0, int scale = 0) {
         return ColumnInfo{sqlTypeName(type), type, -1, precision, scale, true};
     };
-    return {column(SqlType::NVarChar),      column(SqlType::TinyInt),
-            column(SqlType::SmallInt),      column(SqlType::VarBinary),
-            column(SqlType::Int),           column(SqlType::BigInt),
-            column(SqlType::Real),          column(SqlType::Float),
-            column(SqlType::Decimal, 9, 2), column(SqlType::DateTime),
-            column(SqlType::VarChar),       column(SqlType::DateTimeOffset),
+    return {column(SqlType::NVarChar),
+            column(SqlType::TinyInt),
+            column(SqlType::SmallInt),
+            column(SqlType::VarBinary),
+            column(SqlType::Int),
+            column(SqlType::BigInt),
+            column(SqlType::Real),
+            column(SqlType::Float),
+            column(SqlType::Decimal, 9, 2),
+            column(SqlType::DateTime),
+            column(SqlType::VarChar),
+            column(SqlType::DateTimeOffset),
             column(SqlType::UniqueIdentifier)};
 }
 
@@ -31,15 +37,30 @@ void addRow(RowStore& rows, int number, const QString& text) {
             continue;
         }
         switch (cells.storage()) {
-            case Storage::Text: cells.appendText(QString(text + QString::number(value))); break;
-            case Storage::Bytes: cells.appendBytes(bytes.constData(), value % 17); break;
-            case Storage::Guid: cells.appendBytes(bytes.constData(), 16); break;
+            case Storage::Text:
+                cells.appendText(QString(text + QString::number(value)));
+                break;
+            case Storage::Bytes:
+                cells.appendBytes(bytes.constData(), value % 17);
+                break;
+            case Storage::Guid:
+                cells.appendBytes(bytes.constData(), 16);
+                break;
             case Storage::Float32:
-            case Storage::Float64: cells.appendReal(value + 0.5); break;
-            case Storage::TicksOffset: cells.appendTicksOffset(value * TicksPerSecond, qint16(value % 60)); break;
-            case Storage::Ticks: cells.appendInteger(value * TicksPerSecond); break;
-            case Storage::Int8: cells.appendInteger(value % 256); break;
-            default: cells.appendInteger(value);
+            case Storage::Float64:
+                cells.appendReal(value + 0.5);
+                break;
+            case Storage::TicksOffset:
+                cells.appendTicksOffset(value * TicksPerSecond, qint16(value % 60));
+                break;
+            case Storage::Ticks:
+                cells.appendInteger(value * TicksPerSecond);
+                break;
+            case Storage::Int8:
+                cells.appendInteger(value % 256);
+                break;
+            default:
+                cells.appendInteger(value);
         }
     }
 }
@@ -47,7 +68,8 @@ void addRow(RowStore& rows, int number, const QString& text) {
 std::vector<QString> textsOf(const RowStore& rows, qsizetype row) {
     std::vector<QString> texts;
     for (int i = 0; i < rows.columnCount(); ++i)
-        texts.push_back(rows.cell(row, i).isNull ? QStringLiteral("null") : cellText(rows.cell(row, i)));
+        texts.push_back(rows.cell(row, i).isNull ? QStringLiteral("null")
+                                                 : cellText(rows.cell(row, i)));
     return texts;
 }
 

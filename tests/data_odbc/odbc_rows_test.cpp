@@ -268,26 +268,27 @@ TEST_F(OdbcRowsTest, ACellLongerThanItsColumnIsNeverCut) {
         int described;
         int sent;
     } table[] = {
-        {"nvarchar", SqlType::NVarChar, 5, 6},     {"nvarchar", SqlType::NVarChar, 5, 3000},
-        {"varchar", SqlType::VarChar, 10, 11},     {"varchar", SqlType::VarChar, 10, 7000},
-        {"varbinary", SqlType::VarBinary, 4, 5},   {"varbinary", SqlType::VarBinary, 4, 7999},
+        {"nvarchar", SqlType::NVarChar, 5, 6},   {"nvarchar", SqlType::NVarChar, 5, 3000},
+        {"varchar", SqlType::VarChar, 10, 11},   {"varchar", SqlType::VarChar, 10, 7000},
+        {"varbinary", SqlType::VarBinary, 4, 5}, {"varbinary", SqlType::VarBinary, 4, 7999},
     };
     for (const auto& row : table) {
         const bool isBinary = row.type == SqlType::VarBinary;
         const QString statement = QStringLiteral("SELECT %1 %2").arg(row.name).arg(row.sent);
         const QString whole(row.sent, u'x');
         const QByteArray bytes(row.sent, 'x');
-        script.answer(statement,
-                      rowsOf({columnOf(QStringLiteral("c"), row.type, row.described),
-                              columnOf(QStringLiteral("n"), SqlType::Int)},
-                             3, [&](RowStore& rows, qint64 at) {
-                                 const bool isLong = at == 1;
-                                 if (isBinary)
-                                     rows.column(0).appendBytes(bytes.constData(), isLong ? row.sent : 2);
-                                 else
-                                     rows.column(0).appendText(isLong ? whole : QStringLiteral("xx"));
-                                 rows.column(1).appendInteger(at);
-                             }));
+        script.answer(
+            statement,
+            rowsOf({columnOf(QStringLiteral("c"), row.type, row.described),
+                    columnOf(QStringLiteral("n"), SqlType::Int)},
+                   3, [&](RowStore& rows, qint64 at) {
+                       const bool isLong = at == 1;
+                       if (isBinary)
+                           rows.column(0).appendBytes(bytes.constData(), isLong ? row.sent : 2);
+                       else
+                           rows.column(0).appendText(isLong ? whole : QStringLiteral("xx"));
+                       rows.column(1).appendInteger(at);
+                   }));
         const auto connection = open();
         try {
             const auto stream = run(*connection, statement);

@@ -52,7 +52,8 @@ class CompareAllDataTest : public test::DataComparison, public CompareAllForm {
 INSTANTIATE_TEST_SUITE_P(Roads, CompareAllDataTest, ::testing::Values(Road::Embedded, Road::Odbc),
                          test::roadName);
 
-const QString A1 = QStringLiteral("1, N'a'"), B1 = QStringLiteral("1, N'b'"), A2 = QStringLiteral("2, N'a'");
+const QString A1 = QStringLiteral("1, N'a'"), B1 = QStringLiteral("1, N'b'"),
+              A2 = QStringLiteral("2, N'a'");
 
 TEST_P(CompareAllDataTest, TheReportListsEveryTable) {
     load(table(QStringLiteral("Alike"), {A1}) + table(QStringLiteral("Blank"), {}) +
@@ -61,24 +62,27 @@ TEST_P(CompareAllDataTest, TheReportListsEveryTable) {
          table(QStringLiteral("Alike"), {A1}) + table(QStringLiteral("Blank"), {}) +
              table(QStringLiteral("Changed"), {B1, A2}) + table(QStringLiteral("Fewer"), {}) +
              table(QStringLiteral("Fresh"), {A1}));
-    EXPECT_EQ(all(), "Comparison of databases\n\n"
-                     "Source database SERVER.Src\nTarget database SERVER.Tgt\n"
-                     "Comparison of data in tables\n"
-                     "There are 5 tables in Source database.\nThere are 5 tables in Target database.\n"
-                     "List of tables which differ:\n"
-                     "\tChanged - 1 different record(s)\n\tFewer - 2 different record(s)\n\t(2 tables)\n\n"
-                     "List of tables which exist in Source database but not in Target database:\n"
-                     "\tGone\n\t(1 table)\n\n"
-                     "List of tables which exist in Target database but not in Source database:\n"
-                     "\tFresh\n\t(1 table)\n\n"
-                     "All 2 remaining tables have identical data:\n\tAlike\n\tBlank");
+    EXPECT_EQ(all(),
+              "Comparison of databases\n\n"
+              "Source database SERVER.Src\nTarget database SERVER.Tgt\n"
+              "Comparison of data in tables\n"
+              "There are 5 tables in Source database.\nThere are 5 tables in Target database.\n"
+              "List of tables which differ:\n"
+              "\tChanged - 1 different record(s)\n\tFewer - 2 different record(s)\n\t(2 tables)\n\n"
+              "List of tables which exist in Source database but not in Target database:\n"
+              "\tGone\n\t(1 table)\n\n"
+              "List of tables which exist in Target database but not in Source database:\n"
+              "\tFresh\n\t(1 table)\n\n"
+              "All 2 remaining tables have identical data:\n\tAlike\n\tBlank");
     EXPECT_TRUE(data.finished && data.somethingDiffers && data.isWhole());
     EXPECT_EQ(comparing.toStdString(), "Comparing data in tables... Finished");
     EXPECT_EQ(names.join(u' ').toStdString(), "Alike Blank Changed Fewer Gone ");
     EXPECT_FALSE(timer);
     EXPECT_EQ(told(), "");
 
-    EXPECT_EQ(report({QStringLiteral("Src"), QStringLiteral("Tgt"), true,
+    EXPECT_EQ(report({QStringLiteral("Src"),
+                      QStringLiteral("Tgt"),
+                      true,
                       {QStringLiteral("Alike"), QStringLiteral("Changed")},
                       {QStringLiteral("Alike")}})
                   .toStdString(),
@@ -93,18 +97,21 @@ TEST_P(CompareAllDataTest, TheReportListsEveryTable) {
 TEST_P(CompareAllDataTest, EachTableIsComparedByItsStoredSettings) {
     load(table(QStringLiteral("Keyed"), {A1, A2}) + table(QStringLiteral("Partly"), {A1}),
          table(QStringLiteral("Keyed"), {A2, A1}) + table(QStringLiteral("Partly"), {B1}));
-    EXPECT_NE(all().find("Keyed - 2 different record(s)\n\tPartly - 1 different"), std::string::npos);
+    EXPECT_NE(all().find("Keyed - 2 different record(s)\n\tPartly - 1 different"),
+              std::string::npos);
     TableCompSettings settings;
     settings.CompKey = QStringLiteral("Id");
     settings.Method = CompMethod::PrimaryKey;
     for (const bool source : {true, false})
-        EXPECT_EQ(SaveTableCompSettings(source, source ? QStringLiteral("Src") : QStringLiteral("Tgt"),
-                                         QStringLiteral("Keyed"), settings),
-                  QString());
+        EXPECT_EQ(
+            SaveTableCompSettings(source, source ? QStringLiteral("Src") : QStringLiteral("Tgt"),
+                                  QStringLiteral("Keyed"), settings),
+            QString());
     useTable(QStringLiteral("Partly"));
     ignore(0, {QStringLiteral("V")});
     ignore(1, {QStringLiteral("V")});
-    EXPECT_NE(all().find("\nData in all tables in both databases is identical."), std::string::npos);
+    EXPECT_NE(all().find("\nData in all tables in both databases is identical."),
+              std::string::npos);
     EXPECT_FALSE(data.somethingDiffers);
     EXPECT_EQ(data.notes.join(u'\n').toStdString(),
               "Table Partly: columns ignored during comparison: Source - V Target - V.");
@@ -227,7 +234,8 @@ TEST_P(CompareAllDataTest, ServersOfDifferentVersionsAreCompared) {
 }
 
 TEST_P(CompareAllDataTest, EmptyDatabasesAndStopAndTrouble) {
-    load(QStringLiteral("CREATE VIEW dbo.V AS SELECT 1 AS A\nGO\n"), QStringLiteral("CREATE VIEW dbo.V AS SELECT 1 AS A\nGO\n"));
+    load(QStringLiteral("CREATE VIEW dbo.V AS SELECT 1 AS A\nGO\n"),
+         QStringLiteral("CREATE VIEW dbo.V AS SELECT 1 AS A\nGO\n"));
     EXPECT_NE(all().find("There are no tables in Source database.\n"
                          "There are no tables in Target database.\ntables"),
               std::string::npos);
@@ -246,7 +254,8 @@ TEST_P(CompareAllDataTest, EmptyDatabasesAndStopAndTrouble) {
 
     // A table that can't be read any more is told, listed as what it is, and the others go on.
     onStatus = [&](frmCompareStatus& screen) {
-        if (screen.lblTable1 == u"A") served.load(QStringLiteral("Tgt"), QStringLiteral("DROP TABLE dbo.A\nGO\n"));
+        if (screen.lblTable1 == u"A")
+            served.load(QStringLiteral("Tgt"), QStringLiteral("DROP TABLE dbo.A\nGO\n"));
     };
     told();
     EXPECT_NE(all().find("One table [B] has identical data in both databases.\n"

@@ -24,7 +24,8 @@ class CompareFieldsTest : public test::DataComparison {
                           "IF EXISTS (SELECT * FROM sysobjects WHERE name = 'T') DROP TABLE "
                           "dbo.T\nGO\nCREATE TABLE dbo.T (%1)\nGO\n")
                           .arg(QLatin1String(columns));
-        for (const QString& row : rows) sql += QStringLiteral("INSERT INTO T VALUES (%1)\n").arg(row);
+        for (const QString& row : rows)
+            sql += QStringLiteral("INSERT INTO T VALUES (%1)\n").arg(row);
         return sql + QStringLiteral("GO\n");
     }
 };
@@ -98,8 +99,8 @@ TEST_P(CompareFieldsTest, ValuesAreComparedByTheirTrimmedTexts) {
 // The red of a pair goes by the texts to the letter, and not by what found the pair.
 TEST_P(CompareFieldsTest, RedShowsWhatWasOverlooked) {
     globals().gblnDataCaseSensitive = false;
-    tables("A nvarchar(9), B nvarchar(9), C int", {"N'x', N'abc', 1"}, "A nvarchar(9), B nvarchar(9), C int",
-           {"N'x ', N'ABC', 2"});
+    tables("A nvarchar(9), B nvarchar(9), C int", {"N'x', N'abc', 1"},
+           "A nvarchar(9), B nvarchar(9), C int", {"N'x ', N'ABC', 2"});
     EXPECT_EQ(compared(), "different 1/1/1\nS 1|*x|*abc|*1\nT 1|*x |*ABC|*2");
 }
 
@@ -123,8 +124,9 @@ TEST_P(CompareFieldsTest, IgnoredColumnsAreLeftOutAndMentioned) {
     tables("A int, B int, C int", {"1, 2, 3"}, "A int, B int, C int", {"1, 9, 3"});
     ignore(0, {QStringLiteral("B")});
     EXPECT_EQ(compared(), "identical 1/1/0");
-    EXPECT_EQ(told(), "information: Data stored in both tables is identical.\\n"
-                      "Column ignored during comparison: Source - B");
+    EXPECT_EQ(told(),
+              "information: Data stored in both tables is identical.\\n"
+              "Column ignored during comparison: Source - B");
     // The Target's own play no part while the Source's columns can be read there.
     ignore(0, {QStringLiteral("A")});
     ignore(1, {QStringLiteral("B"), QStringLiteral("C")});
@@ -134,9 +136,10 @@ TEST_P(CompareFieldsTest, IgnoredColumnsAreLeftOutAndMentioned) {
     EXPECT_EQ(labels.toStdString(), "NOTE: 3 columns were ignored.");
     run.ShowDifferences = false;
     EXPECT_EQ(compared(), "different 1/1/1");
-    EXPECT_EQ(told(), "information: Number of records in first table: 1\\n"
-                      "Number of records in second table: 1\\nNumber of different records: 1\\n"
-                      "Columns ignored during comparison: Source - A Target - B,C");
+    EXPECT_EQ(told(),
+              "information: Number of records in first table: 1\\n"
+              "Number of records in second table: 1\\nNumber of different records: 1\\n"
+              "Columns ignored during comparison: Source - A Target - B,C");
 }
 
 TEST_P(CompareFieldsTest, OneKeySeeksNullAsAText) {
@@ -155,20 +158,22 @@ TEST_P(CompareFieldsTest, OneKeySeeksNullAsAText) {
 
 TEST_P(CompareFieldsTest, SeveralKeysSeekNullAsNull) {
     const char* columns = "K int, L nvarchar(20), M datetime, V int";
-    const QStringList rows = {"1, NULL, '2024-01-01', 1", "1, N'b', NULL, 2", "NULL, N'Null', NULL, 3",
-                              "2, N'it''s', '2024-01-02', 4"};
+    const QStringList rows = {"1, NULL, '2024-01-01', 1", "1, N'b', NULL, 2",
+                              "NULL, N'Null', NULL, 3", "2, N'it''s', '2024-01-02', 4"};
     tables(columns, rows, columns, {rows[3], rows[1], rows[0], "NULL, NULL, NULL, 3"});
     const CompKeys keys{QStringLiteral("K"), QStringLiteral("L"), QStringLiteral("M")};
     byKey(keys, keys);
     EXPECT_EQ(compared(), "identical 4/4/0");
-    byKey({keys.CompKey, keys.SecondaryCompKey, {}}, {keys.CompKey, keys.SecondaryCompKey, NoField});
+    byKey({keys.CompKey, keys.SecondaryCompKey, {}},
+          {keys.CompKey, keys.SecondaryCompKey, NoField});
     EXPECT_EQ(compared(), "identical 4/4/0");
     // A text Null in Target is no null, and is not found.
     tables(columns, {"1, N'Null', NULL, 1"}, columns, {"1, N'Null', NULL, 1"});
     EXPECT_EQ(compared(), "different 1/1/1\n+ 1|1|Null|Null|1\n- 1|1|Null|Null|1");
     // Where it breaks the condition, Target stays where it is, and its first row is the match.
     tables(columns, {"1, N'''Null''', NULL, 1"}, columns, {"7, N'x', NULL, 7", "1, N'y', NULL, 1"});
-    EXPECT_EQ(compared(), "different 1/2/2\nS 1|*1|*'Null'|Null|*1\nT 1|*7|*x|Null|*7\n- 1|1|y|Null|1");
+    EXPECT_EQ(compared(),
+              "different 1/2/2\nS 1|*1|*'Null'|Null|*1\nT 1|*7|*x|Null|*7\n- 1|1|y|Null|1");
     EXPECT_EQ(told(), "");
 }
 
@@ -178,7 +183,8 @@ TEST_P(CompareFieldsTest, TheTargetsSecondKeyDecidesHowManyThereAre) {
     // The Source's second alone is not looked at.
     byKey({QStringLiteral("K"), QStringLiteral("L"), {}}, {QStringLiteral("K"), NoField, {}});
     EXPECT_EQ(compared().substr(0, 15), "different 2/2/2");
-    byKey({QStringLiteral("K"), QStringLiteral("L"), {}}, {QStringLiteral("K"), QStringLiteral("L"), {}});
+    byKey({QStringLiteral("K"), QStringLiteral("L"), {}},
+          {QStringLiteral("K"), QStringLiteral("L"), {}});
     EXPECT_EQ(compared(), "identical 2/2/0");
 }
 
@@ -195,23 +201,27 @@ TEST_P(CompareFieldsTest, AKeyThatIsGoneIsTheFirstFieldOrAnError) {
     told();
     byKey(QStringLiteral("Gone"));
     EXPECT_EQ(compared(), "failed 2/2/0");
-    EXPECT_EQ(told(), "exclamation: Error occured while comparing records.\\n\\nError 3001 (The key "
-                      "\"Gone\" is not among the compared columns of the Target table. Choose another "
-                      "key.); line 0.\\n\n"
-                      "information: The comparison was broken off by an error.");
+    EXPECT_EQ(told(),
+              "exclamation: Error occured while comparing records.\\n\\nError 3001 (The key "
+              "\"Gone\" is not among the compared columns of the Target table. Choose another "
+              "key.); line 0.\\n\n"
+              "information: The comparison was broken off by an error.");
     // With several keys the search stays on the first row.
-    byKey({QStringLiteral("K"), QStringLiteral("L"), {}}, {QStringLiteral("K"), QStringLiteral("Gone"), {}});
+    byKey({QStringLiteral("K"), QStringLiteral("L"), {}},
+          {QStringLiteral("K"), QStringLiteral("Gone"), {}});
     EXPECT_EQ(compared().substr(0, 15), "different 2/2/2");
     told();
     // None was chosen.
     byKey({QStringLiteral("K"), {}, {}}, {NoField, {}, {}});
     EXPECT_EQ(compared(), "failed 2/2/0");
-    EXPECT_NE(told().find("No key field is chosen for the Target table. Choose one on the page"), std::string::npos);
+    EXPECT_NE(told().find("No key field is chosen for the Target table. Choose one on the page"),
+              std::string::npos);
     // A name that no condition takes is as good as gone.
     tables("[My Key] int, L int", {"1, 5"}, "[My Key] int, L int", {"1, 5"});
     byKey(QStringLiteral("My Key"));
     EXPECT_EQ(compared(), "failed 1/1/0");
-    EXPECT_NE(told().find("The key \"My Key\" can't be sought: its name holds a blank"), std::string::npos);
+    EXPECT_NE(told().find("The key \"My Key\" can't be sought: its name holds a blank"),
+              std::string::npos);
 }
 
 // A text is read as the Target's type reads it: what lies behind that type's ends is nobody's key,
@@ -239,21 +249,20 @@ TEST_P(CompareFieldsTest, ATextKeyIsSoughtUpToTheEndsOfIntegerTypes) {
         tables(texts, {text(row.least), text(row.most)}, columns.constData(), ends);
         EXPECT_EQ(compared(), "identical 2/2/0") << row.type;
         tables(texts, {text(row.below), text(row.beyond)}, columns.constData(), ends);
-        EXPECT_EQ(compared(),
-                  QStringLiteral("different 2/2/2\n+ 1|%1\n+ 2|%2\n- 1|%3\n- 2|%4")
-                      .arg(row.below, row.beyond, row.most, row.least)
-                      .toStdString())
+        EXPECT_EQ(compared(), QStringLiteral("different 2/2/2\n+ 1|%1\n+ 2|%2\n- 1|%3\n- 2|%4")
+                                  .arg(row.below, row.beyond, row.most, row.least)
+                                  .toStdString())
             << row.type;
     }
 }
 
-// Whatever the two types are, the index must find what the condition on the value's text meets first,
-// row by row.
+// Whatever the two types are, the index must find what the condition on the value's text meets
+// first, row by row.
 TEST_P(CompareFieldsTest, TheIndexFindsWhatTheConditionMeets) {
-    const char* const types[] = {"int",   "smallint",     "bigint",   "decimal(9,2)", "decimal(9,3)",
-                                 "float", "decimal(30,2)", "real",     "bit",          "money",
-                                 "date",  "nvarchar(30)",  "datetime", "tinyint",      "binary(2)",
-                                 "datetimeoffset(7)"};
+    const char* const types[] = {"int",          "smallint", "bigint",        "decimal(9,2)",
+                                 "decimal(9,3)", "float",    "decimal(30,2)", "real",
+                                 "bit",          "money",    "date",          "nvarchar(30)",
+                                 "datetime",     "tinyint",  "binary(2)",     "datetimeoffset(7)"};
     const QStringList numbers = {QStringLiteral("0"), QStringLiteral("NULL"), QStringLiteral("1")};
     const QStringList times = {QStringLiteral("'2024-01-01'"), QStringLiteral("NULL"),
                                QStringLiteral("'2024-01-02'")};
@@ -262,17 +271,21 @@ TEST_P(CompareFieldsTest, TheIndexFindsWhatTheConditionMeets) {
     const auto rowsOf = [&](const QByteArray& type) {
         if (type.startsWith("datetimeoffset")) return offsets + times;
         if (type.startsWith("date")) return times;
-        if (type.startsWith("binary")) return QStringList{QStringLiteral("0x3031"), QStringLiteral("NULL")};
-        return type.startsWith("nvarchar") ? numbers + times + QStringList{QStringLiteral("N'tRUE'")} : numbers;
+        if (type.startsWith("binary"))
+            return QStringList{QStringLiteral("0x3031"), QStringLiteral("NULL")};
+        return type.startsWith("nvarchar")
+                   ? numbers + times + QStringList{QStringLiteral("N'tRUE'")}
+                   : numbers;
     };
     const ScopedValue<qint32> client(globals().glngCursorLocation, adUseClient);
     for (const QByteArray first : types) {
         for (const QByteArray second : types) {
-            tables(("K " + first).constData(), rowsOf(first), ("K " + second).constData(), rowsOf(second));
+            tables(("K " + first).constData(), rowsOf(first), ("K " + second).constData(),
+                   rowsOf(second));
             std::unique_ptr<Recordset> rs[2];
             for (const int side : {0, 1})
-                ASSERT_NE(GetAdoRS(served.server(), adCmdText, QStringLiteral("SELECT K FROM T"), rs[side],
-                                   run.Tables[size_t(side)].Db),
+                ASSERT_NE(GetAdoRS(served.server(), adCmdText, QStringLiteral("SELECT K FROM T"),
+                                   rs[side], run.Tables[size_t(side)].Db),
                           -1);
             const CompKeys keys[2] = {{QStringLiteral("K"), {}, {}}, {QStringLiteral("K"), {}, {}}};
             KeyedRows rows(*rs[1]);
@@ -282,12 +295,15 @@ TEST_P(CompareFieldsTest, TheIndexFindsWhatTheConditionMeets) {
                 Criterion criterion;
                 criterion.column = 0;
                 criterion.value = readAs(rows.columnInfo(0), text);
-                rows.findFirst([&](const RowView& row) { return meetsCriterion(*row.rows, row.row, criterion); });
+                rows.findFirst([&](const RowView& row) {
+                    return meetsCriterion(*row.rows, row.row, criterion);
+                });
                 const qint64 wanted = rows.rowNumber();
                 rows.MoveFirst();
                 EXPECT_EQ(lookup.FindRecordByKey(RowView(*rs[0])), wanted < 0 ? 0 : 1);
                 EXPECT_EQ(rows.rowNumber(), wanted)
-                    << first.constData() << " in " << second.constData() << ": " << text.toStdString();
+                    << first.constData() << " in " << second.constData() << ": "
+                    << text.toStdString();
             }
         }
     }

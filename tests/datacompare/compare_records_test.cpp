@@ -45,16 +45,18 @@ QStringList operator-(QStringList list, const QStringList& without) {
 
 TEST_P(CompareRecordsTest, RowsArePairedByTheirPlaces) {
     loadRows({"1 a", "2 b", "3 c"}, {"1 a", "2 x", "4 c", "5 d"});
-    EXPECT_EQ(compared(), "different 3/4/3\n"
-                          "S 1|2|*b\nT 1|2|*x\n"
-                          "S 2|*3|c\nT 2|*4|c\n"
-                          "- 4|5|d");
+    EXPECT_EQ(compared(),
+              "different 3/4/3\n"
+              "S 1|2|*b\nT 1|2|*x\n"
+              "S 2|*3|c\nT 2|*4|c\n"
+              "- 4|5|d");
     run.Method = CompMethod::RecordByRecord;
     std::swap(run.Tables[0], run.Tables[1]);
-    EXPECT_EQ(compared(), "different 4/3/3\n"
-                          "S 1|2|*x\nT 1|2|*b\n"
-                          "S 2|*4|c\nT 2|*3|c\n"
-                          "+ 4|5|d");
+    EXPECT_EQ(compared(),
+              "different 4/3/3\n"
+              "S 1|2|*x\nT 1|2|*b\n"
+              "S 2|*4|c\nT 2|*3|c\n"
+              "+ 4|5|d");
     EXPECT_EQ(told(), "");
 }
 
@@ -91,9 +93,10 @@ TEST_P(CompareRecordsTest, ARowMissingOnEachSideIsCountedOnce) {
 TEST_P(CompareRecordsTest, UnmatchedRowsOverrunTheLimit) {
     loadRows(rows(1, 12), rows(3, 12));
     byKey(QStringLiteral("Id"));
-    EXPECT_EQ(compared(), "different 12/10/4\n"
-                          "+ 1|1|v1\n+ 2|2|v2\n"
-                          "- 1|11|v11\n- 2|12|v12");
+    EXPECT_EQ(compared(),
+              "different 12/10/4\n"
+              "+ 1|1|v1\n+ 2|2|v2\n"
+              "- 1|11|v11\n- 2|12|v12");
 }
 
 // The number of differences is taken for a row of the grid, where each pair has taken two.
@@ -116,18 +119,20 @@ TEST_P(CompareRecordsTest, TheGridStopsAtItsLimitAndTheCountRunsOn) {
     onDifferences = [&](frmCompareData& screen) {
         note = screen.lblMaxRowsVisible ? screen.lblMaxRows : QString();
     };
-    EXPECT_EQ(compared(), "different 5/5/5\n"
-                          "S 1|1|*v1\nT 1|1|*w\nS 2|2|*v2\nT 2|2|*w");
+    EXPECT_EQ(compared(),
+              "different 5/5/5\n"
+              "S 1|1|*v1\nT 1|1|*w\nS 2|2|*v2\nT 2|2|*w");
     EXPECT_EQ(note.toStdString(), "Only first 3 different records are shown");
-    EXPECT_EQ(told(),
-              "information [Note]: Not all records will be shown in the table displaying differences "
-              "between two selected tables.\\n\\nThere are 5 differences found by the program.\\n\\n"
-              "Please note that program's setting for maximum number of records displayed in "
-              "differences table is currently set to 3.\\n\\nSince there is more different records "
-              "than it is currently allowed to be shown in the table, only first 3 records will be "
-              "shown.\\n\\nIf you wish to increase the number of records shown in differences table, "
-              "please click menu item Tools -> Options, click tab 'Rows to Display', change the "
-              "maximum number of rows and click button 'OK'.");
+    EXPECT_EQ(
+        told(),
+        "information [Note]: Not all records will be shown in the table displaying differences "
+        "between two selected tables.\\n\\nThere are 5 differences found by the program.\\n\\n"
+        "Please note that program's setting for maximum number of records displayed in "
+        "differences table is currently set to 3.\\n\\nSince there is more different records "
+        "than it is currently allowed to be shown in the table, only first 3 records will be "
+        "shown.\\n\\nIf you wish to increase the number of records shown in differences table, "
+        "please click menu item Tools -> Options, click tab 'Rows to Display', change the "
+        "maximum number of rows and click button 'OK'.");
 }
 
 TEST_P(CompareRecordsTest, LeftOverRowsAreCutAtTheLimitInSilence) {
@@ -157,8 +162,9 @@ TEST_P(CompareRecordsTest, OffsetsStartLaterOnEachSide) {
     }
     run.ShowDifferences = true;
     run.Offset[0] = 2;
-    EXPECT_EQ(compared(), "different 4/5/4\n"
-                          "S 1|*2|*v2\nT 1|*1|*v1\nS 2|*3|*v3\nT 2|*2|*v2\nS 3|*4|*v4\nT 3|*3|*v3");
+    EXPECT_EQ(compared(),
+              "different 4/5/4\n"
+              "S 1|*2|*v2\nT 1|*1|*v1\nS 2|*3|*v3\nT 2|*2|*v2\nS 3|*4|*v4\nT 3|*3|*v3");
     told();
     // By key no record is left out, whatever offset is stored.
     run.Offset[0] = 0;
@@ -172,11 +178,12 @@ TEST_P(CompareRecordsTest, OffsetsStartLaterOnEachSide) {
     told();
     run.Offset[0] = 9;
     EXPECT_EQ(compared(), "failed 4/5/0");
-    EXPECT_EQ(told(),
-              "exclamation: Error occured while comparing records.\\n\\nError 3021 (Either BOF or EOF "
-              "is True, or the current record has been deleted. Requested operation requires a "
-              "current record.); line 0.\\n\n"
-              "information: The comparison was broken off by an error.");
+    EXPECT_EQ(
+        told(),
+        "exclamation: Error occured while comparing records.\\n\\nError 3021 (Either BOF or EOF "
+        "is True, or the current record has been deleted. Requested operation requires a "
+        "current record.); line 0.\\n\n"
+        "information: The comparison was broken off by an error.");
 }
 
 TEST_P(CompareRecordsTest, SortKeysOrderBothTables) {
@@ -200,7 +207,8 @@ TEST_P(CompareRecordsTest, ServerSideCursorsGiveTheSame) {
     }
     globals().glngCursorLocation = adUseServer;
     byKey(QStringLiteral("Id"));
-    const std::string byKeyWanted = "different 3000/3010/11\nS 1|2501|*v2501\nT 1|2501|*other\n- 1|3001|";
+    const std::string byKeyWanted =
+        "different 3000/3010/11\nS 1|2501|*v2501\nT 1|2501|*other\n- 1|3001|";
     EXPECT_EQ(compared().substr(0, byKeyWanted.size()), byKeyWanted);
     EXPECT_EQ(globals().glngCursorLocation, adUseServer);
 }
@@ -236,7 +244,8 @@ TEST_P(CompareRecordsTest, ATableThatGoesAwayIsTold) {
     EXPECT_EQ(compared(), "failed 2/2/0");
     const std::string text = told();
     EXPECT_NE(text.find("screen frmErrorReport"), std::string::npos) << text;
-    EXPECT_NE(text.find("information: The comparison was broken off by an error."), std::string::npos)
+    EXPECT_NE(text.find("information: The comparison was broken off by an error."),
+              std::string::npos)
         << text;
     // And one that was never there, before anything is read.
     shell.onPump = nullptr;
@@ -362,7 +371,8 @@ TEST_P(CompareRecordsTest, AConnectionLostInTheMiddleIsTold) {
         EXPECT_EQ(note.toStdString(),
                   "The comparison was broken off by an error: differences up to there are shown");
         const std::string text = told();
-        EXPECT_EQ(text.find("exclamation: Error occured while comparing records.\\n\\nError "), 0U) << text;
+        EXPECT_EQ(text.find("exclamation: Error occured while comparing records.\\n\\nError "), 0U)
+            << text;
         // The next run has a connection of its own.
         served.endpoint().setFaults({});
         onDifferences = nullptr;
@@ -371,8 +381,8 @@ TEST_P(CompareRecordsTest, AConnectionLostInTheMiddleIsTold) {
     }
 }
 
-// A server that stops answering in the middle of its rows: the screen lives, Stop ends the run at once,
-// and the rows that never come hold nothing up.
+// A server that stops answering in the middle of its rows: the screen lives, Stop ends the run at
+// once, and the rows that never come hold nothing up.
 TEST_P(CompareRecordsTest, StopEndsTheWaitForRows) {
     if (GetParam() != Road::Odbc) GTEST_SKIP() << "the embedded server doesn't stall";
     loadRows(rows(1, 9000), rows(1, 9000));
@@ -442,7 +452,9 @@ TEST_P(CompareRecordsTest, TextsOfMegabytesAreComparedAndShown) {
     const auto rowsOf = [&](const QString& last) {
         QString sql = table;
         for (int i = 1; i <= 4; ++i)
-            sql += QStringLiteral("INSERT INTO T VALUES (%1, N'%2')\nGO\n").arg(i).arg(i == 3 ? large + last : large);
+            sql += QStringLiteral("INSERT INTO T VALUES (%1, N'%2')\nGO\n")
+                       .arg(i)
+                       .arg(i == 3 ? large + last : large);
         return sql;
     };
     load(rowsOf(QStringLiteral("a")), rowsOf(QStringLiteral("b")));
@@ -454,7 +466,8 @@ TEST_P(CompareRecordsTest, TextsOfMegabytesAreComparedAndShown) {
     }
 }
 
-/// The comparison by key told once more, in the plainest way: search from the first row on, each time.
+/// The comparison by key told once more, in the plainest way: search from the first row on, each
+/// time.
 struct PlainWalk {
     using Row = std::pair<int, QString>;
     int differences = 0;
@@ -467,8 +480,9 @@ struct PlainWalk {
         size_t next = 0;
         for (; next < source.size() && !target.empty(); ++next) {
             const Row& row = source[next];
-            const auto found = std::find_if(target.begin(), target.end(),
-                                            [&](const Row& other) { return other.first == row.first; });
+            const auto found = std::find_if(target.begin(), target.end(), [&](const Row& other) {
+                return other.first == row.first;
+            });
             if (found == target.end()) {
                 ++differences;
                 grid.resize(differences);
@@ -484,14 +498,17 @@ struct PlainWalk {
         }
         ++next;
         differences += std::abs(int(source.size()) - count2);
-        const auto addRest = [&](const std::vector<Row>& rows, size_t at, int from, int to, const char* mark) {
+        const auto addRest = [&](const std::vector<Row>& rows, size_t at, int from, int to,
+                                 const char* mark) {
             const int first = int(grid.size()) + 1;
             const int wanted = std::min(first + to - from + 1, limit + 1);
             grid.resize(wanted - 1);
-            for (int i = from, last = first; i <= to && at < rows.size() && last < wanted; ++i, ++at, ++last)
+            for (int i = from, last = first; i <= to && at < rows.size() && last < wanted;
+                 ++i, ++at, ++last)
                 grid[last - 1] = line(mark, i, rows[at], false);
         };
-        if (count2 > matched) addRest(target, 0, 1, count2 - matched, "-");
+        if (count2 > matched)
+            addRest(target, 0, 1, count2 - matched, "-");
         else if (int(source.size()) > count2)
             addRest(source, next, least + 1, int(source.size()), "+");
     }
@@ -504,9 +521,9 @@ struct PlainWalk {
     }
 };
 
-// Large enough that the Target isn't read at once, in the same order, in another, in none and backwards
-// (when most of its rows are kept packed), with keys that come several times and rows that either side
-// lacks.
+// Large enough that the Target isn't read at once, in the same order, in another, in none and
+// backwards (when most of its rows are kept packed), with keys that come several times and rows
+// that either side lacks.
 TEST_P(CompareRecordsTest, WhatAnIndexFindsIsWhatASearchFinds) {
     std::mt19937 random(11);
     constexpr int Backwards = 1000;
@@ -519,7 +536,8 @@ TEST_P(CompareRecordsTest, WhatAnIndexFindsIsWhatASearchFinds) {
                 const QString value = QStringLiteral("v%1").arg(i % 17);
                 if (random() % 300 != 0) tables[0].emplace_back(key, value);
                 if (random() % 300 != 0)
-                    tables[1].emplace_back(key, random() % 100 == 0 ? QStringLiteral("other") : value);
+                    tables[1].emplace_back(key,
+                                           random() % 100 == 0 ? QStringLiteral("other") : value);
             }
             // Some rows far from their places, or all anywhere.
             if (disorder == Backwards) std::reverse(tables[1].begin(), tables[1].end());
@@ -539,11 +557,15 @@ TEST_P(CompareRecordsTest, WhatAnIndexFindsIsWhatASearchFinds) {
                 const std::string shown = compared();
                 EXPECT_EQ(result.Differences, plain.differences) << disorder << ' ' << repeated;
                 const QStringList lines = grid.split(u'\n');
-                ASSERT_EQ(lines.size(), plain.grid.size()) << disorder << ' ' << repeated << ' ' << limit;
+                ASSERT_EQ(lines.size(), plain.grid.size())
+                    << disorder << ' ' << repeated << ' ' << limit;
                 for (qsizetype i = 0; i < lines.size(); ++i) {
                     // The red of a pair that was written over stays; it is looked at elsewhere.
-                    const auto plainLine = [](QString text) { return text.remove(u'*').toStdString(); };
-                    ASSERT_EQ(plainLine(lines[i]), plainLine(plain.grid[i])) << i << ' ' << disorder;
+                    const auto plainLine = [](QString text) {
+                        return text.remove(u'*').toStdString();
+                    };
+                    ASSERT_EQ(plainLine(lines[i]), plainLine(plain.grid[i]))
+                        << i << ' ' << disorder;
                 }
             }
         }

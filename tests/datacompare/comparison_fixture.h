@@ -44,8 +44,8 @@ class DataComparison : public ::testing::TestWithParam<Road>, public DataCompari
     }
     void useTable(const QString& table) {
         for (size_t side = 0; side < 2; ++side) {
-            run.Tables[side] = {served.server(), side ? QStringLiteral("Tgt") : QStringLiteral("Src"),
-                                table, 0};
+            run.Tables[side] = {served.server(),
+                                side ? QStringLiteral("Tgt") : QStringLiteral("Src"), table, 0};
             globals().gtCurrentServers[side] = served.server();
         }
         shell.takeLines();
@@ -70,11 +70,11 @@ class DataComparison : public ::testing::TestWithParam<Road>, public DataCompari
         result = ExecuteDataComparison(run, this);
         static const char* const names[] = {"not run", "cancelled", "identical", "different",
                                             "failed"};
-        QString text = QString::fromLatin1(names[int(result.Outcome)]) +
-                       QStringLiteral(" %1/%2/%3")
-                           .arg(result.Records1)
-                           .arg(result.Records2)
-                           .arg(result.Differences);
+        QString text =
+            QString::fromLatin1(names[int(result.Outcome)]) + QStringLiteral(" %1/%2/%3")
+                                                                  .arg(result.Records1)
+                                                                  .arg(result.Records2)
+                                                                  .arg(result.Differences);
         if (!grid.isEmpty()) text += u'\n' + grid;
         return text.toStdString();
     }

@@ -188,8 +188,13 @@ TEST_P(DataFaults, OfAllTablesNeverMakeAVerdict) {
 // one isn't held back.
 TEST_P(DataFaults, GivingUpWithinARunMakesNoVerdict) {
     const std::function<QString()> runs[] = {
-        [&] { return table(QStringLiteral("Same"), QStringLiteral("dbo"), CompMethod::PrimaryKey); },
-        [&] { return table(QStringLiteral("Other"), QStringLiteral("dbo"), CompMethod::RecordByRecord); },
+        [&] {
+            return table(QStringLiteral("Same"), QStringLiteral("dbo"), CompMethod::PrimaryKey);
+        },
+        [&] {
+            return table(QStringLiteral("Other"), QStringLiteral("dbo"),
+                         CompMethod::RecordByRecord);
+        },
         [&] { return all(); }};
     for (const auto& run : runs) {
         shell.giveUpAt = shell.queries = 0;

@@ -75,8 +75,9 @@ TEST_P(IgnoreColumns, AreMarkedPerPurpose) {
         ASSERT_TRUE(ini.open(QIODevice::ReadOnly)) << row.file;
         EXPECT_TRUE(ini.readAll().contains("0=Born")) << row.file;
     }
-    EXPECT_EQ(told(), "screen frmIgnoreColumnsAdd\nscreen frmIgnoreColumnsAdd\nscreen "
-                      "frmIgnoreColumnsAdd");
+    EXPECT_EQ(told(),
+              "screen frmIgnoreColumnsAdd\nscreen frmIgnoreColumnsAdd\nscreen "
+              "frmIgnoreColumnsAdd");
     for (const qint32 mode : {0, 4, -1}) {
         EXPECT_FALSE(add(mode, QStringLiteral("T"), [](auto&) {}));
         EXPECT_EQ(told(), "information: menmMode not set");

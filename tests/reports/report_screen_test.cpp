@@ -111,7 +111,8 @@ struct Recorder : ProcessRecorder {
 
 const char* const PrintNoted =
     "information: Printing info was added to the saved comparison process:\\n\\n\t- process name:\t"
-    "'P'\\n\\nNext time when this process is run, the program will automatically print final report "
+    "'P'\\n\\nNext time when this process is run, the program will automatically print final "
+    "report "
     "on the default printer.";
 
 TEST_F(Reports, OnlyTheFirstExportOrPrintBehindASaveIsKept) {
@@ -164,7 +165,8 @@ TEST_F(Reports, OfAReplayExportAndPrintByThemselves) {
     const struct {
         const char* path;
         bool print, autoClose;
-    } rows[] = {{"a.txt", true, true}, {"b.txt", false, false}, {"", true, false}, {"", false, true}};
+    } rows[] = {
+        {"a.txt", true, true}, {"b.txt", false, false}, {"", true, false}, {"", false, true}};
     for (const auto& row : rows) {
         globals().gblnAutoClose = row.autoClose;
         shell.onScreen = [&](Screen& screen) {
@@ -259,9 +261,9 @@ TEST_F(Reports, ATextIsSavedOrTheReasonTold) {
         shell.savePaths.clear();
         if (*row.answer) shell.savePaths = {home.path(QString::fromLatin1(row.answer))};
         QString path;
-        EXPECT_EQ(CopyToFile(QString::fromLatin1(row.text), QString::fromLatin1(row.defaultName),
-                             path),
-                  row.saved)
+        EXPECT_EQ(
+            CopyToFile(QString::fromLatin1(row.text), QString::fromLatin1(row.defaultName), path),
+            row.saved)
             << row.name;
         const QStringList said = shell.takeLines();
         if (!*row.proposed) {

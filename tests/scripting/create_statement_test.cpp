@@ -119,7 +119,8 @@ TEST_P(CreateStatements, AnObjectWithoutATextHasNoStatementThatWouldDropIt) {
 TEST_P(CreateStatements, NamesAreQuotedWhereTheyStand) {
     served.load(db, QStringLiteral("CREATE TABLE dbo.[O'Brien.[x]]] (A int NOT NULL)"));
     const QString text = statement(ObjectType::Table, "O'Brien.[x]");
-    EXPECT_TRUE(text.contains(QStringLiteral("object_id('[dbo].[O''Brien.[x]]]')"))) << text.toStdString();
+    EXPECT_TRUE(text.contains(QStringLiteral("object_id('[dbo].[O''Brien.[x]]]')")))
+        << text.toStdString();
     EXPECT_TRUE(text.contains(QStringLiteral("CREATE TABLE [dbo].[O'Brien.[x]]] (")));
 }
 

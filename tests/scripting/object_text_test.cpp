@@ -68,8 +68,7 @@ TEST_P(ObjectTextTest, SourcesComeTrimmedAndOtherwiseAsStored) {
     const auto named = [](const char* name) {
         return objectNamed(QLatin1String(name), ObjectType::Procedure);
     };
-    EXPECT_EQ(GetObjectTextOnConnection(connection, server, named("p_One"), db),
-              procedure);
+    EXPECT_EQ(GetObjectTextOnConnection(connection, server, named("p_One"), db), procedure);
     EXPECT_EQ(GetObjectTextOnConnection(connection, server, named("t"), db),
               QStringLiteral("CREATE TRIGGER dbo.t ON dbo.Parent FOR INSERT AS RETURN"));
 }
@@ -157,11 +156,13 @@ TEST_P(ObjectTextTest, ATextThatCantBeReadEmptiesThePaneAndSaysSo) {
         UpdateProcedureTextBox(server, pane, list, ObjectType::Procedure, db, {}, 0, SourcePanel);
     }
     const QString sentence = server.Name + QStringLiteral(
-        ".Objects: The text of p_Secret can't be read: it is encrypted, hidden from this login, or "
-        "the object is gone.");
+                                               ".Objects: The text of p_Secret can't be read: it "
+                                               "is encrypted, hidden from this login, or "
+                                               "the object is gone.");
     EXPECT_EQ(pane.text(), QString());
     EXPECT_EQ(pane.Trouble, sentence);
-    EXPECT_EQ(shell.takeLines().join(u'|'), QStringLiteral("exclamation [Cannot Show Text]: ") + sentence);
+    EXPECT_EQ(shell.takeLines().join(u'|'),
+              QStringLiteral("exclamation [Cannot Show Text]: ") + sentence);
     ASSERT_EQ(account.entries().size(), 1u);
     EXPECT_TRUE(account.entries()[0].refused);
 
@@ -172,8 +173,8 @@ TEST_P(ObjectTextTest, ATextThatCantBeReadEmptiesThePaneAndSaysSo) {
     EXPECT_TRUE(pane.Trouble.isEmpty());
 
     // An id that no longer stands for anything, of each kind.
-    for (const ObjectType type : {ObjectType::View, ObjectType::Table, ObjectType::Relationship,
-                                  ObjectType::Constraint}) {
+    for (const ObjectType type :
+         {ObjectType::View, ObjectType::Table, ObjectType::Relationship, ObjectType::Constraint}) {
         pane.setText(QStringLiteral("left over"));
         UpdateProcedureTextBox(server, pane, list, type, db, QStringLiteral("missing"), 1,
                                SourcePanel);

@@ -291,12 +291,12 @@ CREATE TABLE D (A varchar(5) CONSTRAINT DF_A DEFAULT '', B varchar(5) CONSTRAINT
 }
 
 TEST_P(TableText, DefaultsKeepLettersBeyondLatin) {
-    load(QStringLiteral("CREATE TABLE D (A nvarchar(9) NULL CONSTRAINT DF_A DEFAULT N'\u0416\u4E2D'"
-                        ", B nvarchar(9) NULL CONSTRAINT [DF_\u03A9] DEFAULT N'a\U0001F600')"));
-    EXPECT_EQ(
-        lines(structure(QStringLiteral("D")).structureText).toStdString(),
-        "[A] [nvarchar] (9) NULL CONSTRAINT [DF_A] DEFAULT (N'\u0416\u4E2D')$\n"
-        "[B] [nvarchar] (9) NULL CONSTRAINT [DF_\u03A9] DEFAULT (N'a\U0001F600')");
+    load(
+        QStringLiteral("CREATE TABLE D (A nvarchar(9) NULL CONSTRAINT DF_A DEFAULT N'\u0416\u4E2D'"
+                       ", B nvarchar(9) NULL CONSTRAINT [DF_\u03A9] DEFAULT N'a\U0001F600')"));
+    EXPECT_EQ(lines(structure(QStringLiteral("D")).structureText).toStdString(),
+              "[A] [nvarchar] (9) NULL CONSTRAINT [DF_A] DEFAULT (N'\u0416\u4E2D')$\n"
+              "[B] [nvarchar] (9) NULL CONSTRAINT [DF_\u03A9] DEFAULT (N'a\U0001F600')");
     const QString text = GetTableConstraints(server, QStringLiteral("D"), db);
     EXPECT_TRUE(text.contains(QStringLiteral("\u0416\u4E2D"))) << text.toStdString();
     EXPECT_TRUE(text.contains(QStringLiteral("[DF_\u03A9]"))) << text.toStdString();

@@ -53,20 +53,21 @@ void ModalUser::look() {
         handled_ = nullptr;
         return;
     }
-    // Not from here: a timer doesn't fire again while its slot runs, and the action may raise boxes.
-    QTimer::singleShot(0, this, [this, modal = QPointer<QWidget>(modal),
-                                 action = std::move(actions_.front())] {
-        if (!modal) {
-            // A screen that went by itself: the action is for the one behind it.
-            actions_.push_front(action);
-            handled_ = nullptr;
-            return;
-        }
-        acting_.push_back(modal);
-        action(modal);
-        acting_.pop_back();
-        if (QApplication::activeModalWidget() != modal) handled_ = nullptr;
-    });
+    // Not from here: a timer doesn't fire again while its slot runs, and the action may raise
+    // boxes.
+    QTimer::singleShot(
+        0, this, [this, modal = QPointer<QWidget>(modal), action = std::move(actions_.front())] {
+            if (!modal) {
+                // A screen that went by itself: the action is for the one behind it.
+                actions_.push_front(action);
+                handled_ = nullptr;
+                return;
+            }
+            acting_.push_back(modal);
+            action(modal);
+            acting_.pop_back();
+            if (QApplication::activeModalWidget() != modal) handled_ = nullptr;
+        });
     actions_.pop_front();
 }
 

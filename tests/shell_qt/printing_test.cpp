@@ -70,7 +70,8 @@ TEST(Printing, APathThatCannotBeWrittenIsToldAndThePreviewStays) {
         EXPECT_TRUE(screen->isVisible());
         static_cast<QDialog*>(screen)->reject();
     });
-    EXPECT_FALSE(qt::printText(QStringLiteral("text"), QStringLiteral("Zovrand Report"), false, nullptr));
+    EXPECT_FALSE(
+        qt::printText(QStringLiteral("text"), QStringLiteral("Zovrand Report"), false, nullptr));
     const QString box = desktop.user.takeSeen().value(0);
     EXPECT_TRUE(box.startsWith(QStringLiteral("The file '%1' can't be written").arg(folder)))
         << box.toStdString();
@@ -84,7 +85,8 @@ TEST(Printing, WithoutAPrinterTheUserIsToldWhatElseToDo) {
         EXPECT_TRUE(screen->isVisible());
         static_cast<QDialog*>(screen)->reject();
     });
-    EXPECT_FALSE(qt::printText(QStringLiteral("text"), QStringLiteral("Zovrand Report"), false, nullptr));
+    EXPECT_FALSE(
+        qt::printText(QStringLiteral("text"), QStringLiteral("Zovrand Report"), false, nullptr));
     EXPECT_EQ(
         desktop.user.takeSeen(),
         QStringList(QStringLiteral(

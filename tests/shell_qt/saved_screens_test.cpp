@@ -185,9 +185,8 @@ TEST(SavedScreens, ARunFromTheCommandLineClosesTheProgramBehindItself) {
     ASSERT_TRUE(SaveComparisonProcess(process));
     globals().glngSavedProcessId = GetSavedProcessId(process.Name);
     // The screen of the run goes by itself; nobody has to do anything.
-    desktop.user.plan([](QWidget* screen) {
-        EXPECT_EQ(screen->objectName(), u"frmCompareAllTables");
-    });
+    desktop.user.plan(
+        [](QWidget* screen) { EXPECT_EQ(screen->objectName(), u"frmCompareAllTables"); });
     desktop.show(false);
     EXPECT_TRUE(test::waitUntil([&] { return !desktop.window().isVisible(); }));
     EXPECT_EQ(desktop.user.takeSeen(), QStringList());

@@ -1,10 +1,10 @@
 // One pair of objects: the sentence, the notes and the marks for each type and
 // setting, on texts that come from real databases.
+#include "structcompare/pair_comparison.h"
 #include "core/modIgnoreColumns.h"
 #include "scripting/modNew.h"
 #include "shell/memory_controls.h"
 #include "structcompare/modMarkDifferences.h"
-#include "structcompare/pair_comparison.h"
 #include "support/recording_shell.h"
 #include "support/served_database.h"
 #include "support/temp_home.h"
@@ -115,7 +115,9 @@ class PairComparison : public ::testing::TestWithParam<Road> {
                              server.Name + QStringLiteral(".Tgt.") + window.pair.targetObject +
                              QStringLiteral("\r\n\r\n");
         EXPECT_TRUE(report.startsWith(head)) << report.toStdString();
-        return report.mid(head.size()).replace(QStringLiteral("\r\n"), QStringLiteral("|")).toStdString();
+        return report.mid(head.size())
+            .replace(QStringLiteral("\r\n"), QStringLiteral("|"))
+            .toStdString();
     }
     std::string marks() {
         QStringList sides;
@@ -140,8 +142,7 @@ INSTANTIATE_TEST_SUITE_P(Roads, PairComparison, ::testing::Values(Road::Embedded
                          test::roadName);
 
 const char* const OrderNote = "||Please note that option 'Ignore Columns Order' is set ON.";
-const char* const ColumnsNote =
-    "||Please note that some columns were ignored during comparison.";
+const char* const ColumnsNote = "||Please note that some columns were ignored during comparison.";
 
 TEST_P(PairComparison, TellsTheVerdictForEachTypeAndSetting) {
     enum Setting { Defaults, OrderCounts, WhiteSpaceCounts, CaseIgnored, BlanksAndCase };
@@ -163,7 +164,8 @@ TEST_P(PairComparison, TellsTheVerdictForEachTypeAndSetting) {
         {ObjectType::Procedure, "Spaced", WhiteSpaceCounts, "procedures", false, "20/20"},
         {ObjectType::Procedure, "Cased", Defaults, "procedures", false, "20/20"},
         {ObjectType::Procedure, "Cased", CaseIgnored, "procedures", true, "/"},
-        // Without the white space test only the owner test, which procedures alone have, folds case.
+        // Without the white space test only the owner test, which procedures alone have, folds
+        // case.
         {ObjectType::Procedure, "Cased", BlanksAndCase, "procedures", true, "/"},
         {ObjectType::Function, "CasedF", BlanksAndCase, "functions", false, "20/20"},
         {ObjectType::Function, "CasedF", CaseIgnored, "functions", true, "/"},
@@ -199,10 +201,10 @@ TEST_P(PairComparison, TellsTheVerdictForEachTypeAndSetting) {
 
 TEST_P(PairComparison, IgnoredColumnsDontCountButStandInThePanes) {
     const auto ignore = [&](const char* db, const char* table, const QStringList& columns) {
-        SaveIgnoredColumnsList(IgnoreMode::StructureComparison,
-                               GetObjectKeyName(server.Name, QString::fromLatin1(db),
-                                                QString::fromLatin1(table)),
-                               columns);
+        SaveIgnoredColumnsList(
+            IgnoreMode::StructureComparison,
+            GetObjectKeyName(server.Name, QString::fromLatin1(db), QString::fromLatin1(table)),
+            columns);
     };
     const QString stamped = QStringLiteral("Stamped");
     EXPECT_FALSE(compare(ObjectType::Table, stamped));
@@ -228,10 +230,10 @@ TEST_P(PairComparison, IgnoredColumnsDontCountButStandInThePanes) {
     EXPECT_EQ(verdict(), std::string("The selected tables are identical.") + ColumnsNote);
     EXPECT_TRUE(compare(ObjectType::Table, QStringLiteral("hr.Twice")));
     EXPECT_EQ(verdict(), "The selected tables are identical.");
-    SaveIgnoredColumnsList(IgnoreMode::DataComparison,
-                           GetObjectKeyName(server.Name, QStringLiteral("Src"),
-                                            QStringLiteral("Type")),
-                           {QStringLiteral("A")});
+    SaveIgnoredColumnsList(
+        IgnoreMode::DataComparison,
+        GetObjectKeyName(server.Name, QStringLiteral("Src"), QStringLiteral("Type")),
+        {QStringLiteral("A")});
     EXPECT_FALSE(compare(ObjectType::Table, QStringLiteral("Type")));
 }
 
@@ -254,10 +256,10 @@ TEST_P(PairComparison, SectionsAreComparedUntrimmedAndThePanesStillCount) {
     EXPECT_TRUE(sections("this", "that"));
     verdict();
     // A table with ignored columns is taken as a whole.
-    SaveIgnoredColumnsList(IgnoreMode::StructureComparison,
-                           GetObjectKeyName(server.Name, QStringLiteral("Src"),
-                                            QStringLiteral("Same")),
-                           {QStringLiteral("B")});
+    SaveIgnoredColumnsList(
+        IgnoreMode::StructureComparison,
+        GetObjectKeyName(server.Name, QStringLiteral("Src"), QStringLiteral("Same")),
+        {QStringLiteral("B")});
     compare(ObjectType::Table, QStringLiteral("Same"));
     window.reports.clear();
     EXPECT_TRUE(sections("nothing like it", "[A] [int] NULL"));

@@ -51,14 +51,19 @@ TEST_P(ObjectChoice, ASearchListsWhatBeginsWithTheLetters) {
         const char* text;
         const char* found;
     } rows[] = {
-        {"Or", "dbo.Orders|hr.Orders"}, {"par", "Parts"},  {"P%s", "Parts"},
-        {"x", ""},                      {"arts", ""},      {"Fresh", ""},
+        {"Or", "dbo.Orders|hr.Orders"},
+        {"par", "Parts"},
+        {"P%s", "Parts"},
+        {"x", ""},
+        {"arts", ""},
+        {"Fresh", ""},
     };
     search([&](frmSearchForObject_Gen& form) {
         EXPECT_EQ(form.caption(), u"Find Table");
-        EXPECT_EQ(form.lblInfo.toStdString(),
-                  "Type the first letters of the name of the Table you want to search for and click "
-                  "button 'Search' (or press Enter).");
+        EXPECT_EQ(
+            form.lblInfo.toStdString(),
+            "Type the first letters of the name of the Table you want to search for and click "
+            "button 'Search' (or press Enter).");
         for (const auto& row : rows) {
             form.txtFind = QString::fromLatin1(row.text);
             form.cmdFind_Click();

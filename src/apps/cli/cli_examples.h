@@ -47,7 +47,8 @@ inline constexpr const char* TextExamples = R"(Examples:
   zovrand-cli text -S local:shop -d Shop -t table "Order Details"
   zovrand-cli text -S local:shop -d Shop -t procedure sales.GetOrders)";
 
-inline constexpr const char* ReferencesExamples = R"(One line each, with the line in the object's text:
+inline constexpr const char* ReferencesExamples =
+    R"(One line each, with the line in the object's text:
   procedure dbo.GetOrders:12: table or view dbo.OldOrders can't be found
 What can't be known counts as there: other databases, statements in texts, columns of temporary
 tables and of what the object makes itself.

@@ -1,7 +1,7 @@
 #include "apps/cli/data_notes.h"
 
-#include "datacompare/table_reading.h"
 #include "datacompare/key_lookup.h"
+#include "datacompare/table_reading.h"
 #include "shell/console/console_shell.h"
 #include "util/text.h"
 

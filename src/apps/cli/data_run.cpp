@@ -3,8 +3,8 @@
 #include "core/globals.h"
 #include "core/modIgnoreColumns.h"
 #include "core/run_account.h"
-#include "datacompare/table_reading.h"
 #include "datacompare/frmCompareDataOptions.h"
+#include "datacompare/table_reading.h"
 #include "util/atomic_file.h"
 #include "util/text.h"
 

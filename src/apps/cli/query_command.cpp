@@ -49,8 +49,10 @@ void writeRows(ResultStream& stream) {
             for (int i = 0; i < rows.columnCount(); ++i) {
                 if (i > 0) line += u'\t';
                 const CellView cell = rows.cell(row, i);
-                if (cell.isNull) line += QStringLiteral("Null");
-                else appendEscaped(line, cellText(cell));
+                if (cell.isNull)
+                    line += QStringLiteral("Null");
+                else
+                    appendEscaped(line, cellText(cell));
             }
             writeOut(line + u'\n');
         }

@@ -7,7 +7,7 @@ using enum CommandMenu;
 
 constexpr bool Submenu = true;
 constexpr bool Built = true;
-constexpr bool Line = true;    // a separator above
+constexpr bool Line = true;  // a separator above
 
 }  // namespace
 

@@ -50,9 +50,8 @@ inline constexpr int FindMissing = 520, MissingInSource = 521, MissingInTarget =
                      MissingInListedSource = 523, MissingInListedTarget = 524;
 inline constexpr int HelpIndex = 610, TipOfTheDay = 620, TechnicalSupport = 630, About = 660;
 inline constexpr int PaneRefresh = 700, ColorSchema = 710, Visualize = 720, IgnoreColumns = 730,
-                     HighlightedSections = 740, PaneCreate = 750, References = 760, MissingReferences = 765,
-                     Print = 770,
-                     PrintBoth = 780;
+                     HighlightedSections = 740, PaneCreate = 750, References = 760,
+                     MissingReferences = 765, Print = 770, PrintBoth = 780;
 inline constexpr int DebugCreateObjects = 801, DebugSchemaById = 802, DebugUpdateScript = 804,
                      DebugExecSp = 805, DebugAttach = 806, DebugListObjects = 808,
                      DebugStripComments = 809, DebugConstraints = 810, DebugIndexes = 811,

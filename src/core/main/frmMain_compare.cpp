@@ -104,9 +104,8 @@ bool frmMain::PrintStructure(int Index, bool silent, const QString& title) {
         return false;
     }
     const SelectedPair pair = GetNamesOfSelected();
-    return view_.printPane(Index, title,
-                           Index == SourcePanel ? pair.sourceFullName() : pair.targetFullName(),
-                           silent);
+    return view_.printPane(
+        Index, title, Index == SourcePanel ? pair.sourceFullName() : pair.targetFullName(), silent);
 }
 
 void frmMain::MenuPopUpPrint(int Index) {

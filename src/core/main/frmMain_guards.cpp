@@ -104,8 +104,8 @@ bool frmMain::CanCompare() {
     }
     // An object whose text can't be read is there; the comparison says what the matter is.
     const Panels& panels = view_.panels();
-    const bool troubled = !panels.source.txtTXProc.Trouble.isEmpty() ||
-                          !panels.target.txtTXProc.Trouble.isEmpty();
+    const bool troubled =
+        !panels.source.txtTXProc.Trouble.isEmpty() || !panels.target.txtTXProc.Trouble.isEmpty();
     if (!troubled && showsNothing(SourcePanel) && showsNothing(TargetPanel)) {
         tell(QStringLiteral("Cannot compare - the list of objects is empty."), title);
         return false;

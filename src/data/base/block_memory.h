@@ -19,9 +19,9 @@ void* resizeBlock(void* block, std::size_t oldBytes, std::size_t newBytes);
 /// `bytes`: the size of the last resizeBlock().
 void freeBlock(void* block, std::size_t bytes) noexcept;
 
-/// Has the processor fetch a line of memory that will be needed soon. A hint: whatever the address is,
-/// nothing but time changes. Functions that do nothing else must be inline, since GCC takes them for
-/// functions without an effect, and leaves calls of them out.
+/// Has the processor fetch a line of memory that will be needed soon. A hint: whatever the address
+/// is, nothing but time changes. Functions that do nothing else must be inline, since GCC takes
+/// them for functions without an effect, and leaves calls of them out.
 ZOV_ALWAYS_INLINE void prefetchMemory(const void* at) {
 #if defined(__GNUC__)
     __builtin_prefetch(at);

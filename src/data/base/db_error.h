@@ -11,7 +11,7 @@ namespace zov {
 
 /// Error numbers as ADO and its provider for SQL Server give them.
 namespace ado_error {
-inline constexpr qint32 Unspecified = qint32(0x80004005);   ///< also: server unreachable
+inline constexpr qint32 Unspecified = qint32(0x80004005);  ///< also: server unreachable
 inline constexpr qint32 PermissionDenied = qint32(0x80040E09);
 inline constexpr qint32 SyntaxError = qint32(0x80040E14);
 inline constexpr qint32 DeletedRow = qint32(0x80040E23);
@@ -38,10 +38,10 @@ struct DbError : NumberedError {
                number != ado_error::Cancelled && number != ado_error::LoginFailed;
     }
 
-    QString sqlState;     ///< five characters, empty when the provider has none
-    qint32 native;        ///< SQL Server's message number, 0 when unknown
-    int line = 0;         ///< line in the batch from 1, 0 when unknown
-    QString nearText;     ///< first words of the statement at fault, empty when unknown
+    QString sqlState;  ///< five characters, empty when the provider has none
+    qint32 native;     ///< SQL Server's message number, 0 when unknown
+    int line = 0;      ///< line in the batch from 1, 0 when unknown
+    QString nearText;  ///< first words of the statement at fault, empty when unknown
     bool connectionLost = false;
 };
 

@@ -141,17 +141,24 @@ Kind kindOf(const CellView& cell) {
         case Storage::Int8:
         case Storage::Int16:
         case Storage::Int32:
-        case Storage::Int64: return Kind::Integer;
-        case Storage::Scaled64: return Kind::Scaled;
+        case Storage::Int64:
+            return Kind::Integer;
+        case Storage::Scaled64:
+            return Kind::Scaled;
         case Storage::Float32:
-        case Storage::Float64: return Kind::Real;
+        case Storage::Float64:
+            return Kind::Real;
         case Storage::Ticks:
-        case Storage::TicksOffset: return Kind::Ticks;
-        default: return Kind::Other;
+        case Storage::TicksOffset:
+            return Kind::Ticks;
+        default:
+            return Kind::Other;
     }
 }
 
-bool isNumber(Kind kind) { return kind <= Kind::Real; }
+bool isNumber(Kind kind) {
+    return kind <= Kind::Real;
+}
 
 double asReal(const CellView& cell, Kind kind) {
     if (kind == Kind::Real) return cell.real;
@@ -231,7 +238,8 @@ bool parseIsoTicks(const char* text, qsizetype length, qint64& ticks, qint16& of
     }
     if (length < at + 8 || text[at + 2] != ':' || text[at + 5] != ':') return false;
     const int hour = two(at), minute = two(at + 3), second = two(at + 6);
-    if (hour < 0 || hour > 23 || minute < 0 || minute > 59 || second < 0 || second > 59) return false;
+    if (hour < 0 || hour > 23 || minute < 0 || minute > 59 || second < 0 || second > 59)
+        return false;
     total += ((hour * 60 + minute) * 60 + second) * TicksPerSecond;
     at += 8;
     if (at < length && text[at] == '.') {
@@ -264,11 +272,16 @@ void appendCellText(const CellView& cell, QString& to) {
             [[fallthrough]];
         case Storage::Int16:
         case Storage::Int32:
-        case Storage::Int64: return appendPadded(to, cell.integer, 1);
-        case Storage::Scaled64: return appendScaled(to, cell.integer, cell.column->scale);
-        case Storage::Float32: return appendReal(to, float(cell.real));
-        case Storage::Float64: return appendReal(to, cell.real);
-        case Storage::Ticks: return appendTicks(to, cell.integer, cell.column->type);
+        case Storage::Int64:
+            return appendPadded(to, cell.integer, 1);
+        case Storage::Scaled64:
+            return appendScaled(to, cell.integer, cell.column->scale);
+        case Storage::Float32:
+            return appendReal(to, float(cell.real));
+        case Storage::Float64:
+            return appendReal(to, cell.real);
+        case Storage::Ticks:
+            return appendTicks(to, cell.integer, cell.column->type);
         case Storage::TicksOffset: {
             appendTicks(to, cell.integer, cell.column->type);
             const int minutes = std::abs(int(cell.offsetMinutes));
@@ -277,8 +290,10 @@ void appendCellText(const CellView& cell, QString& to) {
             to += u':';
             return appendPadded(to, minutes % 60, 2);
         }
-        case Storage::Guid: return appendGuid(to, cell.bytes);
-        case Storage::Bytes: return appendHex(to, cell.bytes);
+        case Storage::Guid:
+            return appendGuid(to, cell.bytes);
+        case Storage::Bytes:
+            return appendHex(to, cell.bytes);
         case Storage::Text:
             if (isNumericType(cell.column->type)) return appendDecimalText(to, cell.text);
             to += cell.text;
@@ -292,8 +307,10 @@ QString cellText(const CellView& cell) {
 }
 
 void appendFieldText(const CellView& cell, QString& to) {
-    if (cell.isNull) to += u"Null";
-    else appendCellText(cell, to);
+    if (cell.isNull)
+        to += u"Null";
+    else
+        appendCellText(cell, to);
 }
 
 QString FieldText(const CellView& cell) {

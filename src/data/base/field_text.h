@@ -24,8 +24,10 @@ void appendFieldText(const CellView& cell, QString& to);
 /// Two cells by value: numbers across widths and scales, texts to the letter or ignoring case.
 /// Cells of kinds that have no common order are compared by their texts. Nulls sort first and are
 /// equal to each other.
-int compareCells(const CellView& a, const CellView& b, Qt::CaseSensitivity texts = Qt::CaseSensitive);
-inline bool equalCells(const CellView& a, const CellView& b, Qt::CaseSensitivity texts = Qt::CaseSensitive) {
+int compareCells(const CellView& a, const CellView& b,
+                 Qt::CaseSensitivity texts = Qt::CaseSensitive);
+inline bool equalCells(const CellView& a, const CellView& b,
+                       Qt::CaseSensitivity texts = Qt::CaseSensitive) {
     return compareCells(a, b, texts) == 0;
 }
 

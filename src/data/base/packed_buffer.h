@@ -21,7 +21,10 @@ class PackedBuffer {
     PackedBuffer(const PackedBuffer&) = delete;
     PackedBuffer& operator=(const PackedBuffer&) = delete;
     PackedBuffer(PackedBuffer&& other) noexcept { swap(other); }
-    PackedBuffer& operator=(PackedBuffer&& other) noexcept { swap(other); return *this; }
+    PackedBuffer& operator=(PackedBuffer&& other) noexcept {
+        swap(other);
+        return *this;
+    }
     ~PackedBuffer() { freeBlock(data_, size_t(capacity_) * sizeof(T)); }
 
     const T* data() const { return data_; }
@@ -73,8 +76,8 @@ void PackedBuffer<T>::shrinkToFit() {
     // Small slack is not worth a move.
     if (capacity_ - size_ < size_ / 64 + 1024) return;
     const qsizetype kept = size_ ? size_ : 1;
-    data_ =
-        static_cast<T*>(resizeBlock(data_, size_t(capacity_) * sizeof(T), size_t(kept) * sizeof(T)));
+    data_ = static_cast<T*>(
+        resizeBlock(data_, size_t(capacity_) * sizeof(T), size_t(kept) * sizeof(T)));
     capacity_ = kept;
 }
 

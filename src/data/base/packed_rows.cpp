@@ -12,7 +12,8 @@ constexpr quint32 Wide = 1u << 31;  // in a length: letters of 16 bits
 
 /// A loop of its own for each width, so that the copies are single instructions.
 template <int Width>
-void copyCells(const ColumnCells& cells, char* rows, const qint64* starts, qint64 first, qsizetype count) {
+void copyCells(const ColumnCells& cells, char* rows, const qint64* starts, qint64 first,
+               qsizetype count) {
     const char* from = cells.fixedCell(0);
     for (qsizetype row = 0; row < count; ++row, from += Width)
         std::memcpy(rows + (starts[row] - first), from, Width);
@@ -52,7 +53,8 @@ void PackedRows::append(const RowStore& rows) {
             for (qsizetype row = 0; row < count; ++row)
                 next_[size_t(row)] += cells.text(row).size() * unit;
         } else if (columns_[i].storage == Storage::Bytes) {
-            for (qsizetype row = 0; row < count; ++row) next_[size_t(row)] += cells.bytes(row).size();
+            for (qsizetype row = 0; row < count; ++row)
+                next_[size_t(row)] += cells.bytes(row).size();
         }
     }
     qint64* starts = starts_.extend(count) - 1;
@@ -68,12 +70,23 @@ void PackedRows::append(const RowStore& rows) {
         const ColumnCells& cells = rows.column(int(i));
         char* const cell = to + column.at;
         switch (column.width) {
-            case 1: copyCells<1>(cells, cell, starts, first, count); break;
-            case 2: copyCells<2>(cells, cell, starts, first, count); break;
-            case 4: copyCells<4>(cells, cell, starts, first, count); break;
-            case 8: copyCells<8>(cells, cell, starts, first, count); break;
-            case 16: copyCells<16>(cells, cell, starts, first, count); break;
-            default: break;
+            case 1:
+                copyCells<1>(cells, cell, starts, first, count);
+                break;
+            case 2:
+                copyCells<2>(cells, cell, starts, first, count);
+                break;
+            case 4:
+                copyCells<4>(cells, cell, starts, first, count);
+                break;
+            case 8:
+                copyCells<8>(cells, cell, starts, first, count);
+                break;
+            case 16:
+                copyCells<16>(cells, cell, starts, first, count);
+                break;
+            default:
+                break;
         }
         if (column.storage == Storage::Text) {
             for (qsizetype row = 0; row < count; ++row) {
@@ -81,8 +94,10 @@ void PackedRows::append(const RowStore& rows) {
                 const quint32 length = quint32(text.size()) | (column.isNarrow ? 0 : Wide);
                 std::memcpy(cell + (starts[row] - first), &length, LengthSize);
                 qint64& next = next_[size_t(row)];
-                if (column.isNarrow) narrowLetters(text.utf16(), text.size(), to + next);
-                else if (!text.isEmpty()) std::memcpy(to + next, text.utf16(), size_t(text.size()) * 2);
+                if (column.isNarrow)
+                    narrowLetters(text.utf16(), text.size(), to + next);
+                else if (!text.isEmpty())
+                    std::memcpy(to + next, text.utf16(), size_t(text.size()) * 2);
                 next += text.size() * (column.isNarrow ? 1 : 2);
             }
         } else if (column.storage == Storage::Bytes) {
@@ -137,11 +152,14 @@ void PackedRows::appendTo(qsizetype row, RowStore& rows) const {
     }
 }
 
-void PackedRows::prefetchStart(qsizetype row) const { prefetchMemory(starts_.data() + row); }
+void PackedRows::prefetchStart(qsizetype row) const {
+    prefetchMemory(starts_.data() + row);
+}
 
 void PackedRows::prefetch(qsizetype row) const {
     const qint64 size = std::min(starts_[row + 1] - starts_[row], PrefetchedBytes);
-    for (qint64 at = 0; at < size; at += CacheLine) prefetchMemory(bytes_.data() + starts_[row] + at);
+    for (qint64 at = 0; at < size; at += CacheLine)
+        prefetchMemory(bytes_.data() + starts_[row] + at);
     prefetchMemory(bytes_.data() + starts_[row] + size - 1);
 }
 

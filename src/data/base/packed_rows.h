@@ -22,14 +22,14 @@ class PackedRows {
     qsizetype reservedBytes() const { return bytes_.capacity() + starts_.capacity() * 8; }
 
  private:
-    // A row: its fixed cells and the lengths of its texts and binaries, by column, the offsets of its
-    // times with one behind these, a bit for each null, and the texts and binaries themselves. Texts
-    // of letters below 256 take a byte each.
+    // A row: its fixed cells and the lengths of its texts and binaries, by column, the offsets of
+    // its times with one behind these, a bit for each null, and the texts and binaries themselves.
+    // Texts of letters below 256 take a byte each.
     struct Column {
         Storage storage;
-        int width;          // 0: a text or binary
-        int at;             // of the cell, or of the length
-        int offsetAt = -1;  // of a time's offset
+        int width;              // 0: a text or binary
+        int at;                 // of the cell, or of the length
+        int offsetAt = -1;      // of a time's offset
         bool isNarrow = false;  // of the rows that are being appended
     };
     std::vector<Column> columns_;

@@ -37,12 +37,18 @@ ConnectionSpec ConnectionSpec::parse(const QString& connectionString) {
         const QString key = connectionString.mid(at, equals - at).trimmed().toLower();
         at = equals + 1;
         const QString value = takeValue(connectionString, at);
-        if (key == u"data source") spec.dataSource = value;
-        else if (key == u"initial catalog") spec.database = value;
-        else if (key == u"user id") spec.user = value;
-        else if (key == u"password") spec.password = value;
-        else if (key == u"integrated security") spec.integratedSecurity = value.compare(u"SSPI", Qt::CaseInsensitive) == 0;
-        else if (key == u"connect timeout") spec.connectTimeout = value.toInt();
+        if (key == u"data source")
+            spec.dataSource = value;
+        else if (key == u"initial catalog")
+            spec.database = value;
+        else if (key == u"user id")
+            spec.user = value;
+        else if (key == u"password")
+            spec.password = value;
+        else if (key == u"integrated security")
+            spec.integratedSecurity = value.compare(u"SSPI", Qt::CaseInsensitive) == 0;
+        else if (key == u"connect timeout")
+            spec.connectTimeout = value.toInt();
     }
     return spec;
 }

@@ -17,22 +17,22 @@ namespace zov {
 /// The parts of a connection string that a provider looks at.
 struct ConnectionSpec {
     QString dataSource;
-    QString database;        ///< empty: the login's default database
+    QString database;  ///< empty: the login's default database
     bool integratedSecurity = false;
     QString user;
     QString password;
-    int connectTimeout = 15; ///< seconds, 0 without limit
+    int connectTimeout = 15;  ///< seconds, 0 without limit
 
-    /// Reads "Data Source=...;Initial Catalog=...;User ID=...;Password=...;Integrated Security=SSPI";
-    /// keys in any case, unknown keys ignored, the last of a repeated key counts. A value runs to the
-    /// next ";" unless it is quoted with ' or " (doubled inside).
+    /// Reads "Data Source=...;Initial Catalog=...;User ID=...;Password=...;Integrated
+    /// Security=SSPI"; keys in any case, unknown keys ignored, the last of a repeated key counts. A
+    /// value runs to the next ";" unless it is quoted with ' or " (doubled inside).
     static ConnectionSpec parse(const QString& connectionString);
 };
 
 /// A parameter of a command; directions as ADO's: 1 input, 3 input and output, 4 return value.
 struct CommandParameter {
     QString name;
-    int type = 0;            ///< ADO: 3 integer, 5 double, 7 date, 11 boolean, 202 text
+    int type = 0;  ///< ADO: 3 integer, 5 double, 7 date, 11 boolean, 202 text
     int direction = 1;
     int size = 0;
     QVariant value;
@@ -40,8 +40,8 @@ struct CommandParameter {
 
 struct CommandSpec {
     QString text;
-    bool storedProcedure = false;     ///< `text` is a procedure's name
-    int timeout = 30;                 ///< seconds, 0 without limit
+    bool storedProcedure = false;  ///< `text` is a procedure's name
+    int timeout = 30;              ///< seconds, 0 without limit
     /// The "Return" parameter is not among them; see ResultStream::returnValue.
     std::vector<CommandParameter> parameters;
 };
@@ -71,7 +71,10 @@ class ResultStream {
     /// The procedure's return value and output parameters in the order given; complete once
     /// nextResult() gave false.
     virtual qint32 returnValue() const { return 0; }
-    virtual QVariant outputValue(int parameterIndex) const { Q_UNUSED(parameterIndex); return {}; }
+    virtual QVariant outputValue(int parameterIndex) const {
+        Q_UNUSED(parameterIndex);
+        return {};
+    }
     virtual void close() = 0;
 };
 
@@ -79,8 +82,8 @@ class ProviderConnection {
  public:
     virtual ~ProviderConnection() = default;
 
-    /// Runs a command. Only one stream of a connection is open at a time: the caller has finished or
-    /// closed the one before.
+    /// Runs a command. Only one stream of a connection is open at a time: the caller has finished
+    /// or closed the one before.
     virtual std::unique_ptr<ResultStream> execute(const CommandSpec& command) = 0;
     /// Stops the running command. May be called from another thread; the call that is stopped
     /// throws ado_error::Cancelled.
@@ -88,8 +91,9 @@ class ProviderConnection {
     virtual std::vector<ServerMessage> takeMessages() = 0;
     virtual void close() = 0;
 
-    // Loading scripts. A provider that can undo a whole load says so by returning true; with one that
-    // can't (a SQL Server runs CREATE DATABASE outside of transactions) each batch stands by itself.
+    // Loading scripts. A provider that can undo a whole load says so by returning true; with one
+    // that can't (a SQL Server runs CREATE DATABASE outside of transactions) each batch stands by
+    // itself.
     virtual bool beginLoad() { return false; }
     virtual void commitLoad() {}
     virtual void rollbackLoad() {}
@@ -99,7 +103,8 @@ class Provider {
  public:
     virtual ~Provider() = default;
     /// Connects and logs in. `createDatabase`: a database that doesn't exist is made first.
-    virtual std::unique_ptr<ProviderConnection> open(const ConnectionSpec& spec, bool createDatabase) = 0;
+    virtual std::unique_ptr<ProviderConnection> open(const ConnectionSpec& spec,
+                                                     bool createDatabase) = 0;
 };
 
 }  // namespace zov

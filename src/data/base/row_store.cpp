@@ -12,18 +12,24 @@ namespace {
 
 int widthOf(Storage storage) {
     switch (storage) {
-        case Storage::Int8: return 1;
-        case Storage::Int16: return 2;
+        case Storage::Int8:
+            return 1;
+        case Storage::Int16:
+            return 2;
         case Storage::Int32:
-        case Storage::Float32: return 4;
+        case Storage::Float32:
+            return 4;
         case Storage::Int64:
         case Storage::Float64:
         case Storage::Scaled64:
         case Storage::Ticks:
-        case Storage::TicksOffset: return 8;
-        case Storage::Guid: return 16;
+        case Storage::TicksOffset:
+            return 8;
+        case Storage::Guid:
+            return 16;
         case Storage::Text:
-        case Storage::Bytes: return 0;
+        case Storage::Bytes:
+            return 0;
     }
     return 0;
 }
@@ -44,10 +50,11 @@ void ColumnCells::markNull() {
 
 void ColumnCells::checkArena(qsizetype end) const {
     if (end > qsizetype(std::numeric_limits<quint32>::max()))
-        throw DbError(ado_error::Unspecified,
-                      QStringLiteral("Column '%1' holds more text than fits into one result in memory. "
-                                     "Use server-side cursors, or read fewer rows.")
-                          .arg(info_.name));
+        throw DbError(
+            ado_error::Unspecified,
+            QStringLiteral("Column '%1' holds more text than fits into one result in memory. "
+                           "Use server-side cursors, or read fewer rows.")
+                .arg(info_.name));
 }
 
 void ColumnCells::endVariable(qsizetype end) {
@@ -69,10 +76,21 @@ void ColumnCells::appendNull() {
 void ColumnCells::appendInteger(qint64 value) {
     char* at = fixed_.extend(width_);
     switch (width_) {
-        case 1: *at = char(quint8(value)); break;
-        case 2: { const qint16 v = qint16(value); std::memcpy(at, &v, 2); break; }
-        case 4: { const qint32 v = qint32(value); std::memcpy(at, &v, 4); break; }
-        default: std::memcpy(at, &value, 8);
+        case 1:
+            *at = char(quint8(value));
+            break;
+        case 2: {
+            const qint16 v = qint16(value);
+            std::memcpy(at, &v, 2);
+            break;
+        }
+        case 4: {
+            const qint32 v = qint32(value);
+            std::memcpy(at, &v, 4);
+            break;
+        }
+        default:
+            std::memcpy(at, &value, 8);
     }
     ++count_;
 }
@@ -157,12 +175,21 @@ CellView ColumnCells::cell(qsizetype row) const {
     if (view.isNull) return view;
     switch (storage_) {
         case Storage::Float32:
-        case Storage::Float64: view.real = real(row); break;
-        case Storage::Text: view.text = text(row); break;
+        case Storage::Float64:
+            view.real = real(row);
+            break;
+        case Storage::Text:
+            view.text = text(row);
+            break;
         case Storage::Bytes:
-        case Storage::Guid: view.bytes = bytes(row); break;
-        case Storage::TicksOffset: view.offsetMinutes = offsets_[row]; [[fallthrough]];
-        default: view.integer = integer(row);
+        case Storage::Guid:
+            view.bytes = bytes(row);
+            break;
+        case Storage::TicksOffset:
+            view.offsetMinutes = offsets_[row];
+            [[fallthrough]];
+        default:
+            view.integer = integer(row);
     }
     return view;
 }

@@ -19,11 +19,11 @@ struct CellView {
     const ColumnInfo* column = nullptr;
     Storage storage = Storage::Text;
     bool isNull = true;
-    qint64 integer = 0;      ///< Int8 to Int64, Scaled64, Ticks, TicksOffset
-    double real = 0;         ///< Float32, Float64
+    qint64 integer = 0;  ///< Int8 to Int64, Scaled64, Ticks, TicksOffset
+    double real = 0;     ///< Float32, Float64
     qint16 offsetMinutes = 0;
-    QStringView text;        ///< Text
-    QByteArrayView bytes;    ///< Bytes, Guid (16 bytes)
+    QStringView text;      ///< Text
+    QByteArrayView bytes;  ///< Bytes, Guid (16 bytes)
 };
 
 /// The cells of one column.
@@ -37,20 +37,20 @@ class ColumnCells {
 
     // Appending. The call must fit the column's storage.
     void appendNull();
-    void appendInteger(qint64 value);      ///< Int8 to Int64, Scaled64, Ticks
+    void appendInteger(qint64 value);  ///< Int8 to Int64, Scaled64, Ticks
     void appendReal(double value);
     void appendTicksOffset(qint64 ticks, qint16 offsetMinutes);
     void appendText(QStringView text);
     void appendUtf8(const char* utf8, qsizetype length);
-    void appendBytes(const void* bytes, qsizetype length);  ///< Bytes, or Guid with 16
+    void appendBytes(const void* bytes, qsizetype length);    ///< Bytes, or Guid with 16
     void appendLatin1(const char* latin1, qsizetype length);  ///< Text
     /// A cell as fixedCell() of a column of the same type gave it; the offset for TicksOffset.
     void appendFixedCell(const char* cell, qint16 offsetMinutes);
     /// A whole block of fixed-width cells at once: `values` holds `rows` values of the storage's
     /// own width, `isNull` (may be null) one byte a row.
     void appendFixedBlock(const void* values, const quint8* isNull, qsizetype rows);
-    /// A whole block of texts: cell i begins at `cells + i * stride` and holds `byteLengths[i]` bytes
-    /// of UTF-16, -1 for a null.
+    /// A whole block of texts: cell i begins at `cells + i * stride` and holds `byteLengths[i]`
+    /// bytes of UTF-16, -1 for a null.
     template <typename Length>
     void appendTextBlock(const char* cells, qsizetype stride, const Length* byteLengths,
                          qsizetype rows) {
@@ -81,10 +81,14 @@ class ColumnCells {
     /// Int8 to Int64, Scaled64, Ticks, TicksOffset (its ticks).
     qint64 integer(qsizetype row) const {
         switch (storage_) {
-            case Storage::Int8: return reinterpret_cast<const quint8*>(fixed_.data())[row];
-            case Storage::Int16: return load<qint16>(row);
-            case Storage::Int32: return load<qint32>(row);
-            default: return load<qint64>(row);
+            case Storage::Int8:
+                return reinterpret_cast<const quint8*>(fixed_.data())[row];
+            case Storage::Int16:
+                return load<qint16>(row);
+            case Storage::Int32:
+                return load<qint32>(row);
+            default:
+                return load<qint64>(row);
         }
     }
     double real(qsizetype row) const {
@@ -102,11 +106,13 @@ class ColumnCells {
     qint16 offsetMinutes(qsizetype row) const { return offsets_[row]; }
     /// The texts of all rows, one behind the other.
     QStringView allText() const { return QStringView(chars_.data(), chars_.size()); }
-    /// Has a row's cell fetched into the processor's cache, in two steps: first where it is kept, then,
-    /// for texts, what is there.
+    /// Has a row's cell fetched into the processor's cache, in two steps: first where it is kept,
+    /// then, for texts, what is there.
     ZOV_ALWAYS_INLINE void prefetch(qsizetype row) const {
-        if (width_) prefetchMemory(fixed_.data() + row * width_);
-        else prefetchMemory(ends_.data() + row);
+        if (width_)
+            prefetchMemory(fixed_.data() + row * width_);
+        else
+            prefetchMemory(ends_.data() + row);
     }
     ZOV_ALWAYS_INLINE void prefetchText(qsizetype row) const {
         if (storage_ != Storage::Text) return;
@@ -143,9 +149,9 @@ class ColumnCells {
     PackedBuffer<char> fixed_;
     PackedBuffer<char16_t> chars_;
     PackedBuffer<char> raw_;
-    PackedBuffer<quint32> ends_;     // end of each row's stretch of chars_ or raw_
-    PackedBuffer<qint16> offsets_;   // TicksOffset
-    PackedBuffer<quint8> nulls_;     // grows only as far as the last null
+    PackedBuffer<quint32> ends_;    // end of each row's stretch of chars_ or raw_
+    PackedBuffer<qint16> offsets_;  // TicksOffset
+    PackedBuffer<quint8> nulls_;    // grows only as far as the last null
 };
 
 class RowStore {

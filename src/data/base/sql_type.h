@@ -7,13 +7,36 @@
 namespace zov {
 
 enum class SqlType {
-    Bit, TinyInt, SmallInt, Int, BigInt,
-    Decimal, Numeric, Money, SmallMoney,
-    Real, Float,
-    Date, Time, SmallDateTime, DateTime, DateTime2, DateTimeOffset,
-    Char, VarChar, Text, NChar, NVarChar, NText, Xml,
-    Binary, VarBinary, Image, RowVersion,
-    UniqueIdentifier, Variant,
+    Bit,
+    TinyInt,
+    SmallInt,
+    Int,
+    BigInt,
+    Decimal,
+    Numeric,
+    Money,
+    SmallMoney,
+    Real,
+    Float,
+    Date,
+    Time,
+    SmallDateTime,
+    DateTime,
+    DateTime2,
+    DateTimeOffset,
+    Char,
+    VarChar,
+    Text,
+    NChar,
+    NVarChar,
+    NText,
+    Xml,
+    Binary,
+    VarBinary,
+    Image,
+    RowVersion,
+    UniqueIdentifier,
+    Variant,
 };
 
 /// One column of a result.
@@ -32,14 +55,18 @@ struct ColumnInfo {
 
 /// How the cells of a column are kept in memory (RowStore).
 enum class Storage {
-    Int8,      ///< bit, tinyint (unsigned)
-    Int16, Int32, Int64,
-    Float32, Float64,
-    Scaled64,  ///< decimals of at most 18 digits and money: the digits as one integer, scale in ColumnInfo
-    Ticks,     ///< date and time family: units of 100 ns since 0001-01-01 00:00 (time: since midnight)
-    TicksOffset, ///< datetimeoffset: local ticks and the offset in minutes
-    Guid,      ///< 16 bytes in the order of the printed form
-    Text,      ///< UTF-16; also decimals of more than 18 digits, in plain canonical notation
+    Int8,  ///< bit, tinyint (unsigned)
+    Int16,
+    Int32,
+    Int64,
+    Float32,
+    Float64,
+    Scaled64,  ///< decimals of at most 18 digits and money: the digits as one integer, scale in
+               ///< ColumnInfo
+    Ticks,  ///< date and time family: units of 100 ns since 0001-01-01 00:00 (time: since midnight)
+    TicksOffset,  ///< datetimeoffset: local ticks and the offset in minutes
+    Guid,         ///< 16 bytes in the order of the printed form
+    Text,         ///< UTF-16; also decimals of more than 18 digits, in plain canonical notation
     Bytes,
 };
 

@@ -438,8 +438,8 @@ void BatchStream::set(std::span<const Token> tokens) {
             session_.quotedIdentifier = on;
         if (name == QLatin1String("ANSI_NULLS") || name == QLatin1String("ANSI_DEFAULTS"))
             session_.ansiNulls = on;
-        if (on && (name == QLatin1String("PARSEONLY") ||
-                   name == QLatin1String("IMPLICIT_TRANSACTIONS")))
+        if (on &&
+            (name == QLatin1String("PARSEONLY") || name == QLatin1String("IMPLICIT_TRANSACTIONS")))
             fail(40000, QStringLiteral("The embedded server doesn't know SET %1 ON.").arg(name),
                  option.line);
     }

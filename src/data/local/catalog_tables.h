@@ -12,7 +12,8 @@ namespace zov::local {
 /// and the users that every new database has.
 const char* catalogTablesSql();
 
-/// Catalogue tables that files of earlier versions of the program lack, made where they are missing.
+/// Catalogue tables that files of earlier versions of the program lack, made where they are
+/// missing.
 const char* laterCatalogTablesSql();
 
 /// Fixed ids.
@@ -20,6 +21,6 @@ inline constexpr int DboUserId = 1;
 inline constexpr int DboSchemaId = 1;
 /// The first object id that a new database hands out; ids then grow as SQL Server's do.
 inline constexpr int FirstObjectId = 245575913;
-inline constexpr int ObjectIdStep = 16000057;   // wraps below 2^31, skipping ids in use
+inline constexpr int ObjectIdStep = 16000057;  // wraps below 2^31, skipping ids in use
 
 }  // namespace zov::local

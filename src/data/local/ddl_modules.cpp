@@ -163,8 +163,7 @@ bool isMissing(const Catalog& catalog, const QString& message) {
 // The columns are described where that is possible; a view over something that the query side can't
 // read is a view all the same.
 std::vector<ColumnInfo> describe(Catalog& catalog, std::span<const Token> select,
-                                 const Variables* parameters,
-                                 std::vector<QString>& collations) {
+                                 const Variables* parameters, std::vector<QString>& collations) {
     try {
         return describeSelect(catalog.session(), select, parameters, &collations);
     } catch (const DbError& error) {

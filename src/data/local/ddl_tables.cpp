@@ -725,8 +725,8 @@ void writeTableIndex(Catalog& catalog, const ObjectFacts& table, const TableInde
 
 void refuseTooManyColumns(const char* verb, const QString& table, const TableParts& parts,
                           size_t before) {
-    const bool wide = std::any_of(
-        parts.columns.begin(), parts.columns.end(), [](const ColumnSpec& column) {
+    const bool wide =
+        std::any_of(parts.columns.begin(), parts.columns.end(), [](const ColumnSpec& column) {
             return std::any_of(column.facts.details.begin(), column.facts.details.end(),
                                [](const auto& detail) { return detail.first == "column_set"; });
         });

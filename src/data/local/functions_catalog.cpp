@@ -368,8 +368,7 @@ void databaseProperty(sqlite3_context* context, int, sqlite3_value** v) {
     if (is(property, "UserAccess")) return giveText(context, QByteArray("MULTI_USER"));
     if (is(property, "Collation"))
         for (const DatabaseFacts& facts : store->databases())
-            if (fold(facts.name) == fold(textOf(v[0])))
-                return giveText(context, facts.collation);
+            if (fold(facts.name) == fold(textOf(v[0]))) return giveText(context, facts.collation);
     if (is(property, "Version")) return giveInt(context, 957);
     if (property.startsWith(QLatin1String("Is"), Qt::CaseInsensitive)) return giveInt(context, 0);
     sqlite3_result_null(context);

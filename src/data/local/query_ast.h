@@ -41,7 +41,7 @@ struct Expr {
         Unary,       ///< op - + ~
         Arithmetic,  ///< args[0] operators[0] args[1] operators[1] args[2] ..., from left to right
         Compare,     ///< op = <> < <= > >=
-        And,  ///< of all args
+        And,         ///< of all args
         Or,
         Not,
         Between,

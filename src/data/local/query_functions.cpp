@@ -338,10 +338,12 @@ Sql Translator::nextValue(const Expr& expr) {
     Database& database = *context_.database;
     const QStringList& path = expr.path;
     const QString text = path.join(u'.');
-    if (path.size() > 2 && !(path.size() == 3 && path[0].compare(database.name, Qt::CaseInsensitive) == 0))
-        failWith(40000, QStringLiteral("The embedded server counts sequences of the current database "
-                                       "only ('%1').")
-                            .arg(text));
+    if (path.size() > 2 &&
+        !(path.size() == 3 && path[0].compare(database.name, Qt::CaseInsensitive) == 0))
+        failWith(40000,
+                 QStringLiteral("The embedded server counts sequences of the current database "
+                                "only ('%1').")
+                     .arg(text));
     qint64 id = 0;
     ColumnInfo type;
     {
@@ -402,9 +404,9 @@ Sql Translator::function(const Expr& expr, Scope& scope) {
                 // What is looked through may be longer than an int counts.
                 const ValueType& searched = count > 1 ? second : first;
                 const bool counts = name == u"len" || name == u"charindex" || name == u"patindex";
-                type = knownType(counts && searched.known && searched.info.size < 0
-                                     ? SqlType::BigInt
-                                     : SqlType::Int);
+                type =
+                    knownType(counts && searched.known && searched.info.size < 0 ? SqlType::BigInt
+                                                                                 : SqlType::Int);
                 break;
             }
             case Result::BigInt:

@@ -164,8 +164,8 @@ class Translator {
     struct Writing {
         bool strict = false;  ///< each part of the node is evaluated whatever the others are
         bool aggregated = false;
-        int nesting = 0;           ///< entries of the parser's stack
-        int height = 0;            ///< levels of the parsed tree
+        int nesting = 0;            ///< entries of the parser's stack
+        int height = 0;             ///< levels of the parsed tree
         std::vector<QString> from;  ///< pieces whose value the text takes out of FROM
     };
 

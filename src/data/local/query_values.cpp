@@ -520,7 +520,8 @@ StoredValue toIntegerType(const StoredValue& value, const ColumnInfo& to,
             bool fits = whole <= 0;
             // With its sign: the smallest bigint has no positive counterpart.
             if (whole > 0)
-                number = ((decimal.negative ? "-" : "") + decimal.digits.left(whole)).toLongLong(&fits);
+                number =
+                    ((decimal.negative ? "-" : "") + decimal.digits.left(whole)).toLongLong(&fits);
             if (!fits || !inRange(number, to.type)) {
                 if (isTextType(value.type.type))
                     failWith(

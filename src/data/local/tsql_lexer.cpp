@@ -124,8 +124,8 @@ class Lexer {
             return;
         }
         token.kind = TokenKind::Operator;
-        static const char* const doubles[] = {"<=", ">=", "<>", "!=", "!<", "!>", "::",
-                                              "+=", "-=", "*=", "/=", "%=", "&=", "|=", "^="};
+        static const char* const doubles[] = {"<=", ">=", "<>", "!=", "!<", "!>", "::", "+=",
+                                              "-=", "*=", "/=", "%=", "&=", "|=", "^="};
         for (const char* pair : doubles) {
             if (c == QLatin1Char(pair[0]) && peek(1) == QLatin1Char(pair[1])) {
                 at_ += 2;
@@ -142,8 +142,9 @@ class Lexer {
         ++at_;
         for (;;) {
             if (at_ >= text_.size())
-                failAt(startLine, 105, QStringLiteral("Unclosed quotation mark after the character string '%1'.")
-                                           .arg(text_.mid(start + 1, 128)));
+                failAt(startLine, 105,
+                       QStringLiteral("Unclosed quotation mark after the character string '%1'.")
+                           .arg(text_.mid(start + 1, 128)));
             if (text_[at_] == close) {
                 if (peek(1) != close) break;
                 ++at_;

@@ -53,7 +53,8 @@ class Session {
 
     /// Forgets what its last user left. False when the driver knows that the server is gone.
     bool reset();
-    /// The same, and sets its database anew. False when the server is gone, or doesn't give it any more.
+    /// The same, and sets its database anew. False when the server is gone, or doesn't give it any
+    /// more.
     bool makeFresh();
 
     std::vector<ServerMessage> messages;
@@ -67,7 +68,7 @@ class Session {
     Handle connection_;
     std::shared_ptr<Waiting> waiting_;
     QString key_;
-    QString server_;  ///< as the user named it
+    QString server_;    ///< as the user named it
     QString database_;  // where the login landed
     bool readsAnyColumn_ = false;
     bool reusable_ = true;

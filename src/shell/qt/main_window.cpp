@@ -142,12 +142,12 @@ QWidget* MainWindow::makeTopPanel(int Index) {
     auto* refresh = smallButton("refresh", QStringLiteral("Refresh %1").arg(sideName(Index)));
     auto* viewData = smallButton(
         "view-data", QStringLiteral("View data in the table selected in %1").arg(sideName(Index)));
-    auto* analyze =
-        smallButton("analyze", QStringLiteral("Analyze data in the table selected in %1")
-                                   .arg(sideName(Index)));
-    auto* info = smallButton("db-info", QStringLiteral("Show what the database in %1 holds (%2)")
-                                            .arg(sideName(Index), isSource ? QStringLiteral("F10")
-                                                                           : QStringLiteral("F11")));
+    auto* analyze = smallButton(
+        "analyze", QStringLiteral("Analyze data in the table selected in %1").arg(sideName(Index)));
+    auto* info = smallButton(
+        "db-info",
+        QStringLiteral("Show what the database in %1 holds (%2)")
+            .arg(sideName(Index), isSource ? QStringLiteral("F10") : QStringLiteral("F11")));
     named("cmdAnalyzeData", analyze, QStringLiteral("analyze data"));
     named("cmdDbInfo", info, QStringLiteral("database information"));
     connect(analyze, &QToolButton::clicked, this,
@@ -174,7 +174,8 @@ QWidget* MainWindow::makeTopPanel(int Index) {
     top->addWidget(labelFor(isSource ? QStringLiteral("So&urce") : QStringLiteral("Tar&get"),
                             side.objects, true));
     top->addWidget(side.filterText, 1);
-    for (QToolButton* button : {side.filterMark, schema, owner, viewData, analyze, info, find, refresh})
+    for (QToolButton* button :
+         {side.filterMark, schema, owner, viewData, analyze, info, find, refresh})
         top->addWidget(button);
     layout->addLayout(top);
 

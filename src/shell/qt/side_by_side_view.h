@@ -36,7 +36,7 @@ class SideBySideView : public QAbstractScrollArea {
     QStringList source_;
     QStringList target_;
     std::vector<AlignedRow> rows_;
-    int widest_ = 0;  ///< characters
+    int widest_ = 0;    ///< characters
     int current_ = -1;  ///< first row of the framed run
 };
 

@@ -102,7 +102,8 @@ void makePictures(Album& album, qt::Appearance appearance) {
     QTest::qWait(50);
     album.add(window, QStringLiteral("main"));
     test::makeTour(desktop, [&](const QString& name, QWidget& screen) {
-        if (auto* start = screen.findChild<QPushButton*>(QStringLiteral("cmdStart"))) start->click();
+        if (auto* start = screen.findChild<QPushButton*>(QStringLiteral("cmdStart")))
+            start->click();
         album.add(screen, name.toLower());
     });
 }

@@ -22,8 +22,8 @@ struct TdsFaults {
     qint64 stallAfterRows = -1;  ///< nothing comes behind so many rows for `stallMilliseconds`
     int stallMilliseconds = 0;
     bool deafWhileStalled = false;  ///< an attention ends neither that nor the delay
-    qint64 dropAfterRows = -1;   ///< the connection is cut behind so many rows
-    qint64 errorAfterRows = -1;  ///< an error follows so many rows, and the result ends
+    qint64 dropAfterRows = -1;      ///< the connection is cut behind so many rows
+    qint64 errorAfterRows = -1;     ///< an error follows so many rows, and the result ends
     qint32 errorNumber = 1205;
     QString errorText =
         QStringLiteral("Transaction was deadlocked and has been chosen as the victim.");

@@ -28,8 +28,8 @@ ReportDialog::ReportDialog(frmReport& screen, QWidget* parent)
     auto* copy = new QPushButton(QStringLiteral("Copy To &Clipboard"));
     auto* file = new QPushButton(QStringLiteral("Copy To &File"));
     save_ = new QPushButton(QStringLiteral("&Save"));
-    save_->setToolTip(QStringLiteral(
-        "Save comparison's process parameters so it can be re-run later (Alt + S)"));
+    save_->setToolTip(
+        QStringLiteral("Save comparison's process parameters so it can be re-run later (Alt + S)"));
     auto* print = new QPushButton(QStringLiteral("&Print"));
     auto* exit = new QPushButton(QStringLiteral("E&xit"));
     exit->setDefault(true);
