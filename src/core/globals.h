@@ -55,6 +55,7 @@ struct Globals {
     bool gblnIgnoreIndexes = false;
     bool gblnIgnoreColSeq = true;
     bool gblnIgnoreSysObjects = true;
+    bool gblnUseCatalogImage = false;     ///< runs over many objects read each catalogue whole
     bool gblnAutoSelTargetObj = false;
     bool gblnAnalyzeConstraints = false;
     bool gblnAutoSaveSchemas = false;

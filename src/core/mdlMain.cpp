@@ -105,6 +105,7 @@ void LoadSettings(const std::function<void()>& loadServers) {
     g.glngCacheSize = GetCacheSize();
     g.gblnIgnoreSysObjects = GetIgnoreSysObjects();
     g.gblnFilterOfflineDbs = GetFilterOfflineDbs();
+    g.gblnUseCatalogImage = GetUseCatalogImage();
     g.gblnIgnoreColSeq = GetIgnoreColSeq();
     g.gblnAutoSelTargetObj = GetAutoSelTargetObj();
     g.gblnAnalyzeConstraints = GetAnalyzeConstraints();
@@ -179,6 +180,9 @@ bool GetAutoSaveSchemas() {
 }
 bool GetIgnoreSysObjects() {
     return readBool("IgnoreSysObjects");
+}
+bool GetUseCatalogImage() {
+    return readBool("UseCatalogImage");
 }
 bool GetAutoConnect() {
     return readBool("AutoConnect");

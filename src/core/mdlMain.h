@@ -50,6 +50,7 @@ bool GetAutoSelTargetObj();
 bool GetAnalyzeConstraints();
 bool GetAutoSaveSchemas();
 bool GetIgnoreSysObjects();
+bool GetUseCatalogImage();
 bool GetAutoConnect();
 bool GetCursorConnectionUseServer();
 qint32 GetMaxRowsInDiffTable();

@@ -1,5 +1,6 @@
 #include "data/connection.h"
 
+#include "data/catalog_images.h"
 #include "data/providers.h"
 #include "data/row_source.h"
 
@@ -8,6 +9,8 @@
 namespace zov {
 
 void Connection::Open() {
+    if (!createDatabase) session_ = imageSessionFor(ConnectionString);
+    if (session_) return;
     const ConnectionSpec spec = ConnectionSpec::parse(ConnectionString);
     session_ = providerFor(spec.dataSource).open(spec, createDatabase);
 }

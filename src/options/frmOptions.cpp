@@ -43,6 +43,7 @@ void frmOptions::LoadData() {
     values.chkAnalyzeConstraints = g.gblnAnalyzeConstraints;
     values.chkAutoSaveSchemas = g.gblnAutoSaveSchemas;
     values.chkIgnoreSysObjects = g.gblnIgnoreSysObjects;
+    values.chkUseCatalogImage = g.gblnUseCatalogImage;
     values.chkIgnoreIndexes = g.gblnIgnoreIndexes;
     values.chkIgnoreComments = g.gblnIgnoreComments;
     values.chkIgnoreWhitespaces = g.gblnIgnoreWhitespace;
@@ -101,6 +102,8 @@ void frmOptions::SaveData() {
         g.gblnIgnoreIndexes = save("IgnoreIndexes", v.chkIgnoreIndexes, before.chkIgnoreIndexes);
         g.gblnIgnoreSysObjects =
             save("IgnoreSysObjects", v.chkIgnoreSysObjects, before.chkIgnoreSysObjects);
+        g.gblnUseCatalogImage =
+            save("UseCatalogImage", v.chkUseCatalogImage, before.chkUseCatalogImage);
         save("ShowDataCompOpt", v.chkDataComp, before.chkDataComp);
         g.gblnIgnoreColSeq = save("IgnoreColSeq", v.chkIgnoreColSeq, before.chkIgnoreColSeq);
         g.glngCacheSize = saveNumber("CacheSize", v.txtCacheSize, before.txtCacheSize);

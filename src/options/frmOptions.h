@@ -48,6 +48,7 @@ class frmOptions : public Screen {
         bool chkAnalyzeConstraints = false;
         bool chkAutoSaveSchemas = false;
         bool chkIgnoreSysObjects = true;
+        bool chkUseCatalogImage = true;
         bool chkIgnoreIndexes = false;
         bool chkIgnoreComments = true;
         bool chkIgnoreWhitespaces = true;

@@ -118,6 +118,17 @@ const std::vector<OptionsPage>& frmOptions::pages() {
                   "different servers.")}),
          {{QStringLiteral("chkIgnoreSysObjects"),
            QStringLiteral("Ignore all system objects during comarisons")}}},
+        {QStringLiteral("Read at Once"),
+         schema,
+         paragraphs(
+             {QStringLiteral("When this option is turned on, comparisons of many objects read the "
+                             "catalog of each database at once, in a few large queries, and both "
+                             "databases at the same time.  Over a network this takes a fraction of "
+                             "the time that asking for each object takes.  The report is the same."),
+              QStringLiteral("Databases that can't be read in this way (those of servers older than "
+                             "SQL Server 2005, for example) are asked object by object.")}),
+         {{QStringLiteral("chkUseCatalogImage"),
+           QStringLiteral("Read the whole catalog at once when comparing many objects")}}},
         {QStringLiteral("Ignore Indexes"),
          schema,
          QStringLiteral("When this option is turned on, all indexes (primary keys, clustered and "
@@ -222,6 +233,7 @@ QString frmOptions::captionOf(const QString& control) {
          QStringLiteral("Treat Constraints as a separate object type")},
         {QStringLiteral("chkAutoSaveSchemas"), QStringLiteral("Save schemas to extrernal files")},
         {QStringLiteral("chkIgnoreSysObjects"), QStringLiteral("Ignore system objects")},
+        {QStringLiteral("chkUseCatalogImage"), QStringLiteral("Read the catalog at once")},
         {QStringLiteral("chkIgnoreIndexes"), QStringLiteral("Ignore indexes")},
         {QStringLiteral("chkIgnoreComments"), QStringLiteral("Ignore comments")},
         {QStringLiteral("chkIgnoreWhitespaces"), QStringLiteral("Ignore whitespace characters")},
@@ -245,6 +257,7 @@ bool frmOptions::Values::*frmOptions::checkBox(const QString& control) {
         {QStringLiteral("chkAnalyzeConstraints"), &Values::chkAnalyzeConstraints},
         {QStringLiteral("chkAutoSaveSchemas"), &Values::chkAutoSaveSchemas},
         {QStringLiteral("chkIgnoreSysObjects"), &Values::chkIgnoreSysObjects},
+        {QStringLiteral("chkUseCatalogImage"), &Values::chkUseCatalogImage},
         {QStringLiteral("chkIgnoreIndexes"), &Values::chkIgnoreIndexes},
         {QStringLiteral("chkIgnoreComments"), &Values::chkIgnoreComments},
         {QStringLiteral("chkIgnoreWhitespaces"), &Values::chkIgnoreWhitespaces},

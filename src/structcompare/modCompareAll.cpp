@@ -4,6 +4,7 @@
 #include "catalog/run_checks.h"
 #include "core/error_report.h"
 #include "core/globals.h"
+#include "data/catalog_images.h"
 #include "data/mdlData.h"
 #include "scripting/modNew.h"
 #include "shell/shell.h"
@@ -17,6 +18,7 @@
 #include <QSet>
 
 #include <algorithm>
+#include <optional>
 
 namespace zov {
 namespace {
@@ -73,6 +75,8 @@ class StructureComparison {
 
  private:
     bool connect(RunSide& side);
+    bool openConnection(RunSide& side);
+    bool readCatalogues();
     void readDirectory(RunSide& side);
     bool mayGoOn();
     void addRunHeading();
@@ -91,24 +95,38 @@ class StructureComparison {
     CompareAllForm& form_;
     const StructureRunRequest& request_;
     StructureRun& result_;
+    std::optional<CatalogImages> images_;
     RunSide source_;
     RunSide target_;
     QElapsedTimer clock_;
     QString report_;
 };
 
+bool StructureComparison::openConnection(RunSide& side) {
+    if (ADO_Connection_Open(side.connection, side.server, side.database)) return true;
+    shell().messageBox(QStringLiteral("Cannot connect to %1 database - aborting.").arg(side.name),
+                       {}, BoxIcon::Exclamation);
+    return false;
+}
+
 bool StructureComparison::connect(RunSide& side) {
-    if (!ADO_Connection_Open(side.connection, side.server, side.database)) {
-        shell().messageBox(
-            QStringLiteral("Cannot connect to %1 database - aborting.").arg(side.name), {},
-            BoxIcon::Exclamation);
-        return false;
-    }
+    if (!openConnection(side)) return false;
     if (!knowVersion(side.server)) return false;
     QString sentence;
     side.seesEverything = seesWholeCatalogue(side.server, side.database, sentence);
     if (!side.seesEverything) result_.blindness += sentence;
     return true;
+}
+
+/// Each catalogue is read whole where that can be done: what is asked for below then costs no way to
+/// the server.
+bool StructureComparison::readCatalogues() {
+    images_.emplace(std::vector<CatalogImages::Place>{{source_.server, source_.database},
+                                                      {target_.server, target_.database}},
+                    [this](const QString& doing) { form_.setCurrentName(doing); });
+    result_.notes = images_->notes();
+    if (globals().gblnStop) return false;
+    return !images_->areInUse() || (openConnection(source_) && openConnection(target_));
 }
 
 void StructureComparison::readDirectory(RunSide& side) {
@@ -130,6 +148,7 @@ bool StructureComparison::run() {
     form_.runStatusTimer(true);
     LogWrite(QStringLiteral("Begin CompareAll_Structure"));
 
+    if (!readCatalogues()) return false;
     readDirectory(source_);
     readDirectory(target_);
     addRunHeading();

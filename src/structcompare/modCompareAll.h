@@ -40,6 +40,8 @@ struct StructureRun {
     QList<UnreadableObject> unreadable;
     /// A sentence for each side whose login may not see all objects.
     QStringList blindness;
+    /// What the user may want to know of how the run was made; no trouble.
+    QStringList notes;
     /// Objects of the compared kinds, on both sides.
     int objectCount = 0;
     /// The boxes' states, "1" or "0", eight in all, joined by commas.

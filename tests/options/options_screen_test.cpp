@@ -54,6 +54,7 @@ TEST(OptionsPages, StandInTheirTree) {
               " Analyze Constraints: chkAnalyzeConstraints\n"
               " Auto Save: chkAutoSaveSchemas\n"
               " Ignore System objects: chkIgnoreSysObjects\n"
+              " Read at Once: chkUseCatalogImage\n"
               " Ignore Indexes: chkIgnoreIndexes\n"
               " Ignore Comments: chkIgnoreComments\n"
               " Whitespace: chkIgnoreWhitespaces\n"
@@ -118,6 +119,7 @@ TEST_F(Options, EveryBoxReachesItsSettingAndComesBack) {
         {"chkAnalyzeConstraints", "AnalyzeConstraints"},
         {"chkAutoSaveSchemas", "AutoSaveSchemas"},
         {"chkIgnoreSysObjects", "IgnoreSysObjects"},
+        {"chkUseCatalogImage", "UseCatalogImage"},
         {"chkIgnoreIndexes", "IgnoreIndexes"},
         {"chkIgnoreComments", "IgnoreComments"},
         {"chkIgnoreWhitespaces", "IgnoreWhitespace"},

@@ -69,14 +69,15 @@ struct Case {
 struct Way {
     Road road;
     int cursor;
+    bool image;
 };
 
 class GoldenReports : public ::testing::TestWithParam<std::tuple<std::string, int>> {
  protected:
     Way way() const {
         const int number = std::get<1>(GetParam());
-        return {number < 2 ? Road::Embedded : Road::Odbc,
-                number % 2 == 0 ? adUseClient : adUseServer};
+        return {number % 4 < 2 ? Road::Embedded : Road::Odbc,
+                number % 2 == 0 ? adUseClient : adUseServer, number >= 4};
     }
 };
 
@@ -126,6 +127,7 @@ TEST_P(GoldenReports, ARunGivesItsReport) {
     const Case wanted(QString::fromStdString(std::get<0>(GetParam())));
     applySettings(wanted);
     globals().glngCursorLocation = way().cursor;
+    globals().gblnUseCatalogImage = way().image;
 
     test::ServedDatabases databases(way().road, wanted.options.value(QStringLiteral("version")));
     databases.load(QStringLiteral("Src"), wanted.script(QStringLiteral("source")));
@@ -167,13 +169,15 @@ std::vector<std::string> goldenCases() {
 }
 
 std::string caseName(const ::testing::TestParamInfo<std::tuple<std::string, int>>& info) {
-    const char* const ways[] = {"Embedded_Client", "Embedded_Server", "Odbc_Client", "Odbc_Server"};
+    const char* const ways[] = {
+        "Embedded_Client",       "Embedded_Server",       "Odbc_Client",       "Odbc_Server",
+        "Embedded_Client_Image", "Embedded_Server_Image", "Odbc_Client_Image", "Odbc_Server_Image"};
     return std::get<0>(info.param) + "_" + ways[std::get<1>(info.param)];
 }
 
 INSTANTIATE_TEST_SUITE_P(Cases, GoldenReports,
                          ::testing::Combine(::testing::ValuesIn(goldenCases()),
-                                            ::testing::Range(0, 4)),
+                                            ::testing::Range(0, 8)),
                          caseName);
 
 }  // namespace

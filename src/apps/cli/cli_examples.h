@@ -96,6 +96,7 @@ inline constexpr const char* CompareExamples = R"(Examples:
 
 The settings that decide what counts as a difference: CaseSensitive, IgnoreWhitespace,
 IgnoreComments, IgnoreIndexes, IgnoreColSeq, IgnoreSysObjects, AnalyzeConstraints (1 or 0).
+Each catalog is read at once, in a few statements; UseCatalogImage=0 asks object by object.
 
 Exit status: 0 identical, 1 differences found, 2 trouble or something that can't be read; 2
 goes before 1.)";

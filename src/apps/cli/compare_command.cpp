@@ -108,6 +108,7 @@ int runCompare(const Options& options, ConsoleShell& console) {
     const int before = console.errorCount();
     const StructureRun run = CompareAll_Structure(status, request, panels);
     console.clearProgress();
+    for (const QString& note : run.notes) console.showNote(note);
     const bool told = console.errorCount() != before;
     // A report without what could not be read must not pass for a result.
     if (tellTrouble(console, run.account)) return Trouble;

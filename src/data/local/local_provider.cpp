@@ -47,10 +47,7 @@ class LocalStream : public ResultStream {
 class LocalConnection : public ProviderConnection, public LoadReporting {
  public:
     LocalConnection(const ConnectionSpec& spec, bool createDatabase)
-        : store_(ServerStore::open(spec.dataSource, createDatabase)) {
-        session_.store = store_.get();
-        session_.productVersion = store_->productVersion();
-        session_.control = std::make_shared<ExecutionControl>();
+        : LocalConnection(ServerStore::open(spec.dataSource, createDatabase)) {
         const QString database = spec.database.isEmpty() ? QStringLiteral("master") : spec.database;
         if (createDatabase) {
             session_.current = &store_->openOrCreate(database);
@@ -67,6 +64,11 @@ class LocalConnection : public ProviderConnection, public LoadReporting {
                     .arg(database),
                 QStringLiteral("08004"), 4060);
         }
+    }
+
+    LocalConnection(std::unique_ptr<ServerStore> store, const QString& database)
+        : LocalConnection(std::move(store)) {
+        session_.current = &store_->database(database);
     }
 
     ~LocalConnection() override { close(); }
@@ -112,6 +114,12 @@ class LocalConnection : public ProviderConnection, public LoadReporting {
     void rollbackLoad() override { store_->rollbackLoad(); }
 
  private:
+    explicit LocalConnection(std::unique_ptr<ServerStore> store) : store_(std::move(store)) {
+        session_.store = store_.get();
+        session_.productVersion = store_->productVersion();
+        session_.control = std::make_shared<ExecutionControl>();
+    }
+
     std::unique_ptr<ServerStore> store_;
     SessionState session_;
 };
@@ -129,6 +137,11 @@ class LocalProvider : public Provider {
 Provider& localProvider() {
     static LocalProvider provider;
     return provider;
+}
+
+std::unique_ptr<ProviderConnection> sessionOn(std::unique_ptr<ServerStore> store,
+                                              const QString& database) {
+    return std::make_unique<LocalConnection>(std::move(store), database);
 }
 
 bool isLocalDataSource(const QString& dataSource) {

@@ -138,6 +138,35 @@ std::unique_ptr<ServerStore> ServerStore::open(const QString& dataSource, bool c
     return store;
 }
 
+std::unique_ptr<ServerStore> ServerStore::ofMemory(const MemoryPlace& place) {
+    std::unique_ptr<ServerStore> store(new ServerStore(place.memory, place.version));
+    store->serverName_ = place.serverName;
+    store->inMemory_ = true;
+    store->openEntry(place.database, place.memory, false);
+    return store;
+}
+
+std::unique_ptr<ServerStore> ServerStore::makeMemory(const MemoryPlace& place,
+                                                     const QString& collation) {
+    // It lives until the store has a handle of its own.
+    const SqliteHandle first(openMemory(place.memory));
+    ServerStore maker(place.memory, place.version);
+    maker.inMemory_ = true;
+    constexpr int firstUserDatabase = 5;
+    maker.fillEmpty(first.get(), place.database, firstUserDatabase);
+    std::unique_ptr<ServerStore> store = ofMemory(place);
+    const Database& database = store->database(place.database);
+    execSql(database.handle, "BEGIN");
+    setNameCollation(database.handle, *Collation::named(collation), place.database);
+    storeFact(database.handle, "collation", Collation::named(collation)->name());
+    execSql(database.handle, "COMMIT");
+    return store;
+}
+
+void ServerStore::closeIdle(const MemoryPlace& place) {
+    pool().purge(place.memory);
+}
+
 ServerStore::ServerStore(QString folder, QString version)
     : folder_(std::move(folder)), productVersion_(std::move(version)) {
     serverName_ = QUrl::fromPercentEncoding(QFileInfo(folder_).fileName().toUtf8());
@@ -187,7 +216,7 @@ ServerStore::Entry* ServerStore::entryOf(const Database& database) {
 
 bool ServerStore::find(const QString& name, QString& trueName, QString& file) {
     const QString key = fold(name);
-    if (dropped_.contains(key)) return false;
+    if (inMemory_ || dropped_.contains(key)) return false;
     const Hold hold(*this);
     const QString direct = folder_ + u'/' + fileNameOf(name);
     if (QFileInfo::exists(direct)) {
@@ -310,11 +339,12 @@ sqlite3* ServerStore::renewIndexes(Entry& entry) {
 }
 
 void ServerStore::openHandle(Entry& entry) {
-    entry.database.handle = openDatabaseFile(entry.file, entry.readOnly);
+    entry.database.handle =
+        inMemory_ ? openMemory(entry.file) : openDatabaseFile(entry.file, entry.readOnly);
     sqlite3* handle = entry.database.handle;
     entry.database.store = this;
     execSql(handle,
-            entry.staged
+            entry.staged || inMemory_
                 ? "PRAGMA synchronous=OFF; PRAGMA journal_mode=MEMORY; PRAGMA temp_store=MEMORY"
                 : "PRAGMA synchronous=NORMAL; PRAGMA temp_store=MEMORY");
     addLaterTables(handle, entry.readOnly);
@@ -344,7 +374,10 @@ ServerStore::Entry& ServerStore::stageNew(const QString& name, int dbid, const Q
 
 void ServerStore::fillStaged(const QString& file, const QString& name, int dbid) {
     const SqliteHandle owner(openFile(file, SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE));
-    sqlite3* handle = owner.get();
+    fillEmpty(owner.get(), name, dbid);
+}
+
+void ServerStore::fillEmpty(sqlite3* handle, const QString& name, int dbid) {
     execSql(handle, "PRAGMA synchronous=OFF; PRAGMA journal_mode=MEMORY; BEGIN");
     execSql(handle, catalogTablesSql());
     const std::pair<const char*, QString> facts[] = {

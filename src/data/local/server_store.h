@@ -34,6 +34,14 @@ struct DatabaseFacts {
     bool isSystem = false;
 };
 
+/// A database in memory and what its server is called.
+struct MemoryPlace {
+    QString memory;  ///< the name that SQLite knows it by, one a process
+    QString serverName;
+    QString version;
+    QString database;
+};
+
 class ServerStore {
  public:
     /// `dataSource` is "local:NAME" or "local:/a/path", with "?version=8.00.2039" behind it for a
@@ -41,6 +49,13 @@ class ServerStore {
     /// A folder that doesn't exist is made when `createServer` is set, else throws DbError
     /// 0x80004005.
     static std::unique_ptr<ServerStore> open(const QString& dataSource, bool createServer);
+    /// A server of one database, which lives in memory (MemoryDatabase) and is there already.
+    static std::unique_ptr<ServerStore> ofMemory(const MemoryPlace& place);
+    /// The same, made first; `collation` is its own.
+    static std::unique_ptr<ServerStore> makeMemory(const MemoryPlace& place,
+                                                   const QString& collation);
+    /// Idle handles on a database in memory keep it alive: they are closed.
+    static void closeIdle(const MemoryPlace& place);
     ~ServerStore();
     ServerStore(const ServerStore&) = delete;
     ServerStore& operator=(const ServerStore&) = delete;
@@ -141,6 +156,7 @@ class ServerStore {
     Database& newDatabase(const QString& name, const QString& from = {});
     Entry& stageNew(const QString& name, int dbid, const QString& from = {});
     void fillStaged(const QString& file, const QString& name, int dbid);
+    void fillEmpty(sqlite3* handle, const QString& name, int dbid);
     void fillStagedFrom(const QString& from, const QString& file, const QString& name, int dbid);
     /// For a file whose indexes rest on another order of texts; the handle to go on with.
     sqlite3* renewIndexes(Entry& entry);
@@ -185,6 +201,7 @@ class ServerStore {
     FileLock ownerLock_;  // says that this session's staging files belong to somebody who lives
     QString owner_;
     bool folderMade_ = false;
+    bool inMemory_ = false;  // there is no folder
     bool inLoad_ = false;
     bool lost_ = false;  // SQLite undid a load's part by itself: the rest must not be kept
     bool inStatement_ = false;

@@ -55,6 +55,7 @@ QString ServerStore::lockFile() const {
 }
 
 void ServerStore::lockFolder(bool alone) {
+    if (inMemory_) return;
     const auto acquire = [&](FileLock::Mode mode) {
         switch (folderLock_.acquire(lockFile(), mode, LockPatienceMs)) {
             case FileLock::Outcome::Locked:

@@ -84,13 +84,10 @@ QStringList databaseFilesIn(const QString& folder) {
     return files;
 }
 
-sqlite3* openFile(const QString& file, int flags, const QString& uriTail) {
+namespace {
+
+sqlite3* openAddress(const QByteArray& path, int flags) {
     sqlite3* handle = nullptr;
-    QByteArray path = QDir::toNativeSeparators(file).toUtf8();
-    if (!uriTail.isEmpty()) {
-        path = QUrl::fromLocalFile(file).toEncoded() + uriTail.toUtf8();
-        flags |= SQLITE_OPEN_URI;
-    }
     const int code =
         sqlite3_open_v2(path.constData(), &handle, flags | SQLITE_OPEN_NOMUTEX, nullptr);
     if (code != SQLITE_OK) {
@@ -107,6 +104,20 @@ sqlite3* openFile(const QString& file, int flags, const QString& uriTail) {
     sqlite3_db_config(handle, SQLITE_DBCONFIG_DQS_DML, 0, nullptr);
     sqlite3_db_config(handle, SQLITE_DBCONFIG_DQS_DDL, 0, nullptr);
     return handle;
+}
+
+}  // namespace
+
+sqlite3* openFile(const QString& file, int flags, const QString& uriTail) {
+    if (uriTail.isEmpty()) return openAddress(QDir::toNativeSeparators(file).toUtf8(), flags);
+    return openAddress(QUrl::fromLocalFile(file).toEncoded() + uriTail.toUtf8(),
+                       flags | SQLITE_OPEN_URI);
+}
+
+sqlite3* openMemory(const QString& name) {
+    // The slash is what makes SQLite share it.
+    return openAddress("file:/" + QUrl::toPercentEncoding(name) + "?vfs=memdb",
+                       SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE | SQLITE_OPEN_URI);
 }
 
 void copyDatabase(const QString& from, const QString& to) {

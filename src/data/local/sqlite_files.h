@@ -35,6 +35,9 @@ int compatibilityOf(const QString& version);
 /// `flags` as sqlite3_open_v2 takes them; `uriTail` ("?immutable=1") goes behind the file's
 /// address.
 sqlite3* openFile(const QString& file, int flags, const QString& uriTail = {});
+/// A database that lives in memory alone and is shared by all handles of this process that open it by
+/// this name; it goes with the last of them. Made when it isn't there.
+sqlite3* openMemory(const QString& name);
 /// Closes the handle with its scope.
 struct SqliteCloser {
     void operator()(sqlite3* handle) const { sqlite3_close_v2(handle); }
