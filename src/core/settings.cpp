@@ -37,7 +37,7 @@ const std::vector<Setting>& settings() {
         {named("IgnoreIndexes"), Comparisons, Bool, 0},
         {named("IgnoreColSeq"), Comparisons, Bool, 1},
         {named("IgnoreSysObjects"), Comparisons, Bool, 1},
-        {named("UseCatalogImage"), Comparisons, Bool, 0},
+        {named("UseCatalogImage"), Comparisons, Bool, 1},
         {named("PageWidth"), TXText, Number, 20000},
         {named("PageHeight"), TXText, Number, 15840},
     };

@@ -296,24 +296,42 @@ TEST_F(StructureVerdicts, ALoginThatMayNotSeeEverythingNeverHearsIdentical) {
     }
 }
 
-/// One statement after another fails; on both sides, since both databases lie on one server.
+/// Two databases of one server whose statements can be made to fail, on both sides then.
+class FaultyServer {
+ public:
+    explicit FaultyServer(CliHome& home) : home_(home) {
+        const QString folder = "local:" + home.path("faulty");
+        const QByteArray script =
+            "CREATE SCHEMA hr\nGO\nCREATE TABLE dbo.T (a int IDENTITY NOT NULL CONSTRAINT pk_T "
+            "PRIMARY KEY, b int CONSTRAINT df_b DEFAULT 1)\nGO\nCREATE TABLE hr.T (a int)\nGO\n"
+            "CREATE VIEW V AS SELECT 1 AS a\nGO\n"
+            "CREATE TABLE U (a int CONSTRAINT fk_U REFERENCES dbo.T (a))\nGO\n";
+        home.loadText(folder, "One", script);
+        home.loadText(folder, "Two", script);
+        serve(endpoint_, folder, home);
+    }
+    CliResult compare(const char* setting) {
+        return home_.run({"compare", "--source", endpoint_.dataSource(), "--source-db", "One",
+                          "--target", endpoint_.dataSource(), "--target-db", "Two", "--login", "sa",
+                          "--set", "AnalyzeConstraints=1", "--set", setting});
+    }
+    void fail(const char* statement, qint32 error, qint64 rows) {
+        TdsFaults faults;
+        faults.onlyStatementsWith = QString::fromLatin1(statement);
+        faults.errorAfterRows = rows;
+        faults.errorNumber = error;
+        faults.errorText = "It failed.";
+        endpoint_.setFaults(faults);
+    }
+
+ private:
+    CliHome& home_;
+    TdsEndpoint endpoint_;
+};
+
 TEST_F(StructureVerdicts, AFailedStatementIsNeverAnAnswer) {
-    const QString folder = "local:" + home_.path("faulty");
-    const QByteArray script =
-        "CREATE SCHEMA hr\nGO\nCREATE TABLE dbo.T (a int IDENTITY NOT NULL CONSTRAINT pk_T PRIMARY "
-        "KEY, b int CONSTRAINT df_b DEFAULT 1)\nGO\nCREATE TABLE hr.T (a int)\nGO\n"
-        "CREATE VIEW V AS SELECT 1 AS a\nGO\n"
-        "CREATE TABLE U (a int CONSTRAINT fk_U REFERENCES dbo.T (a))\nGO\n";
-    home_.loadText(folder, "One", script);
-    home_.loadText(folder, "Two", script);
-    TdsEndpoint endpoint;
-    serve(endpoint, folder, home_);
-    const auto run = [&](const QStringList& more = {}) {
-        return home_.run(QStringList{"compare", "--source", endpoint.dataSource(), "--source-db",
-                                     "One", "--target", endpoint.dataSource(), "--target-db", "Two",
-                                     "--login", "sa", "--set", "AnalyzeConstraints=1"} +
-                         more);
-    };
+    FaultyServer server(home_);
+    const auto run = [&] { return server.compare("UseCatalogImage=0"); };
     const CliResult undisturbed = run();
     ASSERT_EQ(undisturbed.status, 0) << ::testing::PrintToString(undisturbed);
     ASSERT_EQ(undisturbed.err, QString());
@@ -333,12 +351,7 @@ TEST_F(StructureVerdicts, AFailedStatementIsNeverAnAnswer) {
     for (const char* statement : statements) {
         for (const qint32 error : {229, 208, 1205, 1222, 8115}) {
             for (const qint64 rows : {0, 1}) {
-                TdsFaults faults;
-                faults.onlyStatementsWith = QString::fromLatin1(statement);
-                faults.errorAfterRows = rows;
-                faults.errorNumber = error;
-                faults.errorText = "It failed.";
-                endpoint.setFaults(faults);
+                server.fail(statement, error, rows);
                 const CliResult result = run();
                 SCOPED_TRACE(::testing::PrintToString(result));
                 EXPECT_EQ(result.status, 2) << statement << ' ' << error << ' ' << rows;
@@ -374,6 +387,32 @@ TEST_F(StructureVerdicts, ServersOfDifferentVersionsAreToldApartByTheirObjectsAl
         const CliResult different = compared(source, target, "Two");
         EXPECT_EQ(different.status, 1) << ::testing::PrintToString(different);
         EXPECT_TRUE(different.out.contains("\tP\n")) << ::testing::PrintToString(different);
+    }
+}
+
+TEST_F(StructureVerdicts, WhatFailsWhileACatalogueIsReadAtOnceIsAskedObjectByObject) {
+    FaultyServer server(home_);
+    const CliResult undisturbed = server.compare("UseCatalogImage=1");
+    ASSERT_EQ(undisturbed.status, 0) << ::testing::PrintToString(undisturbed);
+    ASSERT_EQ(undisturbed.err, QString());
+    for (const char* statement :
+         {"AS default_schema", "sys.extended_properties", "AS altered",
+          "schema_id, name, principal_id", "FROM systypes st", "FROM sys.identity_columns",
+          "FROM sysindexes si LEFT", "SELECT id, indid, keyno", "FROM sysforeignkeys",
+          "sc.text, sc.encrypted", "N'IsProcedure') AS p",
+          "SELECT DISTINCT name FROM sysindexes"}) {
+        for (const qint64 rows : {0, 1}) {
+            server.fail(statement, 1205, rows);
+            const CliResult result = server.compare("UseCatalogImage=1");
+            SCOPED_TRACE(::testing::PrintToString(result));
+            EXPECT_EQ(result.status, 0) << statement;
+            EXPECT_EQ(withoutTime(result.out), withoutTime(undisturbed.out)) << statement;
+            // Both sides say so, or nothing failed: there was no further row.
+            const bool noRow = rows == 1 && result.err.isEmpty();
+            EXPECT_TRUE(noRow || result.errLines().size() == 2) << statement;
+            EXPECT_TRUE(noRow || result.err.contains(" is asked object by object: ")) << statement;
+            EXPECT_FALSE(rows == 0 && noRow);
+        }
     }
 }
 

@@ -203,7 +203,7 @@ TEST_P(CatalogImageRun, ASelectiveRunGivesTheSameReportEitherWay) {
     request.selective = true;
     request.kinds = test::boxesOf({QStringLiteral("tables")});
     request.sourceObjects =
-        request.targetObjects = {QStringLiteral("Customers"), QStringLiteral("Orders")};
+        request.targetObjects = {QStringLiteral("Customer"), QStringLiteral("SalesOrder")};
     EXPECT_EQ(compare(served.server(), request, true).told(),
               compare(served.server(), request, false).told());
 }
@@ -248,11 +248,12 @@ TEST(CatalogImageStatements, TheirNumberDoesNotGrowWithTheDatabases) {
     RecordProperty("statements", int(few));
 }
 
-/// Does something to the databases in front of a certain statement.
+/// Does something to the databases in front of a certain statement, or answers another one.
 class Meddler : public Provider {
  public:
     std::function<void()> meddle;
     QString before;
+    QString asked, answered;  ///< a piece of a statement, and what stands there instead
 
     std::unique_ptr<ProviderConnection> open(const ConnectionSpec& spec, bool create) override {
         return std::make_unique<Session>(local::localProvider().open(spec, create), *this);
@@ -265,7 +266,9 @@ class Meddler : public Provider {
             : inner_(std::move(inner)), owner_(owner) {}
         std::unique_ptr<ResultStream> execute(const CommandSpec& command) override {
             if (!owner_.before.isEmpty() && command.text.contains(owner_.before)) owner_.meddle();
-            return inner_->execute(command);
+            CommandSpec other = command;
+            if (!owner_.asked.isEmpty()) other.text.replace(owner_.asked, owner_.answered);
+            return inner_->execute(other);
         }
         void cancel() override { inner_->cancel(); }
         std::vector<ServerMessage> takeMessages() override { return inner_->takeMessages(); }
@@ -352,6 +355,46 @@ TEST(CatalogImageTrouble, WhatIsAlteredAgainAndAgainIsAskedDirectlyAndTold) {
                   ".Tgt is asked object by object: it was altered each of the 3 times that it was "
                   "read.");
     EXPECT_EQ(image.told(), compare(server.info(), wholeRequest(true), false).told());
+}
+
+TEST(CatalogImageTrouble, AServerThatAnswersOtherwiseThanItsImageIsAskedDirectly) {
+    const test::TempHome home;
+    const test::RecordingShell shell;
+    use(optionSets[0]);
+    const std::string sorted =
+        "the server sorts its names otherwise than collation SQL_Latin1_General_CP1_CI_AS is "
+        "understood here.";
+    const std::string derived = "the server says of its objects what can't be worked out here.";
+    const struct {
+        const char* asked;
+        const char* answered;
+        std::string why;
+    } answers[] = {
+        {"DISTINCT name FROM sysobjects ORDER BY name",
+         "DISTINCT name FROM sysobjects ORDER BY name DESC", sorted},
+        {"DISTINCT name FROM sysindexes WHERE",
+         "DISTINCT name FROM sysindexes WHERE id > 0 AND indid > 1 AND", sorted},
+        {"DISTINCT sc.name FROM", "DISTINCT UPPER(sc.name) + 'x' AS name FROM", sorted},
+        {"OBJECTPROPERTY(id, N'IsView') AS v", "OBJECTPROPERTY(id, N'IsTrigger') AS v", derived},
+        {"SELECT id, uid FROM sysobjects", "SELECT id, uid + 1 AS uid FROM sysobjects", derived},
+        {"'Collation'))", "'Collation')) + '_XX'",
+         "its collation SQL_Latin1_General_CP1_CI_AS_XX isn't known."},
+        {"WHEN sc.status & 128 = 0 THEN 0 ELSE", "WHEN sc.status < 0 THEN 0 ELSE",
+         "the seed of an identity column can't be read."},
+    };
+    for (const auto& one : answers) {
+        Meddler meddler;
+        MeddledServer server(meddler);
+        const Outcome direct = compare(server.info(), wholeRequest(true), false);
+        meddler.asked = QString::fromLatin1(one.asked);
+        meddler.answered = QString::fromLatin1(one.answered);
+        const Outcome image = compare(server.info(), wholeRequest(true), true);
+        EXPECT_EQ(image.told(), direct.told()) << one.asked;
+        ASSERT_EQ(image.run.notes.size(), 2) << one.asked;
+        EXPECT_EQ(image.run.notes[0].toStdString(),
+                  server.info().Name.toStdString() + ".Src is asked object by object: " + one.why)
+            << one.asked;
+    }
 }
 
 TEST(CatalogImageTrouble, ALoginThatSeesLessIsNeverToldIdentical) {
