@@ -2,6 +2,7 @@
 
 #include "core/globals.h"
 #include "data/image/image_session.h"
+#include "data/image/snapshot_provider.h"
 #include "data/mdlData.h"
 
 #include <algorithm>
@@ -37,6 +38,7 @@ CatalogImages::CatalogImages(const std::vector<Place>& places, const ReadingProg
     if (!globals().gblnUseCatalogImage) return;
     std::vector<CatalogueWanted> wanted;
     for (const Place& place : places) {
+        if (image::isSnapshotSource(place.server.Name)) continue;  // it is in memory already
         const CatalogueWanted one{place.server, place.database};
         const QString connection = connectionOf(one);
         const bool taken = std::ranges::any_of(

@@ -1,11 +1,13 @@
 #include "data/providers.h"
 
+#include "data/image/snapshot_provider.h"
 #include "data/local/local_provider.h"
 #include "data/odbc/odbc_provider.h"
 
 namespace zov {
 
 Provider& providerFor(const QString& dataSource) {
+    if (image::isSnapshotSource(dataSource)) return image::snapshotProvider();
     return local::isLocalDataSource(dataSource) ? local::localProvider() : odbc::odbcProvider();
 }
 

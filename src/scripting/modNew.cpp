@@ -5,6 +5,7 @@
 #include "core/globals.h"
 #include "core/modIgnoreColumns.h"
 #include "core/run_account.h"
+#include "data/snapshots.h"
 #include "scripting/modPermissions.h"
 #include "shell/shell.h"
 #include "util/text.h"
@@ -337,6 +338,10 @@ QString RecordsetToString(const ListingProgress& progress, Recordset* objects,
             if (objectType == ObjectType::Table) {
                 name = GetExtendedObjectName(server, dbName, name, objectType,
                                              qint32(objects->field(2).toInt64()));
+            }
+            if (objectType == ObjectType::Table && isSnapshot(server)) {
+                name += QStringLiteral(" (rows not known)");
+            } else if (objectType == ObjectType::Table) {
                 std::unique_ptr<Recordset> rs;
                 if (GetAdoRS(server, adCmdText,
                              QStringLiteral("SELECT COUNT(*) AS RecsCount FROM ") + name, rs,

@@ -6,6 +6,7 @@
 #include "core/globals.h"
 #include "data/catalog_images.h"
 #include "data/mdlData.h"
+#include "data/snapshots.h"
 #include "scripting/modNew.h"
 #include "shell/shell.h"
 #include "structcompare/kind_report.h"
@@ -168,6 +169,9 @@ void StructureComparison::addRunHeading() {
     const QString filter = BuildSchemaFilteringString();
     if (!filter.isEmpty()) report_ += filter + CRLF;
     for (const QString& sentence : result_.blindness) report_ += sentence + CRLF;
+    for (const RunSide* side : {&source_, &target_})
+        if (const QString sentence = SnapshotSentence(side->server); !sentence.isEmpty())
+            report_ += sentence + CRLF;
 }
 
 /// One kind, from its heading to its closing sentence; false ends the run.

@@ -137,6 +137,15 @@ inline constexpr const char* AttachExamples = R"(Examples:
   zovrand-cli attach -S local:shop -d Old old-shop.db
       a database file of another embedded server; the file stays where it is, a copy is taken)";
 
+inline constexpr const char* SnapshotExamples = R"(Examples:
+  zovrand-cli snapshot -S db1 -d Shop monday.zovsnap
+  zovrand-cli compare --source snapshot:monday.zovsnap --source-db Shop --target db1 --target-db Shop
+      what was changed since then; snapshot:FILE can stand wherever a server does
+
+The file holds no rows: what needs them is refused.
+
+Exit status: 0 written, 2 trouble.)";
+
 inline constexpr const char* RunExamples = R"(Examples:
   zovrand-cli compare --source db1 --source-db Shop --target db2 --target-db Shop
                       -o /reports/shop.txt --save Nightly

@@ -373,6 +373,18 @@ void describeTools(CLI::App& app, Options& options, Fields& fields, Choices& cho
                      "looked for on this one");
     attach->footer(help::AttachExamples);
     choices.emplace_back(attach, Command::Attach);
+
+    CLI::App* snapshot = app.add_subcommand(
+        "snapshot", "Keep the structure of a database in a file, to be compared later");
+    addServer(snapshot, options, fields);
+    snapshot
+        ->add_option("FILE", fields.text(options.snapshotFile),
+                     "The file, which is replaced when it is there")
+        ->type_name("")
+        ->required()
+        ->check(NotEmpty);
+    snapshot->footer(help::SnapshotExamples);
+    choices.emplace_back(snapshot, Command::Snapshot);
 }
 
 void describeProcesses(CLI::App& app, Options& options, Fields& fields, Choices& choices) {

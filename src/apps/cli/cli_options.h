@@ -30,6 +30,7 @@ enum class Command {
     Analyze,
     Info,
     Attach,
+    Snapshot,
     ProcessList,
     ProcessShow,
     ProcessDelete,
@@ -105,6 +106,8 @@ struct Options {
     // attach
     QString databaseFile, logFile;
     bool fileOnServer = false;  ///< the file is the server's machine's: nothing is looked for here
+
+    QString snapshotFile;  // snapshot
 
     // compare, data
     QString save;  ///< the saved process that the run becomes; empty: none

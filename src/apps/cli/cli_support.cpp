@@ -49,7 +49,8 @@ QString askForPassword(const QString& login) {
 }
 
 bool isLocal(const QString& server) {
-    return server.startsWith(QStringLiteral("local:"), Qt::CaseInsensitive);
+    return server.startsWith(QStringLiteral("local:"), Qt::CaseInsensitive) ||
+           server.startsWith(QStringLiteral("snapshot:"), Qt::CaseInsensitive);
 }
 
 const ServerInfo* storedServer(const QString& name) {

@@ -103,6 +103,7 @@ int runCompare(const Options& options, ConsoleShell& console);
 int runData(const Options& options, ConsoleShell& console);
 int runAnalyze(const Options& options, ConsoleShell& console);
 int runInfo(const Options& options, ConsoleShell& console);
+int runSnapshot(const Options& options, ConsoleShell& console);
 int runAttach(const Options& options, ConsoleShell& console);
 int runProcessList();
 int runProcessShow(const Options& options);

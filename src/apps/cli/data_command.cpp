@@ -4,6 +4,7 @@
 #include "apps/cli/save_run.h"
 #include "core/globals.h"
 #include "core/run_account.h"
+#include "data/snapshots.h"
 #include "datacompare/compare_all_data.h"
 #include "datacompare/frmCompareData.h"
 #include "datacompare/frmCompareStatus.h"
@@ -48,13 +49,15 @@ class ConsoleScreens : public DataComparisonScreens, public CompareAllForm {
                                   : writeGridHtml(source, exportFile_, run);
         console_.clearProgress();
         if (end == ExportEnd::Failed)
-            exportFailure = run.failure + QStringLiteral("\nNothing was exported. An older file of "
-                                                         "this name is as it was.");
+            exportFailure = run.failure + QStringLiteral(
+                                              "\nNothing was exported. An older file of "
+                                              "this name is as it was.");
         if (end == ExportEnd::Stopped)
             exportFailure = QStringLiteral("Stopped: %1 holds the rows so far.").arg(exportFile_);
         exported = end == ExportEnd::Written;
         if (!exported) return;
-        if (screen.lblMaxRowsVisible) note = screen.lblMaxRows;
+        if (screen.lblMaxRowsVisible)
+            note = screen.lblMaxRows;
         else if (screen.RowsLeftOut)
             note = frmCompareData::RowsLeftOutNote;
     }
@@ -106,11 +109,12 @@ void keepTableRun(const Options& options, ConsoleShell& console, const RunToSave
     toSave.saveTableSettings(run, !options.ignore.isEmpty(), ignored);
     const bool csv = options.exportFile.endsWith(QStringLiteral(".csv"), Qt::CaseInsensitive);
     toSave.save(reportOf(run.Tables, run.Method), options.exportFile,
-              csv ? ExportType::Csv : ExportType::Html, csv, console);
+                csv ? ExportType::Csv : ExportType::Html, csv, console);
     if (!options.outputFile.isEmpty())
-        console.showNote(QStringLiteral("The process doesn't keep the summary's file, %1: its replay "
-                                        "prints the summary.")
-                             .arg(options.outputFile));
+        console.showNote(
+            QStringLiteral("The process doesn't keep the summary's file, %1: its replay "
+                           "prints the summary.")
+                .arg(options.outputFile));
 }
 
 int compareOneTable(const Options& options, ConsoleShell& console, const ComparedServers& servers,
@@ -203,6 +207,8 @@ int runData(const Options& options, ConsoleShell& console) {
     const ComparedServers servers = chooseServers(options);
     const RunToSave toSave(options, servers);
     reachServers(servers);
+    for (const ServerInfo* server : {&servers.source, &servers.target})
+        if (isSnapshot(*server)) throw Failure(NoRowsSentence(*server));
     return options.table.isEmpty() ? compareTables(options, console, servers, toSave)
                                    : compareOneTable(options, console, servers, toSave);
 }

@@ -67,6 +67,8 @@ int run(const Options& options, UnattendedShell& console) {
             return runInfo(options, console);
         case Command::Attach:
             return runAttach(options, console);
+        case Command::Snapshot:
+            return runSnapshot(options, console);
         case Command::ProcessList:
             return runProcessList();
         case Command::ProcessShow:

@@ -5,6 +5,7 @@
 #include "core/globals.h"
 #include "core/modIgnoreColumns.h"
 #include "core/run_account.h"
+#include "data/snapshots.h"
 #include "data/sql_names.h"
 #include "datacompare/table_reading.h"
 #include "reports/database_info.h"
@@ -75,6 +76,7 @@ int runAnalyze(const Options& options, ConsoleShell& console) {
     ServerInfo server = chooseServer(options, options.server);
     const QString database = chooseDatabase(options.server, server, "-d");
     reachServer(server, database, SourcePanel);
+    if (isSnapshot(server)) throw Failure(NoRowsSentence(server));
     RunAccount account;
     const KeepAccount keep(account);
     const CompareDataTable found =

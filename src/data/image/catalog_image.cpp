@@ -133,6 +133,23 @@ bool CatalogImage::holds(const CommandSpec& command) {
     return !command.storedProcedure && command.parameters.empty() && held_.contain(command.text);
 }
 
+std::unique_ptr<ProviderConnection> CatalogImage::connect() {
+    {
+        const std::lock_guard lock(guard_);
+        if (!idle_.empty()) {
+            std::unique_ptr<ProviderConnection> session = std::move(idle_.back());
+            idle_.pop_back();
+            return session;
+        }
+    }
+    return database_->connect();
+}
+
+void CatalogImage::keep(std::unique_ptr<ProviderConnection> idle) {
+    const std::lock_guard lock(guard_);
+    idle_.push_back(std::move(idle));
+}
+
 ImageReading::ImageReading(std::unique_ptr<ProviderConnection> session, int timeout)
     : session_(std::move(session)), timeout_(timeout) {}
 

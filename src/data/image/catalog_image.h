@@ -10,23 +10,32 @@
 
 #include <atomic>
 #include <memory>
+#include <mutex>
+#include <vector>
 
 namespace zov::image {
 
 class CatalogImage {
  public:
-    explicit CatalogImage(std::unique_ptr<local::MemoryDatabase> database)
-        : database_(std::move(database)) {}
+    explicit CatalogImage(std::unique_ptr<local::MemoryDatabase> database,
+                          HeldStatements::Behind behind = HeldStatements::Behind::Server)
+        : database_(std::move(database)), held_(behind) {}
 
     /// Whether it can answer this statement as its server would.
     bool holds(const CommandSpec& command);
-    /// A session that answers from it alone; the image must outlive it.
-    std::unique_ptr<ProviderConnection> connect() const { return database_->connect(); }
+    /// A session that answers from it alone; it must go, or be kept, before the image does. From
+    /// any thread.
+    std::unique_ptr<ProviderConnection> connect();
+    /// For whoever asks next, which costs less than a new one.
+    void keep(std::unique_ptr<ProviderConnection> idle);
     local::MemoryDatabase& database() { return *database_; }
+    const QString& databaseName() const { return database_->name(); }
 
  private:
     std::unique_ptr<local::MemoryDatabase> database_;
     HeldStatements held_;
+    std::mutex guard_;
+    std::vector<std::unique_ptr<ProviderConnection>> idle_;
 };
 
 /// The database is one that no image can be made of; why, for the user: "its names are sorted ...".

@@ -1,9 +1,13 @@
 #include "data/image/held_statements.h"
 
 #include "data/base/db_error.h"
+#include "data/image/image_statements.h"
+#include "data/local/catalog_views.h"
 #include "data/local/tsql_lexer.h"
 
 #include <QSet>
+
+#include <span>
 
 namespace zov::image {
 namespace {
@@ -38,6 +42,10 @@ const HeldView views[] = {
     {"INFORMATION_SCHEMA", "ROUTINES", "ROUTINE_NAME ROUTINE_SCHEMA"},
     {"INFORMATION_SCHEMA", "SCHEMATA", "SCHEMA_NAME"},
 };
+const HeldView serverViews[] = {
+    {"", "sysdatabases", "name"},
+    {"sys", "databases", "name collation_name"},
+};
 
 QSet<QString> wordsOf(const char* list) {
     const QStringList words = QString::fromLatin1(list).toUpper().split(u' ');
@@ -56,8 +64,20 @@ const QSet<QString>& functions() {
     return words;
 }
 
-const HeldView* findView(const QString& schema, const QString& name) {
-    for (const HeldView& view : views) {
+const QSet<QString>& serverFunctions() {
+    static const QSet<QString> words =
+        wordsOf("SERVERPROPERTY DATABASEPROPERTYEX CONVERT DB_NAME HAS_PERMS_BY_NAME");
+    return words;
+}
+/// Types that a value is converted to.
+const QSet<QString>& typeNames() {
+    static const QSet<QString> words = wordsOf("NVARCHAR INT");
+    return words;
+}
+
+const HeldView* findView(std::span<const HeldView> among, const QString& schema,
+                         const QString& name) {
+    for (const HeldView& view : among) {
         if (name.compare(QLatin1StringView(view.name), Qt::CaseInsensitive) != 0) continue;
         const QLatin1StringView home(view.schema);
         const bool anyHome =
@@ -71,13 +91,14 @@ const HeldView* findView(const QString& schema, const QString& name) {
 /// Reads one statement's tokens.
 class StatementReader {
  public:
-    explicit StatementReader(const std::vector<Token>& tokens) : tokens_(tokens) {}
+    StatementReader(const std::vector<Token>& tokens, HeldStatements::Behind behind)
+        : tokens_(tokens), alone_(behind == HeldStatements::Behind::Nobody) {}
 
     bool isHeld() {
         if (tokens_.empty() || !tokens_.front().is("SELECT")) return false;
-        return readSources() && std::ranges::all_of(tokens_, [&](const Token& token) {
-                   return isKnown(size_t(&token - tokens_.data()));
-               });
+        if (!readSources() || (columns_.isEmpty() && !alone_)) return false;
+        return std::ranges::all_of(
+            tokens_, [&](const Token& token) { return isKnown(size_t(&token - tokens_.data())); });
     }
 
  private:
@@ -103,7 +124,8 @@ class StatementReader {
                 name += 2;
             }
             if (!isPlainName(name) || at(name + 1, ".")) return false;
-            const HeldView* view = findView(schema, tokens_[name].name());
+            const HeldView* view = findView(views, schema, tokens_[name].name());
+            if (!view && alone_) view = findView(serverViews, schema, tokens_[name].name());
             if (!view) return false;
             columns_.unite(wordsOf(view->columns));
             names_.insert(tokens_[name].name().toUpper());
@@ -111,7 +133,12 @@ class StatementReader {
             if (at(alias, "AS")) ++alias;
             if (isPlainName(alias)) names_.insert(tokens_[alias].name().toUpper());
         }
-        return !columns_.isEmpty();
+        return true;
+    }
+
+    bool isKnownFunction(const QString& name, bool hasArguments) const {
+        return (functions().contains(name) && hasArguments) ||
+               (alone_ && (serverFunctions().contains(name) || typeNames().contains(name)));
     }
 
     bool isKnown(size_t index) const {
@@ -122,8 +149,7 @@ class StatementReader {
         const QString name = token.name().toUpper();
         if (token.kind == TokenKind::Word && keywords().contains(name)) return true;
         if (at(index + 1, "("))
-            return token.kind == TokenKind::Word && functions().contains(name) &&
-                   !at(index + 2, ")");
+            return token.kind == TokenKind::Word && isKnownFunction(name, !at(index + 2, ")"));
         // A name for a column of the result: "value AS name", "name = value".
         const bool namesResult =
             index > 0 && (at(index - 1, "AS") || (at(index - 1, ",") && at(index + 1, "=")));
@@ -131,6 +157,7 @@ class StatementReader {
     }
 
     const std::vector<Token>& tokens_;
+    const bool alone_;
     QSet<QString> columns_;
     QSet<QString> names_;
 };
@@ -155,13 +182,14 @@ QString skeletonOf(const QString& statement) {
     return skeleton;
 }
 
-bool isHeld(const QString& statement) {
+/// Empty for a statement that can't be read: the server finds words for it.
+std::vector<Token> tokensOf(const QString& statement) {
     try {
         std::vector<Token> tokens = local::tokenize(statement);
         tokens.pop_back();
-        return StatementReader(tokens).isHeld();
+        return tokens;
     } catch (const DbError&) {
-        return false;  // the server finds words for it
+        return {};
     }
 }
 
@@ -172,7 +200,23 @@ bool HeldStatements::contain(const QString& statement) {
     const std::lock_guard lock(guard_);
     const auto known = known_.constFind(skeleton);
     if (known != known_.constEnd()) return *known;
-    return *known_.insert(skeleton, isHeld(statement));
+    const std::vector<Token> tokens = tokensOf(statement);
+    return *known_.insert(skeleton, StatementReader(tokens, behind_).isHeld());
+}
+
+bool HeldStatements::readCatalogue(const QString& statement) {
+    const std::vector<Token> tokens = tokensOf(statement);
+    bool reads = false;
+    for (size_t i = 0; i + 1 < tokens.size(); ++i) {
+        if (!tokens[i].is("FROM") && !tokens[i].is("JOIN")) continue;
+        const bool hasSchema = i + 3 < tokens.size() && tokens[i + 2].is(".");
+        const QString schema = hasSchema ? tokens[i + 1].name() : QString();
+        const Token& name = tokens[hasSchema ? i + 3 : i + 1];
+        if (name.is("(")) continue;
+        if (!local::findCatalogView(schema, name.name(), FirstVersion)) return false;
+        reads = true;
+    }
+    return reads;
 }
 
 }  // namespace zov::image

@@ -15,6 +15,10 @@ class ImageSession : public ProviderConnection {
     ImageSession(std::shared_ptr<CatalogImage> image, OpenServer openServer)
         : image_(std::move(image)), openServer_(std::move(openServer)), own_(image_->connect()) {}
 
+    ~ImageSession() override {
+        if (own_) image_->keep(std::move(own_));
+    }
+
     std::unique_ptr<ResultStream> execute(const CommandSpec& command) override {
         if (image_->holds(command)) {
             try {
@@ -26,17 +30,18 @@ class ImageSession : public ProviderConnection {
         return server()->execute(command);
     }
     void cancel() override {
-        own_->cancel();
+        if (own_) own_->cancel();
         if (const std::shared_ptr<ProviderConnection> asked = askedServer()) asked->cancel();
     }
     std::vector<ServerMessage> takeMessages() override {
-        std::vector<ServerMessage> messages = own_->takeMessages();
+        std::vector<ServerMessage> messages;
+        if (own_) messages = own_->takeMessages();
         if (const std::shared_ptr<ProviderConnection> asked = askedServer())
             std::ranges::move(asked->takeMessages(), std::back_inserter(messages));
         return messages;
     }
     void close() override {
-        own_->close();
+        if (own_) image_->keep(std::move(own_));
         if (const std::shared_ptr<ProviderConnection> asked = askedServer()) asked->close();
     }
 

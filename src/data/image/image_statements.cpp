@@ -108,6 +108,9 @@ const char* const databaseStatement =
     "CONVERT(nvarchar(128), SERVERPROPERTY('ProductVersion')) AS version, "
     "CONVERT(nvarchar(128), SERVERPROPERTY('ServerName')) AS server";
 
+const char* const rightsStatement =
+    "SELECT HAS_PERMS_BY_NAME(DB_NAME(), 'DATABASE', 'VIEW DEFINITION') AS sees_all";
+
 const char* const countsStatement =
     "SELECT (SELECT COUNT(*) FROM sysobjects) AS objects, (SELECT COUNT(*) FROM syscolumns) AS "
     "columns, (SELECT COUNT(*) FROM sysindexes) AS indexes, (SELECT COUNT(*) FROM syscomments) AS "

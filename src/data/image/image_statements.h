@@ -33,6 +33,8 @@ std::span<const ProbeStatement> probeStatements();
 
 /// Name, collation, default schema, version and name of the server.
 extern const char* const databaseStatement;
+/// Whether the login sees the whole catalogue.
+extern const char* const rightsStatement;
 /// How many rows there are of what an alteration needn't show in a date of an object.
 extern const char* const countsStatement;
 /// Every object with the date of its last alteration: asked first and last.

@@ -13,12 +13,18 @@ class MemoryDatabase {
     /// that it is to answer as.
     MemoryDatabase(const QString& serverName, const QString& database, const QString& version,
                    const QString& collation);
+    /// One that serialized() gave. Throws DbError when that is damaged.
+    MemoryDatabase(const QString& serverName, const QString& database, const QString& version,
+                   QByteArray content);
     ~MemoryDatabase();
     MemoryDatabase(const MemoryDatabase&) = delete;
     MemoryDatabase& operator=(const MemoryDatabase&) = delete;
 
+    const QString& name() const { return place_.database; }
     /// For its maker, until the first session begins.
     sqlite3* handle();
+    /// All that is in it, as bytes of SQLite's.
+    QByteArray serialized();
     /// A session with it, from any thread. It must be gone before the database is.
     std::unique_ptr<ProviderConnection> connect() const;
 
