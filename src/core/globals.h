@@ -42,9 +42,9 @@ struct Globals {
     ServerInfo gtCurrentServers[2];  ///< Source, Target
 
     // Settings.
-    qint32 glngTimeout = 30;              ///< seconds, 0 without limit
+    qint32 glngTimeout = 30;  ///< seconds, 0 without limit
     qint32 glngMaxRowsInDiffTable = 500;
-    qint32 glngCacheSize = 5;             ///< rows, with server-side cursors
+    qint32 glngCacheSize = 5;  ///< rows, with server-side cursors
     qint32 glngCursorLocation = adUseServer;
     bool gblnFilterOfflineDbs = false;
     bool gblnShowOwners = false;
@@ -55,7 +55,7 @@ struct Globals {
     bool gblnIgnoreIndexes = false;
     bool gblnIgnoreColSeq = true;
     bool gblnIgnoreSysObjects = true;
-    bool gblnUseCatalogImage = false;     ///< runs over many objects read each catalogue whole
+    bool gblnUseCatalogImage = false;  ///< runs over many objects read each catalogue whole
     bool gblnAutoSelTargetObj = false;
     bool gblnAnalyzeConstraints = false;
     bool gblnAutoSaveSchemas = false;
@@ -63,16 +63,17 @@ struct Globals {
 
     bool gblnSuppressConnErrors = false;  ///< GetAdoRS fails without a report
     bool gblnExtendedNames = false;
-    bool gblnPermissionsEnabled = false;  ///< nothing sets it; permissions are built but not offered
+    bool gblnPermissionsEnabled =
+        false;  ///< nothing sets it; permissions are built but not offered
     qint32 glngSavedProcessId = 0;
-    bool gblnAutoClose = false;           ///< a replay closes its result screens and the program
-    bool gblnStop = false;                ///< the one stop flag that Stop and Cancel buttons set
+    bool gblnAutoClose = false;  ///< a replay closes its result screens and the program
+    bool gblnStop = false;       ///< the one stop flag that Stop and Cancel buttons set
 
     // Filters by owner or schema, one a panel.
     bool gblnFilterActive[2] = {false, false};
-    QString gstrFilterList[2];            ///< names, comma-separated, no blanks
+    QString gstrFilterList[2];  ///< names, comma-separated, no blanks
 
-    QString gstrReport;                   ///< the text that the report screen shows
+    QString gstrReport;  ///< the text that the report screen shows
 };
 
 Globals& globals();

@@ -41,8 +41,9 @@ CatalogImages::CatalogImages(const std::vector<Place>& places, const ReadingProg
         if (image::isSnapshotSource(place.server.Name)) continue;  // it is in memory already
         const CatalogueWanted one{place.server, place.database};
         const QString connection = connectionOf(one);
-        const bool taken = std::ranges::any_of(
-            wanted, [&](const CatalogueWanted& other) { return connectionOf(other) == connection; });
+        const bool taken = std::ranges::any_of(wanted, [&](const CatalogueWanted& other) {
+            return connectionOf(other) == connection;
+        });
         if (!place.database.isEmpty() && !taken && !isInUse(connection)) wanted.push_back(one);
     }
     if (wanted.empty() || !readCatalogues(wanted, progress)) return;

@@ -1,7 +1,7 @@
-// Runs over many objects read the catalogues of their databases whole, in a number of statements that
-// doesn't depend on how many objects there are, and are then answered from what was read (data/image).
-// A run asks for that here; what answers its statements is decided by `Connection::Open`, and nobody
-// above knows the difference.
+// Runs over many objects read the catalogues of their databases whole, in a number of statements
+// that doesn't depend on how many objects there are, and are then answered from what was read
+// (data/image). A run asks for that here; what answers its statements is decided by
+// `Connection::Open`, and nobody above knows the difference.
 #pragma once
 
 #include "data/catalog_reading.h"
@@ -36,8 +36,8 @@ class CatalogImages {
     QStringList connectionStrings_;  ///< those that this object has put in
 };
 
-/// A session over the image that answers for this connection string; null when there is none. From any
-/// thread.
+/// A session over the image that answers for this connection string; null when there is none. From
+/// any thread.
 std::unique_ptr<ProviderConnection> imageSessionFor(const QString& connectionString);
 
 }  // namespace zov

@@ -25,8 +25,8 @@ class SideReading {
     void run(int step, int timeout) {
         try {
             if (step == 0) {
-                auto fresh = std::make_shared<image::ImageReading>(openDirectly(connectionString_),
-                                                                   timeout);
+                auto fresh =
+                    std::make_shared<image::ImageReading>(openDirectly(connectionString_), timeout);
                 const std::lock_guard lock(guard_);
                 reading_ = std::move(fresh);
             }
@@ -98,8 +98,8 @@ struct Side {
     void begin() {
         ++readings;
         nextStep = 0;
-        reading = std::make_shared<SideReading>(
-            BuildConnectionString(wanted.server, wanted.database));
+        reading =
+            std::make_shared<SideReading>(BuildConnectionString(wanted.server, wanted.database));
     }
     void giveUp(const QString& why) {
         wanted.reason = why;

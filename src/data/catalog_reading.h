@@ -1,5 +1,5 @@
-// Reads the catalogues of databases into images: step by step, all of them at the same time, while the
-// caller's user sees how far it is and may give up.
+// Reads the catalogues of databases into images: step by step, all of them at the same time, while
+// the caller's user sees how far it is and may give up.
 #pragma once
 
 #include "core/server_info.h"
@@ -23,8 +23,8 @@ struct CatalogueWanted {
 /// How far it is, for the user: "Reading columns...". Called in the caller's thread.
 using ReadingProgress = std::function<void(const QString& doing)>;
 
-/// False, and the stop flag is set, when the user gave up; nothing is of use then. What fails is kept
-/// in `reason` and reported nowhere else.
+/// False, and the stop flag is set, when the user gave up; nothing is of use then. What fails is
+/// kept in `reason` and reported nowhere else.
 bool readCatalogues(std::vector<CatalogueWanted>& wanted, const ReadingProgress& progress);
 
 /// A session with the server itself, whatever images are in use.

@@ -27,8 +27,9 @@ QString Connection::place() const {
 
 std::shared_ptr<ProviderConnection> Connection::sessionForNewCommand() {
     if (!session_)
-        throw DbError(3709, QStringLiteral("The connection cannot be used to perform this operation. "
-                                           "It is either closed or invalid in this context."));
+        throw DbError(3709,
+                      QStringLiteral("The connection cannot be used to perform this operation. "
+                                     "It is either closed or invalid in this context."));
     if (const std::shared_ptr<RowSource> running = running_.lock()) running->spool();
     running_.reset();
     return session_;

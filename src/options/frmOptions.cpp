@@ -107,9 +107,9 @@ void frmOptions::SaveData() {
         save("ShowDataCompOpt", v.chkDataComp, before.chkDataComp);
         g.gblnIgnoreColSeq = save("IgnoreColSeq", v.chkIgnoreColSeq, before.chkIgnoreColSeq);
         g.glngCacheSize = saveNumber("CacheSize", v.txtCacheSize, before.txtCacheSize);
-        g.glngCursorLocation =
-            save("CursorConnectionUseServer", v.serverSide, before.serverSide) ? adUseServer
-                                                                               : adUseClient;
+        g.glngCursorLocation = save("CursorConnectionUseServer", v.serverSide, before.serverSide)
+                                   ? adUseServer
+                                   : adUseClient;
         g.glngTimeout = saveNumber("Timeout", v.txtTimeout, before.txtTimeout);
         save("AutoConnect", v.chkAutoConnect, before.chkAutoConnect);
         save("PreserveDbSel", v.chkPreserveDbSel, before.chkPreserveDbSel);

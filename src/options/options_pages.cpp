@@ -120,13 +120,14 @@ const std::vector<OptionsPage>& frmOptions::pages() {
            QStringLiteral("Ignore all system objects during comarisons")}}},
         {QStringLiteral("Read at Once"),
          schema,
-         paragraphs(
-             {QStringLiteral("When this option is turned on, comparisons of many objects read the "
-                             "catalog of each database at once, in a few large queries, and both "
-                             "databases at the same time.  Over a network this takes a fraction of "
-                             "the time that asking for each object takes.  The report is the same."),
-              QStringLiteral("Databases that can't be read in this way (those of servers older than "
-                             "SQL Server 2005, for example) are asked object by object.")}),
+         paragraphs({QStringLiteral(
+                         "When this option is turned on, comparisons of many objects read the "
+                         "catalog of each database at once, in a few large queries, and both "
+                         "databases at the same time.  Over a network this takes a fraction of "
+                         "the time that asking for each object takes.  The report is the same."),
+                     QStringLiteral(
+                         "Databases that can't be read in this way (those of servers older than "
+                         "SQL Server 2005, for example) are asked object by object.")}),
          {{QStringLiteral("chkUseCatalogImage"),
            QStringLiteral("Read the whole catalog at once when comparing many objects")}}},
         {QStringLiteral("Ignore Indexes"),

@@ -22,7 +22,7 @@ bool databasesChosen(const QString& sourceDb, const QString& targetDb) {
 
 /// Shows the form, runs, opens the report.
 RunVerdict runWithForm(CompareAllWindow& window, frmCompareAllTables::Request& screen,
-                 StructureRunRequest& request, bool wholeDatabases, const SavedRun* saved) {
+                       StructureRunRequest& request, bool wholeDatabases, const SavedRun* saved) {
     QString objectTypes;
     RunVerdict verdict = RunVerdict::None;
     screen.run = [&](frmCompareAllTables& form) {
@@ -68,11 +68,11 @@ ComparisonReport reportOf(const StructureRunRequest& request, bool wholeDatabase
     if (wholeDatabases)
         report.CompSubSubType = 0;
     else if (request.details)
-        report.CompSubSubType = request.selective ? comparison_code::SelectiveDetails
-                                                  : comparison_code::BulkDetails;
+        report.CompSubSubType =
+            request.selective ? comparison_code::SelectiveDetails : comparison_code::BulkDetails;
     else
-        report.CompSubSubType = request.selective ? comparison_code::SelectiveSimple
-                                                  : comparison_code::BulkSimple;
+        report.CompSubSubType =
+            request.selective ? comparison_code::SelectiveSimple : comparison_code::BulkSimple;
     report.EncObjTypes = objectTypes;
     report.SourceNames = request.sourceObjects;
     report.TargetNames = request.targetObjects;

@@ -119,8 +119,8 @@ bool StructureComparison::connect(RunSide& side) {
     return true;
 }
 
-/// Each catalogue is read whole where that can be done: what is asked for below then costs no way to
-/// the server.
+/// Each catalogue is read whole where that can be done: what is asked for below then costs no way
+/// to the server.
 bool StructureComparison::readCatalogues() {
     images_.emplace(std::vector<CatalogImages::Place>{{source_.server, source_.database},
                                                       {target_.server, target_.database}},
@@ -227,9 +227,10 @@ bool StructureComparison::loadList(RunSide& side, const KindReport& kind) {
     }
     if (account.isWhole()) return true;
     for (const AccountEntry& entry : account.entries()) addToAccount(entry);
-    report_ += QStringLiteral("The list of %1 in %2 database can't be read: the %1 aren't compared.")
-                   .arg(kind.plural, side.name) +
-               CRLF;
+    report_ +=
+        QStringLiteral("The list of %1 in %2 database can't be read: the %1 aren't compared.")
+            .arg(kind.plural, side.name) +
+        CRLF;
     return false;
 }
 
@@ -250,8 +251,8 @@ bool StructureComparison::compareLists(KindReport& kind, const std::vector<Objec
                            [&](const ObjectRef& object) { return isChosen(object); });
     };
     if (sources.empty() || targets.empty()) {
-        // Nothing can be compared: the count lines say it all, and no closing sentence follows. A kind
-        // of which nothing was chosen differs in nothing.
+        // Nothing can be compared: the count lines say it all, and no closing sentence follows. A
+        // kind of which nothing was chosen differs in nothing.
         if (sources.empty() && targets.empty())
             report_.chop(2);
         else
@@ -344,8 +345,8 @@ ReadText StructureComparison::textOn(RunSide& side, const ObjectRef& object) {
     switch (object.kind) {
         case ObjectType::Table: {
             qint32 ignored = 0;
-            const QString text = GetTableStructureWithIndexes(side.server, object, side.database,
-                                                              true, &ignored);
+            const QString text =
+                GetTableStructureWithIndexes(side.server, object, side.database, true, &ignored);
             return {text, ignored > 0};
         }
         case ObjectType::Relationship:

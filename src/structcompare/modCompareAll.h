@@ -50,9 +50,7 @@ struct StructureRun {
     /// Everything that a verdict rests on came, but for objects that can't be read.
     bool isReliable() const { return finished && account.isWhole(); }
     /// Reliable, and nothing was left out.
-    bool isWhole() const {
-        return isReliable() && unreadable.isEmpty() && blindness.isEmpty();
-    }
+    bool isWhole() const { return isReliable() && unreadable.isEmpty() && blindness.isEmpty(); }
 };
 
 /// Lists and panes of both sides are overwritten. The stop flag (gblnStop) is cleared at the start

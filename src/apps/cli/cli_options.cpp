@@ -14,7 +14,8 @@ namespace {
 const char* const TypeHelp =
     "tables, procedures, functions, views, triggers, relationships, constraints or permissions";
 
-// The parser takes "[a].[b]" for a list in brackets, and strips them, unless something stands in front.
+// The parser takes "[a].[b]" for a list in brackets, and strips them, unless something stands in
+// front.
 constexpr char BracketGuard = '\x01';
 
 /// The arguments with a guard before those in brackets, last one first as the parser wants them.
@@ -439,8 +440,9 @@ void describeCommands(CLI::App& app, Options& options, Fields& fields, Choices& 
         "embedded server leaves the database as it was");
     load->add_flag("--replace", options.replace,
                    "Start from an empty database (embedded server only)");
-    load->add_option("-v,--variable", fields.list(options.variables),
-                     "A value for $(NAME) in the scripts, which :setvar may change; may be repeated")
+    load->add_option(
+            "-v,--variable", fields.list(options.variables),
+            "A value for $(NAME) in the scripts, which :setvar may change; may be repeated")
         ->type_name("NAME=VALUE")
         ->allow_extra_args(false);
     load->add_option("--define", fields.list(options.defined),

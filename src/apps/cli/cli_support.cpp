@@ -178,9 +178,10 @@ void reachServer(ServerInfo& server, const QString& database, int panel) {
     CheckSQLServerVersion(server);
     // Another version's questions would leave things out without a word.
     if (server.Version.isEmpty())
-        throw Failure(QStringLiteral("The version of server %1 can't be read.\nRun the command again "
-                                     "when the server answers.")
-                          .arg(server.Name));
+        throw Failure(
+            QStringLiteral("The version of server %1 can't be read.\nRun the command again "
+                           "when the server answers.")
+                .arg(server.Name));
     server.NumVersion = GetMajorVersion(server.Version);
     globals().gtCurrentServers[panel] = server;
 }

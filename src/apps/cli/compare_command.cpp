@@ -126,7 +126,7 @@ int runCompare(const Options& options, ConsoleShell& console) {
     if (tellWhatIsLeftOut(run, options.allowUnreadable, console)) return Trouble;
     const bool oneKind = std::count(request.kinds.begin(), request.kinds.end(), true) == 1;
     toSave.save(reportOf(request, !oneKind, run.objectTypesChosen), options.outputFile, 0, false,
-              console);
+                console);
     return run.somethingDiffers ? Different : Identical;
 }
 

@@ -457,11 +457,12 @@ void frmMain::MenuToolsFindInDb(int Index) {
     const QString name = screens_.searchForObject(Index, selectedType(), database(Index));
     if (name.isEmpty()) return;
     if (rowOfName(view_.panels()[Index].pvlSqlObj, name) < 0)
-        shell().messageBox(QStringLiteral("'%1' isn't in the panel's list any more or was left out "
-                                          "of it.\r\n\r\nRefresh the panel and choose all owners to "
-                                          "see it.")
-                               .arg(name),
-                           QStringLiteral("Cannot View"));
+        shell().messageBox(
+            QStringLiteral("'%1' isn't in the panel's list any more or was left out "
+                           "of it.\r\n\r\nRefresh the panel and choose all owners to "
+                           "see it.")
+                .arg(name),
+            QStringLiteral("Cannot View"));
     selectRow(Index, rowOfName(view_.panels()[Index].pvlSqlObj, name));
 }
 

@@ -271,7 +271,8 @@ std::vector<DatabaseFacts> ServerStore::databases() {
         take(defaults(name, folder_ + u'/' + file), nullptr);
     }
     for (const char* name : {"master", "tempdb", "model", "msdb"})
-        if (!inMemory_ && !seen.contains(QLatin1String(name))) take(defaults(QLatin1String(name), {}), nullptr);
+        if (!inMemory_ && !seen.contains(QLatin1String(name)))
+            take(defaults(QLatin1String(name), {}), nullptr);
 
     // A file that was copied into the folder may carry an id that is taken.
     std::sort(all.begin(), all.end(), [](const DatabaseFacts& a, const DatabaseFacts& b) {

@@ -202,8 +202,7 @@ void removeDatabaseFiles(const QString& file) {
 }
 
 void removeLogs(const QString& file) {
-    for (const char* tail : {"-wal", "-shm", "-journal"})
-        QFile::remove(file + QLatin1String(tail));
+    for (const char* tail : {"-wal", "-shm", "-journal"}) QFile::remove(file + QLatin1String(tail));
 }
 
 int compatibilityOf(const QString& version) {

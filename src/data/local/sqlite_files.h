@@ -20,9 +20,9 @@ int systemId(const QString& folded);
 QString fileNameOf(const QString& name);
 /// The name that a file stands for; empty when it is no database of ours.
 QString nameOfFile(const QFileInfo& file);
-/// The names of a folder's files that `wanted` takes, in no order: without asking each file for what
-/// it is and without patterns, since every session looks. Throws when the folder can't be read; one
-/// that isn't there has none.
+/// The names of a folder's files that `wanted` takes, in no order: without asking each file for
+/// what it is and without patterns, since every session looks. Throws when the folder can't be
+/// read; one that isn't there has none.
 QStringList filesIn(const QString& folder, const std::function<bool(const QString&)>& wanted);
 /// The files of databases, sorted.
 QStringList databaseFilesIn(const QString& folder);
@@ -35,8 +35,8 @@ int compatibilityOf(const QString& version);
 /// `flags` as sqlite3_open_v2 takes them; `uriTail` ("?immutable=1") goes behind the file's
 /// address.
 sqlite3* openFile(const QString& file, int flags, const QString& uriTail = {});
-/// A database that lives in memory alone and is shared by all handles of this process that open it by
-/// this name; it goes with the last of them. Made when it isn't there.
+/// A database that lives in memory alone and is shared by all handles of this process that open it
+/// by this name; it goes with the last of them. Made when it isn't there.
 sqlite3* openMemory(const QString& name);
 /// Closes the handle with its scope.
 struct SqliteCloser {
