@@ -1,32 +1,14 @@
 #include "data/catalog_images.h"
 
 #include "core/globals.h"
-#include "data/image/image_session.h"
 #include "data/image/snapshot_provider.h"
+#include "data/images_in_use.h"
 #include "data/mdlData.h"
 
 #include <algorithm>
-#include <map>
-#include <mutex>
 
 namespace zov {
 namespace {
-
-/// The images in use, by the connection strings of those who ask.
-struct ImagesInUse {
-    std::mutex guard;
-    std::map<QString, std::shared_ptr<image::CatalogImage>> byConnection;
-};
-ImagesInUse& imagesInUse() {
-    static ImagesInUse images;
-    return images;
-}
-
-bool isInUse(const QString& connectionString) {
-    ImagesInUse& images = imagesInUse();
-    const std::lock_guard lock(images.guard);
-    return images.byConnection.contains(connectionString);
-}
 
 QString connectionOf(const CatalogueWanted& wanted) {
     return BuildConnectionString(wanted.server, wanted.database);
@@ -44,11 +26,9 @@ CatalogImages::CatalogImages(const std::vector<Place>& places, const ReadingProg
         const bool taken = std::ranges::any_of(wanted, [&](const CatalogueWanted& other) {
             return connectionOf(other) == connection;
         });
-        if (!place.database.isEmpty() && !taken && !isInUse(connection)) wanted.push_back(one);
+        if (!place.database.isEmpty() && !taken && !isImageInUse(connection)) wanted.push_back(one);
     }
     if (wanted.empty() || !readCatalogues(wanted, progress)) return;
-    ImagesInUse& images = imagesInUse();
-    const std::lock_guard lock(images.guard);
     for (CatalogueWanted& one : wanted) {
         if (!one.image) {
             notes_ += QStringLiteral("%1.%2 is asked object by object: %3.")
@@ -56,28 +36,13 @@ CatalogImages::CatalogImages(const std::vector<Place>& places, const ReadingProg
             continue;
         }
         const QString connection = connectionOf(one);
-        images.byConnection[connection] = std::move(one.image);
+        useImage(connection, std::move(one.image));
         connectionStrings_ += connection;
     }
 }
 
 CatalogImages::~CatalogImages() {
-    ImagesInUse& images = imagesInUse();
-    const std::lock_guard lock(images.guard);
-    for (const QString& connection : connectionStrings_) images.byConnection.erase(connection);
-}
-
-std::unique_ptr<ProviderConnection> imageSessionFor(const QString& connectionString) {
-    std::shared_ptr<image::CatalogImage> found;
-    {
-        ImagesInUse& images = imagesInUse();
-        const std::lock_guard lock(images.guard);
-        const auto at = images.byConnection.find(connectionString);
-        if (at == images.byConnection.end()) return nullptr;
-        found = at->second;
-    }
-    return image::sessionOver(std::move(found),
-                              [connectionString] { return openDirectly(connectionString); });
+    for (const QString& connection : connectionStrings_) useImage(connection, nullptr);
 }
 
 }  // namespace zov

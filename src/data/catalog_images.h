@@ -36,8 +36,4 @@ class CatalogImages {
     QStringList connectionStrings_;  ///< those that this object has put in
 };
 
-/// A session over the image that answers for this connection string; null when there is none. From
-/// any thread.
-std::unique_ptr<ProviderConnection> imageSessionFor(const QString& connectionString);
-
 }  // namespace zov

@@ -157,9 +157,4 @@ bool readCatalogues(std::vector<CatalogueWanted>& wanted, const ReadingProgress&
     return true;
 }
 
-std::unique_ptr<ProviderConnection> openDirectly(const QString& connectionString) {
-    const ConnectionSpec spec = ConnectionSpec::parse(connectionString);
-    return providerFor(spec.dataSource).open(spec, false);
-}
-
 }  // namespace zov

@@ -27,7 +27,4 @@ using ReadingProgress = std::function<void(const QString& doing)>;
 /// kept in `reason` and reported nowhere else.
 bool readCatalogues(std::vector<CatalogueWanted>& wanted, const ReadingProgress& progress);
 
-/// A session with the server itself, whatever images are in use.
-std::unique_ptr<ProviderConnection> openDirectly(const QString& connectionString);
-
 }  // namespace zov

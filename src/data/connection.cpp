@@ -1,6 +1,6 @@
 #include "data/connection.h"
 
-#include "data/catalog_images.h"
+#include "data/images_in_use.h"
 #include "data/providers.h"
 #include "data/row_source.h"
 

@@ -11,4 +11,9 @@ Provider& providerFor(const QString& dataSource) {
     return local::isLocalDataSource(dataSource) ? local::localProvider() : odbc::odbcProvider();
 }
 
+std::unique_ptr<ProviderConnection> openDirectly(const QString& connectionString) {
+    const ConnectionSpec spec = ConnectionSpec::parse(connectionString);
+    return providerFor(spec.dataSource).open(spec, false);
+}
+
 }  // namespace zov

@@ -4,6 +4,7 @@
 #include "data/image/image_statements.h"
 #include "data/image/snapshot_provider.h"
 #include "data/mdlData.h"
+#include "data/providers.h"
 
 #include <QDateTime>
 

@@ -2,7 +2,7 @@
 // line, starts up as the desktop does, runs one command.
 #include "apps/cli/cli_options.h"
 #include "apps/cli/cli_support.h"
-#include "apps/memory_reserve.h"
+#include "apps/memory/memory_reserve.h"
 #include "apps/unattended/unattended_shell.h"
 #include "core/error_report.h"
 #include "core/globals.h"

@@ -1,5 +1,5 @@
 // The desktop program, and its run without a window.
-#include "apps/memory_reserve.h"
+#include "apps/memory/memory_reserve.h"
 #include "apps/unattended/unattended_replay.h"
 #include "core/error_report.h"
 #include "core/globals.h"

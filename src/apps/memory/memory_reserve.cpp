@@ -6,7 +6,7 @@
 //
 // Linked into the programs alone. The allocating functions of the C library are found behind these,
 // so that whatever is loaded in front of it stays in force.
-#include "apps/memory_reserve.h"
+#include "apps/memory/memory_reserve.h"
 
 #include <cstdlib>
 
