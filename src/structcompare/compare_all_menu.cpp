@@ -29,6 +29,7 @@ RunVerdict runWithForm(CompareAllWindow& window, frmCompareAllTables::Request& s
         request.kinds = form.chkObjType;
         const StructureRun run = CompareAll_Structure(form, request, window.panels);
         objectTypes = run.objectTypesChosen;
+        if (window.note && !run.notes.isEmpty()) window.note(run.notes.join(u' '));
         if (run.finished)
             verdict = !run.isWhole()         ? RunVerdict::Trouble
                       : run.somethingDiffers ? RunVerdict::Different

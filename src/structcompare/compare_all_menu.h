@@ -6,6 +6,8 @@
 #include "structcompare/frmCompareAllTables.h"
 #include "structcompare/modCompareAll.h"
 
+#include <functional>
+
 namespace zov {
 
 /// The main window around the comparison.
@@ -15,6 +17,8 @@ struct CompareAllWindow {
     ComparePanels& panels;
     ObjectChooser& listObjects;
     ReportScreen& report;
+    /// Shows a sentence that is no trouble, in the status bar; may be empty.
+    std::function<void(const QString& sentence)> note = {};
 };
 
 /// What a saved process hands in where a user would be asked.

@@ -102,6 +102,23 @@ TEST_F(CompareAllScreen, TheMenusOpenTheReportWithItsCodes) {
     EXPECT_EQ(shell_.waitDepth, 0);
 }
 
+TEST_F(CompareAllScreen, TheWindowIsToldWhyAServerIsAskedObjectByObject) {
+    QStringList notes;
+    window_.note = [&](const QString& sentence) { notes += sentence; };
+    const ScopedValue<bool> atOnce(globals().gblnUseCatalogImage, true);
+    CompareAllObjects(window_);
+    EXPECT_EQ(notes, QStringList());
+    test::ServedDatabases old(test::Road::Embedded, QStringLiteral("8.00.2039"));
+    old.load(QStringLiteral("Src"), QStringLiteral("CREATE TABLE A (x int)\nGO\n"));
+    globals().gtCurrentServers[SourcePanel] = old.server();
+    CompareAllObjects(window_);
+    ASSERT_EQ(notes.size(), 1);
+    EXPECT_EQ(notes[0].toStdString(),
+              old.server().Name.toStdString() +
+                  ".Src is asked object by object: servers below version 9 don't have the views "
+                  "that it is read from.");
+}
+
 TEST_F(CompareAllScreen, AllObjectsAreEveryKindThatIsCompared) {
     for (const bool constraints : {false, true}) {
         globals().gblnAnalyzeConstraints = constraints;

@@ -64,6 +64,7 @@ void frmMain::runOnScratch(const char* handler, const std::function<void(Compare
         Panels& panels = view_.panels();
         CompareAllWindow window{panels.source.pvlDb, panels.target.pvlDb, scratch,
                                 screens_.listObjects(), screens_};
+        window.note = [this](const QString& sentence) { view_.setStatusText(sentence); };
         run(window);
     });
 }
