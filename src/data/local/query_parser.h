@@ -107,5 +107,7 @@ class QueryParser {
 
 /// "Incorrect syntax near 'x'." for the token, with its line.
 [[noreturn]] void failNear(const Token& token);
+/// Something stands there once too often.
+[[noreturn]] void failTooMany(qint32 native, const QString& text, const Token& token);
 
 }  // namespace zov::local
