@@ -163,7 +163,12 @@ class Expander {
         script_.notes += QStringLiteral("%1:%2: %3").arg(file_).arg(line_).arg(sentence);
     }
 
-    QString substitutedRest(const QString& rest) { return substituted(rest, {}).trimmed(); }
+    /// What stands behind a command is one text to the line's end, without comments.
+    QString substitutedRest(const QString& rest) {
+        ScriptLineState text;
+        text.openQuote = u'\n';
+        return substituted(rest, text).trimmed();
+    }
 
     void carryOut(const Command& command, const QString& end) {
         const QString& name = command.name;

@@ -76,6 +76,8 @@ TEST(SqlcmdScript, BecomesAPlainOne) {
          "SELECT 1, '1', [1]\n"},
         {"not in comments", ":setvar A 1\n-- $(A)\n/* $(A)\n$(A) */ $(A)\n",
          "-- $(A)\n/* $(A)\n$(A) */ 1\n"},
+        {"no comments behind a command", ":setvar A 1\n:setvar B a--$(A)/*$(A)\n'$(B)'\n",
+         "'a--1/*1'\n"},
         {"quoted values", ":setvar A \"a \"\"b\"\" c\"\n$(A)\n", "a \"b\" c\n"},
         {"values of values", ":setvar A x\n:setvar B $(A)y\n$(B)\n", "xy\n"},
         {"a value isn't looked through again",
