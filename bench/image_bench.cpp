@@ -2,6 +2,7 @@
 // read at once and, for the smaller number of objects, asked object by object; and on the embedded
 // server. Arguments: objects a side (2000 10000).
 #include "bench_tools.h"
+#include "structure_runs.h"
 
 #include "catalog/panel_loading.h"
 #include "core/globals.h"
@@ -65,29 +66,15 @@ void load(const ServerInfo& server, const QString& database, const QString& scri
         std::printf("%s\n", qPrintable(problem.toString()));
 }
 
-struct SilentForm : CompareAllForm {
-    void showRunning() override {}
-    void setComparing(int, const QString&) override {}
-    void setCurrentName(const QString&) override {}
-    void setTime(const QString&) override {}
-    void runStatusTimer(bool) override {}
-};
-
 double timedRun(ServerInfo server, int objects, bool image) {
     CheckSQLServerVersion(server);
-    globals().gtCurrentServers[SourcePanel] = globals().gtCurrentServers[TargetPanel] = server;
     globals().gblnUseCatalogImage = image;
-    StructureRunRequest request;
-    request.sourceDb = QStringLiteral("Source%1").arg(objects);
-    request.targetDb = QStringLiteral("Target%1").arg(objects);
-    request.kinds = {true, true, true, true, true, true};
-    request.details = true;
-    SilentForm form;
-    MemoryObjectList lists[2];
-    MemoryTextPane panes[2];
-    ComparePanels panels{{lists[0], panes[0]}, {lists[1], panes[1]}};
     StructureRun run;
-    const double took = bench::seconds([&] { run = CompareAll_Structure(form, request, panels); });
+    const double took = bench::seconds([&] {
+        run = bench::compareStructures(server, QStringLiteral("Source%1").arg(objects),
+                                       QStringLiteral("Target%1").arg(objects),
+                                       {true, true, true, true, true, true});
+    });
     for (const QString& note : run.notes) std::printf("%s\n", qPrintable(note));
     if (!run.isWhole()) std::printf("The run isn't whole.\n");
     return took;

@@ -2,6 +2,7 @@
 // text tests on long sources. Each figure stands beside the one for twice the
 // size. Argument: tables and procedures a side (1000).
 #include "bench_tools.h"
+#include "structure_runs.h"
 
 #include "catalog/panel_loading.h"
 #include "core/globals.h"
@@ -64,27 +65,11 @@ bool load(const ServerInfo& server, const QString& database, const QString& scri
     return outcome.problems.empty();
 }
 
-struct SilentForm : CompareAllForm {
-    void showRunning() override {}
-    void setComparing(int, const QString&) override {}
-    void setCurrentName(const QString&) override {}
-    void setTime(const QString&) override {}
-    void runStatusTimer(bool) override {}
-};
-
 bool compare(ServerInfo server, int count) {
     CheckSQLServerVersion(server);
-    globals().gtCurrentServers[SourcePanel] = globals().gtCurrentServers[TargetPanel] = server;
-    StructureRunRequest request;
-    request.sourceDb = QStringLiteral("Source%1").arg(count);
-    request.targetDb = QStringLiteral("Target%1").arg(count);
-    request.kinds = {true, true};
-    request.details = true;
-    SilentForm form;
-    MemoryObjectList lists[2];
-    MemoryTextPane panes[2];
-    ComparePanels panels{{lists[0], panes[0]}, {lists[1], panes[1]}};
-    return CompareAll_Structure(form, request, panels).finished;
+    return bench::compareStructures(server, QStringLiteral("Source%1").arg(count),
+                                    QStringLiteral("Target%1").arg(count))
+        .finished;
 }
 
 ServerInfo embeddedServer() {

@@ -4,6 +4,7 @@
 //
 //   tools_bench [ROWS [OBJECTS]]     1,000,000 rows, 2,000 objects
 #include "bench_tools.h"
+#include "structure_runs.h"
 
 #include "analysis/table_analysis.h"
 #include "core/globals.h"
@@ -126,27 +127,11 @@ void analyzer(const QString& folder, int rows) {
                 static_cast<long long>(values), rows, took, took / yardstick, grown);
 }
 
-struct SilentForm : CompareAllForm {
-    void showRunning() override {}
-    void setComparing(int, const QString&) override {}
-    void setCurrentName(const QString&) override {}
-    void setTime(const QString&) override {}
-    void runStatusTimer(bool) override {}
-};
-
 double bulkComparison(const ServerInfo& server) {
-    globals().gtCurrentServers[SourcePanel] = globals().gtCurrentServers[TargetPanel] = server;
+    const QString database = QStringLiteral("Objects");
     return bench::seconds(
         [&] {
-            StructureRunRequest request;
-            request.sourceDb = request.targetDb = QStringLiteral("Objects");
-            request.kinds = {true, true};
-            request.details = true;
-            SilentForm form;
-            MemoryObjectList lists[2];
-            MemoryTextPane panes[2];
-            ComparePanels panels{{lists[0], panes[0]}, {lists[1], panes[1]}};
-            if (!CompareAll_Structure(form, request, panels).finished) std::exit(2);
+            if (!bench::compareStructures(server, database, database).finished) std::exit(2);
         },
         3);
 }
