@@ -3,6 +3,7 @@
 #include "catalog/panel_loading.h"
 #include "core/globals.h"
 #include "core/run_account.h"
+#include "data/image/image_statements.h"
 #include "shell/shell.h"
 
 #include <QRegularExpression>
@@ -46,10 +47,8 @@ bool seesWholeCatalogue(const ServerInfo& server, const QString& database, QStri
         const ScopedValue<bool> silent(globals().gblnSuppressConnErrors, true);
         try {
             std::unique_ptr<Recordset> rs;
-            if (GetAdoRS(server, adCmdText,
-                         QStringLiteral(
-                             "SELECT HAS_PERMS_BY_NAME(DB_NAME(), 'DATABASE', 'VIEW DEFINITION')"),
-                         rs, database) != -1 &&
+            if (GetAdoRS(server, adCmdText, QString::fromLatin1(image::rightsStatement), rs,
+                         database) != -1 &&
                 rs && !rs->isEof())
                 sees = rs->field(0).toInt64() == 1;
         } catch (...) {

@@ -41,8 +41,8 @@ TEST_F(SnapshotCommand, TheFileIsComparedAsTheDatabaseItIsOf) {
 
 TEST_F(SnapshotCommand, WhatNeedsRowsIsRefused) {
     keep();
-    const QString refusal =
-        QStringLiteral("zovrand-cli: ") + file + QStringLiteral(" holds no rows.\n");
+    const QString refusal = QStringLiteral("zovrand-cli: ") + file +
+                            QStringLiteral(" holds no rows; name its server instead.\n");
     const QStringList commands[] = {
         {"data", "--source", snapshot, "--source-db", "Before", "--target", Server, "--target-db",
          "After"},

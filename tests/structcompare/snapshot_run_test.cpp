@@ -117,9 +117,10 @@ TEST_P(Snapshots, RefuseWhatTheyDoNotHold) {
         const char* statement;
         const char* told;  ///< behind the file's name; empty: it is answered
     } rows[] = {
-        {"Src", "SELECT a FROM T", " holds no rows."},
-        {"Src", "SELECT COUNT(*) AS RecsCount FROM [dbo].[T]", " holds no rows."},
-        {"Src", "DELETE FROM T", " holds no rows."},
+        {"Src", "SELECT a FROM T", " holds no rows; name its server instead."},
+        {"Src", "SELECT COUNT(*) AS RecsCount FROM [dbo].[T]",
+         " holds no rows; name its server instead."},
+        {"Src", "DELETE FROM T", " holds no rows; name its server instead."},
         {"Src", "SELECT rows FROM sysindexes",
          " holds the structure that comparisons need, and not this part of the catalog."},
         {"Src", "SELECT name FROM sysobjects", ""},

@@ -70,7 +70,10 @@ class RowInsert {
 
     void insert(const RowStore& rows, qsizetype row) {
         const int taken = sqlite3_bind_parameter_count(statement_);
-        for (int i = 0; i < taken && i < rows.columnCount(); ++i) bind(i + 1, rows.cell(row, i));
+        // What isn't there would pass for null, on both sides.
+        if (rows.columnCount() < taken)
+            throw NoImage{QStringLiteral("its views answer with fewer columns than expected")};
+        for (int i = 0; i < taken; ++i) bind(i + 1, rows.cell(row, i));
         const int code = sqlite3_step(statement_);
         sqlite3_reset(statement_);
         if ((code & 0xff) == SQLITE_CONSTRAINT)
@@ -197,7 +200,7 @@ void ImageReading::begin() {
     if (majorOf(version) < FirstVersion) throw NoImage{oldVersionReason()};
     if (!local::Collation::named(collation_)->rules().known || collation_.isEmpty())
         throw NoImage{QStringLiteral("its collation %1 isn't known").arg(collation_)};
-    counts_ = counts();
+    counts_ = hashOfAnswer(countsStatement);
     image_ = std::make_shared<CatalogImage>(
         std::make_unique<local::MemoryDatabase>(fact(4), name, version, collation_));
     sqlite3* handle = image_->database().handle();
@@ -205,12 +208,17 @@ void ImageReading::begin() {
     local::execSql(handle, emptyCatalogueSql);
 }
 
-QByteArray ImageReading::counts() {
+QByteArray ImageReading::hashOfAnswer(const char* select) {
     QCryptographicHash seen(QCryptographicHash::Sha1);
-    eachBlock(*session_, countsStatement, timeout_, [&](const RowStore& rows) {
+    eachBlock(*session_, select, timeout_, [&](const RowStore& rows) {
         for (qsizetype row = 0; row < rows.rowCount(); ++row) addRow(seen, rows, row);
     });
     return seen.result();
+}
+
+/// Whether the server still says of its counts and objects what it said at first.
+bool ImageReading::isAltered() {
+    return hashOfAnswer(objectsStatement) != objects_ || hashOfAnswer(countsStatement) != counts_;
 }
 
 void ImageReading::fill(const char* select, const char* insert, QCryptographicHash* seen) {
@@ -234,14 +242,6 @@ void ImageReading::readObjects() {
     objects_ = seen.result();
 }
 
-QByteArray ImageReading::objectsSeen() {
-    QCryptographicHash seen(QCryptographicHash::Sha1);
-    eachBlock(*session_, objectsStatement, timeout_, [&](const RowStore& rows) {
-        for (qsizetype row = 0; row < rows.rowCount(); ++row) addRow(seen, rows, row);
-    });
-    return seen.result();
-}
-
 /// What the server says is held against what the image says.
 void ImageReading::probe(const char* select, bool names) {
     const RowStore server = wholeAnswer(*session_, select, timeout_);
@@ -259,7 +259,7 @@ void ImageReading::probe(const char* select, bool names) {
             agree = same(row, column);
     if (agree) return;
     // An alteration in between looks the same.
-    if (counts() != counts_ || objectsSeen() != objects_) throw ChangedMeanwhile{};
+    if (isAltered()) throw ChangedMeanwhile{};
     throw NoImage{names
                       ? QStringLiteral("the server sorts its names otherwise than collation %1 is "
                                        "understood here")
@@ -269,7 +269,7 @@ void ImageReading::probe(const char* select, bool names) {
 }
 
 void ImageReading::finish() {
-    if (objectsSeen() != objects_ || counts() != counts_) throw ChangedMeanwhile{};
+    if (isAltered()) throw ChangedMeanwhile{};
     // An identity without its seed is one that the login may not see.
     sqlite3_stmt* unseen = nullptr;
     local::checkSqlite(

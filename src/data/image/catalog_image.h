@@ -69,8 +69,8 @@ class ImageReading {
     void probe(const char* select, bool names);
     void readObjects();
     void finish();
-    QByteArray counts();
-    QByteArray objectsSeen();
+    QByteArray hashOfAnswer(const char* select);
+    bool isAltered();
 
     std::shared_ptr<ProviderConnection> session_;
     int timeout_;

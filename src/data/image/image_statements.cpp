@@ -109,7 +109,7 @@ const char* const databaseStatement =
     "CONVERT(nvarchar(128), SERVERPROPERTY('ServerName')) AS server";
 
 const char* const rightsStatement =
-    "SELECT HAS_PERMS_BY_NAME(DB_NAME(), 'DATABASE', 'VIEW DEFINITION') AS sees_all";
+    "SELECT HAS_PERMS_BY_NAME(DB_NAME(), 'DATABASE', 'VIEW DEFINITION')";
 
 const char* const countsStatement =
     "SELECT (SELECT COUNT(*) FROM sysobjects) AS objects, (SELECT COUNT(*) FROM syscolumns) AS "

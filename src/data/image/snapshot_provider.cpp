@@ -105,7 +105,7 @@ bool isSnapshotSource(const QString& dataSource) {
 }
 
 QString noRowsText(const QString& dataSource) {
-    return QStringLiteral("%1 holds no rows.").arg(shownFile(dataSource));
+    return QStringLiteral("%1 holds no rows; name its server instead.").arg(shownFile(dataSource));
 }
 
 std::shared_ptr<Snapshot> snapshotOf(const QString& dataSource) {
